@@ -1,0 +1,41 @@
+# What every target of the project shares: language level, warnings, sanitizers, where things land.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+
+set(ZV32_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
+if(ZV32_SANITIZE)
+  add_compile_options(-fsanitize=${ZV32_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${ZV32_SANITIZE})
+endif()
+
+# LD_LIBRARY_PATH has to go first, so a RUNPATH, never an RPATH.
+add_link_options(-Wl,--enable-new-dtags -Wl,--no-undefined)
+
+# A site may drop in its own build of the two libraries, so the console finds them relative to itself.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_BUILD_RPATH "$ORIGIN/../lib")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+set(CMAKE_SKIP_BUILD_RPATH OFF)
+
+# Every include path is spelled from the project's root: "link/CCom.h".
+include_directories(${PROJECT_SOURCE_DIR})
+
+# zv32_console_folder(NAME SOURCES... [LINK ...]): one console folder, a static library on Qt Core.
+function(zv32_console_folder name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC Qt5::Core ${ARG_LINK})
+endfunction()
+
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core)
+find_package(Threads REQUIRED)
