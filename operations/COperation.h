@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QObject>
+#include <QThread>
+
+#include <atomic>
+#include <string>
+
+#include "operations/OperationTypes.h"
+
+class CBootLoader;
+
+// One long device job: prepare (InitAction), work in a loop (Action), finish (ActionDone), each stage
+// reported to the listener. A top-level job runs on its own thread. A sub-operation runs on the
+// thread of the job that owns it, reports only its start and its progress, and hands its failure to
+// its owner as a return value. Results are 0 or a CResult code.
+class COperation : public QThread {
+public:
+    COperation() = default;
+    explicit COperation(CBootLoader *obBootLoader);
+    // A job may be deleted once WaitUntilEnded has returned; CBootLoader::FreeOperation does both.
+    ~COperation() override;
+
+    void run() override;
+    // Asks a started job to stop between two steps; without effect on one that was not started.
+    virtual void Cancel();
+    // The whole job on the calling thread: InitAction, Action until done, ActionDone, all events.
+    virtual int Work();
+    virtual int InitAction();
+    // Ends by COMMAND_DONE or with a code, or Work calls it again.
+    virtual int Action();
+    virtual int ActionDone();
+    // Sets m_ActionInfo.m_iPercent.
+    virtual void CalculatePercent();
+    virtual void CalculatePercent(QObject obj);
+    // Copies the job's parameter record, to which the pointer points.
+    virtual void SetParameters(void *p);
+    // Installs the listener, an lpFunc; null removes it. Once the job runs, only its own thread may.
+    virtual void SetOperationInfoDelegate(void *pFun);
+
+    // Marks the job as owned by another one.
+    void SetSubOperation(bool bSub);
+    bool IsSubOperation() const;
+
+    // Runs a sub-operation to its end and returns its result; starts the thread of a top-level job
+    // and returns 0.
+    int Start();
+    // Clears the started mark; interrupts nothing.
+    void Stop();
+    bool HasStart() const;
+    // Returns when the job's thread, if it has one, has left the job for good.
+    void WaitUntilEnded();
+
+    void ChangeStatus(Status emStatus);
+    void CallCommand(Command emCommand);
+    bool IsContinue() const;
+    bool IsCancel() const;
+    bool IsDone() const;
+
+    // Raises one event. A sub-operation raises neither ABEND, CANCEL nor DONE.
+    void Callback(InfoType Type);
+
+    OP_Type m_EmType = OP_ERASE;
+    std::string m_strName;
+    bool m_bSubOperation = false;
+    std::atomic<Status> m_emStatus{STOP};
+    std::atomic<Command> m_emCommand{COMMAND_NONE};
+    CBootLoader *m_obBootLoader = nullptr; // not owned
+    CBaseInfo m_BaseInfo;
+    CInitInfo m_InitInfo;
+    CActionInfo m_ActionInfo;
+    CAbendInfo m_AbendInfo;
+    std::string m_strInfoStringName; // with INFO_TYPE_INFO, which no job raises
+    lpFunc m_lpFunc = nullptr;
+
+private:
+    int abend(int result);
+    int finish();
+};

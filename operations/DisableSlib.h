@@ -1,0 +1,16 @@
+#pragma once
+
+#include "operations/COperation.h"
+
+// Disables the sLib area, which erases its sectors. Done means that the chip, restarted, shows none.
+class CDisableSlib : public COperation {
+public:
+    explicit CDisableSlib(CBootLoader *obBootLoader);
+
+    int InitAction() override;
+    // SLIB_DISABLE_PASSWORD_ERROR, and nothing changed, for a password that cannot be or is not the one.
+    int Action() override;
+    void SetParameters(void *p) override; // a uint, the password
+
+    uint m_uiPassword = 0;
+};

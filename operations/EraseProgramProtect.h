@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QList>
+
+#include "operations/COperation.h"
+
+// Protects sectors against erasing and programming, beside those protected already. Done means that
+// the chip, restarted, shows every listed sector protected.
+class CEraseProgramProtect : public COperation {
+public:
+    explicit CEraseProgramProtect(CBootLoader *obBootLoader);
+
+    int InitAction() override;
+    int Action() override;
+    void SetParameters(void *p) override; // a QList<int> of sector numbers
+
+    QList<int> m_iSectorIndex;
+};
