@@ -1,0 +1,48 @@
+#!/bin/bash
+# Installs what is missing, builds, and runs all tests.
+#
+# usage: ./test.sh [--all]
+#   --all  also builds with clang++ and runs the tests under AddressSanitizer with
+#          UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
+set -eu
+cd "$(dirname "$0")"
+
+all=
+case "${1:-}" in
+    "") ;;
+    --all) all=yes ;;
+    *) echo "usage: $0 [--all]" >&2; exit 2 ;;
+esac
+
+tools/install-packages.sh test
+
+jobs=$(nproc)
+
+# build PRESET: configures and builds, and shows what the compiler said only when it failed.
+build() {
+    log=build/$1.log
+    mkdir -p build
+    echo "== build: $1"
+    { cmake --preset "$1" && cmake --build --preset "$1" -j "$jobs"; } >"$log" 2>&1 || {
+        tail -n 60 "$log"
+        exit 1
+    }
+}
+
+# run PRESET [CTEST-ARGS]: runs the tests of a build, in parallel.
+run() {
+    preset=$1
+    shift
+    echo "== tests: $preset"
+    ctest --preset "$preset" -j "$((jobs * 2))" --no-tests=error --schedule-random "$@"
+}
+
+build release
+run release
+if [ -n "$all" ]; then
+    build clang
+    build asan
+    run asan
+    build tsan
+    run tsan -L console
+fi
