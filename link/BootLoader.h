@@ -3,8 +3,10 @@
 #include <QList>
 #include <QtGlobal>
 #include <string>
+#include <vector>
 
 #include "device/Device.h"
+#include "device/FilesInc.h"
 #include "foundation/LibraryTypes.h"
 #include "link/EnBank3Param.h"
 #include "link/ZVBLLIB.h"
@@ -146,4 +148,19 @@ public:
     int HasBeenEraseProgramProtect(QList<int> sectors);
     // Removes flash access protection, which erases the flash, and reconnects, on the calling thread.
     int ReadoutUnProtectNoThread();
+
+private:
+    // A status byte of the library: link start by interface type.
+    BYTE startBootloader();
+    BYTE startUsart();
+    BYTE startCan();
+    // The family number and the PID, flash size and series texts that a device description is asked for by.
+    int familyNumber() const;
+    int identify(std::string &pid, std::string &series, int &flashSize);
+    // Reads the compact form into a block of its own.
+    int readOptionBytes(std::vector<BYTE> &block);
+    int ensureUserSystemData();
+    int openUserSystemDataFile(const std::string &path, PIMAGEELEMENT &element);
+    int takeElement(PIMAGEELEMENT element);
+    int probeFlashSizeRegister();
 };

@@ -1,0 +1,180 @@
+// The option bytes on their way between the chip, the model and a file.
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "files/UserSystemDataFile.h"
+#include "foundation/Result.h"
+#include "foundation/ShareParameter.h"
+#include "link/BootLoader.h"
+#include "link/Reconnect.h"
+#include "usersystemdata/CUserSystemData.h"
+
+namespace {
+
+// Bytes of an element form that is taken at all.
+constexpr quint32 LongestElement = 4096;
+constexpr quint32 ShortestElement = USERSYSTEMDATA_LENGTH_403;
+
+// The chips that take new option bytes into use only after a reset by command.
+bool needsResetAfterWrite(int family) {
+    return family == ZV32F435 || family == ZV32F437;
+}
+
+bool isElementLength(DWORD length) {
+    return length >= ShortestElement && length <= LongestElement;
+}
+
+} // namespace
+
+int CBootLoader::familyNumber() const {
+    return static_cast<int>(std::strtoul(m_ObDevice->m_StrSerial.c_str(), nullptr, 16));
+}
+
+int CBootLoader::readOptionBytes(std::vector<BYTE> &block) {
+    const int length = CUserSystemData::GetUserSystemDataLength(familyNumber(), m_BID,
+                                                                static_cast<int>(m_ObDevice->m_ISectorSize));
+    block.assign(static_cast<size_t>(length), 0xFF);
+    const int status = TARGET_GetUserSystemData(m_handle, m_ObDevice->m_UiUserSystemDataAddress, block.data(),
+                                                static_cast<unsigned int>(length));
+    return CResult::Convert(status);
+}
+
+int CBootLoader::GetUserSystemData() {
+    if (m_ObDevice == nullptr)
+        return CResult::UNKNOWN_ERROR;
+    std::vector<BYTE> block;
+    const int result = readOptionBytes(block);
+    if (result != CResult::SUCCESS)
+        return result;
+    const auto length = static_cast<quint32>(block.size());
+    if (m_ObUserSystemData != nullptr)
+        m_ObUserSystemData->Set(block.data(), length);
+    else
+        m_ObUserSystemData = new CUserSystemData(familyNumber(), m_BID, m_ObDevice, block.data(), length);
+    return result;
+}
+
+int CBootLoader::ensureUserSystemData() {
+    return m_ObUserSystemData != nullptr ? CResult::SUCCESS : GetUserSystemData();
+}
+
+int CBootLoader::SetUserSystemData() {
+    ensureUserSystemData();
+    if (m_ObDevice == nullptr || m_ObUserSystemData == nullptr)
+        return CResult::UNKNOWN_ERROR;
+    BYTE *bytes = nullptr;
+    const quint32 length = m_ObUserSystemData->Get(bytes);
+    const std::unique_ptr<BYTE[]> block(bytes);
+    int status = TARGET_SetUserSystemData(m_handle, m_ObDevice->m_UiUserSystemDataAddress, bytes, length);
+    if (status == 0 && needsResetAfterWrite(familyNumber()))
+        status = ZVBL_ResetMCU(m_handle);
+    if (status != 0)
+        return CResult::Convert(status);
+    reopenAfterReset(m_handle);
+    waitForBootloader();
+    Connect();
+    return CResult::SUCCESS;
+}
+
+int CBootLoader::SaveUserSystemDatatoFile(std::string path) {
+    if (m_ObDevice == nullptr)
+        return CResult::UNKNOWN_ERROR;
+    if (m_ObUserSystemDataFile == nullptr)
+        m_ObUserSystemDataFile = new CUserSystemDataFile;
+    int result = m_ObUserSystemDataFile->Create(m_ObDevice);
+    if (result != CResult::SUCCESS)
+        return result;
+    const PIMAGEELEMENT element = m_ObUserSystemDataFile->GetElement();
+    if (element == nullptr)
+        return CResult::UNKNOWN_ERROR;
+    result = ensureUserSystemData();
+    if (result != CResult::SUCCESS)
+        return result;
+    BYTE *bytes = nullptr;
+    const quint32 length = m_ObUserSystemData->GetElementData(bytes);
+    const std::unique_ptr<BYTE[]> image(bytes);
+    if (length < element->dwDataLength)
+        return CResult::UNKNOWN_ERROR;
+    std::memcpy(element->Data, bytes, element->dwDataLength);
+    result = m_ObUserSystemDataFile->SetElement(true);
+    return result != CResult::SUCCESS ? result : m_ObUserSystemDataFile->Save(path);
+}
+
+int CBootLoader::openUserSystemDataFile(const std::string &path, PIMAGEELEMENT &element) {
+    if (m_ObUserSystemDataFile == nullptr)
+        m_ObUserSystemDataFile = new CUserSystemDataFile;
+    const int result = m_ObUserSystemDataFile->Open(path, nullptr);
+    if (result != CResult::SUCCESS)
+        return result;
+    element = m_ObUserSystemDataFile->GetElement();
+    return element == nullptr ? CResult::FILES_EMPTY : CResult::SUCCESS;
+}
+
+int CBootLoader::takeElement(PIMAGEELEMENT element) {
+    if (!isElementLength(element->dwDataLength))
+        return CResult::FILES_BADPARAMETER;
+    if (m_ObUserSystemData == nullptr)
+        return CResult::UNKNOWN_ERROR;
+    return m_ObUserSystemData->SetElementData(element) ? CResult::SUCCESS : CResult::FILES_BADPARAMETER;
+}
+
+int CBootLoader::LoadUserSystemDataFromFile(std::string path) {
+    PIMAGEELEMENT element = nullptr;
+    const int result = openUserSystemDataFile(path, element);
+    if (result != CResult::SUCCESS)
+        return result;
+    ensureUserSystemData();
+    return takeElement(element);
+}
+
+int CBootLoader::LoadUserSystemDataFromFileToDevice(std::string path) {
+    PIMAGEELEMENT element = nullptr;
+    int result = openUserSystemDataFile(path, element);
+    if (result == CResult::SUCCESS)
+        result = ensureUserSystemData();
+    if (result == CResult::SUCCESS)
+        result = takeElement(element);
+    return result != CResult::SUCCESS ? result : SetUserSystemData();
+}
+
+int CBootLoader::LoadUserSystemDataFromFileToDeviceExceptFAP(std::string path) {
+    PIMAGEELEMENT element = nullptr;
+    int result = openUserSystemDataFile(path, element);
+    if (result == CResult::SUCCESS)
+        result = GetUserSystemData(); // the byte to keep is the one of now
+    if (result != CResult::SUCCESS)
+        return result;
+    const BYTE protection = m_ObUserSystemData->FAP;
+    result = takeElement(element);
+    m_ObUserSystemData->SetFAP(protection);
+    return result != CResult::SUCCESS ? result : SetUserSystemData();
+}
+
+int CBootLoader::LoadUserSystemDataToDevice(BYTE *data, quint32 len) {
+    if (data == nullptr)
+        return CResult::FILES_EMPTY;
+    const int result = ensureUserSystemData();
+    if (result != CResult::SUCCESS)
+        return result;
+    if (len > LongestElement)
+        return CResult::FILES_BADPARAMETER;
+    // MEANT: there is no lower limit here; too little data writes what the chip holds.
+    m_ObUserSystemData->SetElementData(data, len);
+    return SetUserSystemData();
+}
+
+int CBootLoader::LoadUserSystemDataToDeviceExceptFAP(BYTE *data, quint32 len) {
+    if (data == nullptr)
+        return CResult::FILES_EMPTY;
+    const int result = GetUserSystemData();
+    if (result != CResult::SUCCESS)
+        return result;
+    if (!isElementLength(len))
+        return CResult::FILES_BADPARAMETER;
+    const BYTE protection = m_ObUserSystemData->FAP;
+    m_ObUserSystemData->SetElementData(data, len);
+    m_ObUserSystemData->SetFAP(protection);
+    return SetUserSystemData();
+}
