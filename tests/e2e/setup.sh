@@ -20,9 +20,27 @@ chip_off() {
     chip_pid=
 }
 
+# chip_new NAME [OPTION...]: another chip, fresh from the factory, in the place of this one.
+chip_new() {
+    chip_off
+    rm -f chip.state
+    chip_on "$@"
+}
+
 # isp WORD...: the console without its banner; of a line that is overwritten by carriage returns, what
-# stands there in the end.
+# stands there in the end. Sleeps are short.
 isp() {
-    ZV32_ISP_Console "$@" | sed -u -e '1,5d' -e 's/.*\r//'
+    LD_PRELOAD=$BUILD/doubles/libshort_sleep.so ZV32_ISP_Console "$@" | sed -u -e '1,5d' -e 's/.*\r//'
     return "${PIPESTATUS[0]}"
+}
+
+# line WORD...: isp on the chip at ./port, without the lines of the connect.
+line() {
+    isp -com --pn "$PWD/port" "$@" | sed -u -e '1,/^$/d'
+    return "${PIPESTATUS[0]}"
+}
+
+# pairs: shows the option bytes of a file as value and complement, two bytes a pair, from standard input.
+pairs() {
+    od -An -v -tx1 -w16 | head -n "${1:-4}"
 }

@@ -1,0 +1,39 @@
+One record is 38 bytes: offset, 32 bytes, lock flag, write flag. A flag of 0 means: do it.
+
+  $ . "$SETUP"
+  $ chip_on ZV32M412_256K
+  $ record() { printf "\\x00\\x00\\x00\\x$1"; head -c 32 /dev/zero | tr '\0' "$2"; printf "\\x$3\\x$4"; }
+
+Two records: the first one is written and locked. A file of two records yields one of them, so a third
+stands behind.
+
+  $ { record 00 A 00 00; record 20 B 01 00; record 40 C 01 01; } > data.zvtp
+  $ line -otp --fn ./data.zvtp
+  $ line -otp --fn ./data.zvtp
+
+A locked block can't be written again; one that is not locked can't be written twice either.
+
+  $ { record 00 D 01 00; head -c 2 /dev/zero; } > again.ZVTP
+  $ line -otp --fn ./again.ZVTP
+  $ { record 40 C 00 00; head -c 2 /dev/zero; } > third.zvtp
+  $ line -otp --fn ./third.zvtp
+
+A file of 38 bytes holds no record, and one that does not exist holds none either:
+
+  $ record 60 E 00 00 > short.zvtp
+  $ line -otp --fn ./short.zvtp
+  $ line -otp --fn ./none.zvtp
+  $ line -otp
+
+Names:
+
+  $ line -otp --fn ./data.bin
+  $ line -otp --fn ./data.bin -e
+  $ line -otp --fn zvtp
+  $ line -otp --fn
+  $ line -otp foo
+
+A family without OTP: the writes go to low addresses, and the chip refuses them.
+
+  $ chip_new ZV32F403A_1024K
+  $ line -otp --fn ./data.zvtp

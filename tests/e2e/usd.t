@@ -1,0 +1,37 @@
+Option bytes to a file and back, on a chip of each layout.
+
+  $ . "$SETUP"
+  $ for chip in ZV32F403A_1024K ZV32F415_128K ZV32F415_256K ZV32L021_64K ZV32F457_1024K ZV32F437_1024K ZV32F437_4032K ZV32F422_64K; do
+  >     chip_new $chip
+  >     echo "== $chip"
+  >     line -usd --get --fn ./factory.bin
+  >     pairs 3 < factory.bin; stat -c %s factory.bin
+  >     # another user data byte, with its complement, at compact byte 3
+  >     cp factory.bin new.bin; printf '\x5a\xa5' | dd of=new.bin bs=1 seek=6 conv=notrunc status=none
+  >     line -usd --set --fn ./new.bin --get --fn ./back.bin
+  >     cmp new.bin back.bin && echo same
+  >     # set what was read leaves everything as it is, also through a hex file
+  >     line -o --get --fn ./back.hex --set --fn ./back.hex --get --fn ./again.bin
+  >     cmp new.bin again.bin && echo same
+  > done
+
+Wrong complements are accepted, a file that is too short is refused:
+
+  $ chip_new ZV32F403A_1024K
+  $ line -usd --get --fn ./good.bin >/dev/null
+  $ cp good.bin wrong.bin; printf '\x33\x33' | dd of=wrong.bin bs=1 seek=6 conv=notrunc status=none
+  $ line -usd --set --fn ./wrong.bin
+  $ line -usd --get --fn ./back.bin >/dev/null; pairs 1 < back.bin
+  $ head -c 47 good.bin > short.bin; line -usd --set --fn ./short.bin
+  $ head -c 48 good.bin > enough.bin; line -usd --set --fn ./enough.bin
+
+Words:
+
+  $ line -usd
+  $ line -usd --get
+  $ line -usd --get /x/a.bin
+  $ line -usd --get /x/a.bin -e
+  $ line -usd --set --fn a.bin
+  $ line -usd --set --fn /nowhere/a.bin
+  $ line -usd foo
+  $ line -usd --speed 5
