@@ -1,0 +1,44 @@
+#include "app/Memory.h"
+#include "app/Progress.h"
+#include "app/Report.h"
+#include "app/SubOptions.h"
+#include "foundation/ShareParameter.h"
+#include "link/BootLoader.h"
+#include "link/CCom.h"
+#include "operations/Operation.h"
+
+namespace {
+
+int eraseAll(SubOptionWalk &walk, CCom *&obCCom) {
+    obCCom->m_ObBootLoader->EraseFlash(EraseParam());
+    const bool succeeded = runJob(obCCom);
+    walk.takeBack();
+    if (succeeded) {
+        return OP_SUCCESS;
+    }
+    return g_shareParameter.c_haveSPIM ? OP_MCU_ALLERASE_SPIM_FAILD : OP_MCU_ALLERASE_FLASH_FAILD;
+}
+
+int eraseSectors(SubOptionWalk &walk, CCom *&obCCom) {
+    const SectorRange range = parseSectorRange(walk.value());
+    if (!IsSectorsValid(range.begin, range.end, obCCom)) {
+        WriteInforAndWaitInput("bad parameter " + walk.value());
+        return OP_MCU_SECERASE_FAILD;
+    }
+    EraseParam param;
+    param.m_iSectorIndex = sectorsOf(range);
+    obCCom->m_ObBootLoader->EraseFlash(param);
+    return runJob(obCCom) ? OP_SUCCESS : OP_MCU_SECERASE_FAILD;
+}
+
+const SubOption<CCom *> words[] = {{"--all", eraseAll}, {"--sec", eraseSectors}};
+
+} // namespace
+
+int Erase(int argc, char **argv, int &arg_index, CCom *&obCCom) {
+    if (!hasBootLoader(obCCom)) {
+        return OP_CONNECT_FAILD;
+    }
+    SubOptionWalk walk(argc, argv, arg_index);
+    return runSubOptions(walk, words, obCCom, OP_BAD_PARAM);
+}

@@ -1,0 +1,31 @@
+#include "app/FileNames.h"
+
+#include "foundation/ShareParameter.h"
+
+namespace {
+
+// Whether the part behind the last "/" ends in the given upper-case letters, whatever its own case. A bare file
+// name does not: the path has to be given.
+bool baseNameEndsIn(const std::string &fileName, const std::string &end) {
+    const std::size_t slash = fileName.rfind('/');
+    if (slash == std::string::npos || fileName.size() - (slash + 1) < end.size()) {
+        return false;
+    }
+    return ShareParameter::ToUpper(fileName.substr(fileName.size() - end.size())) == end;
+}
+
+bool isBareSuffix(const std::string &fileName, std::size_t length) {
+    return fileName.size() - (fileName.rfind('/') + 1) == length;
+}
+
+} // namespace
+
+bool IsValidFileName(const std::string &fileName) {
+    // MEANT: no dot is asked for; "/x/hex" is a name, "/x/s19" is too short for one.
+    return baseNameEndsIn(fileName, "HEX") || baseNameEndsIn(fileName, "BIN") || baseNameEndsIn(fileName, "SREC") ||
+           (baseNameEndsIn(fileName, "S19") && !isBareSuffix(fileName, 3));
+}
+
+bool IsValidOTPFileName(const std::string &fileName) {
+    return baseNameEndsIn(fileName, "ZVTP");
+}

@@ -1,0 +1,161 @@
+#include "app/Otp.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "app/Memory.h"
+#include "app/Report.h"
+#include "app/SubOptions.h"
+#include "app/Walk.h"
+#include "link/CCom.h"
+#include "link/ZVBLLIB.h"
+
+QList<OTP_CONFIG_INFO> m_listWriteOTPData;
+
+namespace {
+
+constexpr int blockLength = 32;
+constexpr int recordLength = 38; // address, block, lock flag, write flag
+// MEANT: records are counted by 40 and stepped by 38, so a long file loses its last ones.
+constexpr int countLength = 40;
+
+struct OtpArea {
+    unsigned int dataAddress;
+    int dataLength; // bytes
+    unsigned int lockAddress;
+    int lockLength; // bytes
+};
+
+const OtpArea noArea = {0, 0, 0, 0};
+const OtpArea largeArea = {0x1FFFE400, 4096, 0x1FFFF500, 128};
+const OtpArea smallArea = {0x1FFFF000, 1024, 0x1FFFF500, 128};
+
+const struct {
+    MCUSERIALS family;
+    const OtpArea &area;
+} areas[] = {
+    {ZV32F455, largeArea}, {ZV32F456, largeArea}, {ZV32F457, largeArea}, {ZV32M412, smallArea},
+    {ZV32M416, smallArea}, {ZV32G412, smallArea}, {ZV32F422, smallArea}, {ZV32F426, smallArea},
+};
+
+const OtpArea &areaOf(int family) {
+    for (const auto &row : areas) {
+        if (row.family == family) {
+            return row.area;
+        }
+    }
+    return noArea;
+}
+
+// Empty for what is not a readable file.
+std::string readFile(const std::string &path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {
+        return std::string();
+    }
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+OTP_CONFIG_INFO parseRecord(const BYTE *record) {
+    OTP_CONFIG_INFO info;
+    for (int i = 0; i < 4; ++i) {
+        info.PartAddress = info.PartAddress << 8 | record[i];
+    }
+    std::copy_n(record + 4, blockLength, info.pData);
+    info.LockFlag = record[36];
+    info.WriteFlag = record[37];
+    return info;
+}
+
+bool write(CCom *obCCom, unsigned int address, BYTE *data, unsigned int length) {
+    return ZVBL_DNLOAD(obCCom->m_handle, address, data, length, 0) == 0;
+}
+
+int fail(const char *text) {
+    printLine(text);
+    return 0;
+}
+
+// False, with the word under the walk reported, for a name that is refused.
+bool takeFileName(SubOptionWalk &walk) {
+    if (!IsValidOTPFileName(walk.value())) {
+        walk.reportBadParameter();
+        return false;
+    }
+    g_shareParameter.c_otpfilename = walk.value();
+    return true;
+}
+
+int program(CCom *obCCom) {
+    InitOTPAndLOCKInfo();
+    OTPProjectFileOpen(g_shareParameter.c_otpfilename);
+    if (!WriteOTPData(obCCom)) {
+        return OTP_FAILED;
+    }
+    printLine("set OTP data to device successfully!");
+    return OP_SUCCESS;
+}
+
+} // namespace
+
+void InitOTPAndLOCKInfo() {
+    const OtpArea &area = areaOf(familyOf(m_obCCom));
+    g_shareParameter.OTP_Data_Address = area.dataAddress;
+    g_shareParameter.OTP_Data_Length = area.dataLength;
+    g_shareParameter.OTP_Lock_Address = area.lockAddress;
+    g_shareParameter.OTP_Lock_Length = area.lockLength;
+}
+
+int OTPProjectFileOpen(const std::string &FilePath) {
+    m_listWriteOTPData.clear();
+    const std::string content = readFile(FilePath);
+    const BYTE *record = reinterpret_cast<const BYTE *>(content.data());
+    for (std::size_t count = content.size() / countLength; count > 0; --count, record += recordLength) {
+        m_listWriteOTPData.append(parseRecord(record));
+    }
+    return 1;
+}
+
+int WriteOTPData(CCom *obCCom) {
+    if (obCCom == nullptr) {
+        return 0;
+    }
+    for (OTP_CONFIG_INFO &info : m_listWriteOTPData) {
+        if (info.WriteFlag == 0 &&
+            !write(obCCom, g_shareParameter.OTP_Data_Address + info.PartAddress, info.pData, blockLength)) {
+            return fail("Write OTP data failed!");
+        }
+    }
+    // MEANT: the lock byte's place follows the record's place in the file, not its address.
+    unsigned int lockAddress = g_shareParameter.OTP_Lock_Address;
+    for (OTP_CONFIG_INFO &info : m_listWriteOTPData) {
+        if (info.LockFlag == 0 && !write(obCCom, lockAddress, &info.LockFlag, 1)) {
+            return fail("Write OTP lock failed!");
+        }
+        ++lockAddress;
+    }
+    return 1;
+}
+
+int DownLoadOTPData(int argc, char **argv, int &arg_index, CCom *obCCom) {
+    if (!hasBootLoader(obCCom)) {
+        return OP_CONNECT_FAILD;
+    }
+    SubOptionWalk walk(argc, argv, arg_index);
+    while (walk.next()) {
+        // MEANT: once per sub-option, whichever it is.
+        printLine("Set OTP data to device");
+        printLine("running...");
+        if (walk.word() == "--fn" && !takeFileName(walk)) {
+            return OP_SUCCESS;
+        }
+    }
+    if (walk.atBadWord()) {
+        WriteInforAndWaitInput(argv[arg_index]); // MEANT: the word alone
+        return OP_BAD_PARAM;
+    }
+    return program(obCCom);
+}

@@ -1,0 +1,88 @@
+#include "app/Protection.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "app/Memory.h"
+#include "app/Progress.h"
+#include "app/Report.h"
+#include "app/SubOptions.h"
+#include "foundation/ShareParameter.h"
+#include "link/BootLoader.h"
+#include "link/CCom.h"
+
+namespace {
+
+// Families whose high level of access protection nothing can take back.
+const MCUSERIALS confirmedFamilies[] = {ZV32F425, ZV32F423, ZV32A423, ZV32L021, ZV32F405,
+                                        ZV32F402, ZV32F455, ZV32F456, ZV32F457, ZV32F490,
+                                        ZV32M412, ZV32M416, ZV32G412, ZV32F422, ZV32F426};
+const char *const confirmText = "ZV32F425/F423/A423/L021/F405/F402/F455/F456/F457/F490/M412/M416/G412/F422/F426 need "
+                                "a parameter \"--y\" for operation \"--efap2\"!";
+
+bool needsConfirmation(const CCom *obCCom) {
+    const int family = familyOf(obCCom);
+    return std::any_of(std::begin(confirmedFamilies), std::end(confirmedFamilies),
+                       [family](MCUSERIALS listed) { return listed == family; });
+}
+
+int runOr(int failure, CCom *obCCom) {
+    return runJob(obCCom) ? OP_SUCCESS : failure;
+}
+
+int enableAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
+    walk.takeBack();
+    obCCom->m_ObBootLoader->AccessProtect(1);
+    return runOr(OP_EFAP1_FAILD, obCCom);
+}
+
+int enableHighAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
+    if (!needsConfirmation(obCCom)) {
+        walk.takeBack();
+    } else if (ShareParameter::ToLower(walk.value()) != "--y") {
+        printLine(confirmText);
+        return OP_EFAP2_FAILD;
+    }
+    obCCom->m_ObBootLoader->AccessProtect(2);
+    return runOr(OP_EFAP2_FAILD, obCCom);
+}
+
+int disableAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
+    walk.takeBack();
+    obCCom->m_ObBootLoader->ReadoutUnProtect();
+    return runOr(OP_DFAP_FAILD, obCCom);
+}
+
+int enableEraseProgramProtection(SubOptionWalk &walk, CCom *&obCCom) {
+    const SectorRange range = parseSectorRange(walk.value());
+    if (!IsSectorsValid(range.begin, range.end, obCCom)) {
+        walk.reportBadParameter();
+        return OP_EEPP_FAILD;
+    }
+    obCCom->m_ObBootLoader->EraseProgramProtect(sectorsOf(range));
+    return runOr(OP_EEPP_FAILD, obCCom);
+}
+
+int disableEraseProgramProtection(SubOptionWalk &walk, CCom *&obCCom) {
+    walk.takeBack();
+    obCCom->m_ObBootLoader->WriteUnProtect();
+    return runOr(OP_DEPP_FAILD, obCCom);
+}
+
+const SubOption<CCom *> words[] = {
+    {"--efap", enableAccessProtection},       {"--erp", enableAccessProtection},
+    {"--efap1", enableAccessProtection},      {"--efap2", enableHighAccessProtection},
+    {"--dfap", disableAccessProtection},      {"--drp", disableAccessProtection},
+    {"--eepp", enableEraseProgramProtection}, {"--ewp", enableEraseProgramProtection},
+    {"--depp", disableEraseProgramProtection}, {"--dwp", disableEraseProgramProtection},
+};
+
+} // namespace
+
+int Protection(int argc, char **argv, int &arg_index, CCom *obCCom) {
+    if (!hasBootLoader(obCCom)) {
+        return OP_CONNECT_FAILD;
+    }
+    SubOptionWalk walk(argc, argv, arg_index);
+    return runSubOptions(walk, words, obCCom, OP_BAD_PARAM);
+}

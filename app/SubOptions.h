@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+class CCom;
+
+// The word at the index. The null entry that closes argv raises std::logic_error, as does everything beyond it.
+std::string wordAt(int argc, char **argv, int index);
+
+// Walks over the sub-options behind one option word. It moves the running index of the command line: while a
+// sub-option is looked at, the index rests on its value, which for the last word of the line is no word at all.
+class SubOptionWalk {
+public:
+    enum LastWord {
+        RunsLastWord,  // a trailing sub-option runs with an empty value
+        LeavesLastWord // it is left to main, which calls it a bad parameter
+    };
+
+    SubOptionWalk(int argc, char **argv, int &argIndex, LastWord lastWord = RunsLastWord);
+
+    // True at a sub-option. False at the end: of the line, at the next option, or at a word that is neither.
+    bool next();
+    // After the end: whether it was a word that is neither option nor sub-option. The index rests on it.
+    bool atBadWord() const { return badWord; }
+
+    // The sub-option as it was written.
+    std::string word() const;
+    bool hasValue() const { return argIndex < argc; }
+    // The value, empty if there is none.
+    std::string value() const;
+    // For a sub-option without a value: gives the word back that the walk took for it.
+    void takeBack() { --argIndex; }
+    // Takes one more word.
+    void advance() { ++argIndex; }
+
+    // Reports the word on which the index rests.
+    void reportBadParameter() const;
+
+    const int argc;
+    char **const argv;
+    int &argIndex;
+
+private:
+    const LastWord lastWord;
+    bool badWord = false;
+};
+
+// One sub-option of a handler: its exact word and what it does, 0 or the exit status of its failure.
+template <typename Context> struct SubOption {
+    const char *word;
+    int (*run)(SubOptionWalk &, Context &);
+};
+
+// Runs the sub-options of the table as the walk reaches them, each at once; any other word does nothing and its
+// value stays swallowed. Returns 0 or the first status that is not.
+template <typename Context, std::size_t count>
+int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count], Context &context) {
+    while (walk.next()) {
+        const std::string word = walk.word();
+        for (const SubOption<Context> &row : table) {
+            if (word != row.word) {
+                continue;
+            }
+            if (const int status = row.run(walk, context)) {
+                return status;
+            }
+            break;
+        }
+    }
+    return 0;
+}
+
+// The same, with a word that is neither option nor sub-option reported and answered by its status.
+template <typename Context, std::size_t count>
+int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count], Context &context,
+                  int badWordStatus) {
+    const int status = runSubOptions(walk, table, context);
+    if (!walk.atBadWord()) {
+        return status;
+    }
+    walk.reportBadParameter();
+    return badWordStatus;
+}
+
+// Whether there is a link with its bootloader control.
+bool hasBootLoader(const CCom *obCCom);

@@ -1,0 +1,4 @@
+#pragma once
+
+// Prints the usage text, 61 lines.
+void man();

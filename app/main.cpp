@@ -1,0 +1,50 @@
+#include <QCoreApplication>
+
+#include <csignal>
+#include <vector>
+
+#include "app/Report.h"
+#include "app/Usage.h"
+#include "app/Walk.h"
+#include "foundation/ShareParameter.h"
+
+namespace {
+
+void printBanner() {
+    const std::string rule(60, '-');
+    printLine(rule);
+    printLine("Zelvor ISP Programmer V3.0.14");
+    printLine("Support USART and DFU");
+    printLine(rule);
+    printLine("");
+}
+
+// MEANT: the I2C, CAN, SPI and SPIM values stay 0, although the usage text promises defaults for some.
+void loadStartValues() {
+    g_shareParameter.c_portNumber = 1;
+    g_shareParameter.c_BaudRate = 115200;
+    g_shareParameter.c_DataBits = 8;
+    g_shareParameter.c_parity = g_shareParameter.ParityToInt("EVEN");
+    g_shareParameter.c_timeout = 5;
+    g_shareParameter.c_address = ZVCHIP_FLASH_BASE_ADDRESS;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    // A reader of the output that goes away must not cut a programming run short.
+    std::signal(SIGPIPE, SIG_IGN);
+
+    // It takes words of its own out of the line that it is given, so it gets a copy.
+    int applicationArgc = argc;
+    std::vector<char *> applicationArgv(argv, argv + argc + 1);
+    const QCoreApplication application(applicationArgc, applicationArgv.data());
+
+    printBanner();
+    loadStartValues();
+    if (argc < 2) {
+        man();
+        return OP_SUCCESS;
+    }
+    return walkCommandLine(argc - 1, argv + 1);
+}
