@@ -9,11 +9,6 @@
 // The kind of an image file, told by its path.
 enum Type : int { UNKNOWN = 0, BIN = 1, HEX = 2, S19 = 3 };
 
-// A class of this kind is destroyed as what it is, never through its base, so its two virtual
-// operations make it no reason for a third.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 // An image while an action works on it: the file library's image, and its elements as a list that is
 // walked one by one. Used by one thread at a time. Every int result is a CResult code.
 class CFiles {
@@ -55,7 +50,6 @@ public:
     // A copy has an image and element bytes of its own. If the library gives it no image, it is closed.
     CFiles(const CFiles &other);
     CFiles &operator=(const CFiles &other);
-    ~CFiles();
 
     // The base steps: close what is open and, for Open, tell the type.
     virtual int Open(std::string strPath, CDevice *obDevice);
@@ -86,6 +80,9 @@ public:
     Type ParseFileType(std::string strPath);
 
 protected:
+    // Not virtual: an image file is destroyed as what it is, never through this class.
+    ~CFiles();
+
     // Fetches one element of the image into the list. Gives the library's status, or
     // FILES_UNEXPECTEDERROR when there is no memory for the bytes.
     unsigned int appendElement(unsigned int index);
@@ -96,5 +93,3 @@ protected:
 private:
     void copyFrom(const CFiles &other);
 };
-
-#pragma GCC diagnostic pop

@@ -31,4 +31,5 @@ public:
 private:
     unsigned int collectAll(unsigned int count);
     unsigned int collectChosen(unsigned int count, int flashSectorNum);
+    unsigned int replaceImage();
 };

@@ -1,0 +1,138 @@
+#include "device/Device.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QVariant>
+#include <vector>
+
+#include "foundation/ShareParameter.h"
+
+namespace {
+
+constexpr char mapDirectory[] = "./Map/"; // below the working directory
+
+constexpr unsigned int flashSizeRegister = 0x1FFFF7E0;
+constexpr unsigned int userSystemDataLength = 0x1000;
+
+struct FamilyFacts {
+    unsigned int userSystemDataAddress;
+    unsigned int blockSize;
+};
+
+constexpr FamilyFacts blockEraseFamilies = {0x1FFFC000, 0x10000};
+constexpr FamilyFacts otherFamilies = {0x1FFFF800, 0};
+
+FamilyFacts factsOf(const std::string &serial) {
+    const int family = QString::fromStdString(serial).toInt(nullptr, 16);
+    return family == ZV32F435 || family == ZV32F437 ? blockEraseFamilies : otherFamilies;
+}
+
+QStringList mapFiles() {
+    QDir directory(mapDirectory);
+    QStringList files;
+    for (const QString &name : directory.entryList({QStringLiteral("*.ZVmap")}, QDir::Files | QDir::Readable, QDir::Name)) {
+        files.append(mapDirectory + name);
+    }
+    return files;
+}
+
+// Descriptions outlive their manager: others hold pointers to them until the process ends.
+void keepUntilTheEnd(CDevice *device) {
+    static auto &kept = *new std::vector<CDevice *>;
+    kept.push_back(device);
+}
+
+} // namespace
+
+CDevice::CDevice()
+    : m_CMapping(nullptr), m_BlockSize(0), m_IFlashSize(0), m_UiUserSystemDataAddress(0), m_UiUserSystemDataLen(0),
+      m_UiFlashSizeAdd(0), m_BSectorsPerBit(0), m_ISectorSize(0), m_haveBank3(false), m_Bank3Type(0), m_Bank3Szie(0),
+      m_Bank3FlashDA(0), m_Nank3RemapFlag(false) {}
+
+CDevice::~CDevice() = default;
+
+CZV32F4Device::CZV32F4Device() : m_UiFlashSizeAddress(flashSizeRegister) {
+    m_CMapping = new CMapping(std::string());
+}
+
+CZV32F4Device::CZV32F4Device(std::string strPID, std::string strSerial, int iFlashSize)
+    : m_UiFlashSizeAddress(flashSizeRegister) {
+    const QString mapFile = matchingMapFile(strPID, strSerial);
+    if (!mapFile.isEmpty()) {
+        m_StrPID = strPID;
+        m_StrSerial = strSerial;
+        m_IFlashSize = iFlashSize;
+        describeFrom(mapFile);
+    }
+    const std::string subName = m_StrSubName.empty() ? std::string() : "_" + m_StrSubName;
+    m_StrTarget = m_StrName + subName + "_" + std::to_string(m_IFlashSize) + "K";
+    m_CMapping = new CMapping(m_StrTarget);
+    const FamilyFacts facts = factsOf(m_StrSerial);
+    m_UiUserSystemDataAddress = facts.userSystemDataAddress;
+    m_BlockSize = facts.blockSize;
+    m_UiUserSystemDataLen = userSystemDataLength;
+    m_UiFlashSizeAdd = m_UiFlashSizeAddress;
+}
+
+void CZV32F4Device::describeFrom(const QString &mapFile) {
+    const QString product = QStringLiteral("Product");
+    m_ISectorSize = ZVmapReadValue(QStringLiteral("Sector0"), QStringLiteral("Size"), mapFile).toUInt(nullptr, 16);
+    m_StrBID = "NA";
+    m_StrName = ZVmapReadValue(product, QStringLiteral("Name"), mapFile).toStdString();
+    m_BSectorsPerBit =
+        static_cast<BYTE>(ZVmapReadValue(product, QStringLiteral("SectorsPerSector"), mapFile).toUInt(nullptr, 10));
+}
+
+QString CZV32F4Device::matchingMapFile(const std::string &pid, const std::string &serial) {
+    const QString product = QStringLiteral("Product");
+    for (const QString &file : mapFiles()) {
+        // Substrings by exact case, so that one file may list several chips in one value.
+        if (ZVmapReadValue(product, QStringLiteral("PID"), file).contains(QString::fromStdString(pid)) &&
+            ZVmapReadValue(product, QStringLiteral("Serial"), file).contains(QString::fromStdString(serial))) {
+            return file;
+        }
+    }
+    return QString();
+}
+
+QString CZV32F4Device::ZVmapReadValue(QString Section, QString Keyname, QString ZVfilePath) {
+    const QSettings settings(ZVfilePath, QSettings::IniFormat);
+    return settings.value(Section + "/" + Keyname).toString();
+}
+
+bool CZV32F4Device::IsDevicePID(std::string strPID, std::string strSerial) {
+    return !matchingMapFile(strPID, strSerial).isEmpty();
+}
+
+void CZV32F4Device::ReleaseSpecialMCUZVMap(QString) {}
+
+void CZV32F4Device::DeleteSpecialMCUZVMap(QString) {}
+
+CDeviceManager::CDeviceManager() = default;
+
+CDeviceManager::~CDeviceManager() {
+    m_lsCDevice.clear();
+}
+
+CDevice *CDeviceManager::GetDevice(std::string strPID, std::string strSerial, int iFlashSize) {
+    for (CDevice *known : m_lsCDevice) {
+        if (known->m_StrPID == strPID && known->m_IFlashSize == iFlashSize && known->m_StrSerial == strSerial) {
+            return known;
+        }
+    }
+    auto *device = new CZV32F4Device(strPID, strSerial, iFlashSize);
+    if (!device->IsDevicePID(strPID, strSerial)) {
+        delete device->m_CMapping;
+        delete device;
+        return nullptr;
+    }
+    keepUntilTheEnd(device);
+    m_lsCDevice.append(device);
+    return device;
+}
+
+unsigned int CDeviceManager::GetFlashSizeAddress(std::string strPIDs, std::string strSerial, int iFlashSize) {
+    // Every description that the manager makes is of this class.
+    const auto *device = static_cast<CZV32F4Device *>(GetDevice(strPIDs, strSerial, iFlashSize));
+    return device == nullptr ? 0 : device->m_UiFlashSizeAddress;
+}
