@@ -13,4 +13,8 @@ public:
     void SetParameters(void *p) override; // a uint, the password
 
     uint m_uiPassword = 0;
+
+private:
+    int readEnabled(bool &enabled);
+    int disable();
 };

@@ -92,4 +92,16 @@ public:
     CEnableSlib *m_obEnableSlib = nullptr;
     CEnBank3 *m_obEnBank3 = nullptr;
     QList<uint> m_uiAddressOffset; // per file, added to every element's address
+
+private:
+    QList<COperation *> subOperations() const;
+    void dropFiles();
+    int checkSectors();
+    int prepareBank3();
+    int prepareFlash();
+    QList<int> sectorsByCount(uint startAddress, int count);
+    QList<int> sectorsByElement(CProgramFile &file, uint offset);
+    bool announce(const CProgramFile &file);
+    int restartFirst403();
+    int finishingSteps();
 };

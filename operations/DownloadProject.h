@@ -89,4 +89,14 @@ public:
     bool m_hasGetEraseProgramProtectStatus = false; // the protection check of this run is done
     uint m_TempDownlaodFileSize = 0;                // bytes of the current file
     uint m_TempDownlaodedFileSize = 0;              // bytes of it written
+
+private:
+    QList<COperation *> subOperations() const;
+    int checkRecord() const;
+    int unlock();
+    int prepareBank3();
+    int checkSectors();
+    void describe(const SFileInfo &file);
+    int downloadPart(const HEXFILEPARTINFO &part);
+    int finishingSteps();
 };

@@ -15,5 +15,5 @@ public:
     EnBank3Param m_Parameters;
 
 private:
-    uint flashAddress() const;
+    int flashAddress(uint &address) const;
 };

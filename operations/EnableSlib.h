@@ -26,5 +26,6 @@ public:
 
 private:
     int checkRecord() const;
+    int checkChip();
     int readBack();
 };

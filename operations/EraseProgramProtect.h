@@ -14,5 +14,9 @@ public:
     int Action() override;
     void SetParameters(void *p) override; // a QList<int> of sector numbers
 
-    QList<int> m_iSectorIndex;
+    QList<int> m_iSectorIndex; // from 32768 up SPIM; empty stands for the whole flash
+
+private:
+    int send(const QList<int> &protectedBefore, const QList<int> &asked);
+    int readBack(const QList<int> &asked);
 };

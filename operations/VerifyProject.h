@@ -21,4 +21,8 @@ public:
     uint m_TempDownlaodFileSize = 0;   // bytes of the file
     uint m_TempDownlaodedFileSize = 0; // bytes of it compared
     bool m_bOptimize = false;
+
+private:
+    uint addressOffset(int partNumber) const;
+    int verifyPart(const HEXFILEPARTINFO &part, uint address);
 };

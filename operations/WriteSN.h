@@ -3,7 +3,7 @@
 #include "operations/COperation.h"
 
 struct WriteSN_Param {
-    uint m_uiSNAddress = 0; // target address, a multiple of 4
+    uint m_uiSNAddress = 0; // target address
     uint m_uiSNNumber = 0;
     uint m_uiSNStep = 0;    // from this chip's number to the next one's
 };

@@ -1,20 +1,9 @@
 #pragma once
 
-#include "foundation/LibraryTypes.h"
-#include "operations/COperation.h"
+#include "operations/WriteUserSystemData.h"
 
-// Writes the user system data of a project to the target.
-class CWriteUserSystemDataProject : public COperation {
+// Writes the user system data of a project to the target: the same job under the project's name.
+class CWriteUserSystemDataProject : public CWriteUserSystemData {
 public:
-    explicit CWriteUserSystemDataProject(CBootLoader *obBootLoader);
-    ~CWriteUserSystemDataProject() override;
-
-    int InitAction() override;
-    int Action() override;
-    using COperation::SetParameters;
-    // Copies the bytes.
-    void SetParameters(BYTE *data, quint32 len);
-
-    BYTE *m_UserSystemData = nullptr; // owned
-    quint32 m_UserSystemDataLen = 0;  // bytes
+    using CWriteUserSystemData::CWriteUserSystemData;
 };

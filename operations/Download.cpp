@@ -1,0 +1,335 @@
+#include "operations/Download.h"
+
+#include "device/Device.h"
+#include "files/CFiles.h"
+#include "foundation/Result.h"
+#include "foundation/ResultMessages.h"
+#include "foundation/ShareParameter.h"
+#include "link/BootLoader.h"
+#include "link/ZVBLLIB.h"
+#include "operations/AccessProtect.h"
+#include "operations/EnBank3.h"
+#include "operations/EnableSlib.h"
+#include "operations/Erase.h"
+#include "operations/JobSteps.h"
+#include "operations/SubOperations.h"
+#include "operations/Verify.h"
+#include "operations/WriteSN.h"
+#include "operations/WriteUserSystemData.h"
+
+CDownload::CDownload(CBootLoader *obBootLoader)
+    : COperation(obBootLoader), m_obErase(new CErase(obBootLoader)), m_obVerify(new CVerify(obBootLoader)),
+      m_obWriteSN(new CWriteSN(obBootLoader)), m_obFAP(new CAccessProtect(obBootLoader)),
+      m_obWriteOTP2File(new CWriteUserSystemData(obBootLoader)), m_obEnableSlib(new CEnableSlib(obBootLoader)),
+      m_obEnBank3(new CEnBank3(obBootLoader)) {
+    m_EmType = OP_DOWNLOAD;
+    m_strName = CResult::GetInfoString(Info_Operation_Download);
+    for (COperation *job : subOperations()) {
+        job->SetSubOperation(true);
+    }
+}
+
+CDownload::~CDownload() {
+    dropFiles();
+    delete[] m_Parameters.m_UserSystemDataArray;
+    delete m_obErase;
+    delete m_obVerify;
+    delete m_obWriteSN;
+    delete m_obFAP;
+    delete m_obWriteOTP2File;
+    delete m_obEnableSlib;
+    delete m_obEnBank3;
+}
+
+QList<COperation *> CDownload::subOperations() const {
+    return {m_obErase, m_obVerify, m_obWriteSN, m_obWriteOTP2File, m_obFAP, m_obEnableSlib, m_obEnBank3};
+}
+
+void CDownload::SetParameters(void *p) {
+    m_Parameters = *static_cast<DownloadParam *>(p);
+}
+
+void CDownload::SetOperationInfoDelegate(void *pFun) {
+    COperation::SetOperationInfoDelegate(pFun);
+    for (COperation *job : subOperations()) {
+        if (job) {
+            job->SetOperationInfoDelegate(pFun);
+        }
+    }
+}
+
+void CDownload::Cancel() {
+    COperation::Cancel();
+    for (COperation *job : subOperations()) {
+        if (job) {
+            job->Cancel();
+        }
+    }
+}
+
+int CDownload::InitAction() {
+    if (m_Parameters.m_strDownPathFile.isEmpty()) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    std::string fileName;
+    // MEANT: a path without "/" leaves the command unset, so the job does nothing and raises no end event.
+    if (!jobsteps::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName)) {
+        return 0;
+    }
+    m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), fileName);
+    COperation::InitAction();
+    int result = OpenFile();
+    if (result == 0) {
+        result = ConfirmAddressOffset();
+    }
+    if (result == 0) {
+        result = checkSectors();
+    }
+    if (result == 0 && m_Parameters.m_bEnBank3) {
+        result = prepareBank3();
+    }
+    if (result != 0 || IsCancel()) {
+        return result;
+    }
+    return prepareFlash();
+}
+
+// In every erase mode: a download that erases nothing writes all the same.
+int CDownload::checkSectors() {
+    if (!m_obBootLoader) {
+        return 0;
+    }
+    const QList<int> sectors = GetNecessarySectorIndex();
+    return sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
+}
+
+int CDownload::prepareBank3() {
+    // The key bytes lie in the user system data, and the enabling uses them.
+    if (m_obBootLoader && m_Parameters.m_uiFlashDA != 0 && m_Parameters.m_UserSystemDataArray) {
+        const int result = m_obBootLoader->LoadUserSystemDataToDeviceExceptFAP(m_Parameters.m_UserSystemDataArray,
+                                                                               m_Parameters.m_UserSystemDataLen);
+        if (result != 0) {
+            return CResult::Convert(result);
+        }
+    }
+    return EnBank3();
+}
+
+int CDownload::prepareFlash() {
+    int result = Erase(m_Parameters.m_enEraseMode);
+    if (result == 0 && m_Parameters.m_bEnableSlib) {
+        result = EnableSlib(m_Parameters.m_uiPassword, m_Parameters.m_usStartSector,
+                            m_Parameters.m_usStartDataSector, m_Parameters.m_usEndSector);
+        if (result == 0 && IsCancel()) {
+            ResetMcuAfterEnableSlib();
+        }
+    }
+    return result;
+}
+
+int CDownload::Erase(EraseMode enEraseMode) {
+    if (!m_obErase) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    if (enEraseMode == ERASEMODE_NONE) {
+        return 0;
+    }
+    int result = 0;
+    if (enEraseMode == NECESSARY) {
+        const int family = jobsteps::familyOf(m_obBootLoader);
+        const bool hasBlocks = family == ZV32F435 || family == ZV32F437;
+        result = hasBlocks ? SetEraseBlockNecessary() : SetEraseNecessary();
+    } else {
+        EraseParam wholeDevice;
+        m_obErase->SetParameters(&wholeDevice);
+    }
+    return result != 0 ? result : m_obErase->Start();
+}
+
+int CDownload::SetEraseNecessary() {
+    EraseParam record;
+    record.m_iSectorIndex = GetNecessarySectorIndex();
+    if (record.m_iSectorIndex.isEmpty() || !m_obErase) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    m_obErase->SetParameters(&record);
+    return 0;
+}
+
+int CDownload::SetEraseBlockNecessary() {
+    const QList<int> sectors = GetNecessarySectorIndex();
+    if (sectors.isEmpty() || !m_obErase) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    QList<int> noutBlockIndex;
+    QList<int> noutSectorIndex;
+    const CDevice *device = m_obBootLoader->m_ObDevice;
+    // MEANT: the lists go by value and stay empty here, so this answers UNKNOWN_ERROR always. The two
+    // families that come here are programmed behind an erase step, without one of their own.
+    GetNecessaryBlockIndexAndSectorIndex(sectors, noutSectorIndex, noutBlockIndex, device->m_BlockSize,
+                                         device->m_ISectorSize);
+    if (noutSectorIndex.isEmpty() && noutBlockIndex.isEmpty()) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    EraseParam record{noutSectorIndex, noutBlockIndex};
+    m_obErase->SetParameters(&record);
+    return 0;
+}
+
+int CDownload::Action() {
+    for (int i = 0; i < m_lsProgramFile.size(); ++i) {
+        CProgramFile *file = m_lsProgramFile.at(i);
+        // MEANT: without a "/" the command stays, so Work calls again from the first file.
+        if (i > 0 && !announce(*file)) {
+            return 0;
+        }
+        int result = Download(m_uiAddressOffset.at(i), file);
+        if (result != 0 || IsCancel()) {
+            ResetMcuAfterEnableSlib();
+            return result;
+        }
+        result = restartFirst403();
+        if (result != 0) {
+            return result;
+        }
+        if (m_Parameters.m_bVerify) {
+            result = Verify(m_uiAddressOffset.at(i), file);
+            if (result != 0 || IsCancel()) {
+                ResetMcuAfterEnableSlib();
+                return result;
+            }
+        }
+    }
+    CallCommand(COMMAND_DONE);
+    return 0;
+}
+
+bool CDownload::announce(const CProgramFile &file) {
+    m_InitInfo.m_strFilePath = file.m_StrPath;
+    m_InitInfo.m_uiFileSize = file.m_UiFileSize;
+    std::string fileName;
+    if (!jobsteps::fileNameOf(file.m_StrPath, fileName)) {
+        return false;
+    }
+    m_InitInfo.m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), fileName);
+    Callback(INFO_TYPE_INIT);
+    return true;
+}
+
+// The first two families read back what they hold only after a restart, which switches SPIM off.
+int CDownload::restartFirst403() {
+    const int family = jobsteps::familyOf(m_obBootLoader);
+    if (family != ZV32F403_1 && family != ZV32F403_2) {
+        return 0;
+    }
+    const int result = ResetMcu403B();
+    return result == 0 && m_Parameters.m_bEnBank3 ? EnBank3() : result;
+}
+
+int CDownload::Download(uint uiAddressOffset, CProgramFile *tmpProgramFile) {
+    const int elements = tmpProgramFile->GetElementCount();
+    for (int i = 0; i < elements; ++i) {
+        const PIMAGEELEMENT element = tmpProgramFile->GetElement();
+        if (!element) {
+            continue;
+        }
+        const int status = ZVBL_DNLOAD(m_obBootLoader->m_handle,
+                                       static_cast<uint>(element->dwAddress) + uiAddressOffset, element->Data,
+                                       static_cast<uint>(element->dwDataLength), m_Parameters.m_bOptimize ? 1 : 0);
+        if (status != 0) {
+            return CResult::Convert(status);
+        }
+        CalculatePercent(tmpProgramFile);
+        Callback(INFO_TYPE_ACTION);
+        if (IsCancel()) {
+            return 0;
+        }
+    }
+    return 0;
+}
+
+void CDownload::CalculatePercent(CProgramFile *pFile) {
+    m_ActionInfo.m_uiFileStatus = pFile->m_uiFileStatus;
+    m_ActionInfo.m_iPercent = jobsteps::percentOf(pFile->m_uiFileStatus, pFile->m_UiFileSize);
+}
+
+int CDownload::Verify(uint uiAddressOffset, CProgramFile *tmpProgramFile) {
+    if (!m_obVerify) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    m_obVerify->SetVerifyFile(tmpProgramFile);
+    m_obVerify->SetAddressOffset(uiAddressOffset);
+    return m_obVerify->Start();
+}
+
+int CDownload::ActionDone() {
+    const int result = finishingSteps();
+    if (result != 0 || IsCancel()) {
+        ResetMcuAfterEnableSlib();
+        return result;
+    }
+    if (m_Parameters.m_bJump) {
+        return JumpToUserProgram(m_uiAddressOffset.first());
+    }
+    return m_Parameters.m_bEnableSlib ? ResetMcu() : 0;
+}
+
+int CDownload::finishingSteps() {
+    int result = 0;
+    if (m_Parameters.m_bWriteSN) {
+        result = WriteSN(m_Parameters.m_uiSNAddress, m_Parameters.m_uiSNNumber, m_Parameters.m_uiSNStep);
+    }
+    if (result == 0 && !IsCancel() && m_Parameters.m_UserSystemDataArray) {
+        result = ApplyUserSystemData(m_Parameters.m_UserSystemDataArray, m_Parameters.m_UserSystemDataLen);
+    }
+    if (result == 0 && !IsCancel() && m_Parameters.m_bFAP) {
+        result = FAP();
+    }
+    return result;
+}
+
+int CDownload::WriteSN(uint uiSNAddress, uint uiSNNumber, uint uiSNStep) {
+    WriteSN_Param record{uiSNAddress, uiSNNumber, uiSNStep};
+    const int result = suboperations::writeSerialNumber(m_obWriteSN, record);
+    m_Parameters.m_uiSNNumber = record.m_uiSNNumber;
+    return result;
+}
+
+int CDownload::ApplyUserSystemData(BYTE *strUserSystemData, quint32 nLen) {
+    return suboperations::writeUserSystemData(m_obWriteOTP2File, strUserSystemData, nLen, m_Parameters.m_bFAP);
+}
+
+int CDownload::FAP() {
+    return suboperations::protectAccess(m_obFAP, m_Parameters.m_bFAPLevel);
+}
+
+int CDownload::EnableSlib(uint uiPassword, ushort usStartSector, ushort usStartDataSector, ushort usEndSector) {
+    return suboperations::enableSlib(m_obEnableSlib, {uiPassword, usStartSector, usStartDataSector, usEndSector});
+}
+
+int CDownload::EnBank3() {
+    return suboperations::enableBank3(m_obEnBank3,
+                                      {m_Parameters.m_bRemapFlag, m_Parameters.m_bNeedRemap, m_Parameters.m_bFlashType,
+                                       m_Parameters.m_uiFlashSize, m_Parameters.m_uiFlashDA});
+}
+
+int CDownload::ResetMcu() {
+    return m_obBootLoader ? m_obBootLoader->ResetMcu() : CResult::UNKNOWN_ERROR;
+}
+
+int CDownload::ResetMcu403B() {
+    return m_obBootLoader ? m_obBootLoader->ResetMcu403B() : CResult::UNKNOWN_ERROR;
+}
+
+int CDownload::ResetMcuAfterEnableSlib() {
+    return m_Parameters.m_bEnableSlib ? ResetMcu() : 0;
+}
+
+int CDownload::JumpToUserProgram(uint uiAddressOffset) {
+    if (m_lsProgramFile.isEmpty() || !m_obBootLoader) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    uint address = 0;
+    const int result = m_lsProgramFile.first()->GetStartAddress(&address);
+    return result != 0 ? result : m_obBootLoader->JumpToUserProgram(address + uiAddressOffset);
+}

@@ -1,0 +1,135 @@
+#include <QSet>
+
+#include "device/Device.h"
+#include "files/CFiles.h"
+#include "foundation/Result.h"
+#include "link/BootLoader.h"
+#include "operations/BlockSplit.h"
+#include "operations/Download.h"
+#include "operations/JobSteps.h"
+#include "operations/Verify.h"
+
+// The part of a download that deals with its images: opening them, where they go, and which sectors
+// and blocks they touch.
+
+namespace {
+
+constexpr DWORD lastFlashAddress = jobsteps::spimBase - 1;
+
+QList<int> withoutRepeats(const QList<int> &sectors) {
+    QList<int> unique;
+    QSet<int> seen;
+    for (const int sector : sectors) {
+        if (!seen.contains(sector)) {
+            seen.insert(sector);
+            unique.append(sector);
+        }
+    }
+    return unique;
+}
+
+} // namespace
+
+void CDownload::dropFiles() {
+    if (m_obVerify) {
+        m_obVerify->SetVerifyFile(nullptr); // it would delete the file that it was lent last
+    }
+    qDeleteAll(m_lsProgramFile);
+    m_lsProgramFile.clear();
+}
+
+void CDownload::SetDownLoadFile(QList<CProgramFile *> lsProgramFile) {
+    m_lsProgramFile = lsProgramFile;
+}
+
+int CDownload::OpenFile() {
+    dropFiles();
+    for (const std::string &path : m_Parameters.m_strDownPathFile) {
+        auto *file = new CProgramFile;
+        m_lsProgramFile.append(file);
+        file->SetOptimizeForOpen(m_Parameters.m_bOptimize);
+        const int result = jobsteps::openImage(*file, path, jobsteps::deviceOf(m_obBootLoader));
+        if (result != 0) {
+            return result;
+        }
+    }
+    if (!m_lsProgramFile.isEmpty()) {
+        m_InitInfo.m_strFilePath = m_lsProgramFile.first()->m_StrPath;
+        m_InitInfo.m_uiFileSize = m_lsProgramFile.first()->m_UiFileSize;
+    }
+    return 0;
+}
+
+int CDownload::ConfirmAddressOffset() {
+    if (m_lsProgramFile.isEmpty()) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    m_uiAddressOffset.clear();
+    for (int i = 0; i < m_lsProgramFile.size(); ++i) {
+        uint offset = 0;
+        const int result =
+            jobsteps::addressOffsetOf(*m_lsProgramFile.at(i), m_Parameters.m_uiStartAddress.value(i), offset);
+        if (result != 0) {
+            return result;
+        }
+        m_uiAddressOffset.append(offset);
+    }
+    return 0;
+}
+
+int CDownload::FlashGetSectorIndex(uint addr, int) {
+    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    return jobsteps::sectorOf(addr, device ? device->m_ISectorSize : 0);
+}
+
+QList<int> CDownload::GetNecessarySectorIndex() {
+    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    if (m_lsProgramFile.isEmpty() || !device || !device->m_CMapping) {
+        return {};
+    }
+    QList<int> sectors;
+    for (int i = 0; i < m_lsProgramFile.size(); ++i) {
+        CProgramFile &file = *m_lsProgramFile.at(i);
+        const uint start = m_Parameters.m_uiStartAddress.value(i);
+        if (file.m_Type == BIN && start < jobsteps::spimBase) {
+            sectors += sectorsByCount(start, file.GetElementCount());
+        } else {
+            sectors += sectorsByElement(file, file.m_Type == BIN ? m_uiAddressOffset.value(i) : 0);
+        }
+    }
+    if (m_Parameters.m_bWriteSN) {
+        sectors.append(FlashGetSectorIndex(m_Parameters.m_uiSNAddress, device->m_IFlashSize));
+    }
+    return withoutRepeats(sectors);
+}
+
+// MEANT: one element counts as one sector from the start address on, wherever the elements lie.
+QList<int> CDownload::sectorsByCount(uint startAddress, int count) {
+    QList<int> sectors;
+    const int first = FlashGetSectorIndex(startAddress, m_obBootLoader->m_ObDevice->m_IFlashSize);
+    for (int i = 0; i < count; ++i) {
+        sectors.append(first + i);
+    }
+    return sectors;
+}
+
+// The file library cuts elements at sector borders, so the first byte tells the sector.
+QList<int> CDownload::sectorsByElement(CProgramFile &file, uint offset) {
+    QList<int> sectors;
+    file.ResetElement();
+    while (const PIMAGEELEMENT element = file.GetElement()) {
+        const DWORD moved = element->dwAddress + offset;
+        // MEANT: the offset counts only where it leads to SPIM.
+        const DWORD address = moved > lastFlashAddress ? moved : element->dwAddress;
+        sectors.append(FlashGetSectorIndex(static_cast<uint>(address), m_obBootLoader->m_ObDevice->m_IFlashSize));
+    }
+    file.ResetElement();
+    return sectors;
+}
+
+void CDownload::GetNecessaryBlockIndexAndSectorIndex(QList<int> sectorIndex, QList<int> outsectorIndex,
+                                                     QList<int> outblockIndex, uint BlockSize, uint sectorSize) {
+    const BlockSplit split = splitIntoBlocks(sectorIndex, BlockSize, sectorSize);
+    split.sectors.isEmpty() ? outsectorIndex.clear() : outsectorIndex.append(split.sectors);
+    split.blocks.isEmpty() ? outblockIndex.clear() : outblockIndex.append(split.blocks);
+}

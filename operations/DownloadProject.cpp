@@ -1,0 +1,373 @@
+#include "operations/DownloadProject.h"
+
+#include <algorithm>
+
+#include "device/Device.h"
+#include "foundation/Result.h"
+#include "foundation/ResultMessages.h"
+#include "link/BootLoader.h"
+#include "link/ZVBLLIB.h"
+#include "operations/AccessProtect.h"
+#include "operations/AccessUnProtect.h"
+#include "operations/DisableSlib.h"
+#include "operations/EnBank3.h"
+#include "operations/EnableSlib.h"
+#include "operations/Erase.h"
+#include "operations/JobSteps.h"
+#include "operations/ProjectParts.h"
+#include "operations/SubOperations.h"
+#include "operations/VerifyProject.h"
+#include "operations/WriteSN.h"
+#include "operations/WriteUserSystemData.h"
+
+namespace {
+
+// Behind Bank 3: a part in RAM and above has no sectors.
+constexpr uint firstAddressWithoutSectors = 0x20000000;
+
+void appendSpan(QList<int> &sectors, const HEXFILEPARTINFO &part, uint base, uint sectorSize, int firstIndex) {
+    const uint begin = (part.PartStartAddress - base) / sectorSize;
+    const quint64 bytes = static_cast<quint64>(part.PartStartAddress % sectorSize) + part.PartSize;
+    const auto count = static_cast<int>((bytes + sectorSize - 1) / sectorSize);
+    for (int i = 0; i < count; ++i) {
+        sectors.append(static_cast<int>(begin) + firstIndex + i);
+    }
+}
+
+} // namespace
+
+CDownloadProject::CDownloadProject(CBootLoader *obBootLoader)
+    : COperation(obBootLoader), m_obErase(new CErase(obBootLoader)), m_obVerify(new CVerifyProject(obBootLoader)),
+      m_obWriteSN(new CWriteSN(obBootLoader)), m_obFAP(new CAccessProtect(obBootLoader)),
+      m_obRDUP(new CAccessUnProtect(obBootLoader)), m_obWriteOTP2File(new CWriteUserSystemData(obBootLoader)),
+      m_obEnBank3(new CEnBank3(obBootLoader)), m_obEnableSlib(new CEnableSlib(obBootLoader)),
+      m_obDisableSlib(new CDisableSlib(obBootLoader)) {
+    m_EmType = OP_DOWNLOAD;
+    m_strName = CResult::GetInfoString(Info_Operation_Download);
+    for (COperation *job : subOperations()) {
+        job->SetSubOperation(true);
+    }
+}
+
+CDownloadProject::~CDownloadProject() {
+    qDeleteAll(subOperations());
+}
+
+QList<COperation *> CDownloadProject::subOperations() const {
+    return {m_obRDUP, m_obErase,   m_obVerify,     m_obWriteSN,    m_obWriteOTP2File,
+            m_obFAP,  m_obEnBank3, m_obEnableSlib, m_obDisableSlib};
+}
+
+void CDownloadProject::SetParameters(void *p) {
+    m_Parameters = *static_cast<DLPROJECTParam *>(p);
+}
+
+void CDownloadProject::SetOperationInfoDelegate() {}
+
+void CDownloadProject::Cancel() {
+    COperation::Cancel();
+    for (COperation *job : subOperations()) {
+        if (job) {
+            job->Cancel();
+        }
+    }
+}
+
+int CDownloadProject::InitAction() {
+    int result = checkRecord();
+    if (result != 0) {
+        return result;
+    }
+    const SFileInfo &first = m_Parameters.m_DownFileInfo.first();
+    m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), first.LoadFileType);
+    COperation::InitAction();
+    m_InitInfo.m_strFilePath = first.FilePath;
+    m_InitInfo.m_uiFileSize = static_cast<uint>(first.FileSize);
+    result = unlock();
+    if (result == 0 && !IsCancel() && m_Parameters.m_bEnBank3) {
+        result = prepareBank3();
+    }
+    if (result != 0 || IsCancel()) {
+        return result;
+    }
+    result = Erase(m_Parameters.m_enEraseMode);
+    if (result == 0 && m_Parameters.m_bEnableSlib) {
+        result = EnableSlib(m_Parameters.m_uiEnablePassword, m_Parameters.m_usStartSector,
+                            m_Parameters.m_usStartDataSector, m_Parameters.m_usEndSector);
+    }
+    if (result == 0 && !IsCancel()) {
+        m_hasGetEraseProgramProtectStatus = false;
+    }
+    return result;
+}
+
+int CDownloadProject::checkRecord() const {
+    if (m_Parameters.m_DownFileInfo.isEmpty() || !jobsteps::deviceOf(m_obBootLoader)) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    for (const SFileInfo &file : m_Parameters.m_DownFileInfo) {
+        if (!std::all_of(file.partInfo.begin(), file.partInfo.end(), projectparts::isWhole)) {
+            return CResult::PROGRAM_INPUT_PARAMS_ERROR;
+        }
+    }
+    return 0;
+}
+
+// Takes away what stands in the way of the download, and refuses what may not be taken away.
+int CDownloadProject::unlock() {
+    int result = 0;
+    if (m_Parameters.m_bRDUP) {
+        result = RDUP();
+    }
+    if (result == 0 && !IsCancel() && m_Parameters.m_bDisableSlib) {
+        result = DisableSlib(m_Parameters.m_uiDisablePassword);
+    }
+    // The families without an sLib area do not know the question.
+    if (result == 0 && !IsCancel() && m_obBootLoader->m_pCmds->GET_SLIB_STATUS_CMD == 1) {
+        result = DownloadFileInSlibCheck();
+    }
+    return result;
+}
+
+int CDownloadProject::DownloadFileInSlibCheck() {
+    BYTE enabled = 0;
+    ushort start = 0;
+    ushort startData = 0;
+    ushort end = 0;
+    const int status = ZVBL_GetSlibStatus_Ex(m_obBootLoader->m_handle, &enabled, &start, &startData, &end);
+    if (status != 0) {
+        return CResult::Convert(status);
+    }
+    const QList<int> sectors = GetNecessarySectorIndex();
+    const bool touches = std::any_of(sectors.begin(), sectors.end(),
+                                     [&](int sector) { return sector >= start && sector <= end; });
+    return enabled == 1 && touches ? CResult::SLIB_DOWNLOADFILE_IN_SLIBSECTOR_ERROR : 0;
+}
+
+int CDownloadProject::prepareBank3() {
+    if (m_Parameters.m_uiFlashDA != 0 && m_Parameters.m_UserSystemDataArray) {
+        const int result = m_obBootLoader->LoadUserSystemDataToDeviceExceptFAP(m_Parameters.m_UserSystemDataArray,
+                                                                               m_Parameters.m_UserSystemDataLen);
+        if (result != 0) {
+            return CResult::Convert(result);
+        }
+    }
+    return EnBank3();
+}
+
+QList<int> CDownloadProject::GetNecessarySectorIndex() {
+    QList<int> sectors;
+    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    if (!device || device->m_ISectorSize == 0) {
+        return sectors;
+    }
+    for (const SFileInfo &file : m_Parameters.m_DownFileInfo) {
+        for (const HEXFILEPARTINFO &part : file.partInfo) {
+            if (part.PartStartAddress < jobsteps::spimBase) {
+                appendSpan(sectors, part, jobsteps::flashBase, device->m_ISectorSize, 0);
+            } else if (part.PartStartAddress < firstAddressWithoutSectors) {
+                appendSpan(sectors, part, jobsteps::spimBase, jobsteps::spimSectorSize, jobsteps::firstSpimSector);
+            }
+        }
+    }
+    return sectors;
+}
+
+int CDownloadProject::FlashGetSectorIndex(uint addr, int) {
+    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    return jobsteps::sectorOf(addr, device ? device->m_ISectorSize : 0);
+}
+
+int CDownloadProject::Erase(EraseMode enEraseMode) {
+    if (!m_obErase) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    if (enEraseMode == ERASEMODE_NONE) {
+        return 0;
+    }
+    if (enEraseMode == NECESSARY) {
+        const int result = SetEraseNecessary();
+        if (result != 0) {
+            return result;
+        }
+    } else {
+        EraseParam wholeDevice;
+        m_obErase->SetParameters(&wholeDevice);
+    }
+    return m_obErase->Start();
+}
+
+int CDownloadProject::SetEraseNecessary() {
+    EraseParam record;
+    record.m_iSectorIndex = GetNecessarySectorIndex();
+    if (record.m_iSectorIndex.isEmpty() || !m_obErase) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    m_obErase->SetParameters(&record);
+    return 0;
+}
+
+int CDownloadProject::Action() {
+    // MEANT: the check comes behind the erase.
+    const int checked = checkSectors();
+    if (checked != 0) {
+        return checked;
+    }
+    for (int i = 0; i < m_Parameters.m_DownFileInfo.size(); ++i) {
+        const SFileInfo &file = m_Parameters.m_DownFileInfo.at(i);
+        if (i > 0) {
+            describe(file);
+            Callback(INFO_TYPE_INIT);
+        }
+        int result = Download(file);
+        if (result == 0 && !IsCancel() && m_Parameters.m_bVerify) {
+            result = Verify(file);
+        }
+        if (result != 0 || IsCancel()) {
+            return result;
+        }
+    }
+    CallCommand(COMMAND_DONE);
+    return 0;
+}
+
+int CDownloadProject::checkSectors() {
+    if (m_hasGetEraseProgramProtectStatus) {
+        return 0;
+    }
+    if (m_obBootLoader) {
+        const QList<int> sectors = GetNecessarySectorIndex();
+        const int result =
+            sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
+        if (result != 0) {
+            return result;
+        }
+    }
+    m_hasGetEraseProgramProtectStatus = true;
+    return 0;
+}
+
+void CDownloadProject::describe(const SFileInfo &file) {
+    m_InitInfo.m_strFilePath = file.FilePath;
+    m_InitInfo.m_uiFileSize = static_cast<uint>(file.FileSize);
+    m_InitInfo.m_strName =
+        jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), file.LoadFileType);
+}
+
+int CDownloadProject::Download(SFileInfo tmpProgramFile) {
+    m_TempDownlaodFileSize = static_cast<uint>(tmpProgramFile.FileSize);
+    m_TempDownlaodedFileSize = 0;
+    const QList<HEXFILEPARTINFO> &parts = tmpProgramFile.partInfo;
+    for (const HEXFILEPARTINFO &part : parts) {
+        const int result = downloadPart(part);
+        if (result != 0 || IsCancel()) {
+            return result;
+        }
+    }
+    return 0;
+}
+
+int CDownloadProject::downloadPart(const HEXFILEPARTINFO &part) {
+    BYTE chunk[projectparts::chunkSize];
+    for (uint offset = 0; offset < part.PartSize; offset += projectparts::chunkSize) {
+        const uint length = projectparts::copyChunk(part, offset, chunk);
+        const int status = ZVBL_DNLOAD(m_obBootLoader->m_handle, part.PartStartAddress + offset, chunk, length,
+                                       m_Parameters.m_bOptimize ? 1 : 0);
+        if (status != 0) {
+            return CResult::Convert(status);
+        }
+        CalculatePercent(static_cast<int>(length));
+        Callback(INFO_TYPE_ACTION);
+        if (IsCancel()) {
+            return 0;
+        }
+    }
+    return 0;
+}
+
+void CDownloadProject::CalculatePercent(int size) {
+    m_TempDownlaodedFileSize += static_cast<uint>(size);
+    m_ActionInfo.m_uiFileStatus = m_TempDownlaodedFileSize;
+    m_ActionInfo.m_iPercent = jobsteps::percentOf(m_TempDownlaodedFileSize, m_TempDownlaodFileSize);
+}
+
+int CDownloadProject::Verify(SFileInfo tmpProgramFile) {
+    if (!m_obVerify) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    m_obVerify->SetVerifyFile(tmpProgramFile);
+    m_obVerify->SetVerifyOptimize(m_Parameters.m_bOptimize);
+    return m_obVerify->Start();
+}
+
+int CDownloadProject::ActionDone() {
+    m_hasGetEraseProgramProtectStatus = false;
+    const int result = finishingSteps();
+    if (result != 0 || IsCancel()) {
+        return result;
+    }
+    if (m_Parameters.m_bJump) {
+        return JumpToUserProgram();
+    }
+    return m_Parameters.m_bEnableSlib ? ResetMcu() : 0;
+}
+
+int CDownloadProject::finishingSteps() {
+    int result = 0;
+    if (m_Parameters.m_bWriteSN) {
+        result = WriteSN(m_Parameters.m_uiSNAddress, m_Parameters.m_uiSNNumber, m_Parameters.m_uiSNStep);
+    }
+    if (result == 0 && !IsCancel() && m_Parameters.m_UserSystemDataArray) {
+        result = ApplyUserSystemData(m_Parameters.m_UserSystemDataArray, m_Parameters.m_UserSystemDataLen);
+    }
+    if (result == 0 && !IsCancel() && m_Parameters.m_bFAP) {
+        result = FAP();
+    }
+    return result;
+}
+
+int CDownloadProject::WriteSN(uint uiSNAddress, uint uiSNNumber, uint uiSNStep) {
+    WriteSN_Param record{uiSNAddress, uiSNNumber, uiSNStep};
+    const int result = suboperations::writeSerialNumber(m_obWriteSN, record);
+    m_Parameters.m_uiSNNumber = record.m_uiSNNumber;
+    return result;
+}
+
+int CDownloadProject::ApplyUserSystemData(BYTE *strUserSystemData, quint32 nLen) {
+    return suboperations::writeUserSystemData(m_obWriteOTP2File, strUserSystemData, nLen, m_Parameters.m_bFAP);
+}
+
+int CDownloadProject::FAP() {
+    return suboperations::protectAccess(m_obFAP, m_Parameters.m_bFAPLevel);
+}
+
+int CDownloadProject::RDUP() {
+    return m_obRDUP ? m_obRDUP->Start() : CResult::UNKNOWN_ERROR;
+}
+
+int CDownloadProject::EnableSlib(uint uiPassword, ushort usStartSector, ushort usStartDataSector,
+                                 ushort usEndSector) {
+    return suboperations::enableSlib(m_obEnableSlib, {uiPassword, usStartSector, usStartDataSector, usEndSector});
+}
+
+int CDownloadProject::DisableSlib(uint uiPassword) {
+    if (!m_obDisableSlib) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    m_obDisableSlib->SetParameters(&uiPassword);
+    return m_obDisableSlib->Start();
+}
+
+int CDownloadProject::EnBank3() {
+    return suboperations::enableBank3(m_obEnBank3,
+                                      {m_Parameters.m_bRemapFlag, m_Parameters.m_bNeedRemap, m_Parameters.m_bFlashType,
+                                       m_Parameters.m_uiFlashSize, m_Parameters.m_uiFlashDA});
+}
+
+int CDownloadProject::ResetMcu() {
+    return m_obBootLoader ? m_obBootLoader->ResetMcu() : CResult::UNKNOWN_ERROR;
+}
+
+int CDownloadProject::JumpToUserProgram() {
+    return m_obBootLoader->JumpToUserProgram(m_Parameters.m_DownFileInfo.first().StartAddress);
+}

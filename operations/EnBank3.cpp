@@ -1,0 +1,77 @@
+#include "operations/EnBank3.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "foundation/Result.h"
+#include "foundation/ResultMessages.h"
+#include "foundation/ShareParameter.h"
+#include "link/BootLoader.h"
+#include "link/ZVBLLIB.h"
+#include "operations/JobSteps.h"
+#include "usersystemdata/CUserSystemData.h"
+
+namespace {
+
+bool keysAreBlank(const CUserSystemData &data) {
+    const auto keys = {data.BANK3KEY0, data.BANK3KEY1, data.BANK3KEY2, data.BANK3KEY3,
+                       data.BANK3KEY4, data.BANK3KEY5, data.BANK3KEY6, data.BANK3KEY7};
+    return std::all_of(keys.begin(), keys.end(), [](BYTE key) { return key == 0xFF; });
+}
+
+} // namespace
+
+CEnBank3::CEnBank3(CBootLoader *obBootLoader) : COperation(obBootLoader) {
+    m_EmType = OP_ENBANK3;
+    m_strName = CResult::GetInfoString(Info_Operation_ENBANK3);
+}
+
+void CEnBank3::SetParameters(void *p) {
+    m_Parameters = *static_cast<EnBank3Param *>(p);
+}
+
+int CEnBank3::InitAction() {
+    return COperation::InitAction();
+}
+
+int CEnBank3::Action() {
+    if (!m_obBootLoader) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    HANDLE link = m_obBootLoader->m_handle;
+    if (m_Parameters.m_bNeedRemap) {
+        const int status = ZVBL_SPIMREMAP(link, m_Parameters.m_bRemapFlag ? 1 : 0);
+        if (status != 0) {
+            return CResult::Convert(status);
+        }
+    }
+    m_obBootLoader->GetUserSystemData(); // only one family needs it, and that one sees below whether it came
+    uint address = 0;
+    const int result = flashAddress(address);
+    if (result != 0) {
+        return result;
+    }
+    const int status = ZVBL_EnableBank3(link, m_Parameters.m_bFlashType, m_Parameters.m_uiFlashSize << 10, address);
+    if (status != 0) {
+        return CResult::Convert(status);
+    }
+    CalculatePercent();
+    CallCommand(COMMAND_DONE);
+    return 0;
+}
+
+int CEnBank3::flashAddress(uint &address) const {
+    address = m_Parameters.m_uiFlashDA;
+    if (jobsteps::familyOf(m_obBootLoader) != ZV32F413) {
+        return 0;
+    }
+    const CUserSystemData *data = m_obBootLoader->m_ObUserSystemData;
+    if (!data) {
+        return CResult::UNKNOWN_ERROR;
+    }
+    // A bank whose keys are blank has no encrypted range.
+    if (keysAreBlank(*data)) {
+        address = 0;
+    }
+    return 0;
+}
