@@ -1,0 +1,194 @@
+#include "libs/files/AtomicFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace files {
+
+namespace {
+
+constexpr std::size_t BufferSize = 256 * 1024;
+constexpr int NameAttempts = 100;
+constexpr const char *AclAttribute = "system.posix_acl_access";
+
+bool writeAll(int fd, const unsigned char *bytes, std::size_t length) {
+    while (length > 0) {
+        const ssize_t n = ::write(fd, bytes, length);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        bytes += n;
+        length -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+// The kernel's name for an open file, through which a file without a name is given one.
+std::string descriptorPath(int fd) {
+    return "/proc/self/fd/" + std::to_string(fd);
+}
+
+// `directory`/.`base`.<pid>-<attempt>.tmp
+std::string temporaryName(const std::string &directory, const std::string &target, int attempt) {
+    const std::size_t slash = target.rfind('/');
+    std::string base = slash == std::string::npos ? target : target.substr(slash + 1);
+    base.resize(std::min<std::size_t>(base.size(), NAME_MAX / 2));
+    return directory + "/." + base + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
+}
+
+} // namespace
+
+AtomicFile::AtomicFile() {
+    m_buffer.reserve(BufferSize);
+}
+
+AtomicFile::~AtomicFile() {
+    if (m_fd >= 0)
+        ::close(m_fd);
+    if (!m_temporary.empty())
+        ::unlink(m_temporary.c_str());
+}
+
+Status AtomicFile::create(const char *path) {
+    const Status located = locate(path);
+    if (located != Status::Ok)
+        return located;
+    const Status opened = openTemporary();
+    if (opened == Status::Ok && m_replaces)
+        keepPermissions();
+    return opened;
+}
+
+Status AtomicFile::locate(const char *path) {
+    m_target = path;
+    struct stat info;
+    if (::lstat(path, &info) == 0) {
+        char *real = ::realpath(path, nullptr);
+        if (!real)
+            return Status::UnableToOpenFile;
+        m_target = real;
+        std::free(real);
+        // rename would replace a file that this user may not write.
+        if (::stat(m_target.c_str(), &m_old) != 0 || !S_ISREG(m_old.st_mode) ||
+            ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0)
+            return Status::UnableToOpenFile;
+        m_replaces = true;
+    }
+    const std::size_t slash = m_target.rfind('/');
+    if (slash == std::string::npos)
+        m_directory = ".";
+    else
+        m_directory = m_target.substr(0, slash == 0 ? 1 : slash);
+    return Status::Ok;
+}
+
+Status AtomicFile::openTemporary() {
+    if (::access("/proc/self/fd", X_OK) == 0)
+        m_fd = ::open(m_directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    for (int i = 0; m_fd < 0 && i < NameAttempts; ++i) {
+        const std::string name = temporaryName(m_directory, m_target, i);
+        m_fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (m_fd >= 0)
+            m_temporary = name;
+        else if (errno != EEXIST)
+            break;
+    }
+    return m_fd >= 0 ? Status::Ok : Status::UnableToOpenTempFile;
+}
+
+void AtomicFile::keepPermissions() {
+    // The owner first: chown clears the set-user-ID bits. A user who may not give files away keeps
+    // the file as his own, and then without those bits.
+    mode_t mode = m_old.st_mode & 07777;
+    if (::fchown(m_fd, m_old.st_uid, m_old.st_gid) != 0) {
+        mode &= 0777;
+        (void)!::fchown(m_fd, static_cast<uid_t>(-1), m_old.st_gid);
+    }
+    (void)::fchmod(m_fd, mode);
+    char acl[4096];
+    const ssize_t length = ::getxattr(m_target.c_str(), AclAttribute, acl, sizeof acl);
+    if (length > 0)
+        (void)::fsetxattr(m_fd, AclAttribute, acl, static_cast<std::size_t>(length), 0);
+}
+
+Status AtomicFile::write(const void *bytes, std::size_t length) {
+    const auto *source = static_cast<const unsigned char *>(bytes);
+    if (m_buffer.size() + length > BufferSize && flush() != Status::Ok)
+        return m_failure;
+    if (length <= BufferSize) {
+        m_buffer.insert(m_buffer.end(), source, source + length);
+    } else if (m_failure == Status::Ok && !writeAll(m_fd, source, length)) {
+        m_failure = Status::GeneralError;
+    }
+    return m_failure;
+}
+
+Status AtomicFile::fill(unsigned char byte, std::size_t length) {
+    while (length > 0 && m_failure == Status::Ok) {
+        if (m_buffer.size() == BufferSize && flush() != Status::Ok)
+            break;
+        const std::size_t part = std::min(length, BufferSize - m_buffer.size());
+        m_buffer.insert(m_buffer.end(), part, byte);
+        length -= part;
+    }
+    return m_failure;
+}
+
+Status AtomicFile::flush() {
+    if (m_failure == Status::Ok && !writeAll(m_fd, m_buffer.data(), m_buffer.size()))
+        m_failure = Status::GeneralError;
+    m_buffer.clear();
+    return m_failure;
+}
+
+Status AtomicFile::commit() {
+    if (flush() != Status::Ok)
+        return m_failure;
+    if (::fsync(m_fd) != 0)
+        return Status::GeneralError;
+    const Status linked = link();
+    return linked == Status::Ok ? syncDirectory() : linked;
+}
+
+// Gives the finished file its name.
+Status AtomicFile::link() {
+    if (m_temporary.empty()) {
+        const std::string self = descriptorPath(m_fd);
+        if (!m_replaces && ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_target.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            return Status::Ok;
+        for (int i = 0; m_temporary.empty() && i < NameAttempts; ++i) {
+            const std::string name = temporaryName(m_directory, m_target, i);
+            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+                m_temporary = name;
+            else if (errno != EEXIST)
+                break;
+        }
+        if (m_temporary.empty())
+            return Status::UnableToOpenTempFile;
+    }
+    if (::rename(m_temporary.c_str(), m_target.c_str()) != 0)
+        return Status::UnableToOpenFile;
+    m_temporary.clear();
+    return Status::Ok;
+}
+
+Status AtomicFile::syncDirectory() const {
+    const int fd = ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return Status::Ok; // a directory may be writable and not readable
+    // Some file systems cannot flush a directory and say so with EINVAL.
+    const bool lost = ::fsync(fd) != 0 && errno == EIO;
+    ::close(fd);
+    return lost ? Status::GeneralError : Status::Ok;
+}
+
+} // namespace files

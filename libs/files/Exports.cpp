@@ -1,0 +1,209 @@
+// The C border: null pointers, statuses and exceptions end here.
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include "device/FilesInc.h"
+#include "libs/files/AtomicFile.h"
+#include "libs/files/Filter.h"
+#include "libs/files/Image.h"
+#include "libs/files/InputFile.h"
+#include "libs/files/MapFile.h"
+#include "libs/files/RunCollector.h"
+#include "libs/files/Status.h"
+#include "libs/files/format/Formats.h"
+
+namespace {
+
+using files::Image;
+using files::Status;
+
+constexpr unsigned int NoError = 0x12340000;
+constexpr int FilterOperation = 2;
+
+template <typename Work>
+Status guarded(Work work) noexcept {
+    try {
+        return work();
+    } catch (...) {
+        return Status::UnexpectedError;
+    }
+}
+
+template <typename Work>
+unsigned int answer(Work work) noexcept {
+    const Status status = guarded(work);
+    return status == Status::Ok ? NoError : static_cast<unsigned int>(status);
+}
+
+Image *imageOf(HANDLE handle) {
+    return static_cast<Image *>(handle);
+}
+
+Status readImage(const char *path, bool program, HANDLE *handle) {
+    const files::Format *format = files::formatOf(path);
+    if (!format || !(program || format->userSystemData))
+        return Status::BadSuffix;
+    files::InputFile file;
+    const Status opened = file.open(path);
+    if (opened != Status::Ok)
+        return opened;
+    files::RunCollector runs;
+    // User system data know no flash address: a flat file of them starts at 0.
+    const Status read = format->read(file, program ? files::FlashBase : 0, runs);
+    if (read != Status::Ok)
+        return read;
+    auto image = std::make_unique<Image>();
+    image->flat = format->flat;
+    const Status finished = runs.finish(image->elements);
+    if (finished == Status::Ok)
+        *handle = image.release();
+    return finished;
+}
+
+Status writeImage(const char *path, const Image &image) {
+    const files::Format *format = files::formatOf(path);
+    if (!format)
+        return Status::BadSuffix;
+    std::vector<const files::Element *> elements;
+    const Status sorted = image.sorted(elements);
+    if (sorted != Status::Ok)
+        return sorted;
+    files::AtomicFile file;
+    const Status created = file.create(path);
+    if (created != Status::Ok)
+        return created;
+    const Status written = format->write(elements, image.name, file);
+    return written == Status::Ok ? file.commit() : written;
+}
+
+// How many records the caller has room for: the count that he hands in, or the one in the record.
+DWORD recordRoom(short handedIn, const MAPPING &mapping) {
+    return mapping.pSectors ? std::max(static_cast<DWORD>(std::max<short>(handedIn, 0)), mapping.NbSectors) : 0;
+}
+
+} // namespace
+
+unsigned int FILES_CreateImage(HANDLE *image, int) {
+    return answer([&] {
+        if (!image)
+            return Status::BadParameter;
+        *image = nullptr;
+        *image = new Image;
+        return Status::Ok;
+    });
+}
+
+unsigned int FILES_CreateImageFromMapping(HANDLE *image, PMAPPING mapping, unsigned int bank3Size) {
+    return answer([&] {
+        if (!image || !mapping)
+            return Status::BadParameter;
+        *image = nullptr;
+        auto made = std::make_unique<Image>();
+        const Status status = made->makeSectors(*mapping, std::uint64_t(bank3Size) * 1024);
+        if (status == Status::Ok)
+            *image = made.release();
+        return status;
+    });
+}
+
+unsigned int FILES_DestroyImage(HANDLE *image) {
+    return answer([&] {
+        if (!image || !*image)
+            return Status::BadParameter;
+        delete imageOf(*image);
+        *image = nullptr;
+        return Status::Ok;
+    });
+}
+
+unsigned int FILES_ImageFromFile(const char *path, HANDLE *image, int program) {
+    return answer([&] {
+        if (!path || !image)
+            return Status::BadParameter;
+        *image = nullptr;
+        return readImage(path, program != 0, image);
+    });
+}
+
+unsigned int FILES_ImageToFile(const char *path, HANDLE image) {
+    return answer([&] { return path && image ? writeImage(path, *imageOf(image)) : Status::BadParameter; });
+}
+
+unsigned int FILES_SetImageName(HANDLE image, const char *name) {
+    return answer([&] {
+        if (!image || !name)
+            return Status::BadParameter;
+        imageOf(image)->name = name;
+        return Status::Ok;
+    });
+}
+
+unsigned int FILES_FilterImageForOperation(HANDLE image, PMAPPING mapping, int operation, BYTE optimise) {
+    return answer([&] {
+        if (!image || !mapping || operation != FilterOperation)
+            return Status::BadParameter;
+        return files::filterImage(*imageOf(image), *mapping, optimise != 0);
+    });
+}
+
+unsigned int FILES_GetImageNbElement(HANDLE image, unsigned int *count) {
+    return answer([&] {
+        if (!image || !count)
+            return Status::BadParameter;
+        *count = static_cast<unsigned int>(imageOf(image)->elements.size());
+        return Status::Ok;
+    });
+}
+
+unsigned int FILES_GetImageElement(HANDLE image, unsigned int index, PIMAGEELEMENT element) {
+    return answer([&] {
+        if (!image || !element || index >= imageOf(image)->elements.size())
+            return Status::BadParameter;
+        const files::Element &source = imageOf(image)->elements[index];
+        element->dwAddress = source.address;
+        element->dwDataLength = source.length;
+        if (element->Data)
+            std::memcpy(element->Data, source.bytes.get(), source.length);
+        return Status::Ok;
+    });
+}
+
+unsigned int FILES_SetImageElement(HANDLE image, unsigned int index, BYTE insert, IMAGEELEMENT element) {
+    return answer([&] {
+        if (!image)
+            return Status::BadParameter;
+        return insert ? imageOf(image)->insert(index, element) : imageOf(image)->replace(index, element);
+    });
+}
+
+unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name, short *packetSize, PMAPPING mapping,
+                                    BYTE *sectorsPerSector) {
+    if (!path || !sectors)
+        return static_cast<unsigned int>(Status::BadParameter);
+    const DWORD room = mapping ? recordRoom(*sectors, *mapping) : 0;
+    *sectors = 0;
+    if (packetSize)
+        *packetSize = 0;
+    return static_cast<unsigned int>(guarded([&] {
+        files::MapFile map;
+        const Status read = map.read(path);
+        if (read != Status::Ok)
+            return read;
+        if (mapping && !mapping->pSectors)
+            return Status::BadParameter;
+        if (mapping && static_cast<DWORD>(map.sectorCount) > room)
+            return Status::ElementsFull;
+        *sectors = map.sectorCount;
+        if (name)
+            std::memcpy(name, map.name.c_str(), map.name.size() + 1);
+        if (packetSize)
+            *packetSize = map.packetSize;
+        if (sectorsPerSector)
+            *sectorsPerSector = map.sectorsPerSector;
+        if (mapping)
+            map.fill(*mapping);
+        return Status::Ok;
+    }));
+}

@@ -1,0 +1,40 @@
+#include "libs/files/InputFile.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace files {
+
+InputFile::~InputFile() {
+    if (m_fd >= 0)
+        ::close(m_fd);
+}
+
+Status InputFile::open(const char *path) {
+    // Without O_NONBLOCK a FIFO that nobody writes to would hold us here for ever.
+    m_fd = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    struct stat info;
+    if (m_fd < 0 || ::fstat(m_fd, &info) != 0 || !S_ISREG(info.st_mode))
+        return Status::UnableToOpenFile;
+    m_size = static_cast<std::uint64_t>(info.st_size);
+    return Status::Ok;
+}
+
+Status InputFile::read(void *target, std::size_t wanted, std::size_t &got) {
+    got = 0;
+    while (got < wanted) {
+        const ssize_t n = ::read(m_fd, static_cast<char *>(target) + got, wanted - got);
+        if (n == 0)
+            break;
+        if (n > 0)
+            got += static_cast<std::size_t>(n);
+        else if (errno != EINTR)
+            return Status::UnableToOpenFile;
+    }
+    return Status::Ok;
+}
+
+} // namespace files

@@ -1,0 +1,173 @@
+#include "libs/files/MapFile.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "libs/files/Image.h"
+#include "libs/files/IniFile.h"
+#include "libs/files/InputFile.h"
+
+namespace files {
+
+namespace {
+
+constexpr std::size_t MaxFileSize = 1024 * 1024;
+constexpr std::size_t MaxName = sizeof(MAPPING::Name) - 1;
+constexpr std::uint64_t MaxSectors = std::numeric_limits<short>::max();
+constexpr std::uint64_t MinSectorSize = 256; // one packet
+constexpr std::uint64_t MaxPacketSize = 256;
+constexpr int Decimal = 10;
+constexpr int Hexadecimal = 16;
+
+Status readText(const char *path, std::string &text) {
+    InputFile file;
+    const Status opened = file.open(path);
+    if (opened != Status::Ok)
+        return opened;
+    text.resize(MaxFileSize + 1);
+    std::size_t got = 0;
+    const Status read = file.read(&text[0], text.size(), got);
+    if (read != Status::Ok)
+        return read;
+    text.resize(got);
+    return got <= MaxFileSize ? Status::Ok : Status::BadFormat;
+}
+
+// Reads numbers out of one section and remembers whether each was one.
+class Numbers {
+public:
+    explicit Numbers(const IniSection &section) : m_section(section) {}
+
+    std::uint64_t get(const char *key, int base, std::uint64_t highest, std::uint64_t missing) {
+        const auto place = m_section.find(key);
+        if (place == m_section.end())
+            return missing;
+        const char *text = place->second.c_str();
+        char *end = nullptr;
+        errno = 0;
+        const unsigned long long value = std::strtoull(text, &end, base);
+        // strtoull would take a sign and leading blanks.
+        const bool digits = std::isxdigit(static_cast<unsigned char>(*text)) && *end == '\0';
+        m_valid &= digits && errno == 0 && value <= highest;
+        return value;
+    }
+    bool flag(const char *key) { return get(key, Decimal, 1, 1) != 0; }
+    bool valid() const { return m_valid; }
+
+private:
+    const IniSection &m_section;
+    bool m_valid = true;
+};
+
+Status readProduct(const IniSection &section, MapFile &map) {
+    const auto name = section.find("Name");
+    if (name != section.end())
+        map.name = name->second;
+    Numbers numbers(section);
+    map.packetSize = static_cast<short>(numbers.get("PacketSize", Decimal, MaxPacketSize, 0));
+    map.sectorsPerSector = static_cast<BYTE>(numbers.get("SectorsPerSector", Decimal, 255, 0));
+    map.alternate = static_cast<BYTE>(numbers.get("Alternate", Decimal, 255, 0));
+    return numbers.valid() && map.name.size() <= MaxName ? Status::Ok : Status::BadFormat;
+}
+
+// `next` is the end of the group before.
+Status readGroup(const IniSection &section, std::uint64_t next, SectorGroup &group) {
+    Numbers numbers(section);
+    group.size = numbers.get("Size", Hexadecimal, MaxImageSize, 0);
+    group.count = numbers.get("Count", Decimal, MaxSectors, 1);
+    group.address = numbers.get("Address", Hexadecimal, AddressSpace - 1, next);
+    group.alias = numbers.get("Alias", Hexadecimal, AddressSpace - 1, group.address);
+    group.type = static_cast<BYTE>(numbers.get("Type", Decimal, 255, 0));
+    group.operation = numbers.flag("Operation");
+    group.erase = numbers.flag("Erase");
+    group.upload = numbers.flag("Upload");
+    group.protect = numbers.flag("Protect");
+    return numbers.valid() && group.size >= MinSectorSize && group.count > 0 ? Status::Ok : Status::BadFormat;
+}
+
+// The number behind "Sector", or -1 if the section is no group.
+long groupNumber(const std::string &name) {
+    const std::string prefix = "Sector";
+    const std::string digits = name.substr(std::min(name.size(), prefix.size()));
+    if (name.compare(0, prefix.size(), prefix) != 0 || digits.empty() || digits.size() > 5 ||
+        digits.find_first_not_of("0123456789") != std::string::npos)
+        return -1;
+    return std::stol(digits);
+}
+
+Status readGroups(const IniSections &sections, MapFile &map) {
+    std::uint64_t next = FlashBase;
+    std::uint64_t sectors = 0;
+    std::uint64_t bytes = 0;
+    for (;;) {
+        const auto section = sections.find("Sector" + std::to_string(map.groups.size()));
+        if (section == sections.end())
+            break;
+        SectorGroup group;
+        const Status read = readGroup(section->second, next, group);
+        if (read != Status::Ok)
+            return read;
+        const std::uint64_t total = group.size * group.count;
+        sectors += group.count;
+        bytes += total;
+        const bool descends = !map.groups.empty() && group.address < next;
+        if (descends || group.address + total > AddressSpace || sectors > MaxSectors || bytes > MaxImageSize)
+            return Status::BadAddressRange;
+        next = group.address + total;
+        map.groups.push_back(group);
+    }
+    // A group that the walk did not come to stands behind a hole in the numbering.
+    long groups = 0;
+    for (const auto &section : sections)
+        groups += groupNumber(section.first) >= 0;
+    map.sectorCount = static_cast<short>(sectors);
+    const bool whole = !map.groups.empty() && groups == static_cast<long>(map.groups.size());
+    return whole ? Status::Ok : Status::BadFormat;
+}
+
+void fillSector(MAPPINGSECTOR &sector, const SectorGroup &group, std::uint64_t inGroup, std::uint64_t index) {
+    std::memset(&sector, 0, sizeof sector);
+    std::snprintf(sector.Name, sizeof sector.Name, "Sector%04lu", static_cast<unsigned long>(index));
+    sector.dwStartAddress = group.address + inGroup * group.size;
+    sector.dwAliasedAddress = group.alias + inGroup * group.size;
+    sector.dwSectorIndex = index;
+    sector.dwSectorSize = group.size;
+    sector.bSectorType = group.type;
+    sector.UseForOperation = group.operation;
+    sector.UseForErase = group.erase;
+    sector.UseForUpload = group.upload;
+    sector.UseForEraseProgramProtect = group.protect;
+}
+
+} // namespace
+
+Status MapFile::read(const char *path) {
+    std::string text;
+    const Status loaded = readText(path, text);
+    if (loaded != Status::Ok)
+        return loaded;
+    IniSections sections;
+    const Status parsed = parseIni(text, sections);
+    if (parsed != Status::Ok)
+        return parsed;
+    const Status product = readProduct(sections["Product"], *this);
+    return product == Status::Ok ? readGroups(sections, *this) : product;
+}
+
+void MapFile::fill(MAPPING &mapping) const {
+    mapping.nAlternate = alternate;
+    std::memset(mapping.Name, 0, sizeof mapping.Name);
+    std::memcpy(mapping.Name, name.data(), name.size());
+    std::uint64_t index = 0;
+    for (const SectorGroup &group : groups)
+        for (std::uint64_t i = 0; i < group.count; ++i, ++index)
+            fillSector(mapping.pSectors[index], group, i, index);
+    mapping.NbSectors = index;
+}
+
+} // namespace files

@@ -1,0 +1,48 @@
+#include "libs/files/format/Binary.h"
+
+namespace files {
+
+namespace {
+
+constexpr std::size_t ChunkSize = 1024 * 1024;
+constexpr unsigned char Gap = 0xFF;
+
+} // namespace
+
+Status readBinary(InputFile &file, std::uint32_t base, RunCollector &runs) {
+    if (file.size() > MaxImageSize)
+        return Status::BadAddressRange;
+    runs.reserve(file.size());
+    std::uint64_t address = base;
+    std::size_t got = 0;
+    do {
+        const Status read = file.read(runs.room(ChunkSize), ChunkSize, got);
+        if (read != Status::Ok)
+            return read;
+        const Status taken = runs.commit(address, got);
+        if (taken != Status::Ok)
+            return taken;
+        address += got;
+    } while (got == ChunkSize);
+    return Status::Ok;
+}
+
+Status writeBinary(const std::vector<const Element *> &elements, const std::string &, AtomicFile &file) {
+    if (elements.empty())
+        return Status::Ok;
+    std::uint64_t address = elements.front()->address;
+    if (elements.back()->end() - address > MaxImageSize)
+        return Status::BadAddressRange;
+    for (const Element *element : elements) {
+        const Status filled = file.fill(Gap, element->address - address);
+        if (filled != Status::Ok)
+            return filled;
+        const Status written = file.write(element->bytes.get(), element->length);
+        if (written != Status::Ok)
+            return written;
+        address = element->end();
+    }
+    return Status::Ok;
+}
+
+} // namespace files

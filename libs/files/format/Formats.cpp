@@ -1,0 +1,37 @@
+#include "libs/files/format/Formats.h"
+
+#include <cstring>
+
+#include <strings.h>
+
+#include "libs/files/format/Binary.h"
+#include "libs/files/format/IntelHex.h"
+#include "libs/files/format/SRecord.h"
+
+namespace files {
+
+namespace {
+
+const Format Formats[] = {
+    {".bin", true, true, readBinary, writeBinary},
+    {".hex", true, false, readIntelHex, writeIntelHex},
+    {".s19", false, false, readSRecord, writeSRecord},
+    {".srec", false, false, readSRecord, writeSRecord},
+};
+
+bool endsWith(const char *path, const char *suffix) {
+    const std::size_t length = std::strlen(path);
+    const std::size_t tail = std::strlen(suffix);
+    return length >= tail && ::strcasecmp(path + length - tail, suffix) == 0;
+}
+
+} // namespace
+
+const Format *formatOf(const char *path) {
+    for (const Format &format : Formats)
+        if (endsWith(path, format.suffix))
+            return &format;
+    return nullptr;
+}
+
+} // namespace files

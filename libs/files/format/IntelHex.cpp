@@ -1,0 +1,148 @@
+#include "libs/files/format/IntelHex.h"
+
+#include <algorithm>
+
+#include "libs/files/format/HexDigits.h"
+#include "libs/files/format/RecordWindow.h"
+
+namespace files {
+
+namespace {
+
+// A record: ':', then as digit pairs the data length, a 16-bit offset, the type, the data and a
+// checksum that makes the sum of all bytes 0.
+constexpr unsigned char Mark = ':';
+constexpr std::size_t HeadBytes = 4;
+constexpr std::size_t MaxData = 255;
+constexpr std::size_t WrittenData = 32;
+constexpr std::uint32_t PageSize = 0x10000;
+
+enum Type { Data, End, SegmentBase, SegmentStart, LinearBase, LinearStart, TypeCount };
+
+// The data length that each type has; AnyLength for data.
+constexpr int AnyLength = -1;
+constexpr int TypeLength[TypeCount] = {AnyLength, 0, 2, 4, 2, 4};
+
+class Reader {
+public:
+    Reader(InputFile &file, RunCollector &runs) : m_window(file), m_runs(runs) {}
+
+    Status read();
+
+private:
+    Status readRecord();
+    Status takeData(unsigned offset, const BYTE *data, std::size_t length);
+    void takeBase(unsigned type, const BYTE *data);
+
+    RecordWindow m_window;
+    RunCollector &m_runs;
+    std::uint32_t m_base = 0;
+    bool m_segmented = false;
+    bool m_ended = false;
+};
+
+Status Reader::read() {
+    for (;;) {
+        bool found = false;
+        const Status moved = m_window.next(found);
+        if (moved != Status::Ok)
+            return moved;
+        if (!found)
+            return m_ended ? Status::Ok : Status::BadFormat;
+        const Status taken = m_ended ? Status::BadFormat : readRecord();
+        if (taken != Status::Ok)
+            return taken;
+    }
+}
+
+Status Reader::readRecord() {
+    const unsigned char *text = m_window.begin();
+    unsigned char head[HeadBytes];
+    unsigned sum = 0;
+    if (m_window.available() < 1 + 2 * HeadBytes || text[0] != Mark || !decodeBytes(text + 1, HeadBytes, head, sum))
+        return Status::BadFormat;
+    const std::size_t length = head[0];
+    const unsigned type = head[3];
+    const std::size_t characters = 1 + 2 * (HeadBytes + length + 1);
+    if (m_window.available() < characters || type >= TypeCount ||
+        (TypeLength[type] != AnyLength && TypeLength[type] != static_cast<int>(length)))
+        return Status::BadFormat;
+
+    // The checksum is decoded with the data, behind them.
+    BYTE *data = m_runs.room(length + 1);
+    if (!decodeBytes(text + 1 + 2 * HeadBytes, length + 1, data, sum) || (sum & 0xFF) != 0 || !m_window.pass(characters))
+        return Status::BadFormat;
+    if (type == Data)
+        return takeData(static_cast<unsigned>(head[1] << 8 | head[2]), data, length);
+    takeBase(type, data);
+    m_ended = type == End;
+    return Status::Ok;
+}
+
+Status Reader::takeData(unsigned offset, const BYTE *data, std::size_t length) {
+    const std::size_t inPage = PageSize - offset;
+    if (!m_segmented || length <= inPage)
+        return m_runs.commit(std::uint64_t(m_base) + offset, length);
+    BYTE wrapped[MaxData];
+    std::copy(data + inPage, data + length, wrapped);
+    const Status taken = m_runs.commit(std::uint64_t(m_base) + offset, inPage);
+    if (taken != Status::Ok)
+        return taken;
+    std::copy(wrapped, wrapped + (length - inPage), m_runs.room(length - inPage));
+    return m_runs.commit(m_base, length - inPage);
+}
+
+void Reader::takeBase(unsigned type, const BYTE *data) {
+    if (type != SegmentBase && type != LinearBase)
+        return;
+    m_segmented = type == SegmentBase;
+    m_base = static_cast<std::uint32_t>(data[0] << 8 | data[1]) << (m_segmented ? 4 : 16);
+}
+
+Status writeRecord(AtomicFile &file, unsigned type, unsigned offset, const BYTE *data, std::size_t length) {
+    char line[1 + 2 * (HeadBytes + WrittenData + 1) + 1];
+    const BYTE head[HeadBytes] = {static_cast<BYTE>(length), static_cast<BYTE>(offset >> 8), static_cast<BYTE>(offset),
+                                  static_cast<BYTE>(type)};
+    unsigned sum = 0;
+    line[0] = Mark;
+    char *at = encodeBytes(head, HeadBytes, line + 1, sum);
+    at = encodeBytes(data, length, at, sum);
+    const BYTE checksum = static_cast<BYTE>(0 - sum);
+    at = encodeBytes(&checksum, 1, at, sum);
+    *at++ = '\n';
+    return file.write(line, static_cast<std::size_t>(at - line));
+}
+
+} // namespace
+
+Status readIntelHex(InputFile &file, std::uint32_t, RunCollector &runs) {
+    // Each byte takes more than two characters.
+    runs.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.size() / 2, MaxImageSize)));
+    return Reader(file, runs).read();
+}
+
+Status writeIntelHex(const std::vector<const Element *> &elements, const std::string &, AtomicFile &file) {
+    constexpr std::uint32_t NoPage = PageSize;
+    std::uint32_t page = NoPage;
+    for (const Element *element : elements) {
+        for (std::uint32_t done = 0; done < element->length;) {
+            const std::uint32_t address = element->address + done;
+            const std::uint32_t offset = address % PageSize;
+            if (address / PageSize != page) {
+                page = address / PageSize;
+                const BYTE upper[] = {static_cast<BYTE>(page >> 8), static_cast<BYTE>(page)};
+                const Status moved = writeRecord(file, LinearBase, 0, upper, sizeof upper);
+                if (moved != Status::Ok)
+                    return moved;
+            }
+            const std::uint32_t length = std::min({element->length - done, PageSize - offset, std::uint32_t(WrittenData)});
+            const Status written = writeRecord(file, Data, offset, element->bytes.get() + done, length);
+            if (written != Status::Ok)
+                return written;
+            done += length;
+        }
+    }
+    return writeRecord(file, End, 0, nullptr, 0);
+}
+
+} // namespace files

@@ -1,0 +1,26 @@
+#include "libs/files/format/RecordWindow.h"
+
+#include <cstring>
+
+namespace files {
+
+namespace {
+
+constexpr std::size_t WindowSize = 256 * 1024;
+
+} // namespace
+
+RecordWindow::RecordWindow(InputFile &file) : m_file(file), m_buffer(WindowSize), m_at(m_buffer.data()), m_end(m_at) {}
+
+Status RecordWindow::refill() {
+    const std::size_t rest = available();
+    std::memmove(m_buffer.data(), m_at, rest);
+    std::size_t got = 0;
+    const Status read = m_file.read(m_buffer.data() + rest, WindowSize - rest, got);
+    m_atFileEnd = rest + got < WindowSize;
+    m_at = m_buffer.data();
+    m_end = m_at + rest + got;
+    return read;
+}
+
+} // namespace files

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "libs/files/InputFile.h"
+#include "libs/files/Status.h"
+
+namespace files {
+
+// A small window that moves along a text file record by record, so that memory does not grow with
+// the file.
+class RecordWindow {
+public:
+    // No record of any format is longer: a mark, 260 pairs of digits and the line's end fit.
+    static constexpr std::size_t MaxRecord = 600;
+
+    explicit RecordWindow(InputFile &file);
+
+    // Goes to the next record over line ends and blanks. Afterwards the whole record is at begin(),
+    // as far as the file has it; `found` is false at the end of the file.
+    Status next(bool &found) {
+        for (;;) {
+            while (m_at != m_end && isBlank(*m_at))
+                ++m_at;
+            if (available() >= MaxRecord || m_atFileEnd) {
+                found = m_at != m_end;
+                return Status::Ok;
+            }
+            const Status filled = refill();
+            if (filled != Status::Ok)
+                return filled;
+        }
+    }
+
+    const unsigned char *begin() const { return m_at; }
+    std::size_t available() const { return static_cast<std::size_t>(m_end - m_at); }
+
+    // Passes over a record of that many characters; false when it runs on behind them.
+    bool pass(std::size_t characters) {
+        m_at += characters;
+        return m_at == m_end || isBlank(*m_at);
+    }
+
+private:
+    static bool isBlank(unsigned char c) { return c == '\n' || c == '\r' || c == ' ' || c == '\t'; }
+    Status refill();
+
+    InputFile &m_file;
+    std::vector<unsigned char> m_buffer;
+    const unsigned char *m_at;
+    const unsigned char *m_end;
+    bool m_atFileEnd = false;
+};
+
+} // namespace files

@@ -1,0 +1,164 @@
+#include "libs/files/format/SRecord.h"
+
+#include <algorithm>
+
+#include "libs/files/format/HexDigits.h"
+#include "libs/files/format/RecordWindow.h"
+
+namespace files {
+
+namespace {
+
+// A record: 'S', a digit for the type, then as digit pairs the number of bytes that follow, an
+// address of two to four bytes, the data and a checksum that makes the sum of all bytes 0xFF.
+constexpr unsigned char Mark = 'S';
+constexpr std::size_t MarkLength = 2;
+constexpr std::size_t MaxAddress = 4;
+constexpr std::size_t WrittenData = 32;
+constexpr std::size_t MaxHeader = 32;
+constexpr std::size_t MaxCount16 = 0xFFFF;
+constexpr std::size_t MaxCount24 = 0xFFFFFF;
+
+enum class Role { Header, Data, None, Count, End };
+
+struct Type {
+    Role role;
+    std::size_t addressBytes;
+};
+
+constexpr Type Types[] = {{Role::Header, 2}, {Role::Data, 2},  {Role::Data, 3}, {Role::Data, 4}, {Role::None, 0},
+                          {Role::Count, 2},  {Role::Count, 3}, {Role::End, 4},  {Role::End, 3},  {Role::End, 2}};
+
+class Reader {
+public:
+    Reader(InputFile &file, RunCollector &runs) : m_window(file), m_runs(runs) {}
+
+    Status read();
+
+private:
+    Status readRecord();
+    Status take(Role role, std::uint32_t address, std::size_t length);
+
+    RecordWindow m_window;
+    RunCollector &m_runs;
+    std::uint64_t m_dataRecords = 0;
+    bool m_ended = false;
+};
+
+Status Reader::read() {
+    for (;;) {
+        bool found = false;
+        const Status moved = m_window.next(found);
+        if (moved != Status::Ok)
+            return moved;
+        if (!found)
+            return m_ended ? Status::Ok : Status::BadFormat;
+        const Status taken = m_ended ? Status::BadFormat : readRecord();
+        if (taken != Status::Ok)
+            return taken;
+    }
+}
+
+Status Reader::readRecord() {
+    const unsigned char *text = m_window.begin();
+    if (m_window.available() < MarkLength + 2 || text[0] != Mark || text[1] < '0' || text[1] > '9')
+        return Status::BadFormat;
+    const Type type = Types[text[1] - '0'];
+    unsigned sum = 0;
+    BYTE count = 0;
+    if (!decodeBytes(text + MarkLength, 1, &count, sum) || type.role == Role::None || count < type.addressBytes + 1)
+        return Status::BadFormat;
+    const std::size_t characters = MarkLength + 2 + 2 * std::size_t(count);
+    if (m_window.available() < characters)
+        return Status::BadFormat;
+
+    text += MarkLength + 2;
+    std::uint32_t address = 0;
+    unsigned valid = hexdigits::Valid;
+    for (std::size_t i = 0; i < type.addressBytes; ++i, text += 2) {
+        const unsigned value = decodeByte(text);
+        valid &= value;
+        sum += value;
+        address = address << 8 | (value & 0xFF);
+    }
+    // The checksum is decoded with the data, behind them.
+    const std::size_t length = count - type.addressBytes - 1;
+    const bool digits = decodeBytes(text, length + 1, m_runs.room(length + 1), sum) && valid;
+    if (!digits || (sum & 0xFF) != 0xFF || !m_window.pass(characters))
+        return Status::BadFormat;
+    return take(type.role, address, length);
+}
+
+// The record's data, if it has any, are in the room of m_runs.
+Status Reader::take(Role role, std::uint32_t address, std::size_t length) {
+    if (role == Role::Header)
+        return Status::Ok;
+    if (role == Role::Data) {
+        ++m_dataRecords;
+        return m_runs.commit(address, length);
+    }
+    m_ended = role == Role::End;
+    const bool miscounted = role == Role::Count && address != m_dataRecords;
+    return length != 0 || miscounted ? Status::BadFormat : Status::Ok;
+}
+
+Status writeRecord(AtomicFile &file, unsigned type, std::uint32_t address, const BYTE *data, std::size_t length) {
+    char line[MarkLength + 2 * (1 + MaxAddress + WrittenData + 1) + 1];
+    const std::size_t addressBytes = Types[type].addressBytes;
+    BYTE head[1 + MaxAddress] = {static_cast<BYTE>(addressBytes + length + 1)};
+    for (std::size_t i = 0; i < addressBytes; ++i)
+        head[1 + i] = static_cast<BYTE>(address >> 8 * (addressBytes - 1 - i));
+    unsigned sum = 0;
+    line[0] = Mark;
+    line[1] = static_cast<char>('0' + type);
+    char *at = encodeBytes(head, 1 + addressBytes, line + MarkLength, sum);
+    at = encodeBytes(data, length, at, sum);
+    const BYTE checksum = static_cast<BYTE>(~sum);
+    at = encodeBytes(&checksum, 1, at, sum);
+    *at++ = '\n';
+    return file.write(line, static_cast<std::size_t>(at - line));
+}
+
+Status writeHeader(AtomicFile &file, const std::string &name) {
+    std::string base = name.substr(name.rfind('/') + 1);
+    base.resize(std::min(base.size(), MaxHeader));
+    return writeRecord(file, 0, 0, reinterpret_cast<const BYTE *>(base.data()), base.size());
+}
+
+// The count, where a record can hold it, and the end.
+Status writeTail(AtomicFile &file, std::size_t dataRecords) {
+    if (dataRecords <= MaxCount24) {
+        const unsigned type = dataRecords <= MaxCount16 ? 5 : 6;
+        const Status counted = writeRecord(file, type, static_cast<std::uint32_t>(dataRecords), nullptr, 0);
+        if (counted != Status::Ok)
+            return counted;
+    }
+    return writeRecord(file, 7, 0, nullptr, 0);
+}
+
+} // namespace
+
+Status readSRecord(InputFile &file, std::uint32_t, RunCollector &runs) {
+    // Each byte takes more than two characters.
+    runs.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.size() / 2, MaxImageSize)));
+    return Reader(file, runs).read();
+}
+
+Status writeSRecord(const std::vector<const Element *> &elements, const std::string &name, AtomicFile &file) {
+    const Status headed = writeHeader(file, name);
+    if (headed != Status::Ok)
+        return headed;
+    std::size_t records = 0;
+    for (const Element *element : elements) {
+        for (std::uint32_t done = 0; done < element->length; ++records) {
+            const std::uint32_t length = std::min(element->length - done, std::uint32_t(WrittenData));
+            const Status written = writeRecord(file, 3, element->address + done, element->bytes.get() + done, length);
+            if (written != Status::Ok)
+                return written;
+            done += length;
+        }
+    }
+    return writeTail(file, records);
+}
+
+} // namespace files
