@@ -1,0 +1,183 @@
+#include "sim/Bootloader.h"
+
+#include "libs/zvbl/wire/Wire.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace sim {
+
+namespace {
+
+constexpr Nanoseconds startTime = 20 * millisecond; // behind a reset; bytes that arrive meanwhile are lost
+
+std::string hex(std::uint32_t value, int digits) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(value));
+    return text;
+}
+
+} // namespace
+
+void Exchange::begin(const CommandRow &opened) {
+    row = &opened;
+    step = 0;
+    address_.reset();
+    answers_ = 0;
+}
+
+void Exchange::answer(std::uint8_t byte) { out_.push_back({byte, now}); }
+
+void Exchange::send(const Bytes &bytes) {
+    for (const std::uint8_t byte : bytes) {
+        answer(byte);
+    }
+}
+
+Next Exchange::accept(Next next) {
+    answer(wire::ack);
+    return next;
+}
+
+Next Exchange::refuse(const std::string &why) {
+    log_.refused(row->name + (address_ ? " " + hex(*address_, 8) : std::string()) + ": " + why);
+    answer(wire::nack);
+    return Next::end;
+}
+
+Next Exchange::goOn(const Outcome &outcome) {
+    return outcome.done() ? accept(Next::nextGroup) : refuse(outcome.why);
+}
+
+Next awaitGroups(Exchange &exchange) { return exchange.goOn(); }
+
+Next Exchange::conclude(const Outcome &outcome, Next next) {
+    now += chip.takeTime();
+    if (outcome.kind == Outcome::Kind::powerLost) {
+        return Next::powerLost;
+    }
+    return outcome.done() ? accept(next) : refuse(outcome.why);
+}
+
+bool Exchange::refusedByFault() { return faults_.refuses(answers_++); }
+
+Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log)
+    : chip_(chip), faults_(faults), log_(log), exchange_(chip, faults, log, out_), supported_(opcodesOf(chip.facts())) {}
+
+bool Bootloader::listening(Nanoseconds now) const { return !gone_ && now >= listensFrom_; }
+
+const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
+    if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end()) {
+        return nullptr;
+    }
+    for (const auto *table : {&fixedCommands(), &ownCommands()}) {
+        for (const CommandRow &row : *table) {
+            if (row.opcode == opcode) {
+                return &row;
+            }
+        }
+    }
+    return nullptr;
+}
+
+bool Bootloader::guarded(const CommandRow &row) const {
+    return (row.guard == Guard::access && chip_.access() != AccessLevel::open) ||
+           (row.guard == Guard::high && chip_.access() == AccessLevel::high);
+}
+
+void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
+    if (!faults_.frame(opcode)) {
+        log_.note("fault: silent from command " + hex(opcode, 2) + " on");
+        gone_ = true;
+        return;
+    }
+    const CommandRow *row = rowOf(opcode);
+    if (row == nullptr) {
+        refuse("opcode " + hex(opcode, 2) + ": unknown command", now);
+        return;
+    }
+    log_.note(std::string("command: ") + row->name);
+    exchange_.now = now;
+    exchange_.begin(*row);
+    if (exchange_.refusedByFault()) {
+        follow(exchange_.refuse("fault"));
+    } else if (guarded(*row)) {
+        follow(exchange_.refuse("the chip is access-protected"));
+    } else {
+        follow(row->begin(exchange_));
+    }
+}
+
+void Bootloader::feed(std::uint8_t byte, Nanoseconds now) {
+    group_.push_back(byte);
+    const Step &step = exchange_.row->steps[exchange_.step];
+    if (group_.size() < step.length(group_)) {
+        return;
+    }
+    const Bytes group = std::exchange(group_, {});
+    ++exchange_.step;
+    exchange_.now = now;
+    if (exchange_.refusedByFault()) {
+        follow(exchange_.refuse("fault"));
+    } else if (!step.sound(group)) {
+        follow(exchange_.refuse("wrong checksum"));
+    } else {
+        follow(step.act(exchange_, group));
+    }
+}
+
+void Bootloader::follow(Next next) {
+    busyUntil_ = exchange_.now;
+    if (next == Next::nextGroup) {
+        return;
+    }
+    exchange_.row = nullptr;
+    if (next == Next::reset) {
+        reset(exchange_.now);
+    } else if (next == Next::powerLost) {
+        log_.note("fault: power cut");
+        losePower(exchange_.now);
+    } else if (next == Next::leave) {
+        log_.note("the chip runs its own code");
+        gone_ = true;
+    }
+}
+
+void Bootloader::drop(const std::string &why) {
+    if (exchange_.row != nullptr) {
+        log_.refused(std::string(exchange_.row->name) + ": " + why);
+    }
+    exchange_.row = nullptr;
+    group_.clear();
+}
+
+void Bootloader::answer(std::uint8_t byte, Nanoseconds now) { out_.push_back({byte, now}); }
+
+void Bootloader::refuse(const std::string &why, Nanoseconds now) {
+    log_.refused(why);
+    answer(wire::nack, now);
+}
+
+void Bootloader::start(Nanoseconds now) {
+    exchange_.row = nullptr;
+    group_.clear();
+    gone_ = false;
+    listensFrom_ = now + startTime;
+    busyUntil_ = now;
+}
+
+void Bootloader::reset(Nanoseconds now) {
+    log_.note("reset");
+    chip_.reset();
+    start(now);
+}
+
+void Bootloader::losePower(Nanoseconds now) {
+    chip_.losePower();
+    start(now);
+}
+
+std::vector<TimedByte> Bootloader::takeOutput() { return std::exchange(out_, {}); }
+
+} // namespace sim

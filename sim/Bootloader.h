@@ -1,0 +1,134 @@
+#pragma once
+
+#include "sim/Chip.h"
+#include "sim/Log.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+struct CommandRow;
+
+// What a command does behind a group.
+enum class Next { end, nextGroup, reset, leave, powerLost };
+
+// One command that is under way: what its steps may use and leave for each other.
+class Exchange {
+public:
+    Exchange(Chip &target, Faults &faults, Log &log, std::vector<TimedByte> &out)
+        : chip(target), faults_(faults), log_(log), out_(out) {}
+
+    Chip &chip;
+
+    // The address that the host sent; refusals name it.
+    void setAddress(std::uint32_t address) { address_ = address; }
+    std::uint32_t address() const { return address_.value_or(0); }
+
+    // Answers behind a group. refuse() tells the reason.
+    Next accept(Next next = Next::end);
+    Next refuse(const std::string &why);
+
+    // ACK for a group that is in order, with another one to come; else NACK.
+    Next goOn(const Outcome &outcome = {});
+
+    // ACK or NACK for work that has just been done, at the time when it is done.
+    Next conclude(const Outcome &outcome, Next next = Next::end);
+
+    // Whether an injected fault wants the coming answer to be a NACK; counts the answers.
+    bool refusedByFault();
+
+    void send(const Bytes &bytes);
+
+    void begin(const CommandRow &row);
+    const CommandRow *row = nullptr;
+    std::size_t step = 0;
+    Nanoseconds now = 0;
+
+private:
+    void answer(std::uint8_t byte);
+
+    Faults &faults_;
+    Log &log_;
+    std::vector<TimedByte> &out_;
+    unsigned answers_ = 0;
+    std::optional<std::uint32_t> address_;
+};
+
+// One group of bytes from the host.
+struct Step {
+    std::size_t (*length)(const Bytes &arrived); // of the whole group, as far as what arrived tells
+    bool (*sound)(const Bytes &group);           // its checksum
+    Next (*act)(Exchange &exchange, const Bytes &group);
+};
+
+enum class Guard { none, access, high }; // refused under access protection; under its high level
+
+struct CommandRow {
+    std::uint8_t opcode;
+    const char *name;
+    Guard guard;
+    Next (*begin)(Exchange &exchange); // answers the opcode
+    std::vector<Step> steps;
+};
+
+// The `begin` of a command that only waits for its groups.
+Next awaitGroups(Exchange &exchange);
+
+const std::vector<CommandRow> &fixedCommands();
+const std::vector<CommandRow> &ownCommands();
+
+// The resident bootloader: commands come as an opcode and groups of bytes, answers go out with the
+// time from which they may leave. It knows neither the link that carries them nor a clock.
+class Bootloader {
+public:
+    Bootloader(Chip &chip, Faults &faults, Log &log);
+    Bootloader(const Bootloader &) = delete;
+    Bootloader &operator=(const Bootloader &) = delete;
+
+    // Whether bytes reach the bootloader: not while the chip starts, and not behind a GO.
+    bool listening(Nanoseconds now) const;
+
+    // Until then the chip works at its flash and takes nothing in.
+    Nanoseconds busyUntil() const { return busyUntil_; }
+
+    // Whether an opcode belongs next.
+    bool idle() const { return exchange_.row == nullptr; }
+
+    void command(std::uint8_t opcode, Nanoseconds now);
+    void feed(std::uint8_t byte, Nanoseconds now);
+
+    // Drops a command that is under way; nothing of it is carried out.
+    void drop(const std::string &why);
+
+    // Bytes outside a command: what the link's own framing answers.
+    void answer(std::uint8_t byte, Nanoseconds now);
+    void refuse(const std::string &why, Nanoseconds now);
+
+    // The reset button, and the power.
+    void reset(Nanoseconds now);
+    void losePower(Nanoseconds now);
+    unsigned resets() const { return chip_.resets(); }
+
+    std::vector<TimedByte> takeOutput();
+
+private:
+    const CommandRow *rowOf(std::uint8_t opcode) const;
+    bool guarded(const CommandRow &row) const;
+    void follow(Next next);
+    void start(Nanoseconds now);
+
+    Chip &chip_;
+    Faults &faults_;
+    Log &log_;
+    std::vector<TimedByte> out_;
+    Exchange exchange_;
+    Bytes supported_;
+    Bytes group_;
+    bool gone_ = false;
+    Nanoseconds listensFrom_ = 0;
+    Nanoseconds busyUntil_ = 0;
+};
+
+} // namespace sim

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+// Which cells a programming step went into.
+enum class CellKind { flash, options };
+
+enum class Direction { rx, tx }; // as the chip sees it: rx comes from the host
+
+enum class FaultKind { nack, silence, lost, late, doubled, damage, hangup, powerCut };
+
+// One fault, as `--fault` tells it. Every fault happens once.
+struct Fault {
+    FaultKind kind = FaultKind::nack;
+    Direction direction = Direction::rx;
+    std::uint64_t at = 0;              // counts bytes, frames or programming steps
+    std::optional<unsigned> value;     // milliseconds, damage mask or answer number
+    std::optional<std::uint8_t> opcode;
+    std::optional<CellKind> cells;
+    bool spent = false;
+};
+
+// What befalls one byte on the line.
+struct ByteEffect {
+    bool lost = false;
+    bool doubled = false;
+    unsigned lateMs = 0;
+    std::uint8_t damage = 0;           // XORed into the byte
+    bool hangup = false;
+    std::optional<unsigned> replugMs;  // behind a hang-up: plugged in again after that time
+};
+
+// The faults of one run, and the counters that they wait for.
+class Faults {
+public:
+    // Adds the fault that `spec` tells. False and a message when it tells none.
+    bool add(const std::string &spec, std::string &error);
+
+    // The next byte goes by: counts it.
+    ByteEffect byte(Direction direction);
+
+    // A command opens: counts it. False when the chip falls silent here.
+    bool frame(std::uint8_t opcode);
+
+    // Whether answer number `answer` of the open command has to be a NACK; 0 is the one behind the opcode.
+    bool refuses(unsigned answer);
+
+    // Programming: asked before the first step of a write. True when the power goes.
+    bool powerFails(CellKind cells);
+
+    // One programming step is done. True when the power goes behind it.
+    bool programmed(CellKind cells);
+
+private:
+    std::vector<Fault> faults_;
+    std::array<std::uint64_t, 2> bytes_{};
+    std::array<std::uint64_t, 2> steps_{};
+    std::uint64_t frames_ = 0;
+    std::map<std::uint8_t, std::uint64_t> framesByOpcode_;
+    std::optional<unsigned> refusedAnswer_;
+};
+
+} // namespace sim

@@ -1,0 +1,176 @@
+#include "sim/Options.h"
+
+#include <charconv>
+#include <cstring>
+#include <getopt.h>
+#include <string_view>
+
+namespace sim {
+
+const char helpText[] =
+    R"(zv32-sim: a ZV32 chip with its resident bootloader, at a serial port that any client can open
+
+  zv32-sim --chip NAME --usart PATH [options]
+  zv32-sim --list
+  zv32-sim --help
+
+  --chip NAME         the chip, by a name of --list
+  --usart PATH        make a serial port and a symbolic link to it at PATH, print "ready PATH"
+  --state FILE        keep the chip's memory in FILE between runs
+  --spim MB           size of the SPI flash on the board, 0 for none (16)
+  --baud-pace         bytes take the time that they need at the rate that the client set
+  --flash-time[=ERASE_MS,PROGRAM_US]
+                      erasing takes ERASE_MS a sector (20), programming PROGRAM_US for 256 bytes (2500)
+  --fault SPEC        something goes wrong, once; can be given several times:
+        nack@N[:OPCODE[:ANSWER]]   the N-th command (of that opcode, or "any") is refused; ANSWER counts
+                                   its answers, 0 for the one behind the opcode (0)
+        silence@N                  from the N-th command on the chip is silent, until a reset
+        rx-lost@N  tx-lost@N       the N-th byte from (rx) or to (tx) the host is lost
+        rx-late@N:MS  tx-late@N:MS it comes late, and so do all that follow
+        rx-double@N  tx-double@N   it comes twice
+        rx-damage@N[:MASK]  tx-damage@N[:MASK]
+                                   it comes with the bits of MASK turned over (10)
+        hangup@N[:MS]  tx-hangup@N[:MS]
+                                   in its place the port is unplugged, and plugged in again after MS;
+                                   without MS the simulator ends
+        powercut@N[:flash|options] the power fails behind the N-th programmed byte (flash, OTP, SPIM)
+                                   or option byte pair; 0: before the first
+  --verbose           tell every command, not only what is refused
+  --log FILE          tell it in FILE, not on standard error
+
+SIGUSR1 is the reset button. SIGTERM and SIGINT end the simulator and remove the link.
+Exit status: 0 ended, 1 the port or a file cannot be used, 2 a bad command line.
+)";
+
+namespace {
+
+constexpr unsigned largestSpimMb = 64;
+constexpr unsigned longestTime = 60000000;
+constexpr FlashTime usualFlashTime{20 * millisecond, 2500 * microsecond};
+
+bool parseNumber(std::string_view text, unsigned limit, unsigned &number) {
+    const char *end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end && number <= limit;
+}
+
+bool setChip(Options &options, const char *value, std::string &error) {
+    options.chip = findChip(value);
+    error = std::string("no chip \"") + value + "\": see zv32-sim --list";
+    return options.chip != nullptr;
+}
+
+bool setSpim(Options &options, const char *value, std::string &error) {
+    error = std::string("--spim takes megabytes, 0 to 64, not \"") + value + "\"";
+    return parseNumber(value, largestSpimMb, options.spimMb);
+}
+
+bool setFlashTime(Options &options, const char *value, std::string &error) {
+    if (value == nullptr) {
+        options.flashTime = usualFlashTime;
+        return true;
+    }
+    const std::string_view text = value;
+    const std::size_t comma = text.find(',');
+    unsigned eraseMs = 0;
+    unsigned programUs = 0;
+    error = "--flash-time takes ERASE_MS,PROGRAM_US, not \"" + std::string(text) + "\"";
+    if (comma == std::string_view::npos || !parseNumber(text.substr(0, comma), longestTime, eraseMs) ||
+        !parseNumber(text.substr(comma + 1), longestTime, programUs)) {
+        return false;
+    }
+    options.flashTime = {eraseMs * millisecond, programUs * microsecond};
+    return true;
+}
+
+bool setFault(Options &options, const char *value, std::string &error) { return options.faults.add(value, error); }
+
+template <std::string Options::*Member>
+bool setText(Options &options, const char *value, std::string &error) {
+    options.*Member = value;
+    error = "an empty name";
+    return *value != '\0';
+}
+
+template <bool Options::*Member>
+bool setFlag(Options &options, const char *, std::string &) {
+    return options.*Member = true;
+}
+
+template <Options::Task Value>
+bool setTask(Options &options, const char *, std::string &) {
+    options.task = Value;
+    return true;
+}
+
+struct OptionRow {
+    const char *name;
+    int argument;
+    bool (*set)(Options &options, const char *value, std::string &error);
+};
+
+constexpr OptionRow rows[] = {
+    {"chip", required_argument, setChip},
+    {"usart", required_argument, setText<&Options::usart>},
+    {"state", required_argument, setText<&Options::state>},
+    {"spim", required_argument, setSpim},
+    {"baud-pace", no_argument, setFlag<&Options::pace>},
+    {"flash-time", optional_argument, setFlashTime},
+    {"fault", required_argument, setFault},
+    {"verbose", no_argument, setFlag<&Options::verbose>},
+    {"log", required_argument, setText<&Options::log>},
+    {"list", no_argument, setTask<Options::Task::list>},
+    {"help", no_argument, setTask<Options::Task::help>},
+};
+
+std::vector<struct option> longOptions() {
+    std::vector<struct option> list;
+    for (const OptionRow &row : rows) {
+        list.push_back({row.name, row.argument, nullptr, 0});
+    }
+    list.push_back({nullptr, 0, nullptr, 0});
+    return list;
+}
+
+bool complete(const Options &options, std::string &error) {
+    if (options.task != Options::Task::serve) {
+        return true;
+    }
+    if (options.chip == nullptr) {
+        error = "--chip is missing";
+    } else if (options.usart.empty()) {
+        error = "--usart is missing";
+    }
+    return error.empty();
+}
+
+} // namespace
+
+bool parseOptions(int argc, char **argv, Options &options, std::string &error) {
+    const std::vector<struct option> list = longOptions();
+    opterr = 0;
+    optind = 1;
+    for (;;) {
+        int index = -1;
+        const int at = optind;
+        const int found = getopt_long(argc, argv, ":", list.data(), &index);
+        if (found == -1) {
+            break;
+        }
+        if (found != 0 || index < 0) {
+            error = std::string(found == ':' ? "a value is missing behind " : "unknown option ") + argv[at];
+            return false;
+        }
+        if (!rows[index].set(options, optarg, error)) {
+            return false;
+        }
+        error.clear();
+    }
+    if (optind < argc) {
+        error = std::string("what is \"") + argv[optind] + "\"?";
+        return false;
+    }
+    return complete(options, error);
+}
+
+} // namespace sim

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "sim/Chip.h"
+
+#include <string>
+#include <vector>
+
+namespace sim {
+
+// What the command line asks for.
+struct Options {
+    enum class Task { serve, list, help };
+
+    Task task = Task::serve;
+    const ChipFacts *chip = nullptr;
+    std::string usart;
+    std::string state;   // empty: the chip is new in every run
+    std::string log;     // empty: standard error
+    unsigned spimMb = 16;
+    bool pace = false;
+    bool verbose = false;
+    FlashTime flashTime;
+    Faults faults;
+};
+
+// False and a message for a line that asks for nothing sensible.
+bool parseOptions(int argc, char **argv, Options &options, std::string &error);
+
+extern const char helpText[];
+
+} // namespace sim

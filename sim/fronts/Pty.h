@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+
+namespace sim {
+
+// A pseudo terminal with a symbolic link to it: the serial port that a client opens.
+class Pty {
+public:
+    Pty() = default;
+    ~Pty() { close(); }
+    Pty(const Pty &) = delete;
+    Pty &operator=(const Pty &) = delete;
+
+    // Makes the terminal, raw, and the link. An older link is replaced; anything else at that place is
+    // left alone. False and a message when it cannot.
+    bool open(const std::string &link, std::string &error);
+
+    // Takes the device away: clients see it gone. The link goes too, if it is still ours.
+    void close();
+
+    int fd() const { return master_; }       // readable when a client has sent
+    int watchFd() const { return watch_; }   // readable when a client opens or closes; -1 if unknown
+
+    // Takes in who has come and gone. Behind the last client nothing it left behind stays for the next.
+    void followClients();
+    bool hasClient() const { return clients_ > 0 || watch_ < 0; }
+
+    // The rate that the client set, in baud; 0 when there is none.
+    unsigned baud() const;
+
+private:
+    bool makeTerminal(std::string &error);
+    bool makeLink(std::string &error);
+    void watchClients();
+
+    std::string link_;
+    std::string device_;
+    int master_ = -1;
+    int slave_ = -1; // held open, so that the terminal outlives its clients
+    int watch_ = -1;
+    int clients_ = 0;
+};
+
+} // namespace sim

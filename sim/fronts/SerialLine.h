@@ -1,0 +1,57 @@
+#pragma once
+
+#include "sim/Fault.h"
+#include "sim/Log.h"
+#include "sim/fronts/UsartProtocol.h"
+
+#include <deque>
+#include <optional>
+
+namespace sim {
+
+// Hands out the times at which bytes that follow each other are through, exact over any number of bytes.
+class Pacer {
+public:
+    // When a byte that could start at `ready` is through; `late` holds it back, and all that follow it.
+    // Baud 0: at once, but never before its forerunner.
+    Nanoseconds through(Nanoseconds ready, unsigned baud, Nanoseconds late = 0);
+
+private:
+    Nanoseconds free_ = 0;      // the line is free from then on
+    Nanoseconds remainder_ = 0; // of the division by the rate, so that no fraction is lost
+    unsigned baud_ = 0;
+};
+
+// The wires between a host and the chip: a byte takes its time on them, and what is to go wrong goes
+// wrong there. Bytes are handed on at once, with the time at which they are due.
+class SerialLine {
+public:
+    SerialLine(UsartProtocol &chip, Faults &faults, Log &log) : chip_(chip), faults_(faults), log_(log) {}
+
+    // A byte leaves the host. `baud` is the rate of the line, 0 for no pace.
+    void fromHost(std::uint8_t byte, Nanoseconds now, unsigned baud);
+
+    // Bytes for the host, in the order in which they are due.
+    std::deque<TimedByte> &toHost() { return toHost_; }
+
+    // Unplugged by a fault. The value is the time until it is plugged in again, if ever.
+    struct Hangup {
+        std::optional<unsigned> replugMs;
+    };
+    const std::optional<Hangup> &hangup() const { return hangup_; }
+    void replug();
+
+private:
+    void collect(unsigned baud);
+    void deliver(std::uint8_t byte, Nanoseconds ready, unsigned baud);
+
+    UsartProtocol &chip_;
+    Faults &faults_;
+    Log &log_;
+    Pacer rx_;
+    Pacer tx_;
+    std::deque<TimedByte> toHost_;
+    std::optional<Hangup> hangup_;
+};
+
+} // namespace sim

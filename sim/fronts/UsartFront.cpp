@@ -1,0 +1,161 @@
+#include "sim/fronts/UsartFront.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <optional>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace sim {
+
+namespace {
+
+constexpr Nanoseconds quiet = 20 * millisecond; // the line rests: time for the state file
+
+Nanoseconds clockNow() {
+    struct timespec now {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec * second + now.tv_nsec;
+}
+
+struct timespec timespecOf(Nanoseconds time) {
+    return {static_cast<time_t>(time / second), static_cast<long>(time % second)};
+}
+
+} // namespace
+
+UsartFront::UsartFront(std::string path, bool pace, Bootloader &bootloader, Faults &faults, Log &log,
+                       std::function<void()> idle)
+    : path_(std::move(path)), pace_(pace), bootloader_(bootloader), log_(log), idle_(std::move(idle)),
+      protocol_(bootloader), line_(protocol_, faults, log) {
+    prctl(PR_SET_TIMERSLACK, 1UL); // bytes are due to the microsecond
+}
+
+bool UsartFront::plugIn(std::string &error) {
+    if (!pty_.open(path_, error)) {
+        return false;
+    }
+    std::printf("ready %s\n", path_.c_str());
+    std::fflush(stdout);
+    return true;
+}
+
+bool UsartFront::serve(int signals, std::string &error) {
+    if (!plugIn(error)) {
+        return false;
+    }
+    for (;;) {
+        wait(signals);
+        if (followSignals(signals) == Wish::end) {
+            break;
+        }
+        pty_.followClients();
+        takeFromHost();
+        giveToHost();
+        restIfIdle();
+        if (!line_.hangup() || !line_.toHost().empty()) {
+            continue;
+        }
+        const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
+        pty_.close();
+        if (!replugMs || !waitUnplugged(signals, *replugMs)) {
+            break;
+        }
+        // The board has its power from the port.
+        bootloader_.losePower(clockNow());
+        line_.replug();
+        if (!plugIn(error)) {
+            return false;
+        }
+    }
+    pty_.close();
+    return true;
+}
+
+UsartFront::Wish UsartFront::followSignals(int signals) {
+    struct signalfd_siginfo info {};
+    while (read(signals, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+        if (info.ssi_signo != static_cast<std::uint32_t>(SIGUSR1)) {
+            return Wish::end;
+        }
+        line_.toHost().clear();
+        bootloader_.reset(clockNow());
+    }
+    return Wish::goOn;
+}
+
+// False when a signal ends the simulator meanwhile.
+bool UsartFront::waitUnplugged(int signals, unsigned ms) {
+    const Nanoseconds end = clockNow() + ms * millisecond;
+    for (Nanoseconds now = clockNow(); now < end; now = clockNow()) {
+        struct pollfd fd = {signals, POLLIN, 0};
+        const struct timespec left = timespecOf(end - now);
+        ppoll(&fd, 1, &left, nullptr);
+        if (followSignals(signals) == Wish::end) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Until something happens, or is due.
+void UsartFront::wait(int signals) {
+    struct pollfd fds[] = {{signals, POLLIN, 0}, {pty_.fd(), POLLIN, 0}, {pty_.watchFd(), POLLIN, 0}};
+    std::optional<Nanoseconds> due;
+    if (!line_.toHost().empty()) {
+        due = line_.toHost().front().at;
+    } else if (!rested_) {
+        due = lastTraffic_ + quiet;
+    }
+    struct timespec left {};
+    if (due) {
+        left = timespecOf(std::max<Nanoseconds>(*due - clockNow(), 0));
+    }
+    ppoll(fds, 3, due ? &left : nullptr, nullptr);
+}
+
+void UsartFront::takeFromHost() {
+    std::uint8_t bytes[4096];
+    const ssize_t length = read(pty_.fd(), bytes, sizeof bytes);
+    if (length <= 0) {
+        return;
+    }
+    lastTraffic_ = clockNow();
+    rested_ = false;
+    const unsigned baud = pace_ ? pty_.baud() : 0;
+    for (ssize_t i = 0; i < length; ++i) {
+        line_.fromHost(bytes[i], lastTraffic_, baud);
+    }
+}
+
+void UsartFront::giveToHost() {
+    std::deque<TimedByte> &queue = line_.toHost();
+    const Nanoseconds now = clockNow();
+    Bytes due;
+    while (!queue.empty() && queue.front().at <= now) {
+        due.push_back(queue.front().byte);
+        queue.pop_front();
+    }
+    if (due.empty()) {
+        return;
+    }
+    lastTraffic_ = now;
+    rested_ = false;
+    // Nobody there, or nobody reading: as on a wire, the bytes are lost.
+    if (pty_.hasClient() && write(pty_.fd(), due.data(), due.size()) != static_cast<ssize_t>(due.size())) {
+        log_.note("bytes for the host were lost: it does not read");
+    }
+}
+
+void UsartFront::restIfIdle() {
+    if (!rested_ && line_.toHost().empty() && clockNow() - lastTraffic_ >= quiet) {
+        rested_ = true;
+        idle_();
+    }
+}
+
+} // namespace sim
