@@ -8,10 +8,12 @@ Option bytes to a file and back, on a chip of each layout.
   >     pairs 3 < factory.bin; stat -c %s factory.bin
   >     # another user data byte, with its complement, at compact byte 3
   >     cp factory.bin new.bin; printf '\x5a\xa5' | dd of=new.bin bs=1 seek=6 conv=notrunc status=none
-  >     line -usd --set --fn ./new.bin --get --fn ./back.bin
+  >     line -usd --set --fn ./new.bin
+  >     line -usd --get --fn ./back.bin
   >     cmp new.bin back.bin && echo same
   >     # set what was read leaves everything as it is, also through a hex file
-  >     line -o --get --fn ./back.hex --set --fn ./back.hex --get --fn ./again.bin
+  >     line -o --get --fn ./back.hex --set --fn ./back.hex
+  >     line -usd --get --fn ./again.bin
   >     cmp new.bin again.bin && echo same
   > done
 

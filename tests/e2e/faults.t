@@ -1,0 +1,51 @@
+What goes wrong on the line, once, in the middle of a job that is safe to repeat, is mended, and what is
+in the chip in the end is the image.
+
+  $ . "$SETUP"
+  $ head -c 4096 /dev/urandom > image.bin
+  $ try() {
+  >     chip_new ZV32F421_64K --fault "$1"
+  >     printf '%s: ' "$1"
+  >     line -d --fn ./image.bin --v | tail -1
+  >     line -u --sec 0-3 --fn ./back.bin >/dev/null && cmp image.bin back.bin && echo '  equal'
+  >     grep -c 'fault' sim.err >/dev/null || echo '  the fault did not happen'
+  > }
+
+A command refused, and one refused at its last answer:
+
+  $ try nack@1:31
+  $ try nack@3:31:1
+  $ try nack@2:31:2
+  $ try nack@2:11
+
+A byte from the host, and one to it, in a write (the first ones) and in the verify:
+
+  $ for fault in rx-lost@1500 rx-damage@1500 rx-double@1500 rx-late@1500:700; do try $fault; done
+  $ for fault in tx-lost@600 tx-damage@600 tx-double@600 tx-late@600:700; do try $fault; done
+  $ for fault in tx-lost@2000 tx-double@2000 tx-late@2000:700; do try $fault; done
+
+A byte of an answer that is damaged on its way looks like a difference to a verify:
+
+  $ try tx-damage@2000
+
+What is not safe to repeat ends the line at once: an erase, a jump.
+
+  $ chip_new ZV32F421_64K --fault nack@1:44
+  $ line -e --sec 0-0
+  $ line -e --sec 0-0
+  $ chip_new ZV32F421_64K --fault nack@1:21
+  $ line -r
+
+A chip that falls silent, and a port that goes away: the right text and status, no partial file, and a
+second run succeeds.
+
+  $ chip_new ZV32F421_64K --fault silence@60
+  $ isp -com --pn $PWD/port --to 1 -u --fn ./part.bin | tail -5
+  $ ls part.bin
+  $ kill -USR1 $chip_pid
+  $ line -u --fn ./part.bin | tail -1
+
+  $ chip_new ZV32F421_64K --fault hangup@700:300
+  $ line -d --fn ./image.bin --v
+  $ sleep 0.4
+  $ line -d --fn ./image.bin --v | tail -1
