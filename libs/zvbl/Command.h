@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace zvbl {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// What protects a group of bytes: the XOR of all of them, or the complement of the only one.
+enum class Check { sum, complement };
+
+struct Group {
+    Bytes bytes; // without the check byte
+    Check check = Check::sum;
+};
+
+// What the chip sends behind its last ACK.
+struct Reply {
+    enum class End { nothing, sum, ack };
+
+    bool counted = false; // the first byte b announces b + 1 further ones
+    std::size_t size = 0; // without the end; not counted only
+    End end = End::nothing;
+};
+
+// One command as every link carries it: opcode, groups of arguments, reply. How a link marks, checks
+// and answers them is the matter of its framing.
+struct Command {
+    std::uint8_t opcode = 0;
+    std::vector<Group> groups{};
+    Reply reply{};
+    bool packet = false; // READ or WRITE, of which many follow each other: no pause between its groups
+    bool more = false;   // another packet follows at once: no pause behind this one either
+};
+
+// Appends a number, highest byte first.
+inline void append16(Bytes &bytes, std::uint32_t value) {
+    bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+    bytes.push_back(static_cast<std::uint8_t>(value));
+}
+
+inline void append32(Bytes &bytes, std::uint32_t value) {
+    append16(bytes, value >> 16);
+    append16(bytes, value);
+}
+
+inline Group addressGroup(std::uint32_t address) {
+    Group group;
+    append32(group.bytes, address);
+    return group;
+}
+
+} // namespace zvbl

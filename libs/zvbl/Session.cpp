@@ -1,0 +1,85 @@
+#include "libs/zvbl/Session.h"
+
+namespace zvbl {
+namespace {
+
+Timing g_timing;
+
+bool isWorthAnotherTry(Status status) {
+    return status == Status::noAnswer || status == Status::refused || status == Status::refusedCommand;
+}
+
+} // namespace
+
+void setTiming(const Timing &timing) {
+    g_timing = timing;
+}
+
+Timing timing() {
+    return g_timing;
+}
+
+Status Session::configure(std::uint8_t linkType, const LinkSettings &settings) {
+    m_settings = settings;
+    if (!isOpen())
+        m_kind = findLinkKind(linkType);
+    if (m_kind && !m_kind->accepts(settings))
+        return Status::badArgument;
+    return isOpen() ? m_parts.transport->reconfigure(settings) : Status::ok;
+}
+
+Status Session::open() {
+    if (isOpen()) {
+        if (const Status status = close(); status != Status::ok)
+            return status;
+    }
+    if (!m_kind)
+        return Status::cantOpen;
+    if (!m_kind->accepts(m_settings))
+        return Status::badArgument;
+    m_trace = std::make_unique<Trace>(m_settings.portName);
+    LinkParts parts = m_kind->make(timing(), *m_trace);
+    if (const Status status = parts.transport->open(m_settings); status != Status::ok)
+        return status;
+    m_parts = std::move(parts);
+    m_hasEraseExt = true;
+    m_idLength.reset();
+    return Status::ok;
+}
+
+Status Session::close() {
+    if (!isOpen())
+        return Status::notOpen;
+    m_parts.framing.reset();
+    m_parts.transport.reset();
+    return Status::ok;
+}
+
+Status Session::setTimeout(std::chrono::milliseconds timeout) {
+    if (timeout <= timeout.zero())
+        return Status::badArgument;
+    m_timeout = timeout;
+    return Status::ok;
+}
+
+Status Session::setLine(ControlLine line, bool high) {
+    return isOpen() ? m_parts.transport->setLine(line, high) : Status::notOpen;
+}
+
+Status Session::transfer(const Command &command, Bytes &reply) {
+    return isOpen() ? m_parts.framing->transfer(command, reply, m_timeout) : Status::notOpen;
+}
+
+Status Session::exchange(const Command &command, Bytes &reply, Tries tries) {
+    Status status = transfer(command, reply);
+    for (int left = static_cast<int>(tries) - 1; left > 0 && isWorthAnotherTry(status); --left)
+        status = transfer(command, reply);
+    return status;
+}
+
+Status Session::command(const Command &command, Tries tries) {
+    Bytes nothing;
+    return exchange(command, nothing, tries);
+}
+
+} // namespace zvbl

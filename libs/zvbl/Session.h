@@ -1,0 +1,103 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "libs/zvbl/Links.h"
+#include "libs/zvbl/Packets.h"
+
+namespace zvbl {
+
+struct Version {
+    std::uint8_t version = 0;
+    std::uint8_t bidReserve = 0;
+    std::uint8_t bid = 0;
+};
+
+struct Capabilities {
+    std::uint8_t version = 0;
+    Bytes opcodes;
+};
+
+struct SlibRange {
+    std::uint16_t start = 0;
+    std::uint16_t dataStart = 0;
+    std::uint16_t end = 0;
+};
+
+struct SlibStatus {
+    bool enabled = false;
+    SlibRange range;
+};
+
+// One link: its settings, and the commands of the bootloader on it. Nothing here knows which kind of
+// link it is. Every command answers notOpen while the link is closed.
+class Session {
+public:
+    // Port. Settings that the link can't take are kept all the same, so that the next open tells of them
+    // too, and no port is opened with the settings of before.
+    Status configure(std::uint8_t linkType, const LinkSettings &settings);
+    Status open(); // an open link is closed and opened afresh
+    Status close();
+    bool isOpen() const { return m_parts.transport != nullptr; }
+    Status setTimeout(std::chrono::milliseconds timeout);
+    void setPacketSize(std::size_t bytes) { m_packetSize = bytes; } // 1 to 256
+    Status setLine(ControlLine line, bool high);
+
+    // Start and identity.
+    Status start(const StartSettings &settings);
+    Status setSpeed(unsigned long speed);
+    Status getCapabilities(Capabilities &capabilities);
+    Status getVersion(Version &version);
+    Status getId(Bytes &id);
+    Status exchangeToolVersion();
+
+    // Memory. Data are held by the caller; an address with its length stays within 32 bits.
+    Status upload(std::uint32_t address, std::uint8_t *data, std::size_t length);
+    Status download(std::uint32_t address, const std::uint8_t *data, std::size_t length, bool optimise);
+    Status verify(std::uint32_t address, const std::uint8_t *data, std::size_t length, bool optimise);
+    Status eraseSector(std::uint16_t sector);
+    Status eraseBank(std::uint16_t code); // one of the special codes of ERASE_EXT
+    Status eraseBlock(std::uint32_t address);
+    Status firmwareCrc(std::uint32_t address, std::uint16_t sectors, std::array<std::uint8_t, 4> &crc);
+    Status readUserData(std::uint32_t address, std::size_t length, Bytes &data);
+    Status writeUserData(std::uint32_t address, const std::uint8_t *data, std::size_t length);
+    Status remapSpim(std::uint8_t remap);
+    Status enableBank3(std::uint8_t flashType, std::uint32_t size, std::uint32_t flashAddress);
+
+    // Running, protection, sLib.
+    Status go(std::uint32_t address);
+    Status reset();
+    Status protectAccess();
+    Status protectAccess(std::uint8_t level);
+    Status unprotectAccess();
+    Status protectSectors(const std::uint8_t *bits, std::size_t count);
+    Status unprotectSectors();
+    Status enableSlib(std::uint32_t password, const SlibRange &range);
+    Status disableSlib(std::uint32_t password);
+    Status getSlibStatus(SlibStatus &status);
+
+private:
+    // One try for what must not happen twice, three for the rest.
+    enum class Tries { once = 1, thrice = 3 };
+
+    Status exchange(const Command &command, Bytes &reply, Tries tries);
+    Status command(const Command &command, Tries tries);
+    Status transfer(const Command &command, Bytes &reply);
+    Status writePacket(Block block, bool more);
+    Status compare(const Packet &packet, const std::uint8_t *data);
+
+    const LinkKind *m_kind = nullptr;
+    LinkSettings m_settings;
+    std::chrono::milliseconds m_timeout{5000};
+    std::size_t m_packetSize = wire::maxPacket;
+
+    std::unique_ptr<Trace> m_trace;
+    LinkParts m_parts;
+    bool m_hasEraseExt = true; // until GET says otherwise
+    std::optional<std::size_t> m_idLength;
+};
+
+} // namespace zvbl

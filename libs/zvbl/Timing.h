@@ -1,0 +1,23 @@
+#pragma once
+
+#include <chrono>
+
+#include "libs/zvbl/wire/Wire.h"
+
+namespace zvbl {
+
+using Clock = std::chrono::steady_clock;
+using Duration = std::chrono::nanoseconds;
+using TimePoint = std::chrono::time_point<Clock, Duration>;
+
+// The time limits of getting in step; docs/wire-protocol.md tells how they are used. Tests shorten them.
+struct Timing {
+    Duration frameLimit = std::chrono::milliseconds(wire::frameLimitMs); // the chip drops a command behind it
+    Duration quiet = std::chrono::milliseconds(20);                      // nothing late is to come behind it
+};
+
+// What links that are opened from now on use. For tests.
+void setTiming(const Timing &timing);
+Timing timing();
+
+} // namespace zvbl

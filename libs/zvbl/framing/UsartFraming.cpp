@@ -1,0 +1,207 @@
+#include "libs/zvbl/framing/UsartFraming.h"
+
+#include <algorithm>
+
+namespace zvbl {
+namespace {
+
+// A byte too many follows the one before it at once: this many character times tell that none does.
+constexpr double silentCharacters = 1.5;
+// Groups and replies of this length up tell the rate at which bytes come.
+constexpr std::size_t telling = 16;
+// A host that was held up longer than this part of the frame limit does not go on with a command.
+constexpr double safePart = 0.8;
+
+Bytes onTheLine(const Group &group) {
+    Bytes bytes = group.bytes;
+    std::uint8_t sum = group.check == Check::complement ? 0xFF : 0;
+    for (const std::uint8_t byte : group.bytes)
+        sum ^= byte;
+    bytes.push_back(sum);
+    return bytes;
+}
+
+Duration part(Duration time, double factor) {
+    return Duration(static_cast<Duration::rep>(static_cast<double>(time.count()) * factor));
+}
+
+} // namespace
+
+UsartFraming::UsartFraming(SerialPort &port, const Timing &timing, Trace &trace)
+    : m_port(port), m_timing(timing), m_trace(trace) {}
+
+Status UsartFraming::setSpeed(unsigned long) {
+    return Status::refusedCommand; // the chip measures the rate by itself
+}
+
+Status UsartFraming::transfer(const Command &command, Bytes &reply, Duration timeout) {
+    m_timeout = timeout;
+    reply.clear();
+    if (m_step != Step::kept) {
+        if (const Status status = getInStep(); status != Status::ok)
+            return status;
+    }
+    m_step = Step::lost;
+    Status status = discardReceived();
+    if (status == Status::ok)
+        status = carry(command, reply);
+    if (status == Status::ok)
+        m_step = Step::kept;
+    else if (status == Status::refused || status == Status::refusedCommand)
+        m_step = Step::doubtful;
+    return status;
+}
+
+Status UsartFraming::carry(const Command &command, Bytes &reply) {
+    // What follows a packet's answers shows in its last group or reply; other commands can wait and see.
+    const double pause = command.packet ? 0 : silentCharacters;
+    Status status = ask({{command.opcode}, Check::complement}, Status::refusedCommand);
+    for (const Group &group : command.groups) {
+        if (status == Status::ok)
+            status = expectSilence(pause);
+        if (status == Status::ok)
+            status = isHeldUp() ? Status::noAnswer : ask(group, Status::refused);
+    }
+    if (status == Status::ok)
+        status = takeReply(command.reply, reply);
+    if (status != Status::ok || command.more)
+        return status;
+    // All answers are there: a device that goes away now, in a reset, has done what it was told.
+    return expectSilence(silentCharacters) == Status::noAnswer ? Status::noAnswer : Status::ok;
+}
+
+// Sends one group and takes its answer.
+Status UsartFraming::ask(const Group &group, Status ifRefused) {
+    const Bytes bytes = onTheLine(group);
+    const TimePoint from = std::max<TimePoint>(Clock::now(), m_lastSent);
+    if (const Status status = send(bytes); status != Status::ok)
+        return status;
+    if (const Status status = takeAnswer(ifRefused); status != Status::ok)
+        return status;
+    if (!isTooEarly(bytes.size(), from))
+        return Status::ok;
+    m_trace.remark("an answer before its question was out");
+    m_suspicion = true;
+    return Status::noAnswer;
+}
+
+Status UsartFraming::takeAnswer(Status ifRefused) {
+    Bytes answer;
+    if (const Status status = take(1, answer); status != Status::ok)
+        return status;
+    if (answer[0] == wire::ack)
+        return Status::ok;
+    if (answer[0] == wire::nack)
+        return ifRefused;
+    m_trace.remark("not an answer");
+    return Status::noAnswer;
+}
+
+Status UsartFraming::takeReply(const Reply &expected, Bytes &reply) {
+    std::size_t size = expected.size;
+    if (expected.counted) {
+        Bytes count;
+        if (const Status status = take(1, count); status != Status::ok)
+            return status;
+        size = count[0] + 1U;
+    }
+    const std::size_t checks = expected.end == Reply::End::sum ? 1 : 0;
+    if (const Status status = take(size + checks, reply); status != Status::ok)
+        return status;
+    if (checks) {
+        std::uint8_t sum = 0;
+        for (const std::uint8_t byte : reply)
+            sum ^= byte;
+        reply.pop_back();
+        if (sum != 0) {
+            m_trace.remark("wrong checksum");
+            return Status::noAnswer;
+        }
+    }
+    return expected.end == Reply::End::ack ? takeAnswer(Status::refused) : Status::ok;
+}
+
+// A byte behind the last one expected means that an answer was doubled or a byte slipped in.
+Status UsartFraming::expectSilence(double characters) {
+    Status status = Status::ok;
+    if (m_heard.empty())
+        status = hear(characters > 0 ? Clock::now() + part(m_port.characterTime(), characters) : TimePoint{});
+    if (status == Status::ok) {
+        m_trace.remark("more than the answer");
+        discard();
+        return Status::noAnswer;
+    }
+    return status == Status::noAnswer ? Status::ok : status;
+}
+
+// Whether this process was stopped so long that the chip may have dropped the command: what we sent on
+// would be read as new commands.
+bool UsartFraming::isHeldUp() {
+    if (Clock::now() - m_lastHeard < part(m_timing.frameLimit, safePart))
+        return false;
+    m_trace.remark("held up for too long to go on");
+    return true;
+}
+
+Status UsartFraming::send(const Bytes &bytes) {
+    m_trace.sent(bytes.data(), bytes.size());
+    const Status status = m_port.send(bytes, Clock::now() + m_timeout);
+    const Duration onLine = m_port.characterTime() * static_cast<Duration::rep>(bytes.size());
+    m_lastSent = std::max<TimePoint>(Clock::now(), m_lastSent) + onLine;
+    return status;
+}
+
+// Takes exactly so many bytes. The timeout counts from the last byte either way.
+Status UsartFraming::take(std::size_t count, Bytes &bytes) {
+    TimePoint first = m_heard.empty() ? TimePoint::max() : m_lastHeard;
+    while (m_heard.size() < count) {
+        const Status status = hear(std::max<TimePoint>(Clock::now(), m_lastSent) + m_timeout);
+        if (status != Status::ok) {
+            m_trace.received(m_heard.data(), m_heard.size());
+            m_heard.clear();
+            m_trace.remark(status == Status::noAnswer ? "no answer in time" : "the answer is lost");
+            return status;
+        }
+        first = std::min(first, m_lastHeard);
+    }
+    learnPace(count, m_lastHeard - first);
+    const auto end = m_heard.begin() + static_cast<std::ptrdiff_t>(count);
+    bytes.assign(m_heard.begin(), end);
+    m_heard.erase(m_heard.begin(), end);
+    m_trace.received(bytes.data(), bytes.size());
+    return Status::ok;
+}
+
+Status UsartFraming::hear(TimePoint deadline) {
+    const Status status = m_port.receive(m_heard, deadline);
+    if (status == Status::ok)
+        m_lastHeard = Clock::now();
+    return status;
+}
+
+void UsartFraming::discard() {
+    m_trace.discarded(m_heard.data(), m_heard.size());
+    m_heard.clear();
+}
+
+// Throws away what has arrived so far.
+Status UsartFraming::discardReceived() {
+    Status status = Status::ok;
+    while (status == Status::ok) {
+        discard();
+        status = hear(TimePoint{});
+    }
+    return status == Status::noAnswer ? Status::ok : status;
+}
+
+void UsartFraming::learnPace(std::size_t count, Duration took) {
+    if (count >= telling)
+        m_paced = took > part(m_port.characterTime(), 0.5 * static_cast<double>(count));
+}
+
+bool UsartFraming::isTooEarly(std::size_t sent, TimePoint from) const {
+    return m_paced && m_trustPace && sent >= telling &&
+           m_lastHeard - from < part(m_port.characterTime(), 0.5 * static_cast<double>(sent));
+}
+
+} // namespace zvbl
