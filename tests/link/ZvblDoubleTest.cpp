@@ -37,7 +37,7 @@ TEST_F(ZvblDoubleTest, DataIsLoggedShort) {
     ZVBL_VERIFY(nullptr, 0x08000000, data, 17, 0);
     EXPECT_EQ(library.log(), "ZVBL_DNLOAD h=0 addr=08000000 len=3 data=010203 optimise=1\n"
                              "ZVBL_VERIFY h=0 addr=08000000 len=17 data=01020300000000000000000000000000.. "
-                             "crc=6E2E26D3 optimise=0\n");
+                             "crc=D89475E4 optimise=0\n");
 }
 
 TEST_F(ZvblDoubleTest, SleepingIsLoggedAndTakesNoTime) {
