@@ -15,7 +15,6 @@ namespace files {
 
 namespace {
 
-constexpr std::size_t BufferSize = 256 * 1024;
 constexpr int NameAttempts = 100;
 constexpr const char *AclAttribute = "system.posix_acl_access";
 
@@ -47,9 +46,7 @@ std::string temporaryName(const std::string &directory, const std::string &targe
 
 } // namespace
 
-AtomicFile::AtomicFile() {
-    m_buffer.reserve(BufferSize);
-}
+AtomicFile::AtomicFile() : m_buffer(new unsigned char[BufferSize]) {}
 
 AtomicFile::~AtomicFile() {
     if (m_fd >= 0)
@@ -121,12 +118,12 @@ void AtomicFile::keepPermissions() {
 }
 
 Status AtomicFile::write(const void *bytes, std::size_t length) {
-    const auto *source = static_cast<const unsigned char *>(bytes);
-    if (m_buffer.size() + length > BufferSize && flush() != Status::Ok)
+    if (m_used + length > BufferSize && flush() != Status::Ok)
         return m_failure;
     if (length <= BufferSize) {
-        m_buffer.insert(m_buffer.end(), source, source + length);
-    } else if (m_failure == Status::Ok && !writeAll(m_fd, source, length)) {
+        std::memcpy(m_buffer.get() + m_used, bytes, length);
+        m_used += length;
+    } else if (m_failure == Status::Ok && !writeAll(m_fd, static_cast<const unsigned char *>(bytes), length)) {
         m_failure = Status::GeneralError;
     }
     return m_failure;
@@ -134,19 +131,20 @@ Status AtomicFile::write(const void *bytes, std::size_t length) {
 
 Status AtomicFile::fill(unsigned char byte, std::size_t length) {
     while (length > 0 && m_failure == Status::Ok) {
-        if (m_buffer.size() == BufferSize && flush() != Status::Ok)
+        if (m_used == BufferSize && flush() != Status::Ok)
             break;
-        const std::size_t part = std::min(length, BufferSize - m_buffer.size());
-        m_buffer.insert(m_buffer.end(), part, byte);
+        const std::size_t part = std::min(length, BufferSize - m_used);
+        std::memset(m_buffer.get() + m_used, byte, part);
+        m_used += part;
         length -= part;
     }
     return m_failure;
 }
 
 Status AtomicFile::flush() {
-    if (m_failure == Status::Ok && !writeAll(m_fd, m_buffer.data(), m_buffer.size()))
+    if (m_failure == Status::Ok && !writeAll(m_fd, m_buffer.get(), m_used))
         m_failure = Status::GeneralError;
-    m_buffer.clear();
+    m_used = 0;
     return m_failure;
 }
 

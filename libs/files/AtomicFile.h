@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include <sys/stat.h>
 
@@ -30,6 +30,19 @@ public:
     // Buffered; once a write has failed, so does every later call.
     Status write(const void *bytes, std::size_t length);
 
+    // Room in the buffer for a line of at most MaxLine characters, for writing it in place;
+    // addLine() then takes in the first `length` of them.
+    static constexpr std::size_t MaxLine = 256;
+    char *line() {
+        if (m_used + MaxLine > BufferSize)
+            (void)flush(); // a failure is kept, and addLine() tells it
+        return reinterpret_cast<char *>(m_buffer.get()) + m_used;
+    }
+    Status addLine(std::size_t length) {
+        m_used += length;
+        return m_failure;
+    }
+
     // The same byte `length` times.
     Status fill(unsigned char byte, std::size_t length);
 
@@ -37,6 +50,8 @@ public:
     Status commit();
 
 private:
+    static constexpr std::size_t BufferSize = 256 * 1024;
+
     Status locate(const char *path);
     Status openTemporary();
     void keepPermissions();
@@ -51,7 +66,8 @@ private:
     bool m_replaces = false; // the target exists; m_old is valid
     int m_fd = -1;
     Status m_failure = Status::Ok;
-    std::vector<unsigned char> m_buffer;
+    std::unique_ptr<unsigned char[]> m_buffer;
+    std::size_t m_used = 0; // bytes in m_buffer
 };
 
 } // namespace files

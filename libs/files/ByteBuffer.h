@@ -7,8 +7,8 @@
 
 namespace files {
 
-// A growing block of bytes that is handed over in the end. It grows by realloc, which moves large
-// blocks page by page instead of copying them, so that an image is never in memory twice.
+// A growing block of bytes that is handed over in the end. It lies in pages of its own: they grow
+// without being copied and go back to the system at once, so that an image is in memory once.
 class ByteBuffer {
 public:
     ByteBuffer() = default;
@@ -18,6 +18,7 @@ public:
 
     const BYTE *data() const { return m_data; }
     std::size_t size() const { return m_size; }
+    std::size_t capacity() const { return m_capacity; }
 
     // Address space only: memory is taken as it is written to.
     void reserve(std::size_t capacity) {
@@ -32,8 +33,12 @@ public:
         return m_data + m_size;
     }
     void add(std::size_t length) { m_size += length; }
-
     void append(const BYTE *bytes, std::size_t length);
+
+    // Gives the memory of the bytes in front of `offset` back; they must not be read any more, and
+    // the buffer must not grow.
+    void forgetBefore(std::size_t offset);
+
     void swap(ByteBuffer &other) noexcept;
 
     // Trims the block to its size and gives it away.
@@ -44,7 +49,8 @@ private:
 
     BYTE *m_data = nullptr;
     std::size_t m_size = 0;
-    std::size_t m_capacity = 0;
+    std::size_t m_capacity = 0; // whole pages
+    std::size_t m_forgotten = 0;
 };
 
 } // namespace files

@@ -39,11 +39,14 @@ Status RunCollector::settle() {
     std::sort(m_runs.begin(), m_runs.end(), [](const Run &a, const Run &b) { return a.address < b.address; });
 
     ByteBuffer joined;
-    joined.reserve(m_bytes.size());
+    joined.reserve(m_bytes.capacity());
     std::size_t count = 0; // joined runs, written over those that are done
     for (std::size_t i = 0; i < m_runs.size(); ++i) {
         const Run run = m_runs[i];
         const BYTE *source = m_bytes.data() + run.offset;
+        // What was settled before lies in order: in front of this run it is copied already.
+        if (run.offset < m_settledBytes)
+            m_bytes.forgetBefore(run.offset);
         if (count == 0 || m_runs[count - 1].end() < run.address) {
             m_runs[count++] = {run.address, run.length, static_cast<std::uint32_t>(joined.size())};
             joined.append(source, run.length);
@@ -59,6 +62,7 @@ Status RunCollector::settle() {
     }
     m_runs.resize(count);
     m_bytes.swap(joined);
+    m_settledBytes = m_bytes.size();
     return Status::Ok;
 }
 

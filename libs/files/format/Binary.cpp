@@ -12,7 +12,8 @@ constexpr unsigned char Gap = 0xFF;
 Status readBinary(InputFile &file, std::uint32_t base, RunCollector &runs) {
     if (file.size() > MaxImageSize)
         return Status::BadAddressRange;
-    runs.reserve(file.size());
+    // The last read, which finds the end, has to have its room too.
+    runs.reserve(file.size() + ChunkSize);
     std::uint64_t address = base;
     std::size_t got = 0;
     do {

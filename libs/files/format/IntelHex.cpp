@@ -100,7 +100,8 @@ void Reader::takeBase(unsigned type, const BYTE *data) {
 }
 
 Status writeRecord(AtomicFile &file, unsigned type, unsigned offset, const BYTE *data, std::size_t length) {
-    char line[1 + 2 * (HeadBytes + WrittenData + 1) + 1];
+    static_assert(1 + 2 * (HeadBytes + WrittenData + 1) + 1 <= AtomicFile::MaxLine, "a line has its room");
+    char *const line = file.line();
     const BYTE head[HeadBytes] = {static_cast<BYTE>(length), static_cast<BYTE>(offset >> 8), static_cast<BYTE>(offset),
                                   static_cast<BYTE>(type)};
     unsigned sum = 0;
@@ -110,7 +111,7 @@ Status writeRecord(AtomicFile &file, unsigned type, unsigned offset, const BYTE 
     const BYTE checksum = static_cast<BYTE>(0 - sum);
     at = encodeBytes(&checksum, 1, at, sum);
     *at++ = '\n';
-    return file.write(line, static_cast<std::size_t>(at - line));
+    return file.addLine(static_cast<std::size_t>(at - line));
 }
 
 } // namespace

@@ -103,7 +103,8 @@ Status Reader::take(Role role, std::uint32_t address, std::size_t length) {
 }
 
 Status writeRecord(AtomicFile &file, unsigned type, std::uint32_t address, const BYTE *data, std::size_t length) {
-    char line[MarkLength + 2 * (1 + MaxAddress + WrittenData + 1) + 1];
+    static_assert(MarkLength + 2 * (1 + MaxAddress + WrittenData + 1) + 1 <= AtomicFile::MaxLine, "a line has its room");
+    char *const line = file.line();
     const std::size_t addressBytes = Types[type].addressBytes;
     BYTE head[1 + MaxAddress] = {static_cast<BYTE>(addressBytes + length + 1)};
     for (std::size_t i = 0; i < addressBytes; ++i)
@@ -116,7 +117,7 @@ Status writeRecord(AtomicFile &file, unsigned type, std::uint32_t address, const
     const BYTE checksum = static_cast<BYTE>(~sum);
     at = encodeBytes(&checksum, 1, at, sum);
     *at++ = '\n';
-    return file.write(line, static_cast<std::size_t>(at - line));
+    return file.addLine(static_cast<std::size_t>(at - line));
 }
 
 Status writeHeader(AtomicFile &file, const std::string &name) {
