@@ -1,6 +1,7 @@
 #include "usersystemdata/CUserSystemData.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include "foundation/ShareParameter.h"
@@ -105,7 +106,7 @@ bool CUserSystemData::SetElementData(PIMAGEELEMENT obElement) {
         obElement->dwDataLength < static_cast<DWORD>(m_nUserSystemDataLen) * 2) {
         return false;
     }
-    SetElementData(obElement->Data, static_cast<quint32>(obElement->dwDataLength));
+    SetElementData(obElement->Data, static_cast<quint32>(std::min<DWORD>(obElement->dwDataLength, UINT32_MAX)));
     return true;
 }
 

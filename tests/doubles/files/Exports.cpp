@@ -23,7 +23,6 @@ struct Image {
 };
 
 std::mutex mutex;
-unsigned long images = 0;
 
 Image *imageOf(HANDLE handle) {
     return static_cast<Image *>(handle);
@@ -45,7 +44,7 @@ unsigned int done(const std::string &call, unsigned int status) {
 // Ends a call that makes an image: makes it on success.
 unsigned int made(const std::string &call, unsigned int status, HANDLE *image, std::vector<Element> elements) {
     if (status == success) {
-        *image = new Image{++images, std::move(elements)};
+        *image = new Image{nextImage(), std::move(elements)};
     }
     log(call + " ->" + imageText(status == success ? *image : nullptr) + " " + hex(status, 1));
     return status;

@@ -23,6 +23,7 @@ struct Script {
     bool ownElements = false;
     MapAnswer map;
     std::map<std::string, unsigned long> calls;
+    unsigned long images = 0;
 };
 
 constexpr const char *functions[] = {
@@ -141,6 +142,10 @@ unsigned int answer(const std::string &function, unsigned int success) {
         }
     }
     return success;
+}
+
+unsigned long nextImage() {
+    return ++script().images;
 }
 
 void log(const std::string &line) {

@@ -6,7 +6,7 @@
 //   FILES_ImageFromFile path=/x/a.hex program=1 -> image=1 12340000
 //   FILES_SetImageElement image=1 index=0 insert=1 address=08000000 length=2048 data=A5A5A5A5 -> 12340000
 // Addresses, data and the answered status are hexadecimal, everything else is decimal. Images are numbered from 1
-// in the order of their making; 0 is the null handle. Data shows the first four bytes.
+// in the order of their making, over again with a new script; 0 is the null handle. Data shows the first four bytes.
 //
 // FILES_DOUBLE_SCRIPT names a file of what to answer, read at the first call and again whenever the
 // variable names another file. A line is empty, a comment (#), or one of
@@ -51,6 +51,9 @@ const MapAnswer &mapAnswer();
 
 // Counts a call and gives its status: the scripted one, else the given success.
 unsigned int answer(const std::string &function, unsigned int success);
+
+// The number of the next image that is made.
+unsigned long nextImage();
 
 // Appends one line to the log.
 void log(const std::string &line);
