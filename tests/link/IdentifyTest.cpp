@@ -33,7 +33,9 @@ TEST_F(IdentifyTest, AnotherLengthGivesTheBareValueFive) {
         EXPECT_EQ(pid, "");
         EXPECT_EQ(series, 2);
         EXPECT_EQ(library.log(), "ZVBL_GET_ID h=1001 id=null\n");
+        library.clearLog();
         EXPECT_EQ(bootLoader().InitDevice(), CResult::COM_READ_FAIL);
+        EXPECT_EQ(library.log(), "ZVBL_GET_ID h=1001 id=null\n");
     }
 }
 
@@ -64,6 +66,22 @@ TEST_F(IdentifyTest, InitDeviceAsksSetsThePacketSizeAndReadsTheVersion) {
     EXPECT_EQ(bootLoader().m_ObDevice->m_StrSerial, "07");
     EXPECT_EQ(bootLoader().m_ObDevice->m_IFlashSize, 1024);
     EXPECT_EQ(bootLoader().m_BID, 0x1234);
+}
+
+TEST_F(IdentifyTest, AUsbDfuDeviceIsReachedByItsIndexAlone) {
+    writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2);
+    g_shareParameter.m_InterfaceType = USBDFU;
+    CComManager manager;
+    manager.SetInterfaceType(USBDFU);
+    CCom link;
+    link = manager.getCom(2).first();
+    library.clearLog();
+    link.Close();
+    ASSERT_EQ(link.Open(), CResult::SUCCESS);
+    EXPECT_EQ(link.m_ObBootLoader->Connect(), CResult::SUCCESS);
+    EXPECT_EQ(link.m_ObBootLoader->InitDevice(), CResult::SUCCESS);
+    EXPECT_EQ(library.log(), "Interface_Close h=0\nInterface_Open h=0\nZVBL_GET h=0\nZVBL_GET_ID h=0 id=null\n"
+                             "ZVBL_GET_ID h=0 id=buffer\nSetPaketSize h=0 bytes=0\nZVBL_GET_VER_ROPS h=0\n");
 }
 
 TEST_F(IdentifyTest, InitDeviceDropsTheStatusOfThePacketSize) {
