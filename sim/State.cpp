@@ -6,8 +6,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <unistd.h>
 
@@ -141,6 +139,15 @@ Slib::Area takeArea(Reader &in) {
     return area;
 }
 
+bool readAll(std::FILE *in, Bytes &file) {
+    std::uint8_t piece[65536];
+    std::size_t length = 0;
+    while ((length = std::fread(piece, 1, sizeof piece, in)) > 0) {
+        file.insert(file.end(), piece, piece + length);
+    }
+    return std::ferror(in) == 0;
+}
+
 bool soundFile(const Bytes &file) {
     constexpr std::size_t magicLength = sizeof magic - 1;
     if (file.size() < magicLength + crcLength || std::memcmp(file.data(), magic, magicLength) != 0) {
@@ -196,15 +203,15 @@ bool StateFile::decode(const Bytes &file, std::string &error) {
 }
 
 bool StateFile::load(std::string &error) {
-    std::ifstream in(path_, std::ios::binary);
-    if (!in) {
-        if (errno == ENOENT) {
-            return true;
-        }
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(path_.c_str(), "rb"), std::fclose);
+    if (!in && errno == ENOENT) {
+        return true;
+    }
+    Bytes file;
+    if (!in || !readAll(in.get(), file)) {
         error = "cannot read \"" + path_ + "\": " + std::strerror(errno);
         return false;
     }
-    const Bytes file{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     if (!decode(file, error)) {
         return false;
     }

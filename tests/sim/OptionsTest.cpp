@@ -1,0 +1,105 @@
+// The command line of the simulator.
+
+#include "sim/Options.h"
+
+#include <gtest/gtest.h>
+
+namespace sim {
+namespace {
+
+bool parse(std::vector<std::string> words, Options &options, std::string &error) {
+    words.insert(words.begin(), "zv32-sim");
+    std::vector<char *> argv;
+    for (std::string &word : words) {
+        argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
+    return parseOptions(static_cast<int>(words.size()), argv.data(), options, error);
+}
+
+TEST(Options, theUsualLine) {
+    Options options;
+    std::string error;
+    ASSERT_TRUE(parse({"--chip", "ZV32F437_4032K", "--usart", "/x/tty", "--state=/x/s", "--spim", "8", "--baud-pace",
+                       "--flash-time", "--fault", "nack@1", "--fault=hangup@2:5", "--verbose", "--log", "/x/l"},
+                      options, error))
+        << error;
+    EXPECT_EQ(options.task, Options::Task::serve);
+    EXPECT_EQ(options.chip->name, "ZV32F437_4032K");
+    EXPECT_EQ(options.usart, "/x/tty");
+    EXPECT_EQ(options.state, "/x/s");
+    EXPECT_EQ(options.log, "/x/l");
+    EXPECT_EQ(options.spimMb, 8U);
+    EXPECT_TRUE(options.pace);
+    EXPECT_TRUE(options.verbose);
+    EXPECT_EQ(options.flashTime.eraseSector, 20 * millisecond);
+    EXPECT_EQ(options.flashTime.program256, 2500 * microsecond);
+}
+
+TEST(Options, whatHoldsWithoutAWord) {
+    Options options;
+    std::string error;
+    ASSERT_TRUE(parse({"--chip", "ZV32F421_64K", "--usart", "tty"}, options, error)) << error;
+    EXPECT_EQ(options.spimMb, 16U);
+    EXPECT_FALSE(options.pace);
+    EXPECT_FALSE(options.verbose);
+    EXPECT_EQ(options.flashTime.eraseSector, 0);
+    EXPECT_EQ(options.flashTime.program256, 0);
+    EXPECT_TRUE(options.state.empty());
+    EXPECT_TRUE(options.log.empty());
+}
+
+TEST(Options, flashTimeOfOnesOwn) {
+    Options options;
+    std::string error;
+    ASSERT_TRUE(parse({"--chip", "ZV32F421_64K", "--usart", "tty", "--flash-time=7,900"}, options, error)) << error;
+    EXPECT_EQ(options.flashTime.eraseSector, 7 * millisecond);
+    EXPECT_EQ(options.flashTime.program256, 900 * microsecond);
+}
+
+TEST(Options, listAndHelpNeedNothingElse) {
+    Options list;
+    Options help;
+    std::string error;
+    EXPECT_TRUE(parse({"--list"}, list, error)) << error;
+    EXPECT_TRUE(parse({"--help"}, help, error)) << error;
+    EXPECT_EQ(list.task, Options::Task::list);
+    EXPECT_EQ(help.task, Options::Task::help);
+}
+
+struct BadLine {
+    const char *name;
+    std::vector<std::string> words;
+    const char *message; // a part of it
+};
+
+class BadLines : public ::testing::TestWithParam<BadLine> {};
+
+TEST_P(BadLines, areRefusedWithAReason) {
+    Options options;
+    std::string error;
+    EXPECT_FALSE(parse(GetParam().words, options, error));
+    EXPECT_NE(error.find(GetParam().message), std::string::npos) << error;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Line, BadLines,
+    ::testing::Values(BadLine{"nothing", {}, "--chip is missing"},
+                      BadLine{"no_port", {"--chip", "ZV32F421_64K"}, "--usart is missing"},
+                      BadLine{"no_chip", {"--usart", "tty"}, "--chip is missing"},
+                      BadLine{"unknown_chip", {"--chip", "ZV32F1", "--usart", "tty"}, "no chip \"ZV32F1\""},
+                      BadLine{"unknown_option", {"--chips"}, "unknown option --chips"},
+                      BadLine{"short_option", {"-c", "x"}, "unknown option -c"},
+                      BadLine{"value_missing", {"--chip"}, "a value is missing behind --chip"},
+                      BadLine{"value_too_much", {"--list=x"}, "--list=x"},
+                      BadLine{"stray_word", {"--list", "word"}, "word"},
+                      BadLine{"empty_name", {"--usart", ""}, "empty"},
+                      BadLine{"bad_fault", {"--fault", "x@1"}, "x@1"},
+                      BadLine{"spim_no_number", {"--spim", "16M"}, "16M"},
+                      BadLine{"spim_too_large", {"--spim", "65"}, "65"},
+                      BadLine{"flash_time_one_number", {"--flash-time=20"}, "20"},
+                      BadLine{"flash_time_no_number", {"--flash-time=a,b"}, "a,b"}),
+    [](const auto &line) { return std::string(line.param.name); });
+
+} // namespace
+} // namespace sim
