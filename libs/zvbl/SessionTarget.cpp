@@ -2,12 +2,15 @@
 
 #include "libs/zvbl/Session.h"
 
+#include <algorithm>
+
 namespace zvbl {
 namespace {
 
 Group numbers(const std::uint8_t *bytes, std::size_t count) {
-    Group group{{static_cast<std::uint8_t>(count - 1)}, Check::sum};
-    group.bytes.insert(group.bytes.end(), bytes, bytes + count);
+    Group group{std::vector<std::uint8_t>(1 + count), Check::sum};
+    group.bytes[0] = static_cast<std::uint8_t>(count - 1);
+    std::copy_n(bytes, count, group.bytes.begin() + 1);
     return group;
 }
 
