@@ -1,0 +1,52 @@
+// The program as a process: signals, output that goes nowhere, names in any encoding.
+
+#include "Console.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace {
+
+class ProcessTest : public ConsoleTest {};
+
+TEST_F(ProcessTest, SignalsEndItAsByDefault) {
+    for (const int number : {SIGINT, SIGTERM}) {
+        Console fresh;
+        fresh.script("ZVBL_ERASE nth=2 signal=" + std::to_string(number));
+        const Outcome run = fresh.run("-com --pn ttyS0 -e --sec 0-4");
+        EXPECT_EQ(run.status, 128 + number);
+        EXPECT_EQ(run.changes().size(), 2U);
+        // What was done so far has been said.
+        EXPECT_EQ(run.text, connectText("USART") + "Erase\n\rRunning...20%");
+    }
+}
+
+TEST_F(ProcessTest, FullDisk) {
+    const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(full, 0);
+    EXPECT_EQ(console.statusOf("-com --pn ttyS0 -e --all", full), 0);
+    EXPECT_EQ(console.statusOf("-com --pn ttyS0 -e --sec 3", full), 51);
+    close(full);
+}
+
+TEST_F(ProcessTest, ReaderThatWentAway) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    EXPECT_EQ(console.statusOf("-com --pn ttyS0 -e --sec 0-4", ends[1]), 0);
+    EXPECT_EQ(console.statusOf("-com --pn ttyS0 -d --fn", ends[1]), 3);
+    close(ends[1]);
+}
+
+TEST_F(ProcessTest, NamesOutsideAscii) {
+    for (const std::string &name : {std::string("gerät.hex"), std::string("ger\xE4t.hex")}) {
+        console.file(name, "");
+        const Outcome run = console.run("-com --pn ttyS0 -d --fn @/" + name);
+        EXPECT_EQ(run.status, 0) << run.text;
+        EXPECT_NE(run.text.find("Download\n@/" + name + "     2048B\n"), std::string::npos) << run.text;
+    }
+}
+
+} // namespace

@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "FakeLink.h"
+#include "app/Memory.h"
+
+namespace {
+
+TEST(Sectors, RangeWord) {
+    const struct {
+        const char *word;
+        int begin;
+        int end;
+    } table[] = {
+        {"0-20", 0, 20},  {"3-3", 3, 3},  {"3-1", 3, 1},     {"-5", 0, 5},  {"5-", 5, 0},      {"-", 0, 0},
+        {"", 0, 0},       {"0", 0, 0},    {"5", 5, 0},       {"15", 15, 1}, {"123", 123, 12},  {"ab-cd", 0, 0},
+        {"1-2-3", 1, 3},  {"4x-7y", 4, 7}, {"-1-2", -1, 2},  {"0x10-2", 0, 2}, {" 1- 2", 1, 2},
+    };
+    for (const auto &row : table) {
+        const SectorRange range = parseSectorRange(row.word);
+        EXPECT_EQ(range.begin, row.begin) << row.word;
+        EXPECT_EQ(range.end, row.end) << row.word;
+    }
+}
+
+TEST(Sectors, OfARange) {
+    EXPECT_EQ(sectorsOf({3, 5}), (QList<int>{3, 4, 5}));
+    EXPECT_EQ(sectorsOf({7, 7}), QList<int>{7});
+    EXPECT_EQ(sectorsOf({0, -1}), QList<int>());
+    EXPECT_EQ(sectorsOf({2147483646, 2147483647}), (QList<int>{2147483646, 2147483647}));
+}
+
+TEST(Sectors, WithoutALink) {
+    EXPECT_FALSE(IsSectorsValid(0, 0, nullptr));
+    EXPECT_TRUE(GetAllSectors(nullptr).isEmpty());
+    EXPECT_EQ(familyOf(nullptr), 0);
+}
+
+TEST(Sectors, OfTheFlash) {
+    FakeLink fake;
+    EXPECT_TRUE(IsSectorsValid(0, 127, &fake.link));
+    EXPECT_FALSE(IsSectorsValid(0, 128, &fake.link));
+    EXPECT_FALSE(IsSectorsValid(128, 128, &fake.link));
+    EXPECT_FALSE(IsSectorsValid(5, 4, &fake.link));
+    EXPECT_FALSE(IsSectorsValid(-1, 4, &fake.link));
+    EXPECT_EQ(GetAllSectors(&fake.link).size(), 128);
+    EXPECT_EQ(GetAllSectors(&fake.link).last(), 127);
+}
+
+TEST(Sectors, WithoutASectorSize) {
+    FakeLink fake;
+    fake.device.m_ISectorSize = 0;
+    EXPECT_FALSE(IsSectorsValid(0, 0, &fake.link));
+    EXPECT_TRUE(GetAllSectors(&fake.link).isEmpty());
+}
+
+TEST(Sectors, WithoutADevice) {
+    FakeLink fake;
+    fake.link.m_ObBootLoader->m_ObDevice = nullptr;
+    EXPECT_FALSE(IsSectorsValid(0, 0, &fake.link));
+    EXPECT_TRUE(GetAllSectors(&fake.link).isEmpty());
+}
+
+// With SPIM enabled, four families take any number and the others none.
+TEST(Sectors, OfFamiliesWithSpim) {
+    for (int family = 0; family <= 255; ++family) {
+        char series[3];
+        std::snprintf(series, sizeof series, "%02X", static_cast<unsigned int>(family) & 0xFF);
+        FakeLink fake(series);
+        fake.device.m_haveBank3 = true;
+        const bool taken = family == 2 || family == 4 || family == 7 || family == 8;
+        EXPECT_EQ(IsSectorsValid(0, 1, &fake.link), taken) << series;
+        EXPECT_EQ(IsSectorsValid(0, 99999, &fake.link), taken) << series;
+        EXPECT_FALSE(IsSectorsValid(1, 0, &fake.link)) << series;
+        EXPECT_EQ(familyOf(&fake.link), family);
+    }
+}
+
+} // namespace
