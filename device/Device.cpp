@@ -28,9 +28,9 @@ FamilyFacts factsOf(const std::string &serial) {
 }
 
 QStringList mapFiles() {
-    QDir directory(mapDirectory);
+    const QStringList filter(QStringLiteral("*.ZVmap"));
     QStringList files;
-    for (const QString &name : directory.entryList({QStringLiteral("*.ZVmap")}, QDir::Files | QDir::Readable, QDir::Name)) {
+    for (const QString &name : QDir(mapDirectory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name)) {
         files.append(mapDirectory + name);
     }
     return files;
@@ -86,7 +86,8 @@ void CZV32F4Device::describeFrom(const QString &mapFile) {
 QString CZV32F4Device::matchingMapFile(const std::string &pid, const std::string &serial) {
     const QString product = QStringLiteral("Product");
     for (const QString &file : mapFiles()) {
-        // Substrings by exact case, so that one file may list several chips in one value.
+        // MEANT: substrings by exact case, so that one file may list several chips in one value; an empty
+        // text matches every file, and the flash size plays no part.
         if (ZVmapReadValue(product, QStringLiteral("PID"), file).contains(QString::fromStdString(pid)) &&
             ZVmapReadValue(product, QStringLiteral("Serial"), file).contains(QString::fromStdString(serial))) {
             return file;

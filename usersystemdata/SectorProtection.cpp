@@ -78,7 +78,8 @@ void applyBit(CUserSystemData &data, int bit, bool protect) {
     byte = static_cast<BYTE>(protect ? byte & ~mask : byte | mask);
 }
 
-// The bits of one byte that protecting everything clears.
+// The bits of one byte that protecting everything clears. MEANT: with the SPIM the last byte has one even
+// where the device itself has no sectors in it.
 BYTE bitsOfEverything(CUserSystemData &data, int byte, bool bank3Flag) {
     int used = 0;
     data.IsEPPnUsed(byte, &used);
@@ -92,7 +93,8 @@ bool CUserSystemData::IsEPPnUsed(int EPPn, int *nBitNum) {
     *nBitNum = 0;
     const int boundary = boundarySectorIndex(*this);
     const bool counted = EPPn <= lastByte;
-    const int bits = counted ? roundedUp(m_nSectorNums, m_bSectorsPerBit) : roundedUp(m_nSectorNums - boundary, boundary);
+    const int bits =
+        counted ? roundedUp(m_nSectorNums, m_bSectorsPerBit) : roundedUp(m_nSectorNums - boundary, boundary);
     const int fullBytes = bits / 8 + (counted ? 0 : lastByte + 1);
     if (EPPn < fullBytes) {
         *nBitNum = 8;
@@ -191,6 +193,7 @@ QList<int> CUserSystemData::FilterEPPSectorIndexForEraseProgramProtect(QList<int
             continue;
         }
         const qint64 bit = grouped ? (kilobytes - 128) / 128 + firstGroupBit : sector / m_bSectorsPerBit;
+        // MEANT: what stands behind it in the list is lost, and below only neighbours are compared.
         if (!groups && bit > lastBit) {
             return bits;
         }
