@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace sim {
@@ -203,10 +204,15 @@ bool StateFile::decode(const Bytes &file, std::string &error) {
 }
 
 bool StateFile::load(std::string &error) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(path_.c_str(), "rb"), std::fclose);
-    if (!in && errno == ENOENT) {
+    struct stat info {};
+    if (stat(path_.c_str(), &info) != 0 && errno == ENOENT) {
         return true;
     }
+    if (info.st_mode != 0 && !S_ISREG(info.st_mode)) {
+        error = "\"" + path_ + "\" is not a file"; // a pipe or a device would never end
+        return false;
+    }
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(path_.c_str(), "rb"), std::fclose);
     Bytes file;
     if (!in || !readAll(in.get(), file)) {
         error = "cannot read \"" + path_ + "\": " + std::strerror(errno);

@@ -5,6 +5,9 @@
 #include <set>
 
 namespace sim {
+
+static void PrintTo(const ChipFacts &chip, std::ostream *out) { *out << chip.name; }
+
 namespace {
 
 class EveryChip : public ::testing::TestWithParam<ChipFacts> {

@@ -73,6 +73,8 @@ struct BadLine {
     const char *message; // a part of it
 };
 
+void PrintTo(const BadLine &line, std::ostream *out) { *out << line.name; }
+
 class BadLines : public ::testing::TestWithParam<BadLine> {};
 
 TEST_P(BadLines, areRefusedWithAReason) {

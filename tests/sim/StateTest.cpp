@@ -186,8 +186,10 @@ TEST_F(State, anotherSpimIsRefused) {
 
 TEST_F(State, aPlaceThatIsNoFileIsRefused) {
     Rig rig("ZV32F421_64K");
-    EXPECT_FALSE(StateFile(directory, rig.chip).load(error));
-    EXPECT_NE(error.find(directory), std::string::npos) << error;
+    for (const std::string &place : {directory, std::string("/dev/zero")}) {
+        EXPECT_FALSE(StateFile(place, rig.chip).load(error));
+        EXPECT_NE(error.find(place), std::string::npos) << error;
+    }
 }
 
 } // namespace
