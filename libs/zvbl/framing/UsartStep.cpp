@@ -11,6 +11,11 @@ constexpr int rounds = 3;
 constexpr int slowCharacters = 3;    // the quiet time is never shorter than so many
 constexpr int longestBabble = 512;   // characters that may come late; the longest reply is half of it
 
+// The chip's clock may be slower than ours.
+Duration withMargin(Duration limit) {
+    return limit + limit / 10;
+}
+
 bool isAnswer(std::uint8_t byte) {
     return byte == wire::ack || byte == wire::nack;
 }
@@ -31,7 +36,7 @@ Status UsartFraming::start(const StartSettings &, Duration timeout) {
         Bytes heard;
         Status status = wait ? awaitFrameLimit(deadline) : Status::ok;
         if (status == Status::ok)
-            status = probe(std::min<Duration>(deadline - now, m_timing.frameLimit * 11 / 10), heard);
+            status = probe(std::min<Duration>(deadline - now, withMargin(m_timing.frameLimit)), heard);
         if (status == Status::gone)
             return status;
         if (status == Status::ok && isAnswer(heard.back())) {
@@ -60,7 +65,7 @@ Status UsartFraming::getInStep() {
     }
     m_step = Step::lost;
     m_trace.remark("getting in step");
-    const TimePoint bound = Clock::now() + m_timeout + rounds * m_timing.frameLimit;
+    const TimePoint bound = Clock::now() + m_timeout + rounds * withMargin(m_timing.frameLimit);
     for (int round = 0; round < rounds; ++round) {
         Status status = awaitFrameLimit(bound);
         if (status == Status::ok)
@@ -103,7 +108,7 @@ Status UsartFraming::listenUntilQuiet() {
 Status UsartFraming::awaitFrameLimit(TimePoint bound) {
     bool nothingCame = true;
     for (;;) {
-        const TimePoint until = std::max(m_lastSent, m_lastHeard) + m_timing.frameLimit;
+        const TimePoint until = std::max(m_lastSent, m_lastHeard) + withMargin(m_timing.frameLimit);
         const Status status = hear(std::min(until, bound));
         if (status == Status::ok) {
             nothingCame = false;

@@ -1,0 +1,44 @@
+#include "tests/zvbl/ScriptedChip.h"
+
+namespace {
+
+constexpr int patienceMs = 3000;
+constexpr int afterTheEndMs = 2;
+
+} // namespace
+
+ScriptedChip::ScriptedChip(Pty &pty, Script script) : m_pty(pty), m_script(std::move(script)), m_thread([this] { serve(); }) {}
+
+ScriptedChip::~ScriptedChip() {
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+std::string ScriptedChip::finish() {
+    m_thread.join();
+    return m_complaint;
+}
+
+void ScriptedChip::serve() {
+    zvbl::Bytes heard;
+    for (std::size_t i = 0; i < m_script.size(); ++i) {
+        const Turn &turn = m_script[i];
+        while (heard.size() < turn.host.size()) {
+            const zvbl::Bytes more = m_pty.read(patienceMs);
+            heard.insert(heard.end(), more.begin(), more.end());
+            if (more.empty())
+                break;
+        }
+        if (heard != turn.host) {
+            m_complaint = "turn " + std::to_string(i) + ": host sent [" + hex(heard) + "], not [" + hex(turn.host) + "]";
+            return;
+        }
+        heard.clear();
+        if (turn.late.count())
+            std::this_thread::sleep_for(turn.late);
+        m_pty.write(turn.chip);
+    }
+    heard = m_pty.read(afterTheEndMs);
+    if (!heard.empty())
+        m_complaint = "behind the end host sent [" + hex(heard) + "]";
+}

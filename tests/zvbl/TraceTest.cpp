@@ -1,0 +1,95 @@
+// The file that ZVBL_TRACE names.
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <unistd.h>
+
+#include "tests/zvbl/LinkFixture.h"
+
+namespace {
+
+class TraceTest : public LinkFixture {
+protected:
+    void SetUp() override {
+        char name[] = "/tmp/zvbl-trace-XXXXXX";
+        directory = mkdtemp(name);
+        LinkFixture::SetUp();
+    }
+    void TearDown() override {
+        unsetenv("ZVBL_TRACE");
+        LinkFixture::TearDown();
+        std::filesystem::remove_all(directory);
+    }
+    void traceTo(const std::string &path) {
+        setenv("ZVBL_TRACE", path.c_str(), 1);
+        ASSERT_EQ(Interface_Open(link), 0);
+    }
+    // The lines without time and port, of which the form is checked.
+    std::string lines(const std::string &path) {
+        std::ifstream file(path);
+        const std::regex form(R"((\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}) (\S+) (.*))");
+        std::string all;
+        for (std::string line; std::getline(file, line);) {
+            std::smatch match;
+            EXPECT_TRUE(std::regex_match(line, match, form)) << line;
+            EXPECT_EQ(match[2], pty.path());
+            all += match[3].str() + "\n";
+        }
+        return all;
+    }
+    std::filesystem::path directory;
+};
+
+TEST_F(TraceTest, EveryExchangeIsThereWithItsDirection) {
+    const std::string file = directory / "trace";
+    traceTo(file);
+    BYTE length = 0;
+    EXPECT_EQ(play({{"02 FD", "79 01 02 42 79"}}, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 0);
+    ASSERT_EQ(Interface_Close(link), 0);
+    EXPECT_EQ(lines(file), "# open 1000000 8E1\n> 02 FD\n< 79\n< 01\n< 02 42\n< 79\n# closed\n");
+}
+
+TEST_F(TraceTest, WhatWentWrongIsThereToo) {
+    const std::string file = directory / "trace";
+    hurry();
+    traceTo(file);
+    pty.write(hex("AA"));
+    BYTE bytes[3];
+    EXPECT_EQ(play({{"01 FE", ""}, {"7F", "1F"}, {"01 FE", "79 21 FF 12 79"}},
+                   [&] { return ZVBL_GET_VER_ROPS(link, &bytes[0], &bytes[1], &bytes[2]); }),
+              0);
+    EXPECT_EQ(lines(file), "# open 1000000 8E1\nx AA\n> 01 FE\n# no answer in time\n# getting in step\n> 7F\n< 1F\n"
+                           "> 01 FE\n< 79\n< 21 FF 12\n< 79\n");
+}
+
+TEST_F(TraceTest, AnOpenThatFailsSaysWhy) {
+    const std::string file = directory / "trace";
+    setenv("ZVBL_TRACE", file.c_str(), 1);
+    HANDLE other = nullptr;
+    ASSERT_EQ(SetCOMSettings(&other, 0, "/dev/no-such-port", 115200, 8, 2, 1.0F), 0);
+    EXPECT_EQ(Interface_Open(other), 3);
+    std::ifstream in(file);
+    std::ostringstream text;
+    text << in.rdbuf();
+    EXPECT_NE(text.str().find("/dev/no-such-port # cannot open: No such file or directory\n"), std::string::npos) << text.str();
+}
+
+TEST_F(TraceTest, LaterRunsAreAppended) {
+    const std::string file = directory / "trace";
+    std::ofstream(file) << "2024-01-01T00:00:00.000000 " << pty.path() << " # before\n";
+    traceTo(file);
+    ASSERT_EQ(Interface_Close(link), 0);
+    EXPECT_EQ(lines(file), "# before\n# open 1000000 8E1\n# closed\n");
+}
+
+TEST_F(TraceTest, AFileThatCannotBeWrittenChangesNothing) {
+    for (const std::string &path : {std::string("/no/such/directory/trace"), directory.string(), std::string()}) {
+        traceTo(path);
+        EXPECT_EQ(play({{"D4 2B", "79"}}, [&] { return ZVBL_ResetMCU(link); }), 0);
+    }
+}
+
+} // namespace
