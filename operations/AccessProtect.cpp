@@ -1,5 +1,7 @@
 #include "operations/AccessProtect.h"
 
+#include <algorithm>
+
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
@@ -54,8 +56,10 @@ int CAccessProtect::send() {
     if (m_protectLevel > highLevel) {
         return CResult::PROGRAM_INPUT_PARAMS_ERROR;
     }
-    if (m_protectLevel != 0 && can.ACCESS_LEVEL_PROTECT_CMD == 1) {
-        return CResult::Convert(static_cast<int>(ZVBL_ACCESS_PROTECT_LEVEL(link, m_protectLevel)));
+    const bool plainWillDo = m_protectLevel == 0 && can.ACCESS_PROTECT_CMD == 1;
+    if (can.ACCESS_LEVEL_PROTECT_CMD == 1 && !plainWillDo) {
+        const BYTE level = std::max(m_protectLevel, basicLevel);
+        return CResult::Convert(static_cast<int>(ZVBL_ACCESS_PROTECT_LEVEL(link, level)));
     }
     // A lower level must never stand in for the high one: the operator would take the chip for sealed.
     if (m_protectLevel > basicLevel || can.ACCESS_PROTECT_CMD != 1) {

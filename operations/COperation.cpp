@@ -5,10 +5,11 @@
 COperation::COperation(CBootLoader *obBootLoader) : m_obBootLoader(obBootLoader) {}
 
 COperation::~COperation() {
-    wait();
+    WaitUntilEnded();
 }
 
 void COperation::run() {
+    m_threadEnd.watchThisThread();
     Work();
 }
 
@@ -17,6 +18,7 @@ int COperation::Start() {
     if (IsSubOperation()) {
         return Work();
     }
+    m_threadEnd = ThreadEnd();
     start(QThread::InheritPriority);
     return 0;
 }
@@ -117,9 +119,10 @@ bool COperation::HasStart() const {
 }
 
 void COperation::WaitUntilEnded() {
-    wait();
-    // Reads what the job's last step stored, and with that sees everything that the job's thread wrote.
-    HasStart();
+    const bool wasStarted = isRunning() || isFinished();
+    if (wasStarted) {
+        m_threadEnd.wait();
+    }
 }
 
 void COperation::ChangeStatus(Status emStatus) {

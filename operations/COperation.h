@@ -7,6 +7,7 @@
 #include <string>
 
 #include "operations/OperationTypes.h"
+#include "operations/ThreadEnd.h"
 
 class CBootLoader;
 
@@ -76,4 +77,6 @@ public:
 private:
     int abend(int result);
     int finish();
+
+    ThreadEnd m_threadEnd;
 };

@@ -90,16 +90,15 @@ int CErase::Erase() {
     if (m_parameters.m_iBlockIndex.isEmpty() && m_parameters.m_iSectorIndex.isEmpty()) {
         return eraseDevice();
     }
-    int result = eraseBlocks();
-    if (result != 0 || IsCancel()) {
-        return result;
+    bool goOn = true;
+    int result = eraseBlocks(goOn);
+    if (goOn) {
+        result = eraseSectors(goOn);
     }
-    result = eraseSectors();
-    if (result != 0 || IsCancel()) {
-        return result;
+    if (goOn) {
+        CallCommand(COMMAND_DONE);
     }
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return result;
 }
 
 int CErase::eraseDevice() {
@@ -129,40 +128,40 @@ int CErase::eraseBanks() {
     return status;
 }
 
-int CErase::eraseBlocks() {
+int CErase::eraseBlocks(bool &goOn) {
+    int result = 0;
     for (const int block : m_parameters.m_iBlockIndex) {
         const uint address = m_obBootLoader->m_ObDevice->m_BlockSize * static_cast<uint>(block) + jobsteps::flashBase;
-        const int result = unitDone(ZVBL_BLOCK_ERASE(m_obBootLoader->m_handle, oneBlock, address));
-        if (result != 0 || IsCancel()) {
-            return result;
+        result = unitDone(ZVBL_BLOCK_ERASE(m_obBootLoader->m_handle, oneBlock, address), goOn);
+        if (!goOn) {
+            break;
         }
     }
-    return 0;
+    return result;
 }
 
-int CErase::eraseSectors() {
+int CErase::eraseSectors(bool &goOn) {
+    int result = 0;
     for (const int sector : m_parameters.m_iSectorIndex) {
         // MEANT: an index above 65535 loses its upper bits.
         BYTE bSectorIndex[2] = {static_cast<BYTE>(sector), static_cast<BYTE>(sector >> 8)};
         const int status =
             ZVBL_ERASE(m_obBootLoader->m_handle, oneSector, bSectorIndex, m_obBootLoader->m_ObDevice->m_ISectorSize);
-        const int result = unitDone(status);
-        if (result != 0 || IsCancel()) {
-            return result;
+        result = unitDone(status, goOn);
+        if (!goOn) {
+            break;
         }
     }
-    return 0;
+    return result;
 }
 
-int CErase::unitDone(int status) {
-    if (status != 0) {
-        return CResult::Convert(status);
-    }
-    if (!IsCancel()) {
+int CErase::unitDone(int status, bool &goOn) {
+    goOn = status == 0 && !IsCancel();
+    if (goOn) {
         CalculatePercent();
         Callback(INFO_TYPE_ACTION);
     }
-    return 0;
+    return CResult::Convert(status);
 }
 
 void CErase::CalculatePercent() {

@@ -36,7 +36,7 @@ private:
     int refuseProtected(const QList<int> &sectors);
     int eraseDevice();
     int eraseBanks();
-    int eraseBlocks();
-    int eraseSectors();
-    int unitDone(int status);
+    int eraseBlocks(bool &goOn);
+    int eraseSectors(bool &goOn);
+    int unitDone(int status, bool &goOn);
 };
