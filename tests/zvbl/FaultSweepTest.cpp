@@ -10,8 +10,8 @@
 namespace {
 
 using Milliseconds = std::chrono::milliseconds;
-constexpr Milliseconds frameLimit(50);
-constexpr unsigned timeoutMs = 80;
+constexpr Milliseconds frameLimit(100);
+constexpr unsigned timeoutMs = 150;
 constexpr std::size_t memorySize = 64;
 
 enum class Fault { none, lost, late, doubled, damaged, refusal };

@@ -20,7 +20,7 @@ protected:
     void TearDown() override { Interface_Close(link); }
 
     // Opens the link anew with short time limits, for what happens behind a failure.
-    void hurry(int frameLimitMs = 60, int quietMs = 5, unsigned timeoutMs = 60) {
+    void hurry(int frameLimitMs = 100, int quietMs = 5, unsigned timeoutMs = 120) {
         zvbl::setTiming({std::chrono::milliseconds(frameLimitMs), std::chrono::milliseconds(quietMs)});
         ASSERT_EQ(Interface_Open(link), 0);
         ASSERT_EQ(SetTimeOut(link, timeoutMs), 0);
