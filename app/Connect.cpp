@@ -3,12 +3,13 @@
 #include <QList>
 
 #include <exception>
+#include <memory>
 #include <vector>
 
+#include "app/LinkCommands.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"
 #include "app/Walk.h"
-#include "app/Words.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
 #include "link/CCom.h"
@@ -20,95 +21,13 @@ const char *const cannotOpenText =
     "Cannot open the com port, the port not exist or may be used by another application";
 const char *const unrecognizedText = "Unrecognized device...Please, reset your device then try again";
 
-int number(const std::string &text) {
-    return g_shareParameter.IntParse(text);
+// Keeps the link to the end of the process, as a second command on a line takes over the variable but neither
+// closes nor frees the link that stood there.
+CCom *keep(std::unique_ptr<CCom> link) {
+    static std::vector<std::unique_ptr<CCom>> links;
+    links.push_back(std::move(link));
+    return links.back().get();
 }
-
-// One sub-option of a connection command: its word in lower case, and where its value goes.
-struct Setting {
-    const char *word;
-    void (*read)(const std::string &value);
-};
-
-// What makes a link command different from the others.
-struct LinkCommand {
-    const char *firstLine;
-    char recordType; // the interface type of the shared record
-    char type;       // the interface type of the link
-    int connectTime; // reply time limit of the connect, ms
-    std::vector<Setting> settings;
-    void (*setLine)(CCom &);             // before the port opens
-    void (*setBootSwitch)(CCom &);
-    void (*setBootLoader)(CBootLoader &); // before the connect
-};
-
-void readPort(const std::string &value) {
-    g_shareParameter.str_portName = value;
-    g_shareParameter.c_portNumber = portNumberOf(value);
-}
-
-void setRecordedLine(CCom &link) {
-    link.SetSettings(g_shareParameter.c_BaudRate, g_shareParameter.c_DataBits, g_shareParameter.c_parity);
-}
-
-void setFixedLine(CCom &link) {
-    link.SetSettings(115200, 8, 2);
-}
-
-void setManual(CCom &link) {
-    link.SetBootSwitch(MANUAL);
-}
-
-void setRecordedBootSwitch(CCom &link) {
-    if (!g_shareParameter.c_autoConnectFlag) {
-        setManual(link);
-        return;
-    }
-    link.SetBootSwitch(AUTOMATIC);
-    link.SetBootOptionIndex(g_shareParameter.c_autoConnectOption);
-}
-
-const LinkCommand usart = {
-    "USART Connect......", 0, 0, 1000,
-    {{"--pn", readPort},
-     {"--br", [](const std::string &value) { g_shareParameter.c_BaudRate = number(value); }},
-     {"--db", [](const std::string &value) { g_shareParameter.c_DataBits = number(value); }},
-     {"--pr", [](const std::string &value) { g_shareParameter.c_parity = ParityToInt(value); }},
-     {"--to", [](const std::string &value) { g_shareParameter.c_timeout = number(value); }},
-     {"--auto",
-      [](const std::string &value) {
-          g_shareParameter.c_autoConnectFlag = true;
-          g_shareParameter.c_autoConnectOption = number(value);
-      }}},
-    setRecordedLine, setRecordedBootSwitch, [](CBootLoader &) {}};
-
-const LinkCommand i2c = {
-    "I2C Connect......", 2, 2, 5000,
-    {{"--pn", readPort},
-     {"--addr", [](const std::string &value) { g_shareParameter.addr = g_shareParameter.StringToUInt32(value, 16); }},
-     {"--rate", [](const std::string &value) { g_shareParameter.rate = static_cast<unsigned int>(number(value)); }},
-     {"--dc", [](const std::string &value) { g_shareParameter.dc = static_cast<unsigned int>(number(value)); }}},
-    setFixedLine, setManual,
-    [](CBootLoader &control) {
-        control.SetI2CSettings(g_shareParameter.addr, g_shareParameter.rate, static_cast<BYTE>(g_shareParameter.dc));
-    }};
-
-const LinkCommand can = {
-    "CAN Connect......", 3, 3, 1000,
-    {{"--pn", readPort},
-     {"--speed",
-      [](const std::string &value) { g_shareParameter.uiCANSpeed = static_cast<unsigned int>(number(value)); }}},
-    setFixedLine, setManual,
-    [](CBootLoader &control) { control.SetCANSettings(g_shareParameter.uiCANSpeed); }};
-
-const LinkCommand spi = {
-    // MEANT: the shared record holds 3 for SPI as for CAN.
-    "SPI Connect......", 3, 4, 2000,
-    {{"--pn", readPort},
-     {"--speed",
-      [](const std::string &value) { g_shareParameter.ulSPISpeed = static_cast<unsigned long>(number(value)); }}},
-    setFixedLine, setManual,
-    [](CBootLoader &control) { control.SetSPISettings(g_shareParameter.ulSPISpeed); }};
 
 bool fail(const char *text) {
     WriteInforAndWaitInput(text);
@@ -167,7 +86,8 @@ bool openLink(const LinkCommand &command, CCom *&obCCom) {
     if (g_shareParameter.c_portNumber == -1) {
         return fail(noPortText);
     }
-    obCCom = new CCom(g_shareParameter.c_portNumber, command.type, g_shareParameter.str_portName.c_str());
+    obCCom = keep(std::make_unique<CCom>(g_shareParameter.c_portNumber, command.type,
+                                         g_shareParameter.str_portName.c_str()));
     command.setLine(*obCCom);
     return obCCom->Open() == 0 || fail(cannotOpenText);
 }
@@ -212,18 +132,13 @@ bool openFirstDfuDevice(CCom *&obCCom) {
     if (devices.isEmpty()) {
         return fail("Don't have DFU device!");
     }
-    obCCom = new CCom();
+    obCCom = keep(std::make_unique<CCom>());
     *obCCom = devices.first();
     obCCom->Close();
     return obCCom->Open() == 0 || fail("Open DFU device error!");
 }
 
 } // namespace
-
-int portNumberOf(const std::string &portName) {
-    const std::size_t digit = portName.find_first_of("0123456789");
-    return digit == std::string::npos ? 0 : number(portName.substr(digit));
-}
 
 CDevice *InitDevice(CBootLoader *obBootLoader) {
     if (obBootLoader == nullptr) {
@@ -255,17 +170,17 @@ bool DFUConnect(int argc, char **, int &arg_index, CCom *&obCCom) {
 }
 
 bool USARTConnect(int argc, char **argv, int &arg_index, CCom *&obCCom) {
-    return connectLine(usart, argc, argv, arg_index, obCCom);
+    return connectLine(usartCommand, argc, argv, arg_index, obCCom);
 }
 
 bool I2CConnect(int argc, char **argv, int &arg_index, CCom *&obCCom) {
-    return connectLine(i2c, argc, argv, arg_index, obCCom);
+    return connectLine(i2cCommand, argc, argv, arg_index, obCCom);
 }
 
 bool CANConnect(int argc, char **argv, int &arg_index, CCom *&obCCom) {
-    return connectLine(can, argc, argv, arg_index, obCCom);
+    return connectLine(canCommand, argc, argv, arg_index, obCCom);
 }
 
 bool SPIConnect(int argc, char **argv, int &arg_index, CCom *&obCCom) {
-    return connectLine(spi, argc, argv, arg_index, obCCom);
+    return connectLine(spiCommand, argc, argv, arg_index, obCCom);
 }

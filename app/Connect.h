@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 class CBootLoader;
 class CCom;
 class CDevice;
@@ -17,6 +15,3 @@ bool SPIConnect(int argc, char **argv, int &arg_index, CCom *&obCCom);
 
 // Identifies the chip; null if it could not be.
 CDevice *InitDevice(CBootLoader *obBootLoader);
-
-// The number in a port name, from its first digit on; 0 if there is none.
-int portNumberOf(const std::string &portName);

@@ -2,7 +2,8 @@
 
 class CCom;
 
-// The link. Null until a connection command has built one, and never deleted.
+// The link. Null until a connection command has built one; a later one replaces it. It lasts to the end of the
+// process.
 extern CCom *m_obCCom;
 
 // Acts on the words of the command line, without the program's name, from left to right, each option at once.

@@ -1,6 +1,8 @@
 #include <QCoreApplication>
 
+#include <clocale>
 #include <csignal>
+#include <string>
 #include <vector>
 
 #include "app/Report.h"
@@ -39,6 +41,8 @@ int main(int argc, char **argv) {
     int applicationArgc = argc;
     std::vector<char *> applicationArgv(argv, argv + argc + 1);
     const QCoreApplication application(applicationArgc, applicationArgv.data());
+    // It has taken over the user's locale; in a Turkish one "bin" would not be "BIN" in upper case.
+    std::setlocale(LC_ALL, "C");
 
     printBanner();
     loadStartValues();

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 namespace {
 
@@ -38,6 +39,21 @@ TEST_F(ProcessTest, ReaderThatWentAway) {
     EXPECT_EQ(console.statusOf("-com --pn ttyS0 -e --sec 0-4", ends[1]), 0);
     EXPECT_EQ(console.statusOf("-com --pn ttyS0 -d --fn", ends[1]), 3);
     close(ends[1]);
+}
+
+// In Turkish the capital of "i" is another letter.
+TEST_F(ProcessTest, LocaleOfTheUser) {
+    const std::string build = "localedef -i tr_TR -f ISO-8859-9 " + console.path("tr_TR.ISO-8859-9") + " >/dev/null 2>&1";
+    if (std::system(build.c_str()) != 0) {
+        GTEST_SKIP() << "no locale definitions here";
+    }
+    console.file("a.bin", "");
+    setenv("LOCPATH", console.path("").c_str(), 1);
+    setenv("LC_ALL", "tr_TR.ISO-8859-9", 1);
+    const Outcome run = console.run("-com --pn ttyS0 -d --fn @/a.bin");
+    unsetenv("LC_ALL");
+    unsetenv("LOCPATH");
+    EXPECT_EQ(run.status, 0) << run.text;
 }
 
 TEST_F(ProcessTest, NamesOutsideAscii) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "app/Connect.h"
-
 namespace {
 
 const char *const options[] = {"-?", "-dfu", "-com", "-i2c", "-can", "-spi", "-e", "-p",
@@ -49,16 +47,6 @@ TEST(Words, Parity) {
                  {"EVEN", 2}, {"even", 2}, {"", 2},     {"mark", 2}, {"NONE ", 2}};
     for (const auto &row : table) {
         EXPECT_EQ(ParityToInt(row.text), row.parity) << row.text;
-    }
-}
-
-TEST(Words, PortNumber) {
-    const struct {
-        const char *name;
-        int number;
-    } table[] = {{"ttyACM0", 0}, {"ttyS12", 12}, {"usb1x2", 1}, {"can", 0}, {"", 0}, {"7", 7}, {"tty4294967295", -1}};
-    for (const auto &row : table) {
-        EXPECT_EQ(portNumberOf(row.name), row.number) << row.name;
     }
 }
 
