@@ -16,8 +16,6 @@ constexpr std::size_t MarkLength = 2;
 constexpr std::size_t MaxAddress = 4;
 constexpr std::size_t WrittenData = 32;
 constexpr std::size_t MaxHeader = 32;
-constexpr std::size_t MaxCount16 = 0xFFFF;
-constexpr std::size_t MaxCount24 = 0xFFFFFF;
 
 enum class Role { Header, Data, None, Count, End };
 
@@ -42,6 +40,7 @@ private:
     RecordWindow m_window;
     RunCollector &m_runs;
     std::uint64_t m_dataRecords = 0;
+    bool m_counted = false; // the last record was a right count
     bool m_ended = false;
 };
 
@@ -52,7 +51,7 @@ Status Reader::read() {
         if (moved != Status::Ok)
             return moved;
         if (!found)
-            return m_ended ? Status::Ok : Status::BadFormat;
+            return m_ended || m_counted ? Status::Ok : Status::BadFormat;
         const Status taken = m_ended ? Status::BadFormat : readRecord();
         if (taken != Status::Ok)
             return taken;
@@ -91,15 +90,14 @@ Status Reader::readRecord() {
 
 // The record's data, if it has any, are in the room of m_runs.
 Status Reader::take(Role role, std::uint32_t address, std::size_t length) {
+    m_ended = role == Role::End;
+    m_counted = role == Role::Count && address == m_dataRecords;
     if (role == Role::Header)
         return Status::Ok;
-    if (role == Role::Data) {
-        ++m_dataRecords;
-        return m_runs.commit(address, length);
-    }
-    m_ended = role == Role::End;
-    const bool miscounted = role == Role::Count && address != m_dataRecords;
-    return length != 0 || miscounted ? Status::BadFormat : Status::Ok;
+    if (role != Role::Data)
+        return length == 0 && (m_ended || m_counted) ? Status::Ok : Status::BadFormat;
+    ++m_dataRecords;
+    return m_runs.commit(address, length);
 }
 
 Status writeRecord(AtomicFile &file, unsigned type, std::uint32_t address, const BYTE *data, std::size_t length) {
@@ -126,17 +124,6 @@ Status writeHeader(AtomicFile &file, const std::string &name) {
     return writeRecord(file, 0, 0, reinterpret_cast<const BYTE *>(base.data()), base.size());
 }
 
-// The count, where a record can hold it, and the end.
-Status writeTail(AtomicFile &file, std::size_t dataRecords) {
-    if (dataRecords <= MaxCount24) {
-        const unsigned type = dataRecords <= MaxCount16 ? 5 : 6;
-        const Status counted = writeRecord(file, type, static_cast<std::uint32_t>(dataRecords), nullptr, 0);
-        if (counted != Status::Ok)
-            return counted;
-    }
-    return writeRecord(file, 7, 0, nullptr, 0);
-}
-
 } // namespace
 
 Status readSRecord(InputFile &file, std::uint32_t, RunCollector &runs) {
@@ -149,9 +136,8 @@ Status writeSRecord(const std::vector<const Element *> &elements, const std::str
     const Status headed = writeHeader(file, name);
     if (headed != Status::Ok)
         return headed;
-    std::size_t records = 0;
     for (const Element *element : elements) {
-        for (std::uint32_t done = 0; done < element->length; ++records) {
+        for (std::uint32_t done = 0; done < element->length;) {
             const std::uint32_t length = std::min(element->length - done, std::uint32_t(WrittenData));
             const Status written = writeRecord(file, 3, element->address + done, element->bytes.get() + done, length);
             if (written != Status::Ok)
@@ -159,7 +145,7 @@ Status writeSRecord(const std::vector<const Element *> &elements, const std::str
             done += length;
         }
     }
-    return writeTail(file, records);
+    return writeRecord(file, 7, 0, nullptr, 0);
 }
 
 } // namespace files

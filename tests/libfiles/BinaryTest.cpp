@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/libfiles/LibFiles.h"
+
+using namespace libfiles;
+
+namespace {
+
+TEST(Binary, AProgramImageStartsAtTheFlash) {
+    const TempDir dir;
+    Pieces pieces;
+    EXPECT_EQ(load(dir, "a.bin", "abc", pieces), NoError);
+    EXPECT_EQ(pieces, (Pieces{{0x08000000, {'a', 'b', 'c'}}}));
+}
+
+TEST(Binary, UserSystemDataStartAtZero) {
+    const TempDir dir;
+    Pieces pieces;
+    EXPECT_EQ(load(dir, "a.bin", std::string(4096, 'u'), pieces, UserSystemData), NoError);
+    EXPECT_EQ(pieces, (Pieces{{0, Bytes(4096, 'u')}}));
+}
+
+TEST(Binary, UserSystemDataFromHex) {
+    const TempDir dir;
+    Pieces pieces;
+    EXPECT_EQ(load(dir, "a.hex", ihex(0, 0, pattern(48)) + "\n:00000001FF\n", pieces, UserSystemData), NoError);
+    EXPECT_EQ(pieces, (Pieces{{0, pattern(48)}}));
+}
+
+TEST(Binary, AnEmptyFileHasNoElement) {
+    const TempDir dir;
+    Pieces pieces;
+    EXPECT_EQ(load(dir, "a.bin", "", pieces), NoError);
+    EXPECT_TRUE(pieces.empty());
+}
+
+// Read in pieces of 1 MB: around their borders nothing may be lost.
+TEST(Binary, LengthsAroundTheReadSize) {
+    const TempDir dir;
+    for (const std::size_t length : {0xFFFFFu, 0x100000u, 0x100001u, 0x200000u}) {
+        const Bytes bytes = pattern(length);
+        Pieces pieces;
+        EXPECT_EQ(load(dir, "a.bin", std::string(bytes.begin(), bytes.end()), pieces), NoError);
+        EXPECT_EQ(pieces, (Pieces{{0x08000000, bytes}}));
+    }
+}
+
+TEST(Binary, AFileThatNoImageCanHoldIsRefused) {
+    const TempDir dir;
+    writeFile(dir / "a.bin", "");
+    for (const std::uint64_t size : {(256ull << 20) + 1, 5ull << 30}) {
+        std::filesystem::resize_file(dir / "a.bin", size); // sparse
+        Handle image;
+        EXPECT_EQ(FILES_ImageFromFile((dir / "a.bin").c_str(), image.out(), Program), BadAddressRange);
+        EXPECT_EQ(image.get(), nullptr);
+    }
+}
+
+TEST(Binary, GapsAreWrittenAs0xFF) {
+    const TempDir dir;
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
+    ASSERT_EQ(image.insert(0, 0x08000008, {3, 4}), NoError);
+    ASSERT_EQ(image.insert(1, 0x08000004, {1, 2}), NoError);
+    ASSERT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), NoError);
+    EXPECT_EQ(readBytes(dir / "o.bin"), (Bytes{1, 2, 0xFF, 0xFF, 3, 4}));
+}
+
+TEST(Binary, AGapLargerThanTheBuffer) {
+    const TempDir dir;
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
+    ASSERT_EQ(image.insert(0, 0x08000000, {1}), NoError);
+    ASSERT_EQ(image.insert(1, 0x08400000, {2}), NoError);
+    ASSERT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), NoError);
+    Bytes expected(0x400001, 0xFF);
+    expected.front() = 1;
+    expected.back() = 2;
+    EXPECT_EQ(readBytes(dir / "o.bin"), expected);
+}
+
+TEST(Binary, AGapThatWouldFillTheDiskIsRefused) {
+    const TempDir dir;
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
+    ASSERT_EQ(image.insert(0, 0, {1}), NoError);
+    ASSERT_EQ(image.insert(1, 0xFFFFFFFF, {2}), NoError);
+    EXPECT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), BadAddressRange);
+    EXPECT_TRUE(dir.entries().empty());
+    EXPECT_EQ(FILES_ImageToFile((dir / "o.hex").c_str(), image.get()), NoError);
+}
+
+} // namespace

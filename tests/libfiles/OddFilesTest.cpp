@@ -1,0 +1,135 @@
+// Paths that are no image: each is refused at once, none hangs or fills the memory.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "tests/libfiles/LibFiles.h"
+
+using namespace libfiles;
+namespace fs = std::filesystem;
+
+namespace {
+
+const char *const Suffixes[] = {".bin", ".hex", ".s19", ".srec"};
+
+unsigned int open(const std::string &path, int program = Program) {
+    Handle image;
+    const unsigned int status = FILES_ImageFromFile(path.c_str(), image.out(), program);
+    EXPECT_EQ(image.get() != nullptr, status == NoError);
+    return status;
+}
+
+TEST(OddFiles, Suffixes) {
+    const TempDir dir;
+    struct {
+        const char *name;
+        int program;
+        unsigned int status;
+    } const cases[] = {
+        {"a.bin", Program, NoError},           {"a.BIN", Program, NoError},   {"a.Bin", UserSystemData, NoError},
+        {"a.hex", Program, BadFormat},         {"a.HeX", Program, BadFormat}, {"a.HEX", UserSystemData, BadFormat},
+        {"a.s19", Program, BadFormat},         {"a.S19", Program, BadFormat}, {"a.s19", UserSystemData, BadSuffix},
+        {"a.srec", Program, BadFormat},        {"a.SREC", Program, BadFormat}, {"a.srec", UserSystemData, BadSuffix},
+        {"a.hex.txt", Program, BadSuffix},     {"a", Program, BadSuffix},     {"a.", Program, BadSuffix},
+        {"bin", Program, BadSuffix},           {"ahex", Program, BadSuffix},  {"a.elf", Program, BadSuffix},
+        {"a.bin.hex", Program, BadFormat},
+    };
+    for (const auto &one : cases) {
+        writeFile(dir / one.name, std::string("x"));
+        EXPECT_EQ(open(dir / one.name, one.program), one.status) << one.name;
+    }
+    EXPECT_EQ(open("", Program), BadSuffix);
+}
+
+TEST(OddFiles, AWrongSuffixIsNotWrittenEither) {
+    const TempDir dir;
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
+    EXPECT_EQ(FILES_ImageToFile((dir / "a.txt").c_str(), image.get()), BadSuffix);
+    EXPECT_TRUE(dir.entries().empty());
+}
+
+TEST(OddFiles, Missing) {
+    const TempDir dir;
+    for (const char *suffix : Suffixes)
+        EXPECT_EQ(open(dir / (std::string("no") + suffix)), UnableToOpenFile);
+}
+
+TEST(OddFiles, Directory) {
+    const TempDir dir;
+    for (const char *suffix : Suffixes) {
+        const std::string path = dir / (std::string("d") + suffix);
+        fs::create_directory(path);
+        EXPECT_EQ(open(path), UnableToOpenFile);
+    }
+}
+
+TEST(OddFiles, FifoWithoutAWriter) {
+    const TempDir dir;
+    for (const char *suffix : Suffixes) {
+        const std::string path = dir / (std::string("f") + suffix);
+        ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+        EXPECT_EQ(open(path), UnableToOpenFile);
+    }
+}
+
+TEST(OddFiles, Devices) {
+    const TempDir dir;
+    for (const char *device : {"/dev/zero", "/dev/null", "/dev/full"})
+        for (const char *suffix : Suffixes) {
+            const std::string path = dir / (std::string("z") + suffix);
+            fs::create_symlink(device, path);
+            EXPECT_EQ(open(path), UnableToOpenFile);
+            fs::remove(path);
+        }
+}
+
+TEST(OddFiles, Socket) {
+    const TempDir dir;
+    const std::string path = dir / "s.bin";
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    std::strcpy(address.sun_path, path.c_str());
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(::bind(fd, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    EXPECT_EQ(open(path), UnableToOpenFile);
+    ::close(fd);
+}
+
+TEST(OddFiles, LinksInACircle) {
+    const TempDir dir;
+    fs::create_symlink(dir / "b.hex", dir / "a.hex");
+    fs::create_symlink(dir / "a.hex", dir / "b.hex");
+    EXPECT_EQ(open(dir / "a.hex"), UnableToOpenFile);
+}
+
+TEST(OddFiles, Unreadable) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "root reads everything";
+    const TempDir dir;
+    writeFile(dir / "a.hex", std::string(":00000001FF\n"));
+    fs::permissions(dir / "a.hex", fs::perms::none);
+    EXPECT_EQ(open(dir / "a.hex"), UnableToOpenFile);
+}
+
+// A sparse file of zeros is no record, however long it is.
+TEST(OddFiles, ALongLineOfNothing) {
+    const TempDir dir;
+    for (const char *suffix : {".hex", ".s19"}) {
+        const std::string path = dir / (std::string("l") + suffix);
+        writeFile(path, std::string());
+        fs::resize_file(path, 8ull << 30);
+        EXPECT_EQ(open(path), BadFormat);
+    }
+}
+
+} // namespace
