@@ -8,44 +8,114 @@ in the chip in the end is the image.
   >     printf '%s: ' "$1"
   >     line -d --fn ./image.bin --v | tail -1
   >     line -u --sec 0-3 --fn ./back.bin >/dev/null && cmp image.bin back.bin && echo '  equal'
-  >     grep -c 'fault' sim.err >/dev/null || echo '  the fault did not happen'
+  >     grep 'fault:' sim.err || echo '  the fault did not happen'
   > }
 
 A command refused, and one refused at its last answer:
 
   $ try nack@1:31
+  nack@1:31: Download successfully!
+    equal
   $ try nack@3:31:1
+  nack@3:31:1: Download successfully!
+    equal
   $ try nack@2:31:2
+  nack@2:31:2: Download successfully!
+    equal
   $ try nack@2:11
+  nack@2:11: Download successfully!
+    equal
 
 A byte from the host, and one to it, in a write (the first ones) and in the verify:
 
   $ for fault in rx-lost@1500 rx-damage@1500 rx-double@1500 rx-late@1500:700; do try $fault; done
+  rx-lost@1500: Download successfully!
+    equal
+    the fault did not happen
+  rx-damage@1500: Download successfully!
+    equal
+    the fault did not happen
+  rx-double@1500: Download successfully!
+    equal
+    the fault did not happen
+  rx-late@1500:700: Download successfully!
+    equal
+    the fault did not happen
   $ for fault in tx-lost@600 tx-damage@600 tx-double@600 tx-late@600:700; do try $fault; done
+  tx-lost@600: Download successfully!
+    equal
+    the fault did not happen
+  tx-damage@600: Download successfully!
+    equal
+    the fault did not happen
+  tx-double@600: Download successfully!
+    equal
+    the fault did not happen
+  tx-late@600:700: Download successfully!
+    equal
+    the fault did not happen
   $ for fault in tx-lost@2000 tx-double@2000 tx-late@2000:700; do try $fault; done
+  tx-lost@2000: Download successfully!
+    equal
+    the fault did not happen
+  tx-double@2000: Download successfully!
+    equal
+    the fault did not happen
+  tx-late@2000:700: Download successfully!
+    equal
+    the fault did not happen
 
-A byte of an answer that is damaged on its way looks like a difference to a verify:
+A byte of an answer that is damaged on its way looks like a difference to a verify, which therefore
+reads a packet that differs a second time:
 
   $ try tx-damage@2000
+  tx-damage@2000: Download successfully!
+    equal
+    the fault did not happen
 
 What is not safe to repeat ends the line at once: an erase, a jump.
 
   $ chip_new ZV32F421_64K --fault nack@1:44
   $ line -e --sec 0-0
+  Erase
+  
+  The cmd not allowed!
+  [51]
   $ line -e --sec 0-0
+  Erase
+  Running...100%
+  Erase successfully!
   $ chip_new ZV32F421_64K --fault nack@1:21
   $ line -r
+  Your code is running... (0x08000000)
+  [12]
 
 A chip that falls silent, and a port that goes away: the right text and status, no partial file, and a
 second run succeeds.
 
   $ chip_new ZV32F421_64K --fault silence@60
   $ isp -com --pn $PWD/port --to 1 -u --fn ./part.bin | tail -5
+  Running...20%
+  No response from the device...
+  Please verify the boot mode configuration.
+  Check the UART cable.
+  Reset the device then run again.
   $ ls part.bin
+  ls: cannot access 'part.bin': No such file or directory
+  [2]
   $ kill -USR1 $chip_pid
   $ line -u --fn ./part.bin | tail -1
+  Upload successfully!
 
   $ chip_new ZV32F421_64K --fault hangup@700:300
   $ line -d --fn ./image.bin --v
+  Erase
+  Running...100%
+  Download
+  ./image.bin     4096B
+  
+  send over serial port fail!
+  [3]
   $ sleep 0.4
   $ line -d --fn ./image.bin --v | tail -1
+  Download successfully!

@@ -2,22 +2,44 @@ What an installation looks like:
 
   $ . "$SETUP"
   $ cmake --install $BUILD --prefix $PWD/there >/dev/null
-  $ (cd there && find . -type f -o -type l | grep -v /Map/ | sort)
+  $ (cd there && find . -type f -o -type l | grep -v ./share | sort)
+  ./bin/ZV32_ISP_Console
+  ./bin/zv32-sim
+  ./lib/libFiles.so.1
+  ./lib/libFiles.so.1.0.0
+  ./lib/libZVBLLIB.so.1
+  ./lib/libZVBLLIB.so.1.0.0
   $ find there -name '*.ZVmap' | wc -l | tr -d ' '; ls $ROOT/Map | wc -l
+  19
+  19
 
 It finds its libraries beside itself, wherever it is moved, by a RUNPATH:
 
   $ mv there elsewhere
   $ readelf -d elsewhere/bin/ZV32_ISP_Console | grep -e RUNPATH -e RPATH -e 'SHARED.*lib[ZF]'
+   0x000000000000001d (RUNPATH)            Library runpath: [$ORIGIN/../lib]
   $ chip_on ZV32F421_64K
   $ elsewhere/bin/ZV32_ISP_Console -com --pn $PWD/port | tail -3
+  PID:  50020109      BID:  0201    Version:  2.0
+  Device connected Successfully
+  
 
 A directory in LD_LIBRARY_PATH goes first: here stand builds of the two libraries that write down what
 they are asked.
 
-  $ LD_LIBRARY_PATH=$BUILD/doubles ZVBL_DOUBLE_LOG=$PWD/log elsewhere/bin/ZV32_ISP_Console -com --pn $PWD/port | tail -3
+  $ LD_LIBRARY_PATH=$BUILD/doubles ZVBL_DOUBLE_LOG=$PWD/log elsewhere/bin/ZV32_ISP_Console -com --pn ttyS3 | tail -3
+  PID:  70050347      BID:  1234    Version:  2.1
+  Device connected Successfully
+  
   $ head -3 log
+  TARGET_SetComIntType type=0
+  SetCOMSettings h=0 port=3 name="ttyS3" baud=115200 bits=8 parity=2 stop=1.0
+  SetCOMSettings h=1001 port=3 name="ttyS3" baud=115200 bits=8 parity=2 stop=1.0
 
 Nothing of Qt in the libraries and the simulator:
 
   $ for file in elsewhere/lib/*.so.1 elsewhere/bin/zv32-sim; do readelf -d $file | grep -c 'NEEDED.*Qt'; done
+  0
+  0
+  0
+  [1]

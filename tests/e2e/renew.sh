@@ -1,10 +1,10 @@
 #!/bin/bash
 # Writes what the programs print now into the transcripts. Read the difference before you commit it.
 #
-# usage: tests/e2e/renew.sh [FILE.t...]   (after a build of the release preset)
+# usage: tests/e2e/renew.sh [FILE.t...]   (BUILD: another build directory than build/release)
 set -eu
 cd "$(dirname "$0")"
 root=$(cd ../.. && pwd)
-. ./environment.sh "$root" "$root/build/release"
+. ./environment.sh "$root" "${BUILD:-$root/build/release}"
 cram3 --shell=/bin/bash --interactive --yes "${@:-.}" || true
 git diff --stat -- .

@@ -1,6 +1,6 @@
-The power fails in the middle of a write of the option bytes. The pair that was not finished does not
-match its complement, and the chip takes itself for protected. Disabling the protection erases the
-flash, restores the option bytes, and the chip is as new.
+The power fails in the middle of a write of the option bytes. A pair that was not written does not match
+its complement and reads as FF; where it is the access protection byte, the chip takes itself for
+protected. Disabling the protection erases the flash, restores the option bytes, and the chip is as new.
 
   $ . "$SETUP"
   $ for cut in 0 1 5 23; do
@@ -13,15 +13,61 @@ flash, restores the option bytes, and the chip is as new.
   >     line -p --dfap | tail -1
   >     line -usd --get --fn ./back.bin | tail -1; cmp factory.bin back.bin && echo repaired
   > done
+  == behind pair 0
+  Set user system data to device
+  running...
+  Set user system data to device failed!
+  Get user system data to file failed!
+  Disable access protection successfully!
+  Get user system data to file succeed!
+  repaired
+  == behind pair 1
+  Set user system data to device
+  running...
+  Set user system data to device failed!
+  Get user system data to file succeed!
+  Disable access protection successfully!
+  Get user system data to file succeed!
+  repaired
+  == behind pair 5
+  Set user system data to device
+  running...
+  Set user system data to device failed!
+  Get user system data to file succeed!
+  Disable access protection successfully!
+  Get user system data to file succeed!
+  repaired
+  == behind pair 23
+  Set user system data to device
+  running...
+  Set user system data to device failed!
+  Get user system data to file succeed!
+  Disable access protection successfully!
+  Get user system data to file succeed!
+  repaired
 
 The command refused, and the line lost, in the middle of the same write:
 
   $ chip_new ZV32F403A_1024K --fault nack@1:E2
   $ line -usd --set --fn ./factory.bin
+  Set user system data to device
+  running...
+  Set user system data to device failed!
+  [6]
   $ line -usd --set --fn ./factory.bin
+  Set user system data to device
+  running...
+  Set user system data to device successfully!
 
-  $ chip_new ZV32F403A_1024K --fault hangup@150:50
+  $ chip_new ZV32F403A_1024K --fault hangup@50:50
   $ line -usd --set --fn ./factory.bin
+  Set user system data to device
+  running...
+  Set user system data to device successfully!
   $ sleep 0.2
   $ line -usd --set --fn ./factory.bin
+  Set user system data to device
+  running...
+  Set user system data to device successfully!
   $ line -usd --get --fn ./back.bin | tail -1; cmp factory.bin back.bin && echo same
+  same

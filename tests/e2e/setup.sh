@@ -6,9 +6,10 @@ trap 'chip_off' EXIT
 # chip_on NAME [OPTION...]: starts a simulated chip at ./port and waits until it is ready. Its memory
 # is kept in ./chip.state from one start to the next.
 chip_on() {
+    rm -f sim.out
     zv32-sim --chip "$1" --usart "$PWD/port" --state "$PWD/chip.state" "${@:2}" >sim.out 2>sim.err &
     chip_pid=$!
-    until grep -q ready sim.out; do
+    until grep -qs ready sim.out; do
         kill -0 $chip_pid 2>/dev/null || { cat sim.out sim.err; return 1; }
         sleep 0.01
     done

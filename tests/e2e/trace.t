@@ -6,3 +6,5 @@
 A write packet of 256 bytes costs 268 bytes on the line, both ways together: the command, the address,
 the data, and three answers.
 
+  $ awk '/> 31 CE/ { packet++ } packet == 1 { bytes += NF - 3; waits += $3 == "<" } END { print bytes, waits }' trace
+  268 3
