@@ -1,5 +1,6 @@
 #include "sim/fronts/UsartFront.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -15,6 +16,11 @@ namespace sim {
 namespace {
 
 constexpr Nanoseconds quiet = 20 * millisecond; // the line rests: time for the state file
+
+// At a pace every wake-up from sleep would add its latency to the line. So this close before a byte is
+// due, and this long behind one, when the host is about to go on, the front stays awake.
+constexpr Nanoseconds awakeBefore = 100 * microsecond;
+constexpr Nanoseconds awakeBehind = 300 * microsecond;
 
 Nanoseconds clockNow() {
     struct timespec now {};
@@ -105,15 +111,18 @@ bool UsartFront::waitUnplugged(int signals, unsigned ms) {
 // Until something happens, or is due.
 void UsartFront::wait(int signals) {
     struct pollfd fds[] = {{signals, POLLIN, 0}, {pty_.fd(), POLLIN, 0}, {pty_.watchFd(), POLLIN, 0}};
+    const Nanoseconds now = clockNow();
     std::optional<Nanoseconds> due;
     if (!line_.toHost().empty()) {
-        due = line_.toHost().front().at;
+        due = line_.toHost().front().at - (pace_ ? awakeBefore : 0);
+    } else if (pace_ && now - lastTraffic_ < awakeBehind) {
+        due = now;
     } else if (!rested_) {
         due = lastTraffic_ + quiet;
     }
     struct timespec left {};
     if (due) {
-        left = timespecOf(std::max<Nanoseconds>(*due - clockNow(), 0));
+        left = timespecOf(std::max<Nanoseconds>(*due - now, 0));
     }
     ppoll(fds, 3, due ? &left : nullptr, nullptr);
 }
