@@ -21,17 +21,23 @@ struct Plan {
     bool onAnswers = true;      // else on what the host sends
     int position = -1;          // counted from the first byte behind GET
     int paceMicroseconds = 0;   // of each byte, either way
+    bool hearsAtOnce = false;   // the pace is only that of its own bytes
+    bool spoiled = false;       // the last byte of the memory is not erased
 };
 
 // Knows GET, GET_VER_ROPS, READ and WRITE of 64 bytes of flash. Runs until its line is unplugged.
 class FaultyChip {
 public:
-    FaultyChip(Pty &pty, const Plan &plan) : m_pty(pty), m_plan(plan), m_memory(memorySize, 0xFF), m_thread([this] { serve(); }) {}
+    FaultyChip(Pty &pty, const Plan &plan) : m_pty(pty), m_plan(plan), m_memory(memorySize, 0xFF), m_thread([this] { serve(); }) {
+        if (plan.spoiled)
+            m_memory.back() = 0;
+    }
     ~FaultyChip() {
         m_stop = true;
         m_thread.join();
     }
     void arm() { m_armed = true; }
+    int openingBytes() const { return m_openingBytes; }
     zvbl::Bytes memory() {
         const std::lock_guard<std::mutex> lock(m_mutex);
         return m_memory;
@@ -51,7 +57,8 @@ private:
         }
         const std::uint8_t byte = m_in.front();
         m_in.erase(m_in.begin());
-        pace();
+        if (!m_plan.hearsAtOnce)
+            pace();
         return byte;
     }
     void receive(std::uint8_t byte) {
@@ -109,6 +116,7 @@ private:
     }
     void command() {
         const std::uint8_t opcode = next(false);
+        m_openingBytes += opcode == 0x7F;
         if (refuse(opcode == 0x7F) || refuse((opcode ^ next(true)) != 0xFF))
             return;
         if (opcode == 0x00) {
@@ -163,6 +171,7 @@ private:
     zvbl::Bytes m_memory, m_in;
     std::mutex m_mutex;
     int m_received = 0, m_sent = 0;
+    std::atomic<int> m_openingBytes{0};
     std::atomic<bool> m_armed{false}, m_stop{false};
     std::thread m_thread;
 };
@@ -219,6 +228,42 @@ void sweep(Fault fault, bool onAnswers, bool inWrite, int positions, const std::
     }
     for (std::thread &thread : runs)
         thread.join();
+}
+
+struct SlowLine : ::testing::Test {
+    void SetUp() override {
+        zvbl::setTiming({frameLimit, Milliseconds(8)});
+        TARGET_SetComIntType(0);
+        ASSERT_EQ(SetCOMSettings(&link, 0, pty.path().c_str(), rate, 8, 2, 1.0F), 0);
+        ASSERT_EQ(Interface_Open(link), 0);
+        ASSERT_EQ(SetTimeOut(link, timeoutMs), 0);
+        ASSERT_EQ(SetPaketSize(link, memorySize / 2), 0);
+    }
+    void TearDown() override { Interface_Close(link); }
+    int get() {
+        BYTE scratch = 0;
+        Commands commands;
+        return ZVBL_GET(link, &scratch, &commands);
+    }
+    Pty pty;
+    HANDLE link = nullptr;
+    zvbl::Bytes data = pattern();
+};
+
+// If the answers were one too far on, the refusal of the last packet would be heard by nobody.
+TEST_F(SlowLine, ADoubledAnswerDoesNotHideARefusal) {
+    FaultyChip chip(pty, {Fault::doubled, true, 3, pace, false, true});
+    ASSERT_EQ(get(), 0);
+    chip.arm();
+    EXPECT_NE(ZVBL_DNLOAD(link, 0x08000000, data.data(), memorySize, 0), 0);
+}
+
+TEST_F(SlowLine, AChipThatIsFasterThanItsLineIsSuspectedOnce) {
+    FaultyChip chip(pty, {Fault::none, true, -1, pace, true});
+    ASSERT_EQ(get(), 0);
+    EXPECT_EQ(ZVBL_DNLOAD(link, 0x08000000, data.data(), memorySize, 0), 0);
+    EXPECT_EQ(hex(chip.memory()), hex(data));
+    EXPECT_EQ(chip.openingBytes(), 1);
 }
 
 int success(int) {

@@ -130,6 +130,18 @@ TEST_F(PacketsTest, UploadIsCutToo) {
     EXPECT_EQ(hex(zvbl::Bytes(data, data + 6)), "01 02 03 04 05 06");
 }
 
+// At 300 baud one pause to see whether the line is silent takes 55 ms.
+TEST_F(PacketsTest, PacketsFollowEachOtherWithoutAPause) {
+    ASSERT_EQ(SetCOMSettings(&link, 0, pty.path().c_str(), 300, 8, 2, 1.0F), 0);
+    EXPECT_EQ(SetPaketSize(link, 1), 0);
+    Script script;
+    for (int i = 0; i < 20; ++i)
+        script = script + writeOf("20 00 00 " + hex(counting(1, i)) + " " + hex(counting(1, 0x20 ^ i)), {1});
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(download(0x20000000, zvbl::Bytes(20, 1), 0, script), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(800));
+}
+
 TEST_F(PacketsTest, NothingToDoSendsNothing) {
     BYTE data = 0;
     EXPECT_EQ(play({}, [&] { return ZVBL_DNLOAD(link, 0x08000000, &data, 0, 0); }), 0);

@@ -1,10 +1,6 @@
 // The port: opening, sharing, settings, control lines, and two links at once.
 
 #include <asm/termbits.h>
-#include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sys/file.h>
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -150,20 +146,23 @@ TEST_F(PortTest, ALineWithoutControlLinesSaysSoAndStaysUsable) {
     EXPECT_EQ(play({{"D4 2B", "79"}}, [&] { return ZVBL_ResetMCU(link); }), 0);
 }
 
-TEST_F(PortTest, WhatArrivedBeforeTheOpenIsGone) {
+TEST_F(PortTest, ALinkKeepsItsTypeWhileItIsOpen) {
+    TARGET_SetComIntType(2);
+    EXPECT_EQ(configure(57600, 8, 2, 1.0F), 0);
+    EXPECT_EQ(Interface_Open(link), 0);
     ASSERT_EQ(Interface_Close(link), 0);
-    pty.write(hex("79 79 79 79"));
-    ASSERT_EQ(Interface_Open(link), 0);
-    EXPECT_EQ(play({{"7F", "1F"}}, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
+    EXPECT_EQ(configure(57600, 8, 2, 1.0F), 0);
+    EXPECT_EQ(Interface_Open(link), 3);
 }
 
-TEST_F(PortTest, ACloseDoesNotWaitForWhatNobodyReads) {
-    zvbl::Bytes data(200000, 0x20);
-    hurry(10, 5, 20);
-    EXPECT_EQ(TARGET_SetUserSystemData(link, 0x1FFFF800, data.data(), 2048), 5); // no answer to the opcode
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(Interface_Close(link), 0);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(500));
+// At 300 baud the last byte of this packet leaves 367 ms behind the first.
+TEST_F(PortTest, TheTimeThatBytesTakeOnTheLineIsNoPartOfTheTimeout) {
+    ASSERT_EQ(configure(300, 8, 2, 1.0F), 0);
+    ASSERT_EQ(SetTimeOut(link, 150), 0);
+    BYTE data[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    EXPECT_EQ(play({{"31 CE", "79"}, {"20 00 00 00 20", "79"}, {"07 01 02 03 04 05 06 07 08 0F", "79", 250}},
+                   [&] { return ZVBL_DNLOAD(link, 0x20000000, data, 8, 0); }),
+              0);
 }
 
 TEST_F(PortTest, TwoLinksDoNotDisturbEachOther) {

@@ -88,6 +88,14 @@ TEST_F(RecoveryTest, ADoubledAnswerStopsTheCommand) {
     EXPECT_EQ(play({inStep, {"44 BB", "79"}, {"FF FE 01", "79"}}, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }), 0);
 }
 
+// On a real line the second one comes a character time later: 37 ms at 300 baud.
+TEST_F(RecoveryTest, ADoubledAnswerOnASlowLineStopsTheCommandToo) {
+    ASSERT_EQ(SetCOMSettings(&link, 0, pty.path().c_str(), 300, 8, 2, 1.0F), 0);
+    hurry();
+    EXPECT_EQ(play({{"44 BB", "79 79", 0, 15}}, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }), 5);
+    EXPECT_EQ(play({inStep, {"D4 2B", "79 79", 0, 15}}, [&] { return ZVBL_ResetMCU(link); }), 5);
+}
+
 TEST_F(RecoveryTest, AWrongChecksumIsAskedForAgain) {
     hurry();
     BYTE enabled = 9;
@@ -124,7 +132,9 @@ TEST_F(RecoveryTest, TwoAnswersToTwoOpeningBytesShiftNothing) {
 
 TEST_F(RecoveryTest, NoiseBeforeTheAnswerDoesNotStopAStart) {
     hurry(100, 5, 700);
+    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(play({{"7F", "00"}, {"7F", "1F"}}, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, Milliseconds(100)); // or it might fill up a frame
     EXPECT_EQ(play({{"7F", "00 FF 79"}}, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
 }
 

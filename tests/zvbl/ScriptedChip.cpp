@@ -34,9 +34,15 @@ void ScriptedChip::serve() {
             return;
         }
         heard.clear();
+        zvbl::Bytes answer = turn.chip;
         if (turn.late.count())
             std::this_thread::sleep_for(turn.late);
-        m_pty.write(turn.chip);
+        if (turn.pause.count()) {
+            m_pty.write({answer.begin(), answer.end() - 1});
+            std::this_thread::sleep_for(turn.pause);
+            answer.erase(answer.begin(), answer.end() - 1);
+        }
+        m_pty.write(answer);
     }
     heard = m_pty.read(afterTheEndMs);
     if (!heard.empty())

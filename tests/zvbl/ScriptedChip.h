@@ -7,14 +7,16 @@
 
 #include "tests/zvbl/Pty.h"
 
-// One turn of a script: these bytes from the host, then these from the chip, after a while if told so.
+// One turn of a script: these bytes from the host, then these from the chip, after a while if told so, and
+// with a pause in front of the last one if told so.
 struct Turn {
     zvbl::Bytes host;
     zvbl::Bytes chip;
     std::chrono::milliseconds late{0};
+    std::chrono::milliseconds pause{0};
 
-    Turn(const std::string &hostBytes, const std::string &chipBytes, int lateMs = 0)
-        : host(hex(hostBytes)), chip(hex(chipBytes)), late(lateMs) {}
+    Turn(const std::string &hostBytes, const std::string &chipBytes, int lateMs = 0, int pauseMs = 0)
+        : host(hex(hostBytes)), chip(hex(chipBytes)), late(lateMs), pause(pauseMs) {}
     Turn(zvbl::Bytes hostBytes, const std::string &chipBytes) : host(std::move(hostBytes)), chip(hex(chipBytes)) {}
 };
 using Script = std::vector<Turn>;

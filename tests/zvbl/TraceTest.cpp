@@ -77,6 +77,14 @@ TEST_F(TraceTest, AnOpenThatFailsSaysWhy) {
     EXPECT_NE(text.str().find("/dev/no-such-port # cannot open: No such file or directory\n"), std::string::npos) << text.str();
 }
 
+TEST_F(TraceTest, WhatArrivedBeforeTheOpenIsGone) {
+    const std::string file = directory / "trace";
+    pty.write(hex("79 79 79 79"));
+    traceTo(file);
+    EXPECT_EQ(play({{"7F", "1F"}}, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
+    EXPECT_EQ(lines(file), "# open 1000000 8E1\n> 7F\n< 1F\n");
+}
+
 TEST_F(TraceTest, LaterRunsAreAppended) {
     const std::string file = directory / "trace";
     std::ofstream(file) << "2024-01-01T00:00:00.000000 " << pty.path() << " # before\n";

@@ -224,11 +224,14 @@ TEST_F(WireVectorsTest, EraseOnAChipWithoutTheExtendedForm) {
     EXPECT_EQ(play({}, [&] { return ZVBL_BLOCK_ERASE(link, 0xFFFB, 0x08000000); }), 0x13);
 }
 
-TEST_F(WireVectorsTest, EraseOnAChipWithBothForms) {
+TEST_F(WireVectorsTest, EraseOnAChipWithBothFormsOrNone) {
     Commands commands;
     BYTE scratch = 0;
     ASSERT_EQ(play({{"00 FF", "79 03 31 00 44 43 79"}}, [&] { return ZVBL_GET(link, &scratch, &commands); }), 0);
-    EXPECT_EQ(play({{"44 BB", "79"}, {"FF FE 01", "79"}}, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }), 0);
+    const Script erase = {{"44 BB", "79"}, {"FF FE 01", "79"}};
+    EXPECT_EQ(play(erase, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }), 0);
+    ASSERT_EQ(play({{"00 FF", "79 01 31 00 79"}}, [&] { return ZVBL_GET(link, &scratch, &commands); }), 0);
+    EXPECT_EQ(play(erase, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }), 0);
 }
 
 } // namespace

@@ -78,8 +78,6 @@ Status SerialPort::take(const std::string &path) {
 }
 
 Status SerialPort::reconfigure(const LinkSettings &settings) {
-    if (!isSerialSetting(settings))
-        return Status::badArgument;
     if (!setSerialLine(m_fd, settings)) {
         const bool refused = errno == EINVAL;
         m_trace.remark("the driver refuses " + describe(settings) + ": " + std::strerror(errno));

@@ -39,7 +39,7 @@ private:
     Duration m_characterTime{};
 };
 
-// Whether a serial line can be set so at all.
+// Whether a serial line can be set so at all; others must not be handed to a port.
 bool isSerialSetting(const LinkSettings &settings);
 
 } // namespace zvbl
