@@ -53,7 +53,7 @@ void openAs(const std::string &path, int flags, int number) {
     openAs("/dev/null", O_RDONLY, 0);
     dup2(output, 1);
     openAs(directory + "/stderr", O_WRONLY | O_CREAT | O_TRUNC, 2);
-    setenv("LD_LIBRARY_PATH", DOUBLES_DIR, 1);
+    setenv("LD_LIBRARY_PATH", DOUBLES, 1);
     setenv("ZVBL_DOUBLE_LOG", (directory + "/calls").c_str(), 1);
     setenv("ZVBL_DOUBLE_SCRIPT", (directory + "/script").c_str(), 1);
     setenv("FILES_DOUBLE_LOG", (directory + "/files").c_str(), 1);

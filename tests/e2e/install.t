@@ -27,7 +27,7 @@ It finds its libraries beside itself, wherever it is moved, by a RUNPATH:
 A directory in LD_LIBRARY_PATH goes first: here stand builds of the two libraries that write down what
 they are asked.
 
-  $ LD_LIBRARY_PATH=$BUILD/doubles ZVBL_DOUBLE_LOG=$PWD/log elsewhere/bin/ZV32_ISP_Console -com --pn ttyS3 | tail -3
+  $ LD_LIBRARY_PATH=$BUILD/doubles/zvbl ZVBL_DOUBLE_LOG=$PWD/log elsewhere/bin/ZV32_ISP_Console -com --pn ttyS3 | tail -3
   PID:  70050347      BID:  1234    Version:  2.1
   Device connected Successfully
   
