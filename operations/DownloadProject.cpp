@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "device/Device.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
@@ -15,26 +14,9 @@
 #include "operations/Erase.h"
 #include "operations/JobSteps.h"
 #include "operations/ProjectParts.h"
-#include "operations/SubOperations.h"
 #include "operations/VerifyProject.h"
 #include "operations/WriteSN.h"
 #include "operations/WriteUserSystemData.h"
-
-namespace {
-
-// Behind Bank 3: a part in RAM and above has no sectors.
-constexpr uint firstAddressWithoutSectors = 0x20000000;
-
-void appendSpan(QList<int> &sectors, const HEXFILEPARTINFO &part, uint base, uint sectorSize, int firstIndex) {
-    const uint begin = (part.PartStartAddress - base) / sectorSize;
-    const quint64 bytes = static_cast<quint64>(part.PartStartAddress % sectorSize) + part.PartSize;
-    const auto count = static_cast<int>((bytes + sectorSize - 1) / sectorSize);
-    for (int i = 0; i < count; ++i) {
-        sectors.append(static_cast<int>(begin) + firstIndex + i);
-    }
-}
-
-} // namespace
 
 CDownloadProject::CDownloadProject(CBootLoader *obBootLoader)
     : COperation(obBootLoader), m_obErase(new CErase(obBootLoader)), m_obVerify(new CVerifyProject(obBootLoader)),
@@ -129,21 +111,6 @@ int CDownloadProject::unlock() {
     return result;
 }
 
-int CDownloadProject::DownloadFileInSlibCheck() {
-    BYTE enabled = 0;
-    ushort start = 0;
-    ushort startData = 0;
-    ushort end = 0;
-    const int status = ZVBL_GetSlibStatus_Ex(m_obBootLoader->m_handle, &enabled, &start, &startData, &end);
-    if (status != 0) {
-        return CResult::Convert(status);
-    }
-    const QList<int> sectors = GetNecessarySectorIndex();
-    const bool touches = std::any_of(sectors.begin(), sectors.end(),
-                                     [&](int sector) { return sector >= start && sector <= end; });
-    return enabled == 1 && touches ? CResult::SLIB_DOWNLOADFILE_IN_SLIBSECTOR_ERROR : 0;
-}
-
 int CDownloadProject::prepareBank3() {
     if (m_Parameters.m_uiFlashDA != 0 && m_Parameters.m_UserSystemDataArray) {
         const int result = m_obBootLoader->LoadUserSystemDataToDeviceExceptFAP(m_Parameters.m_UserSystemDataArray,
@@ -153,58 +120,6 @@ int CDownloadProject::prepareBank3() {
         }
     }
     return EnBank3();
-}
-
-QList<int> CDownloadProject::GetNecessarySectorIndex() {
-    QList<int> sectors;
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    if (!device || device->m_ISectorSize == 0) {
-        return sectors;
-    }
-    for (const SFileInfo &file : m_Parameters.m_DownFileInfo) {
-        for (const HEXFILEPARTINFO &part : file.partInfo) {
-            if (part.PartStartAddress < jobsteps::spimBase) {
-                appendSpan(sectors, part, jobsteps::flashBase, device->m_ISectorSize, 0);
-            } else if (part.PartStartAddress < firstAddressWithoutSectors) {
-                appendSpan(sectors, part, jobsteps::spimBase, jobsteps::spimSectorSize, jobsteps::firstSpimSector);
-            }
-        }
-    }
-    return sectors;
-}
-
-int CDownloadProject::FlashGetSectorIndex(uint addr, int) {
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    return jobsteps::sectorOf(addr, device ? device->m_ISectorSize : 0);
-}
-
-int CDownloadProject::Erase(EraseMode enEraseMode) {
-    if (!m_obErase) {
-        return CResult::UNKNOWN_ERROR;
-    }
-    if (enEraseMode == ERASEMODE_NONE) {
-        return 0;
-    }
-    if (enEraseMode == NECESSARY) {
-        const int result = SetEraseNecessary();
-        if (result != 0) {
-            return result;
-        }
-    } else {
-        EraseParam wholeDevice;
-        m_obErase->SetParameters(&wholeDevice);
-    }
-    return m_obErase->Start();
-}
-
-int CDownloadProject::SetEraseNecessary() {
-    EraseParam record;
-    record.m_iSectorIndex = GetNecessarySectorIndex();
-    if (record.m_iSectorIndex.isEmpty() || !m_obErase) {
-        return CResult::UNKNOWN_ERROR;
-    }
-    m_obErase->SetParameters(&record);
-    return 0;
 }
 
 int CDownloadProject::Action() {
@@ -291,15 +206,6 @@ void CDownloadProject::CalculatePercent(int size) {
     m_ActionInfo.m_iPercent = jobsteps::percentOf(m_TempDownlaodedFileSize, m_TempDownlaodFileSize);
 }
 
-int CDownloadProject::Verify(SFileInfo tmpProgramFile) {
-    if (!m_obVerify) {
-        return CResult::UNKNOWN_ERROR;
-    }
-    m_obVerify->SetVerifyFile(tmpProgramFile);
-    m_obVerify->SetVerifyOptimize(m_Parameters.m_bOptimize);
-    return m_obVerify->Start();
-}
-
 int CDownloadProject::ActionDone() {
     m_hasGetEraseProgramProtectStatus = false;
     const int result = finishingSteps();
@@ -324,50 +230,4 @@ int CDownloadProject::finishingSteps() {
         result = FAP();
     }
     return result;
-}
-
-int CDownloadProject::WriteSN(uint uiSNAddress, uint uiSNNumber, uint uiSNStep) {
-    WriteSN_Param record{uiSNAddress, uiSNNumber, uiSNStep};
-    const int result = suboperations::writeSerialNumber(m_obWriteSN, record);
-    m_Parameters.m_uiSNNumber = record.m_uiSNNumber;
-    return result;
-}
-
-int CDownloadProject::ApplyUserSystemData(BYTE *strUserSystemData, quint32 nLen) {
-    return suboperations::writeUserSystemData(m_obWriteOTP2File, strUserSystemData, nLen, m_Parameters.m_bFAP);
-}
-
-int CDownloadProject::FAP() {
-    return suboperations::protectAccess(m_obFAP, m_Parameters.m_bFAPLevel);
-}
-
-int CDownloadProject::RDUP() {
-    return m_obRDUP ? m_obRDUP->Start() : CResult::UNKNOWN_ERROR;
-}
-
-int CDownloadProject::EnableSlib(uint uiPassword, ushort usStartSector, ushort usStartDataSector,
-                                 ushort usEndSector) {
-    return suboperations::enableSlib(m_obEnableSlib, {uiPassword, usStartSector, usStartDataSector, usEndSector});
-}
-
-int CDownloadProject::DisableSlib(uint uiPassword) {
-    if (!m_obDisableSlib) {
-        return CResult::UNKNOWN_ERROR;
-    }
-    m_obDisableSlib->SetParameters(&uiPassword);
-    return m_obDisableSlib->Start();
-}
-
-int CDownloadProject::EnBank3() {
-    return suboperations::enableBank3(m_obEnBank3,
-                                      {m_Parameters.m_bRemapFlag, m_Parameters.m_bNeedRemap, m_Parameters.m_bFlashType,
-                                       m_Parameters.m_uiFlashSize, m_Parameters.m_uiFlashDA});
-}
-
-int CDownloadProject::ResetMcu() {
-    return m_obBootLoader ? m_obBootLoader->ResetMcu() : CResult::UNKNOWN_ERROR;
-}
-
-int CDownloadProject::JumpToUserProgram() {
-    return m_obBootLoader->JumpToUserProgram(m_Parameters.m_DownFileInfo.first().StartAddress);
 }

@@ -118,25 +118,17 @@ TEST_F(DownloadTest, WithoutAnEraseTheCheckIsMadeAllTheSame) {
     EXPECT_EQ(download({"a.hex"}), CResult::COM_READ_FAIL) << "a check that cannot be made";
 }
 
-TEST_F(DownloadTest, AnImageWithoutSectorsFailsInEveryEraseMode) {
+TEST_F(DownloadTest, WithoutAMapNothingIsTouchedInAnyEraseMode) {
     connect(f413);
     image(oneSmall);
+    CMapping *map = bootLoader().m_ObDevice->m_CMapping;
     for (EraseMode mode : {ERASEMODE_NONE, NECESSARY, GLOBAL}) {
         parameters.m_enEraseMode = mode;
-        CMapping *map = bootLoader().m_ObDevice->m_CMapping;
-        onEvent = nullptr;
-        CDownload job(&bootLoader());
-        parameters.m_strDownPathFile = {path("a.hex")};
-        job.SetParameters(&parameters);
-        EXPECT_EQ(job.OpenFile(), 0);
         bootLoader().m_ObDevice->m_CMapping = nullptr;
-        EXPECT_TRUE(job.GetNecessarySectorIndex().isEmpty());
-        if (mode == NECESSARY) {
-            EXPECT_EQ(job.Erase(mode), CResult::UNKNOWN_ERROR);
-        }
+        EXPECT_EQ(download({"a.hex"}), CResult::UNKNOWN_ERROR);
         bootLoader().m_ObDevice->m_CMapping = map;
+        EXPECT_EQ(calls({"ZVBL_ERASE", "ZVBL_DNLOAD"}), Lines());
     }
-    EXPECT_EQ(calls({"ZVBL_ERASE"}), Lines());
 }
 
 TEST_F(DownloadTest, GlobalErasesTheWholeDevice) {

@@ -17,8 +17,8 @@ TEST_F(FlashCRCTest, AsksTheTarget) {
     g_shareParameter.c_timeout = 7;
     library.script("ZVBL_GetFirmwareCRC crc=89ABCDEF");
     EXPECT_EQ(crc(0x08001000, 2, 3), 0);
-    EXPECT_EQ(library.log(), "SetTimeOut h=1001 ms=100000\nsleep 50\nZVBL_GetFirmwareCRC h=1001 addr=08001000 sectors=3\n"
-                             "SetTimeOut h=1001 ms=7000\n");
+    EXPECT_EQ(library.log(), "SetTimeOut h=1001 ms=100000\nsleep 50\n"
+                             "ZVBL_GetFirmwareCRC h=1001 addr=08001000 sectors=3\nSetTimeOut h=1001 ms=7000\n");
     EXPECT_EQ(job().m_CRCValue, 0x89ABCDEFu);
     EXPECT_EQ(events, (Lines{"INIT Flash CRC calculate: Sector2--Sector4", "ACTION 0", "ACTION 100", "DONE"}));
 }

@@ -90,7 +90,8 @@ TEST_F(ProjectTest, Chunks) {
         ASSERT_EQ(sent.size(), one.lengths.size()) << one.size;
         for (std::size_t i = 0; i < sent.size(); ++i) {
             EXPECT_NE(sent[i].find(" len=" + one.lengths[i] + " "), std::string::npos) << sent[i];
-            EXPECT_EQ(address(sent[i]), QString("%1").arg(0x08000010 + 1024 * i, 8, 16, QChar('0')).toUpper().toStdString());
+            const QString expected = QString("%1").arg(0x08000010 + 1024 * i, 8, 16, QChar('0'));
+            EXPECT_EQ(address(sent[i]), expected.toUpper().toStdString());
         }
     }
     EXPECT_EQ(download({file({part(0x08000000, 65536)})}), 0);
