@@ -56,6 +56,7 @@ private:
     Status openTemporary();
     void keepPermissions();
     Status flush();
+    void put(const unsigned char *bytes, std::size_t length);
     Status link();
     Status syncDirectory() const;
 
@@ -67,7 +68,9 @@ private:
     int m_fd = -1;
     Status m_failure = Status::Ok;
     std::unique_ptr<unsigned char[]> m_buffer;
-    std::size_t m_used = 0; // bytes in m_buffer
+    std::size_t m_used = 0;    // bytes in m_buffer
+    std::size_t m_written = 0; // bytes given to the file
+    std::size_t m_started = 0; // of them, those that the disk was told about
 };
 
 } // namespace files

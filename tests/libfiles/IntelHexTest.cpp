@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <numeric>
+
 #include "tests/libfiles/LibFiles.h"
 
 using namespace libfiles;
@@ -134,6 +137,43 @@ TEST(IntelHex, EveryWrongDigitIsRefused) {
         Pieces pieces;
         EXPECT_EQ(load(dir, "a.hex", wrong + "\n" + End, pieces), BadFormat) << wrong;
     }
+}
+
+// Digits are decoded in blocks and what is left over one by one: no character slips through either.
+TEST(IntelHex, EveryCharacterThatIsNoDigitIsRefused) {
+    const TempDir dir;
+    const std::string record = ihex(0, 0, pattern(40));
+    for (const std::size_t at : {9u, 24u, 25u, 41u, 72u, 88u, 90u}) {
+        for (int c = 0; c < 256; ++c) {
+            std::string wrong = record;
+            wrong[at] = static_cast<char>(c);
+            const bool same = std::tolower(c) == std::tolower(record[at]);
+            Pieces pieces;
+            EXPECT_EQ(load(dir, "a.hex", wrong + "\n" + End, pieces), same ? NoError : BadFormat) << at << ' ' << c;
+        }
+    }
+}
+
+TEST(IntelHex, EveryValueIsReadAndWritten) {
+    const TempDir dir;
+    Bytes all(256);
+    std::iota(all.begin(), all.end(), BYTE(0));
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
+    ASSERT_EQ(image.insert(0, 0, all), NoError);
+    ASSERT_EQ(FILES_ImageToFile((dir / "o.hex").c_str(), image.get()), NoError);
+    std::string expected = ihex(4, 0, {0, 0}) + "\n";
+    for (unsigned at = 0; at < 256; at += 32)
+        expected += ihex(0, at, Bytes(all.begin() + at, all.begin() + at + 32)) + "\n";
+    EXPECT_EQ(readFile(dir / "o.hex"), expected + End);
+    Pieces pieces;
+    EXPECT_EQ(load(dir, "o.hex", expected + End, pieces), NoError);
+    EXPECT_EQ(pieces, (Pieces{{0, all}}));
+    std::string small = expected + End;
+    for (char &c : small)
+        c = static_cast<char>(std::tolower(c));
+    EXPECT_EQ(load(dir, "o.hex", small, pieces), NoError);
+    EXPECT_EQ(pieces, (Pieces{{0, all}}));
 }
 
 // The file is read through a window of 256 KB: records have to survive its border wherever it falls.

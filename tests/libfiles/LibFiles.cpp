@@ -93,6 +93,8 @@ std::vector<std::pair<DWORD, DWORD>> uniform(DWORD address, DWORD size, DWORD co
 }
 
 void writeFile(const std::string &path, const std::string &content) {
+    // Some file systems flush a file that is cut to nothing and written anew; a test need not wait.
+    std::filesystem::remove(path);
     std::ofstream(path, std::ios::binary) << content;
 }
 

@@ -71,7 +71,7 @@ TEST(Mutation, Hex) {
     const TempDir dir;
     std::mt19937 random(1);
     tryImage(dir, "a.hex", goodHex());
-    for (int i = 0; i < 1500 && !HasFatalFailure(); ++i)
+    for (int i = 0; i < 600 && !HasFatalFailure(); ++i)
         tryImage(dir, "a.hex", mutate(goodHex(), random));
 }
 
@@ -79,7 +79,7 @@ TEST(Mutation, SRecord) {
     const TempDir dir;
     std::mt19937 random(2);
     tryImage(dir, "a.s19", goodSRecord());
-    for (int i = 0; i < 1500 && !HasFatalFailure(); ++i)
+    for (int i = 0; i < 600 && !HasFatalFailure(); ++i)
         tryImage(dir, "a.s19", mutate(goodSRecord(), random));
 }
 
