@@ -15,7 +15,9 @@ Every chip that the simulator knows is known by a map, and shows itself:
   Device:  ZV32F413    Flash:  256 KB
   PID:  70030244      BID:  1301    Version:  2.1
   Device connected Successfully
-  Cannot open the com port, the port not exist or may be used by another application
+  Device:  ZV32F403A    Flash:  1024 KB
+  PID:  70050347      BID:  1234    Version:  2.1
+  Device connected Successfully
   Device:  ZV32F407    Flash:  512 KB
   PID:  700502C8      BID:  0102    Version:  2.1
   Device connected Successfully

@@ -1,74 +1,97 @@
   $ . "$SETUP"
   $ chip_on ZV32F403A_1024K
-  /work/main/tests/e2e/setup.sh: line 9: zv32-sim: command not found
-  [1]
   $ head -c 8192 /dev/zero | tr '\0' 'Z' > four.bin
   $ line -d --fn ./four.bin
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  Erase
+  Running...100%
+  Download
+  ./four.bin     8192B
+  Running...100%
+  Download successfully!
 
 Sectors 1 and 2 of the four that hold the image:
 
   $ line -e --sec 1-2 -u --sec 0-3 --fn ./back.bin
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  Erase
+  Running...100%
+  Erase successfully!
+  Upload
+  ./back.bin     8192B
+  Running...100%
+  Upload successfully!
   $ od -Ax -tx1 back.bin
-  od: back.bin: No such file or directory
-  [1]
+  000000 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a
+  *
+  000800 ff ff ff ff ff ff ff ff ff ff ff ff ff ff ff ff
+  *
+  001800 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a
+  *
+  002000
 
 A lone number is a range only when it is 0; anything else is refused, and nothing is erased:
 
   $ line -e --sec 3
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  bad parameter 3
+  [51]
   $ line -e --sec 3-1
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  bad parameter 3-1
+  [51]
   $ line -e --sec 0-99999
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  bad parameter 0-99999
+  [51]
   $ line -e --sec 511-512
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  bad parameter 511-512
+  [51]
   $ line -e --bogus
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  bad parameter "--bogus"
+  [1]
 
 The last sector, and several ranges in one word:
 
   $ line -e --sec 511-511 --sec 0-0
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  Erase
+  Running...100%
+  Erase successfully!
+  Erase
+  Running...100%
+  Erase successfully!
 
 Nothing behind "--sec" is sector 0:
 
   $ line -e --sec
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  Erase
+  Running...100%
+  Erase successfully!
 
 "-e" alone erases nothing:
 
   $ line -e -u --sec 3-3 --fn ./back.bin
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  Upload
+  ./back.bin     2048B
+  Running...100%
+  Upload successfully!
   $ od -Ax -tx1 back.bin
-  od: back.bin: No such file or directory
-  [1]
+  000000 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a
+  *
+  000800
 
 Everything, in two banks:
 
   $ line -e --all
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  Erase
+  Running...100%
+  Erase successfully!
   $ line -u --fn ./back.bin
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  Upload
+  ./back.bin     1048576B
+  Running...100%
+  Upload successfully!
   $ od -Ax -tx1 back.bin
-  od: back.bin: No such file or directory
-  [1]
+  000000 ff ff ff ff ff ff ff ff ff ff ff ff ff ff ff ff
+  *
+  100000
 
 Without a connection word there is nothing to erase:
 
   $ isp -e --all
-  /work/main/tests/e2e/setup.sh: line 33: ZV32_ISP_Console: command not found
-  [127]
+  [2]
