@@ -1,9 +1,9 @@
 // The file that ZVBL_TRACE names.
 
+#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <unistd.h>
 
@@ -30,13 +30,13 @@ protected:
     // The lines without time and port, of which the form is checked.
     std::string lines(const std::string &path) {
         std::ifstream file(path);
-        const std::regex form(R"((\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}) (\S+) (.*))");
-        std::string all;
-        for (std::string line; std::getline(file, line);) {
-            std::smatch match;
-            EXPECT_TRUE(std::regex_match(line, match, form)) << line;
-            EXPECT_EQ(match[2], pty.path());
-            all += match[3].str() + "\n";
+        std::string all, time, port, rest;
+        while (file >> time >> port && std::getline(file, rest)) {
+            for (char &letter : time)
+                letter = std::isdigit(static_cast<unsigned char>(letter)) ? '0' : letter;
+            EXPECT_EQ(time, "0000-00-00T00:00:00.000000");
+            EXPECT_EQ(port, pty.path());
+            all += rest.substr(1) + "\n";
         }
         return all;
     }
@@ -79,6 +79,7 @@ TEST_F(TraceTest, AnOpenThatFailsSaysWhy) {
 
 TEST_F(TraceTest, WhatArrivedBeforeTheOpenIsGone) {
     const std::string file = directory / "trace";
+    ASSERT_EQ(Interface_Close(link), 0);
     pty.write(hex("79 79 79 79"));
     traceTo(file);
     EXPECT_EQ(play({{"7F", "1F"}}, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
