@@ -41,6 +41,9 @@ TEST(UserSystemDataScan, Lines) {
         // It goes on behind what does not match.
         {"-usd -e -usd --v --set --fn", "1 --fn"},
         {"-usd --v --get a b -usd --v --set --fn", "1 --fn"},
+        // It steps over two words behind the one that is not "--set".
+        {"-usd --v a b -usd --v --set --fn", "0 "},
+        {"-usd --v a b c -usd --v --set --fn", "1 --fn"},
         // Past the last word, the end test is "at or above".
         {"-usd --v --fn", "0 "},
         {"-usd --v --fn a", "0 "},

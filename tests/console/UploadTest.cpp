@@ -98,6 +98,7 @@ TEST_F(UploadTest, FailureOfTheFile) {
 TEST_F(UploadTest, SpimSizeReachesTheImage) {
     const Outcome run = connected("-enspim --fs 1 -u --fn @/up.bin");
     EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.callsOf("ZVBL_UPLOAD").size(), 128U); // the internal flash alone
     const std::string made = "FILES_CreateImageFromMapping sectors=128 bank3=1024 -> image=1 12340000";
     EXPECT_NE(std::find(run.files.begin(), run.files.end(), made), run.files.end());
 }
