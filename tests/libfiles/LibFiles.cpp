@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace libfiles {
 
@@ -174,6 +175,24 @@ unsigned int load(const TempDir &dir, const std::string &name, const std::string
 int run(const std::string &command) {
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int inChild(const std::function<int()> &work) {
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(work());
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return status;
+}
+
+unsigned int unprivileged(const std::function<unsigned int()> &work) {
+    const int status = inChild([&] {
+        if (::geteuid() == 0 && (::setegid(Nobody) != 0 || ::seteuid(Nobody) != 0))
+            return 255;
+        return static_cast<int>(work());
+    });
+    return WIFEXITED(status) ? static_cast<unsigned int>(WEXITSTATUS(status)) : 254;
 }
 
 } // namespace libfiles

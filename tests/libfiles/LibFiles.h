@@ -3,6 +3,7 @@
 // What the tests of libFiles share. They reach the library through its C interface only.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -100,5 +101,13 @@ unsigned int load(const TempDir &dir, const std::string &name, const std::string
 
 // Runs a program; its exit status.
 int run(const std::string &command);
+
+constexpr unsigned Nobody = 65534; // a user without rights
+
+// Runs `work` in a process of its own; its raw wait status.
+int inChild(const std::function<int()> &work);
+
+// The same without the rights of root, for a status below 254.
+unsigned int unprivileged(const std::function<unsigned int()> &work);
 
 } // namespace libfiles

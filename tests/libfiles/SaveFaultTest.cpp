@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
+#include <ostream>
 #include <string>
 
 #include <fcntl.h>
@@ -91,6 +92,10 @@ struct Case {
     bool unnamedFiles;
     bool exists;
 };
+
+void PrintTo(const Case &one, std::ostream *out) {
+    *out << one.name;
+}
 
 const Case Cases[] = {{"UnnamedOver", true, true}, {"UnnamedNew", true, false}, {"NamedOver", false, true}, {"NamedNew", false, false}};
 

@@ -4,7 +4,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <functional>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -20,7 +19,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-constexpr uid_t Nobody = 65534;
 const Bytes NewBytes = pattern(1 << 20, 9);
 
 unsigned int save(const std::string &path, const Bytes &bytes = NewBytes) {
@@ -34,26 +32,6 @@ mode_t modeOf(const std::string &path) {
     struct stat info {};
     EXPECT_EQ(::stat(path.c_str(), &info), 0);
     return info.st_mode & 07777;
-}
-
-// Runs `work` in a process of its own; its raw wait status.
-int inChild(const std::function<int()> &work) {
-    const pid_t child = ::fork();
-    if (child == 0)
-        ::_exit(work());
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return status;
-}
-
-// The same without the rights of root: `work` answers a status below 256.
-unsigned int unprivileged(const std::function<unsigned int()> &work) {
-    const int status = inChild([&] {
-        if (::geteuid() == 0 && (::setegid(Nobody) != 0 || ::seteuid(Nobody) != 0))
-            return 255;
-        return static_cast<int>(work());
-    });
-    return WIFEXITED(status) ? static_cast<unsigned int>(WEXITSTATUS(status)) : 254;
 }
 
 TEST(Save, ReplacesTheOldFile) {

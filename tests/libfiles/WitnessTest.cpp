@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "tests/libfiles/LibFiles.h"
 
 using namespace libfiles;
@@ -30,6 +32,10 @@ struct Witness {
     const char *writes; // $1 and $2: the areas; $3: the file
     const char *reads;  // $1: the file; $2: the binary
 };
+
+void PrintTo(const Witness &witness, std::ostream *out) {
+    *out << witness.name;
+}
 
 const Witness Witnesses[] = {
     {"srec_cat.hex", "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -intel",
