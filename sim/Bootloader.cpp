@@ -88,7 +88,6 @@ bool Bootloader::guarded(const CommandRow &row) const {
 
 void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
     if (!faults_.frame(opcode)) {
-        log_.note("fault: silent from command " + hex(opcode, 2) + " on");
         gone_ = true;
         return;
     }
@@ -136,7 +135,6 @@ void Bootloader::follow(Next next) {
     if (next == Next::reset) {
         reset(exchange_.now);
     } else if (next == Next::powerLost) {
-        log_.note("fault: power cut");
         losePower(exchange_.now);
     } else if (next == Next::leave) {
         log_.note("the chip runs its own code");

@@ -145,6 +145,7 @@ bool Faults::add(const std::string &spec, std::string &error) {
         Fault fault;
         fault.kind = row.kind;
         fault.direction = row.direction;
+        fault.spec = spec;
         const std::vector<std::string_view> parts = split(text.substr(at + 1));
         if (parseNumber(parts[0], 10, fault.at) && fault.at >= row.first && parseParameters(parts, fault)) {
             faults_.push_back(fault);
@@ -157,12 +158,19 @@ bool Faults::add(const std::string &spec, std::string &error) {
     return false;
 }
 
+void Faults::happens(Fault &fault) {
+    fault.spent = true;
+    if (listener_) {
+        listener_(fault.spec);
+    }
+}
+
 ByteEffect Faults::byte(Direction direction) {
     const std::uint64_t number = ++bytes_[index(direction)];
     ByteEffect effect;
     for (Fault &fault : faults_) {
         if (!fault.spent && befallsBytes(fault.kind) && fault.direction == direction && fault.at == number) {
-            fault.spent = true;
+            happens(fault);
             apply(fault, effect);
         }
     }
@@ -179,7 +187,7 @@ bool Faults::frame(std::uint8_t opcode) {
         if (fault.spent || !here || (fault.kind != FaultKind::nack && fault.kind != FaultKind::silence)) {
             continue;
         }
-        fault.spent = true;
+        happens(fault);
         if (fault.kind == FaultKind::silence) {
             answers = false;
         } else {
@@ -197,7 +205,7 @@ bool Faults::powerFails(CellKind cells) {
             continue;
         }
         if (fault.at == (fault.cells ? steps_[index(cells)] : steps_[0] + steps_[1])) {
-            fault.spent = true;
+            happens(fault);
             return true;
         }
     }

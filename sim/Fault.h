@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -24,6 +25,7 @@ struct Fault {
     std::optional<unsigned> value;     // milliseconds, damage mask or answer number
     std::optional<std::uint8_t> opcode;
     std::optional<CellKind> cells;
+    std::string spec;                  // as it was told
     bool spent = false;
 };
 
@@ -43,6 +45,9 @@ public:
     // Adds the fault that `spec` tells. False and a message when it tells none.
     bool add(const std::string &spec, std::string &error);
 
+    // Whom to tell of a fault when it happens, by what it was told as.
+    void tell(std::function<void(const std::string &spec)> listener) { listener_ = std::move(listener); }
+
     // The next byte goes by: counts it.
     ByteEffect byte(Direction direction);
 
@@ -59,7 +64,10 @@ public:
     bool programmed(CellKind cells);
 
 private:
+    void happens(Fault &fault);
+
     std::vector<Fault> faults_;
+    std::function<void(const std::string &)> listener_;
     std::array<std::uint64_t, 2> bytes_{};
     std::array<std::uint64_t, 2> steps_{};
     std::uint64_t frames_ = 0;

@@ -44,6 +44,7 @@ int takeSignals() {
 int serve(sim::Options &options, std::ostream &out) {
     const int signals = takeSignals();
     sim::Log log(out, options.verbose);
+    options.faults.tell([&log](const std::string &spec) { log.fault(spec); });
     sim::Chip chip(*options.chip, options.spimMb * megabyte, options.flashTime, options.faults);
     std::optional<sim::StateFile> state;
     std::string error;

@@ -2,10 +2,12 @@
 
 #include "sim/fronts/LineRate.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -18,6 +20,7 @@ namespace sim {
 namespace {
 
 constexpr char terminals[] = "/dev/pts/";
+constexpr Nanoseconds stragglers = 10 * millisecond; // bytes of a client may arrive behind the news of its end
 
 std::string targetOf(const std::string &link) {
     char text[4096];
@@ -95,10 +98,17 @@ bool Pty::makeLink(std::string &error) {
     return true;
 }
 
+// The kernel merges an event with an equal one that stands right before it, and then two clients look
+// like one. The directory's own events, which nobody counts, keep those of the terminal apart.
 void Pty::watchClients() {
+    constexpr std::uint32_t events = IN_OPEN | IN_CLOSE;
     clients_ = 0;
     watch_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (watch_ >= 0 && inotify_add_watch(watch_, device_.c_str(), IN_OPEN | IN_CLOSE) < 0) {
+    if (watch_ >= 0) {
+        inotify_add_watch(watch_, terminals, events);
+        ownEvents_ = inotify_add_watch(watch_, device_.c_str(), events);
+    }
+    if (ownEvents_ < 0) {
         closeAndForget(watch_);
     }
 }
@@ -113,25 +123,58 @@ void Pty::close() {
     closeAndForget(master_);
 }
 
-void Pty::followClients() {
+void Pty::followClients(Nanoseconds now) {
     alignas(struct inotify_event) char events[4096];
-    bool lastLeft = false;
     ssize_t length = 0;
-    while (watch_ >= 0 && (length = read(watch_, events, sizeof events)) > 0) {
+    while (watch_ >= 0 && (length = ::read(watch_, events, sizeof events)) > 0) {
         for (ssize_t at = 0; at < length;) {
             struct inotify_event event {};
             std::memcpy(&event, events + at, sizeof event);
-            clients_ += (event.mask & IN_OPEN) != 0 ? 1 : -1;
-            lastLeft = lastLeft || clients_ == 0;
             at += static_cast<ssize_t>(sizeof event + event.len);
+            if (event.wd != ownEvents_) {
+                continue;
+            }
+            clients_ = std::max(clients_ + ((event.mask & IN_OPEN) != 0 ? 1 : -1), 0);
+            if (clients_ == 0) {
+                left_ = now;
+                lastClientLeft();
+            }
         }
     }
-    // A real port forgets its unread bytes and its exclusive use when the last client closes it.
-    if (lastLeft) {
-        tcflush(slave_, TCIFLUSH);
+    if (clients_ == 0 && heard_ > left_ + stragglers) {
+        clients_ = 1; // somebody is there: an event must have gone astray
     }
-    if (lastLeft && clients_ == 0) {
-        ioctl(slave_, TIOCNXCL);
+}
+
+// A real port forgets its unread bytes and its exclusive use when the last client closes it.
+void Pty::lastClientLeft() {
+    tcflush(slave_, TCIFLUSH);
+    ioctl(slave_, TIOCNXCL);
+}
+
+std::size_t Pty::read(std::uint8_t *bytes, std::size_t room, Nanoseconds now) {
+    const ssize_t length = ::read(master_, bytes, room);
+    if (length <= 0) {
+        return 0;
+    }
+    heard_ = now;
+    return static_cast<std::size_t>(length);
+}
+
+bool Pty::write(const Bytes &bytes) {
+    const bool somebody = clients_ > 0 || watch_ < 0;
+    return somebody && ::write(master_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+}
+
+void Pty::drain() const {
+    constexpr int longestMs = 100;
+    constexpr int shortestMs = 5; // the kernel takes its time to hand bytes over
+    int unread = 0;
+    for (int ms = 0; ms < longestMs; ++ms) {
+        if (ms >= shortestMs && ioctl(slave_, FIONREAD, &unread) == 0 && unread == 0) {
+            break;
+        }
+        poll(nullptr, 0, 1);
     }
 }
 

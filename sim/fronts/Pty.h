@@ -1,5 +1,8 @@
 #pragma once
 
+#include "sim/ChipTable.h"
+#include "sim/Time.h"
+
 #include <string>
 
 namespace sim {
@@ -22,9 +25,18 @@ public:
     int fd() const { return master_; }       // readable when a client has sent
     int watchFd() const { return watch_; }   // readable when a client opens or closes; -1 if unknown
 
-    // Takes in who has come and gone. Behind the last client nothing it left behind stays for the next.
-    void followClients();
-    bool hasClient() const { return clients_ > 0 || watch_ < 0; }
+    // Takes in who has come and gone; to be called between reading and writing, so that whoever is heard
+    // is known. Behind the last client nothing it left behind stays for the next.
+    void followClients(Nanoseconds now);
+
+    // What a client has sent; the length, or 0.
+    std::size_t read(std::uint8_t *bytes, std::size_t room, Nanoseconds now);
+
+    // False when bytes were lost: nobody is there, or nobody reads.
+    bool write(const Bytes &bytes);
+
+    // Waits a moment until clients have read what was written: a hang-up takes away what is unread.
+    void drain() const;
 
     // The rate that the client set, in baud; 0 when there is none.
     unsigned baud() const;
@@ -33,13 +45,17 @@ private:
     bool makeTerminal(std::string &error);
     bool makeLink(std::string &error);
     void watchClients();
+    void lastClientLeft();
 
     std::string link_;
     std::string device_;
     int master_ = -1;
     int slave_ = -1; // held open, so that the terminal outlives its clients
     int watch_ = -1;
+    int ownEvents_ = -1; // those of watch_ that are counted
     int clients_ = 0;
+    Nanoseconds left_ = 0;  // when the last client left
+    Nanoseconds heard_ = 0; // when one has last sent
 };
 
 } // namespace sim

@@ -29,7 +29,6 @@ void SerialLine::fromHost(std::uint8_t byte, Nanoseconds now, unsigned baud) {
     }
     const ByteEffect effect = faults_.byte(Direction::rx);
     if (effect.hangup) {
-        log_.note("fault: unplugged");
         hangup_ = Hangup{effect.replugMs};
         return;
     }
@@ -54,7 +53,6 @@ void SerialLine::collect(unsigned baud) {
 void SerialLine::deliver(std::uint8_t byte, Nanoseconds ready, unsigned baud) {
     const ByteEffect effect = faults_.byte(Direction::tx);
     if (effect.hangup) {
-        log_.note("fault: unplugged");
         hangup_ = Hangup{effect.replugMs};
         return;
     }

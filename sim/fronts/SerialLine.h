@@ -1,7 +1,6 @@
 #pragma once
 
 #include "sim/Fault.h"
-#include "sim/Log.h"
 #include "sim/fronts/UsartProtocol.h"
 
 #include <deque>
@@ -26,7 +25,7 @@ private:
 // wrong there. Bytes are handed on at once, with the time at which they are due.
 class SerialLine {
 public:
-    SerialLine(UsartProtocol &chip, Faults &faults, Log &log) : chip_(chip), faults_(faults), log_(log) {}
+    SerialLine(UsartProtocol &chip, Faults &faults) : chip_(chip), faults_(faults) {}
 
     // A byte leaves the host. `baud` is the rate of the line, 0 for no pace.
     void fromHost(std::uint8_t byte, Nanoseconds now, unsigned baud);
@@ -47,7 +46,6 @@ private:
 
     UsartProtocol &chip_;
     Faults &faults_;
-    Log &log_;
     Pacer rx_;
     Pacer tx_;
     std::deque<TimedByte> toHost_;

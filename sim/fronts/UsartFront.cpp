@@ -37,7 +37,7 @@ struct timespec timespecOf(Nanoseconds time) {
 UsartFront::UsartFront(std::string path, bool pace, Bootloader &bootloader, Faults &faults, Log &log,
                        std::function<void()> idle)
     : path_(std::move(path)), pace_(pace), bootloader_(bootloader), log_(log), idle_(std::move(idle)),
-      protocol_(bootloader), line_(protocol_, faults, log) {
+      protocol_(bootloader), line_(protocol_, faults) {
     prctl(PR_SET_TIMERSLACK, 1UL); // bytes are due to the microsecond
 }
 
@@ -59,14 +59,15 @@ bool UsartFront::serve(int signals, std::string &error) {
         if (followSignals(signals) == Wish::end) {
             break;
         }
-        pty_.followClients();
         takeFromHost();
+        pty_.followClients(clockNow());
         giveToHost();
         restIfIdle();
         if (!line_.hangup() || !line_.toHost().empty()) {
             continue;
         }
         const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
+        pty_.drain();
         pty_.close();
         if (!replugMs || !waitUnplugged(signals, *replugMs)) {
             break;
@@ -129,15 +130,16 @@ void UsartFront::wait(int signals) {
 
 void UsartFront::takeFromHost() {
     std::uint8_t bytes[4096];
-    const ssize_t length = read(pty_.fd(), bytes, sizeof bytes);
-    if (length <= 0) {
+    const Nanoseconds now = clockNow();
+    const std::size_t length = pty_.read(bytes, sizeof bytes, now);
+    if (length == 0) {
         return;
     }
-    lastTraffic_ = clockNow();
+    lastTraffic_ = now;
     rested_ = false;
     const unsigned baud = pace_ ? pty_.baud() : 0;
-    for (ssize_t i = 0; i < length; ++i) {
-        line_.fromHost(bytes[i], lastTraffic_, baud);
+    for (std::size_t i = 0; i < length; ++i) {
+        line_.fromHost(bytes[i], now, baud);
     }
 }
 
@@ -154,9 +156,8 @@ void UsartFront::giveToHost() {
     }
     lastTraffic_ = now;
     rested_ = false;
-    // Nobody there, or nobody reading: as on a wire, the bytes are lost.
-    if (pty_.hasClient() && write(pty_.fd(), due.data(), due.size()) != static_cast<ssize_t>(due.size())) {
-        log_.note("bytes for the host were lost: it does not read");
+    if (!pty_.write(due)) {
+        log_.note("bytes for the host were lost: nobody reads");
     }
 }
 

@@ -11,10 +11,10 @@ Outcome Spim::enable(std::uint8_t type, std::uint32_t size, std::uint32_t encryp
     if (type != firstType && type != secondType) {
         return Outcome::refuse("not a SPIM type");
     }
-    if (size == 0 || size > cells_.size()) {
+    if (size > cells_.size() || cells_.size() == 0) {
         return Outcome::refuse("the board's SPIM has " + std::to_string(cells_.size()) + " bytes");
     }
-    enabledSize_ = size;
+    enabledSize_ = size == 0 ? cells_.size() : size;
     encryptedFrom_ = encryptedFrom;
     return {};
 }

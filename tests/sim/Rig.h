@@ -35,7 +35,7 @@ public:
     Chip chip;
     Bootloader bootloader{chip, faults, log};
     UsartProtocol protocol{bootloader};
-    SerialLine line{protocol, faults, log};
+    SerialLine line{protocol, faults};
     Nanoseconds now = second;
 };
 

@@ -44,11 +44,7 @@ const sim::Vector spim[] = {
         C: 79
         H: 92 00 10 00 00 00 00 00 00 82
         C: 1F
-        # size 0, and one byte more than there is
-        H: B3 4C
-        C: 79
-        H: 90 00 00 00 00 00 00 00 00 90
-        C: 1F
+        # one byte more than there is
         H: B3 4C
         C: 79
         H: 90 00 10 00 01 00 00 00 00 81
@@ -62,6 +58,19 @@ const sim::Vector spim[] = {
         C: 79
         H: 08 40 00 00 48
         C: 1F
+    )"},
+    {"size 0 is all that there is", "ZV32F403A_1024K", SYNC R"(
+        H: B3 4C
+        C: 79
+        H: 90 00 00 00 00 00 00 00 00 90
+        C: 79
+        # the last four bytes
+        H: 11 EE
+        C: 79
+        H: 08 4F FF FC 44
+        C: 79
+        H: 03 FC
+        C: 79 FF FF FF FF
     )"},
     {"remap", "ZV32F403A_1024K", SYNC R"(
         H: B7 48

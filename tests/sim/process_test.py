@@ -156,6 +156,14 @@ class Clients(SimulatorTest):
                     self.assertEqual(client.sync(), number == 0)
                     self.assertEqual(client.get_id(), bytes.fromhex("0347700507"))
 
+    def test_one_that_looks_in_does_not_disturb_another(self):
+        with self.simulator() as simulator, Client(simulator.port) as client:
+            client.sync()
+            for _ in range(50):
+                client.send(bytes.fromhex("02FD"))
+                os.close(os.open(simulator.port, os.O_RDWR | os.O_NOCTTY))
+                self.assertEqual(client.receive(8), bytes.fromhex("7904034770050779"))
+
     def test_what_one_did_not_read_is_not_for_the_next(self):
         with self.simulator() as simulator:
             with Client(simulator.port) as client:
