@@ -35,7 +35,7 @@ const char helpText[] =
                                    without MS the simulator ends
         powercut@N[:flash|options] the power fails behind the N-th programmed byte (flash, OTP, SPIM)
                                    or option byte pair; 0: before the first
-  --verbose           tell every command, not only what is refused
+  --verbose           tell every command, not only refusals and faults
   --log FILE          tell it in FILE, not on standard error
 
 SIGUSR1 is the reset button. SIGTERM and SIGINT end the simulator and remove the link.

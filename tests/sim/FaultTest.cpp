@@ -298,6 +298,14 @@ TEST(FaultSpec, badOnesAreRefusedWithAReason) {
     }
 }
 
+TEST(Fault, tellsWhenItHappens) {
+    Rig rig("ZV32F403A_1024K", {"nack@2", "tx-lost@3", "nack@9"});
+    std::vector<std::string> happened;
+    rig.faults.tell([&](const std::string &spec) { happened.push_back(spec); });
+    rig.send({0x7F, 0x02, 0xFD, 0x02, 0xFD});
+    EXPECT_EQ(happened, (std::vector<std::string>{"tx-lost@3", "nack@2"}));
+}
+
 TEST(Log, refusalsTellTheirReason) {
     Rig rig("ZV32F403A_1024K");
     EXPECT_EQ(rig.play(SYNC WRITE_WORD("08 00 00 10 18") R"(

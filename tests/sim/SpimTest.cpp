@@ -59,7 +59,7 @@ const sim::Vector spim[] = {
         H: 08 40 00 00 48
         C: 1F
     )"},
-    {"size 0 is all that there is", "ZV32F403A_1024K", SYNC R"(
+    {"size_0_is_all_that_there_is", "ZV32F403A_1024K", SYNC R"(
         H: B3 4C
         C: 79
         H: 90 00 00 00 00 00 00 00 00 90

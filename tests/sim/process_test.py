@@ -309,7 +309,7 @@ class Trouble(SimulatorTest):
             client.sync()
             with self.assertRaises(Silent):
                 client.get()
-            self.assertEqual(simulator.wait(), (0, ""))
+            self.assertEqual(simulator.wait(), (0, "fault: hangup@3\n"))
             self.assertFalse(os.path.lexists(simulator.port))
 
     def test_unplugged_inside_an_answer_what_left_arrives(self):
