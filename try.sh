@@ -23,7 +23,7 @@ cd "$work"
 ln -s "$root/Map" Map
 export PATH="$root/build/release/bin:$PATH"
 
-echo "== a simulated ZV32F403A, at 115200 baud and with a flash that takes its time"
+echo "== a simulated ZV32F403A, at 460800 baud and with a flash that takes its time"
 zv32-sim --chip ZV32F403A_1024K --usart "$work/port" --baud-pace --flash-time >sim.out &
 chip=$!
 until grep -q ready sim.out; do
@@ -35,11 +35,11 @@ done
 "$root/tools/make-image.sh" firmware.bin
 
 echo "== program it and verify"
-ZV32_ISP_Console -com --pn "$work/port" -d --fn "$work/firmware.hex" --v
+ZV32_ISP_Console -com --pn "$work/port" --br 460800 -d --fn "$work/firmware.hex" --v
 
 echo "== read it back and compare"
 sectors=$((($(stat -c %s firmware.bin) + 2047) / 2048))
-ZV32_ISP_Console -com --pn "$work/port" -u --sec "0-$((sectors - 1))" --fn "$work/back.bin"
+ZV32_ISP_Console -com --pn "$work/port" --br 460800 -u --sec "0-$((sectors - 1))" --fn "$work/back.bin"
 # The last sector is read whole: behind the image stands erased flash.
 cmp -n "$(stat -c %s firmware.bin)" firmware.bin back.bin
 echo "equal: $(stat -c %s firmware.bin) bytes, $(sha256sum <firmware.bin | cut -c1-16)"
