@@ -16,54 +16,58 @@ A command refused, and one refused at its last answer:
   $ try nack@1:31
   nack@1:31: Download successfully!
     equal
+  fault: nack@1:31
   $ try nack@3:31:1
   nack@3:31:1: Download successfully!
     equal
+  fault: nack@3:31:1
   $ try nack@2:31:2
   nack@2:31:2: Download successfully!
     equal
+  fault: nack@2:31:2
   $ try nack@2:11
   nack@2:11: Download successfully!
     equal
+  fault: nack@2:11
 
 A byte from the host, and one to it, in a write (the first ones) and in the verify:
 
   $ for fault in rx-lost@1500 rx-damage@1500 rx-double@1500 rx-late@1500:700; do try $fault; done
   rx-lost@1500: Download successfully!
     equal
-    the fault did not happen
+  fault: rx-lost@1500
   rx-damage@1500: Download successfully!
     equal
-    the fault did not happen
+  fault: rx-damage@1500
   rx-double@1500: Download successfully!
     equal
-    the fault did not happen
+  fault: rx-double@1500
   rx-late@1500:700: Download successfully!
     equal
-    the fault did not happen
+  fault: rx-late@1500:700
   $ for fault in tx-lost@600 tx-damage@600 tx-double@600 tx-late@600:700; do try $fault; done
   tx-lost@600: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-lost@600
   tx-damage@600: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-damage@600
   tx-double@600: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-double@600
   tx-late@600:700: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-late@600:700
   $ for fault in tx-lost@2000 tx-double@2000 tx-late@2000:700; do try $fault; done
   tx-lost@2000: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-lost@2000
   tx-double@2000: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-double@2000
   tx-late@2000:700: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-late@2000:700
 
 A byte of an answer that is damaged on its way looks like a difference to a verify, which therefore
 reads a packet that differs a second time:
@@ -71,7 +75,7 @@ reads a packet that differs a second time:
   $ try tx-damage@2000
   tx-damage@2000: Download successfully!
     equal
-    the fault did not happen
+  fault: tx-damage@2000
 
 What is not safe to repeat ends the line at once: an erase, a jump.
 

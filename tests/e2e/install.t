@@ -28,12 +28,13 @@ A directory in LD_LIBRARY_PATH goes first: here stand builds of the two librarie
 they are asked.
 
   $ LD_LIBRARY_PATH=$BUILD/doubles/zvbl ZVBL_DOUBLE_LOG=$PWD/log elsewhere/bin/ZV32_ISP_Console -com --pn ttyS3 | tail -3
+  PID:  70050347      BID:  1234    Version:  2.1
+  Device connected Successfully
   
-  USART Connect......
-  Cannot open the com port, the port not exist or may be used by another application
   $ head -3 log
-  head: cannot open 'log' for reading: No such file or directory
-  [1]
+  TARGET_SetComIntType type=0
+  SetCOMSettings h=0 port=3 name="ttyS3" baud=115200 bits=8 parity=2 stop=1.0
+  SetCOMSettings h=1001 port=3 name="ttyS3" baud=115200 bits=8 parity=2 stop=1.0
 
 Nothing of Qt in the libraries and the simulator:
 

@@ -63,11 +63,13 @@ The command refused, and the line lost, in the middle of the same write:
   $ line -usd --set --fn ./factory.bin
   Set user system data to device
   running...
-  Set user system data to device successfully!
+  Set user system data to device failed!
+  [6]
   $ sleep 0.2
   $ line -usd --set --fn ./factory.bin
   Set user system data to device
   running...
   Set user system data to device successfully!
   $ line -usd --get --fn ./back.bin | tail -1; cmp factory.bin back.bin && echo same
+  Get user system data to file succeed!
   same
