@@ -86,8 +86,13 @@ TEST_F(DownloadSectorsTest, BinaryBelowFlashStartsWithMinusOne) {
 }
 
 TEST_F(DownloadSectorsTest, BinaryInSpimGoesByItsElements) {
-    EXPECT_EQ(sectors(f413, "element address=08000000\nelement address=08001000", {"a.bin"}, {0x08400000}),
-              (List{32768, 32769}));
+    EXPECT_EQ(sectors(f413, "element address=08000000\nelement address=08002000", {"a.bin"}, {0x08400000}),
+              (List{32768, 32770}));
+}
+
+TEST_F(DownloadSectorsTest, AnElementThatTheOffsetDoesNotLeadToSpimCountsWithoutIt) {
+    EXPECT_EQ(sectors(f413, "element address=08001000\nelement address=08000800", {"a.bin"}, {0x08400000}),
+              (List{32768, 1}));
 }
 
 TEST_F(DownloadSectorsTest, BinaryInSpimAddsWithoutWrap) {

@@ -276,6 +276,18 @@ TEST_F(DownloadTest, KeysGoToTheChipBeforeAnEncryptedBankIsEnabled) {
         << "the finishing step writes all of it";
 }
 
+TEST_F(DownloadTest, WithoutAnEncryptedRangeTheKeysCanWait) {
+    connect(f403a);
+    image(oneSmall);
+    parameters.m_bEnBank3 = true;
+    parameters.m_UserSystemDataArray = userSystemData(0xA5);
+    parameters.m_UserSystemDataLen = 48;
+    EXPECT_EQ(download({"a.hex"}), 0);
+    const Lines order = calls({"TARGET_SetUserSystemData", "ZVBL_EnableBank3"});
+    ASSERT_EQ(order.size(), 2u);
+    EXPECT_EQ(order[0].substr(0, 16), "ZVBL_EnableBank3");
+}
+
 TEST_F(DownloadTest, AFileThatOpensLateIsTaken) {
     connect(f413);
     std::string script = oneSmall;

@@ -81,6 +81,7 @@ TEST_F(UploadTest, AFailedSaveAbends) {
     image("FILES_ImageToFile status=3");
     EXPECT_EQ(upload({0}), CResult::FILES_UNABLETOOPENFILE);
     EXPECT_EQ(events, (Lines{"INIT Upload", "ACTION 0", "ACTION 100", "ABEND"}));
+    EXPECT_FALSE(bootLoader().m_ObOperation->IsDone());
 }
 
 TEST_F(UploadTest, NoDevice) {
