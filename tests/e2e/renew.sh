@@ -6,5 +6,6 @@ set -eu
 cd "$(dirname "$0")"
 root=$(cd ../.. && pwd)
 . ./environment.sh "$root" "${BUILD:-$root/build/release}"
+[ -x "$build/bin/ZV32_ISP_Console" ] || { echo "no build in $build" >&2; exit 1; }
 cram3 --shell=/bin/bash --interactive --yes "${@:-.}" || true
 git diff --stat -- .
