@@ -23,7 +23,6 @@ add_link_options(-Wl,--enable-new-dtags -Wl,--no-undefined)
 
 # A site may drop in its own build of the two libraries, so the console finds them relative to itself.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-set(CMAKE_BUILD_RPATH "$ORIGIN/../lib")
 
 # Every include path is spelled from the project's root: "link/CCom.h".
 include_directories(${PROJECT_SOURCE_DIR})

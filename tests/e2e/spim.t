@@ -2,97 +2,165 @@ The SPI flash behind the chip: 16 MB from 08400000.
 
   $ . "$SETUP"
   $ chip_on ZV32F403A_1024K
-  /work/main/tests/e2e/setup.sh: line 10: zv32-sim: command not found
-  [1]
   $ head -c 10000 /dev/urandom > data.bin
 
   $ line -d --fn ./data.bin --addr 08400000
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Error:  No operation can be performed without using SPIM!
+  [3]
   $ line -enspim --ft 1 --fs 16 -d --fn ./data.bin --addr 08400000 --v
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Enable Bank3
+  Running...
+  Erase
+  Running...100%
+  Download
+  ./data.bin     10000B
+  Running...100%
+  Verify
+  ./data.bin     10000B
+  Running...100%
+  Download successfully!
   $ line -enspim --ft 1 --fs 16 -u --sec 32768-32770 --fn ./back.bin
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Upload
+  ./back.bin     12288B
+  Running...100%
+  Upload successfully!
   $ cmp -n 10000 data.bin back.bin && echo equal
-  cmp: back.bin: No such file or directory
-  [2]
+  equal
   $ line -enspim --ft 1 --fs 16 -e --sec 32769-32769 -u --sec 32768-32770 --fn ./back.bin
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Erase
+  Running...100%
+  Erase successfully!
+  Upload
+  ./back.bin     12288B
+  Running...100%
+  Upload successfully!
   $ cmp data.bin back.bin | cut -d, -f1
-  cmp: back.bin: No such file or directory
+  data.bin back.bin differ: char 4097
   $ line -enspim --ft 1 --fs 16 -e --all -u --sec 32768-32768 --fn ./back.bin
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Erase
+  Running...100%
+  Erase successfully!
+  Upload
+  ./back.bin     4096B
+  Running...100%
+  Upload successfully!
   $ tr -d '\377' < back.bin | wc -c
-  /bin/bash: line 22: back.bin: No such file or directory
   0
 
 Type 2, remap, an address where encryption begins:
 
   $ line -enspim --ft 2 --fs 8 --remap 1 --fda 08000000
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
   $ line -enspim --ft 2 --fs 8 --fda 100000
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
 
 A size of 0, which is what no size and a trailing "--fs" are, is all that the board has. The range test of
 a download does not know it:
 
   $ line -enspim
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
   $ line -enspim --fs
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
   $ line -enspim -d --fn ./data.bin --addr 08400000
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Error:  The file download address or file size out of SPIM range!
+  [3]
 
 What does not fit:
 
   $ line -enspim --fs 32
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  
+  Unknown error!
+  [8]
   $ line -enspim --fda
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  bad parameter " (no-eol)
+  [8]
   $ line -enspim --ft 1 --fs 1 -d --fn ./data.bin --addr 084FFFFF
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Error:  The file download address or file size out of SPIM range!
+  [3]
   $ line -enspim foo
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  bad parameter "foo"
+  [8]
 
 A family without the four that know sectors of SPIM:
 
   $ chip_new ZV32F457_1024K
-  /work/main/tests/e2e/setup.sh: line 10: zv32-sim: command not found
-  [1]
   $ line -enspim --ft 1 --fs 16 -e --sec 0-1
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  bad parameter 0-1
+  [51]
   $ line -enspim --ft 1 --fs 16 -d --fn ./data.bin --addr 08400000 --v
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Enable Bank3
+  Running...
+  Erase
+  Running...100%
+  Download
+  ./data.bin     10000B
+  Running...100%
+  Verify
+  ./data.bin     10000B
+  Running...100%
+  Download successfully!
 
 With SPIM, a ZV32F403 enables it a second time behind its restart:
 
   $ chip_new ZV32F403_1_1024K
-  /work/main/tests/e2e/setup.sh: line 10: zv32-sim: command not found
-  [1]
   $ line -enspim --ft 1 --fs 16 -d --fn ./data.bin --addr 08400000 --v
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  Operation finished successfully!
+  Enable Bank3
+  Running...
+  Erase
+  Running...100%
+  Download
+  ./data.bin     10000B
+  Running...100%
+  Enable Bank3
+  Running...
+  Verify
+  ./data.bin     10000B
+  Running...100%
+  Download successfully!
 
 A chip without SPIM:
 
   $ chip_new ZV32F421_64K
-  /work/main/tests/e2e/setup.sh: line 10: zv32-sim: command not found
-  [1]
   $ line -enspim --ft 1 --fs 16
-  /work/main/tests/e2e/setup.sh: line 34: ZV32_ISP_Console: command not found
-  [127]
+  Enable Bank3
+  Running...
+  
+  The cmd not allowed!
+  [8]

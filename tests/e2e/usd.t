@@ -117,6 +117,9 @@ Option bytes to a file and back, on a chip of each layout.
   Get user system data to file succeed!
   same
   == ZV32F457_1024K
+  Get user system data to file
+  running...
+  Get user system data to file succeed!
    a5 5a ff 00 ff 00 ff 00 ff 00 ff 00 ff 00 ff 00
    ff 00 ff 00 ff 00 ff 00 ff 00 ff 00 ff 00 ff 00
    ff 00 ff 00 ff 00 ff 00 ff 00 ff 00 ff 00 ff 00
