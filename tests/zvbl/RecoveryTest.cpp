@@ -155,6 +155,10 @@ struct Once {
     int (*call)(HANDLE);
 };
 
+void PrintTo(const Once &row, std::ostream *out) {
+    *out << row.opening;
+}
+
 const Once onceRows[] = {
     {"Go", "21 DE", [](HANDLE h) -> int { return ZVBL_GO(h, 0x08000000); }},
     {"Reset", "D4 2B", [](HANDLE h) -> int { return ZVBL_ResetMCU(h); }},
