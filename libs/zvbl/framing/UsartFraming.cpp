@@ -121,11 +121,15 @@ Status UsartFraming::takeReply(const Reply &expected, Bytes &reply) {
     return expected.end == Reply::End::ack ? takeAnswer(Status::refused) : Status::ok;
 }
 
-// A byte behind the last one expected means that an answer was doubled or a byte slipped in.
+// A byte behind the last one expected means that an answer was doubled or a byte slipped in. What the line
+// has not yet carried, by its pace, cannot have been answered, so that time is waited for as well: a host
+// that was held up may have heard an old answer late enough to take it for a new one.
 Status UsartFraming::expectSilence(double characters) {
     Status status = Status::ok;
-    if (m_heard.empty())
-        status = hear(characters > 0 ? Clock::now() + part(m_port.characterTime(), characters) : TimePoint{});
+    if (m_heard.empty()) {
+        const TimePoint from = m_paced && m_trustPace ? std::max<TimePoint>(Clock::now(), m_lastSent) : Clock::now();
+        status = hear(characters > 0 ? from + part(m_port.characterTime(), characters) : TimePoint{});
+    }
     if (status == Status::ok) {
         m_trace.remark("more than the answer");
         discard();
