@@ -6,7 +6,7 @@ in the chip in the end is the image.
   $ try() {
   >     chip_new ZV32F421_64K --fault "$1"
   >     printf '%s: ' "$1"
-  >     line -d --fn ./image.bin --v | tail -1
+  >     line --to 1 -d --fn ./image.bin --v | tail -1
   >     line -u --sec 0-3 --fn ./back.bin >/dev/null && cmp image.bin back.bin && echo '  equal'
   >     grep 'fault:' sim.err || echo '  the fault did not happen'
   > }
@@ -29,53 +29,6 @@ A command refused, and one refused at its last answer:
   nack@2:11: Download successfully!
     equal
   fault: nack@2:11
-
-A byte from the host, and one to it, in a write (the first ones) and in the verify:
-
-  $ for fault in rx-lost@1500 rx-damage@1500 rx-double@1500 rx-late@1500:700; do try $fault; done
-  rx-lost@1500: Download successfully!
-    equal
-  fault: rx-lost@1500
-  rx-damage@1500: Download successfully!
-    equal
-  fault: rx-damage@1500
-  rx-double@1500: Download successfully!
-    equal
-  fault: rx-double@1500
-  rx-late@1500:700: Download successfully!
-    equal
-  fault: rx-late@1500:700
-  $ for fault in tx-lost@600 tx-damage@600 tx-double@600 tx-late@600:700; do try $fault; done
-  tx-lost@600: Download successfully!
-    equal
-  fault: tx-lost@600
-  tx-damage@600: Download successfully!
-    equal
-  fault: tx-damage@600
-  tx-double@600: Download successfully!
-    equal
-  fault: tx-double@600
-  tx-late@600:700: Download successfully!
-    equal
-  fault: tx-late@600:700
-  $ for fault in tx-lost@2000 tx-double@2000 tx-late@2000:700; do try $fault; done
-  tx-lost@2000: Download successfully!
-    equal
-  fault: tx-lost@2000
-  tx-double@2000: Download successfully!
-    equal
-  fault: tx-double@2000
-  tx-late@2000:700: Download successfully!
-    equal
-  fault: tx-late@2000:700
-
-A byte of an answer that is damaged on its way looks like a difference to a verify, which therefore
-reads a packet that differs a second time:
-
-  $ try tx-damage@2000
-  tx-damage@2000: Download successfully!
-    equal
-  fault: tx-damage@2000
 
 What is not safe to repeat ends the line at once: an erase, a jump.
 
@@ -120,6 +73,6 @@ second run succeeds.
   
   send over serial port fail!
   [3]
-  $ sleep 0.4
+  $ until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.01; done
   $ line -d --fn ./image.bin --v | tail -1
   Download successfully!

@@ -65,7 +65,7 @@ The command refused, and the line lost, in the middle of the same write:
   running...
   Set user system data to device failed!
   [6]
-  $ sleep 0.2
+  $ until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.01; done
   $ line -usd --set --fn ./factory.bin
   Set user system data to device
   running...

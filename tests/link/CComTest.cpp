@@ -29,7 +29,7 @@ TEST_F(CComTest, SupportListsOfUsart) {
 TEST_F(CComTest, ConstructorMakesTheLinkWithTheDefaultSettings) {
     for (const char type : {USART, I2C, CAN, SPI}) {
         library.clearLog();
-        zvbl_double_reset();
+        ZvblDouble::reset();
         const CCom link(12, type, "ttyS12");
         EXPECT_EQ(link.m_iPortNum, 12);
         EXPECT_EQ(link.m_strPortName, "ttyS12");

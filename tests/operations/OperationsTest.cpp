@@ -38,7 +38,7 @@ CBootLoader &OperationsTest::connect(const Chip &chip, const std::string &capabi
               " spb=" + std::to_string(chip.sectorsPerBit) + "\n";
     image("");
     com.reset();
-    zvbl_double_reset(); // the first link again
+    ZvblDouble::reset(); // the first link again
     open(USART);
     library.script("ZVBL_GET_ID id=" + chip.identifier + "\nZVBL_GET caps=" + capabilities);
     EXPECT_EQ(bootLoader().Connect(), 0);

@@ -1,6 +1,8 @@
 #pragma once
 
-// For tests that link the double: a fresh log and, where wanted, a script, for the life of the object.
+// For tests that run with the double in the place of the library: a fresh log and, where wanted, a script, for the life of the object.
+
+#include <dlfcn.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -8,8 +10,6 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
-
-extern "C" void zvbl_double_reset();
 
 class ZvblDouble {
 public:
@@ -20,7 +20,7 @@ public:
         directory = pattern;
         setenv("ZVBL_DOUBLE_LOG", logPath().c_str(), 1);
         unsetenv("ZVBL_DOUBLE_SCRIPT");
-        zvbl_double_reset();
+        reset();
     }
     ~ZvblDouble() {
         unsetenv("ZVBL_DOUBLE_LOG");
@@ -43,6 +43,15 @@ public:
         return text.str();
     }
     void clearLog() { std::filesystem::remove(logPath()); }
+
+    // Starts the double anew: scripts count from their first call, and the first link is the next.
+    // Found at run time: a program can't be linked to the library and to its double at once.
+    static void reset() {
+        const auto function = reinterpret_cast<void (*)()>(dlsym(RTLD_DEFAULT, "zvbl_double_reset"));
+        if (function == nullptr)
+            throw std::runtime_error("the double does not stand in front of the library");
+        function();
+    }
 
 private:
     std::string logPath() const { return directory + "/log"; }
