@@ -17,7 +17,7 @@ if(ZV32_SANITIZE)
   add_compile_options(-fsanitize=${ZV32_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ZV32_SANITIZE})
   # g++ 12 takes its own std::function for uninitialized in instrumented code.
-  add_compile_options(-Wno-maybe-uninitialized)
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 
 # LD_LIBRARY_PATH has to go first, so a RUNPATH, never an RPATH.

@@ -8,7 +8,7 @@ protected. Disabling the protection erases the flash, restores the option bytes,
   >     chip_new ZV32F403A_1024K
   >     line -usd --get --fn ./factory.bin >/dev/null
   >     chip_off; chip_on ZV32F403A_1024K --fault powercut@$cut:options
-  >     line -usd --set --fn ./factory.bin
+  >     line --to 1 -usd --set --fn ./factory.bin
   >     line -usd --get --fn ./back.bin | tail -1
   >     line -p --dfap | tail -1
   >     line -usd --get --fn ./back.bin | tail -1; cmp factory.bin back.bin && echo repaired
@@ -49,24 +49,24 @@ protected. Disabling the protection erases the flash, restores the option bytes,
 The command refused, and the line lost, in the middle of the same write:
 
   $ chip_new ZV32F403A_1024K --fault nack@1:E2
-  $ line -usd --set --fn ./factory.bin
+  $ line --to 1 -usd --set --fn ./factory.bin
   Set user system data to device
   running...
   Set user system data to device failed!
   [6]
-  $ line -usd --set --fn ./factory.bin
+  $ line --to 1 -usd --set --fn ./factory.bin
   Set user system data to device
   running...
   Set user system data to device successfully!
 
   $ chip_new ZV32F403A_1024K --fault hangup@50:50
-  $ line -usd --set --fn ./factory.bin
+  $ line --to 1 -usd --set --fn ./factory.bin
   Set user system data to device
   running...
   Set user system data to device failed!
   [6]
   $ until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.01; done
-  $ line -usd --set --fn ./factory.bin
+  $ line --to 1 -usd --set --fn ./factory.bin
   Set user system data to device
   running...
   Set user system data to device successfully!
