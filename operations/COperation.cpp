@@ -87,7 +87,7 @@ void COperation::CalculatePercent() {
 }
 
 void COperation::CalculatePercent(QObject) {
-    CalculatePercent();
+    m_ActionInfo.m_iPercent = 100;
 }
 
 void COperation::SetParameters(void *) {}

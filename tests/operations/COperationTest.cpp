@@ -223,6 +223,61 @@ TEST_F(COperationTest, ThePreparationClearsWhatTheLastRunLeft) {
     EXPECT_TRUE(job.IsContinue());
 }
 
+// The form with an object belongs to no job: it knows nothing of a job's own count.
+TEST_F(COperationTest, PercentIs100WhereAJobHasNoFormula) {
+    COperation plain(nullptr);
+    plain.CalculatePercent();
+    EXPECT_EQ(plain.m_ActionInfo.m_iPercent, 100);
+    CErase counting(nullptr);
+    counting.m_iAllSectorNum = 4;
+    counting.COperation::CalculatePercent(QObject());
+    EXPECT_EQ(counting.m_ActionInfo.m_iPercent, 100);
+    EXPECT_EQ(counting.m_iAddSectorNum, 0);
+}
+
+TEST_F(COperationTest, TheKindsHaveTheirNumbers) {
+    const std::vector<int> kinds = {OP_ERASE,           OP_DOWNLOAD,         OP_VERIFY,   OP_UPLOAD,
+                                    OP_ACCESS_PROTECT,  OP_ACCESS_UNPROTECT, OP_ERASEPROGRAM_PROTECT,
+                                    OP_ERASEPROGRAM_UNPROTECT, OP_FWCRC,     OP_ENBANK3,  OP_WRITESN,
+                                    OP_WRITEUSERSYSTEMDATA, OP_ENSLIB,       OP_DISSLIB,  OP_DOWNLOADPROJECT,
+                                    OP_FLASHCRC};
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        EXPECT_EQ(kinds[i], static_cast<int>(i));
+    }
+    const std::vector<int> infos = {INFO_TYPE_INIT,  INFO_TYPE_ACTION, INFO_TYPE_CANCEL,
+                                     INFO_TYPE_ABEND, INFO_TYPE_DONE,   INFO_TYPE_INFO};
+    EXPECT_EQ(infos, (std::vector<int>{0, 1, 2, 3, 4, 5}));
+    const std::vector<int> commands = {COMMAND_NONE, COMMAND_CONTINUE, COMMAND_CANCEL, COMMAND_ABEND, COMMAND_DONE};
+    EXPECT_EQ(commands, (std::vector<int>{0, 1, 2, 3, 4}));
+    EXPECT_EQ((std::vector<int>{STOP, SRART}), (std::vector<int>{0, 1}));
+    EXPECT_EQ((std::vector<int>{ERASEMODE_NONE, NECESSARY, GLOBAL}), (std::vector<int>{0, 1, 2}));
+}
+
+TEST_F(COperationTest, EveryEventCarriesItsRecord) {
+    Steps job(nullptr);
+    static std::vector<std::pair<InfoType, void *>> seen;
+    seen.clear();
+    job.SetOperationInfoDelegate(reinterpret_cast<void *>(+[](InfoType type, void *record) -> void * {
+        seen.emplace_back(type, record);
+        return nullptr;
+    }));
+    const InfoType all[] = {INFO_TYPE_INIT,  INFO_TYPE_ACTION, INFO_TYPE_CANCEL,
+                            INFO_TYPE_ABEND, INFO_TYPE_DONE,   INFO_TYPE_INFO};
+    const std::vector<std::pair<InfoType, void *>> expected = {
+        {INFO_TYPE_INIT, &job.m_InitInfo},    {INFO_TYPE_ACTION, &job.m_ActionInfo}, {INFO_TYPE_CANCEL, &job.m_BaseInfo},
+        {INFO_TYPE_ABEND, &job.m_AbendInfo}, {INFO_TYPE_DONE, &job.m_BaseInfo},     {INFO_TYPE_INFO, &job.m_strInfoStringName}};
+    for (const InfoType type : all) {
+        job.Callback(type);
+    }
+    EXPECT_EQ(seen, expected);
+    seen.clear();
+    job.SetSubOperation(true);
+    for (const InfoType type : all) {
+        job.Callback(type);
+    }
+    EXPECT_EQ(seen, (std::vector<std::pair<InfoType, void *>>{expected[0], expected[1], expected[5]}));
+}
+
 TEST_F(COperationTest, StopInterruptsNothing) {
     Steps job(nullptr);
     job.ChangeStatus(SRART);
