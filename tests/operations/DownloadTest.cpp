@@ -250,6 +250,30 @@ TEST_F(DownloadTest, SpimIsEnabledBeforeTheEraseAndAgainBehindTheRestart) {
     EXPECT_EQ(std::count(events.begin(), events.end(), "INIT Enable Bank3"), 2);
 }
 
+TEST_F(DownloadTest, AFailedSecondEnablingIsReturnedAtOnce) {
+    connect(f403_1);
+    image(oneSmall);
+    parameters.m_bEnBank3 = true;
+    parameters.m_bVerify = true;
+    library.script("ZVBL_EnableBank3 status=0x14 nth=2");
+    EXPECT_EQ(download({"a.hex"}), CResult::SYS_CMD_FAIL);
+    EXPECT_EQ(calls({"ZVBL_DNLOAD"}).size(), 1u);
+    EXPECT_EQ(calls({"ZVBL_VERIFY"}), Lines());
+    EXPECT_FALSE(bootLoader().m_ObOperation->IsDone());
+}
+
+TEST_F(DownloadTest, KeysThatCannotBeWrittenEnableNothing) {
+    connect(f403a);
+    image(oneSmall);
+    parameters.m_bEnBank3 = true;
+    parameters.m_uiFlashDA = 0x1000;
+    parameters.m_UserSystemDataArray = userSystemData(0xA5);
+    parameters.m_UserSystemDataLen = 48;
+    library.script("TARGET_SetUserSystemData status=5");
+    EXPECT_EQ(download({"a.hex"}), CResult::COM_READ_FAIL);
+    EXPECT_EQ(calls({"ZVBL_EnableBank3", "ZVBL_ERASE"}), Lines());
+}
+
 TEST_F(DownloadTest, AFailedEnablingErasesNothing) {
     connect(f413);
     image(oneSmall);
@@ -477,6 +501,47 @@ TEST_F(DownloadTest, AFailureBehindTheEnablingResetsAndKeepsItsCode) {
     parameters.m_usStartDataSector = 0xFFFF;
     library.script("ZVBL_GetSlibStatus_Ex enabled=1 datastart=65535\nZVBL_DNLOAD status=5\nZVBL_ResetMCU status=4");
     EXPECT_EQ(download({"a.hex"}), CResult::COM_READ_FAIL);
+    EXPECT_EQ(calls({"ZVBL_ResetMCU"}).size(), 1u);
+}
+
+TEST_F(DownloadTest, AFailedResetBehindTheSlibIsTheResult) {
+    connect(f413);
+    image(oneSmall);
+    parameters.m_bEnableSlib = true;
+    parameters.m_uiPassword = 1;
+    parameters.m_usStartDataSector = 0xFFFF;
+    library.script("ZVBL_GetSlibStatus_Ex enabled=1 datastart=65535\nZVBL_ResetMCU status=4");
+    EXPECT_EQ(download({"a.hex"}), CResult::COM_SEND_FAIL);
+    EXPECT_EQ(events.back(), "ABEND");
+}
+
+TEST_F(DownloadTest, CancelBehindTheSlibResetsAndWritesNothing) {
+    connect(f413);
+    image(oneSmall);
+    parameters.m_bEnableSlib = true;
+    parameters.m_uiPassword = 1;
+    parameters.m_usStartDataSector = 0xFFFF;
+    library.script("ZVBL_GetSlibStatus_Ex enabled=1 datastart=65535");
+    onEvent = [&](InfoType) {
+        if (!calls({"ZVBL_GetSlibStatus_Ex"}).empty()) {
+            bootLoader().m_ObOperation->Cancel();
+        }
+    };
+    EXPECT_EQ(download({"a.hex"}), 0);
+    EXPECT_EQ(calls({"ZVBL_ResetMCU"}).size(), 1u);
+    EXPECT_EQ(calls({"ZVBL_DNLOAD"}), Lines());
+    EXPECT_EQ(events.back(), "CANCEL");
+}
+
+TEST_F(DownloadTest, AFailedFinishingStepResetsWhereSlibWasEnabled) {
+    connect(f413);
+    image(oneSmall);
+    parameters.m_bEnableSlib = true;
+    parameters.m_uiPassword = 1;
+    parameters.m_usStartDataSector = 0xFFFF;
+    parameters.m_bFAP = true;
+    library.script("ZVBL_GetSlibStatus_Ex enabled=1 datastart=65535\nZVBL_ACCESS_PROTECT status=0x13");
+    EXPECT_EQ(download({"a.hex"}), CResult::SYS_CMD_NOT_ALLOWED);
     EXPECT_EQ(calls({"ZVBL_ResetMCU"}).size(), 1u);
 }
 

@@ -36,6 +36,21 @@ TEST_F(FWCRCTest, APathWithoutSlashSucceedsWithoutOpeningAnything) {
     EXPECT_EQ(events, (Lines{"INIT ", "ACTION 0"}));
 }
 
+TEST_F(FWCRCTest, ASecondPathWithoutSlashGoesRoundUntilCancelled) {
+    connect(f413);
+    int rounds = 0;
+    onEvent = [&](InfoType type) {
+        if (type == INFO_TYPE_ACTION && ++rounds == 20) {
+            bootLoader().m_ObOperation->Cancel();
+        }
+    };
+    EXPECT_EQ(check({path("a.hex"), "b.hex"}), 0);
+    EXPECT_EQ(rounds, 20);
+    EXPECT_EQ(std::count(events.begin(), events.end(), "INIT Firmware CRC Check------(a.hex)"), 1)
+        << "the second file is not announced";
+    EXPECT_EQ(events.back(), "CANCEL");
+}
+
 TEST_F(FWCRCTest, AnEmptyFileIsRefused) {
     connect(f413);
     image("no-elements");

@@ -120,6 +120,33 @@ TEST_F(ProjectTest, PartsToSectors) {
         << "a shared sector stands twice";
 }
 
+TEST_F(ProjectTest, AddressToSector) {
+    connect(f413);
+    CDownloadProject project(&bootLoader());
+    EXPECT_EQ(project.FlashGetSectorIndex(0x08000800, 0), 1);
+    EXPECT_EQ(project.FlashGetSectorIndex(0x07FFFFFF, 0), -1);
+    EXPECT_EQ(project.FlashGetSectorIndex(0x08401000, 999), 32769);
+}
+
+TEST_F(ProjectTest, KeysGoToTheChipBeforeAnEncryptedBankIsEnabled) {
+    connect(f403a);
+    BYTE userSystemData[48];
+    for (int i = 0; i < 48; ++i) {
+        userSystemData[i] = i % 2 == 0 ? 0xFF : 0x00;
+    }
+    parameters.m_UserSystemDataArray = userSystemData;
+    parameters.m_UserSystemDataLen = sizeof userSystemData;
+    parameters.m_bEnBank3 = true;
+    parameters.m_uiFlashDA = 0x1000;
+    EXPECT_EQ(download({file({part(0x08000000, 4)})}), 0);
+    const Lines order = calls({"TARGET_SetUserSystemData", "ZVBL_EnableBank3"});
+    ASSERT_EQ(order.size(), 3u);
+    EXPECT_EQ(order[1].substr(0, 16), "ZVBL_EnableBank3");
+    library.script("TARGET_SetUserSystemData status=5");
+    EXPECT_EQ(download({file({part(0x08000000, 4)})}), CResult::COM_READ_FAIL);
+    EXPECT_EQ(calls({"ZVBL_EnableBank3", "ZVBL_ERASE"}), Lines());
+}
+
 TEST_F(ProjectTest, ASharedSectorIsErasedTwice) {
     connect(f413);
     EXPECT_EQ(download({file({part(0x08000000, 16), part(0x08000100, 16)})}), 0);
