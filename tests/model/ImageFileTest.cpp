@@ -40,6 +40,22 @@ TEST(ImageFile, TheTypeIsTheFirstSuffixFoundAnywhere) {
     EXPECT_EQ(S19, 3);
 }
 
+TEST(ImageFile, TheStatusesHaveTheirNumbers) {
+    const std::vector<unsigned int> files = {
+        CFiles::FILES_ERROR_OFFSET,   CFiles::FILES_NOERROR,         CFiles::FILES_BADSUFFIX,
+        CFiles::FILES_UNABLETOOPENFILE, CFiles::FILES_UNABLETOOPENTEMPFILE, CFiles::FILES_BADFORMAT,
+        CFiles::FILES_BADADDRESSRANGE, CFiles::FILES_BADPARAMETER,   CFiles::FILES_UNEXPECTEDERROR,
+        CFiles::FILES_FILEGENERALERROR, CFiles::FILES_NOTOPEN,       CFiles::FILES_SETELEMENTFULL};
+    EXPECT_EQ(files, (std::vector<unsigned int>{0, 0x12340000, 2, 3, 4, 5, 6, 8, 10, 13, 14, 15}));
+    const std::vector<unsigned int> threads = {
+        CFiles::STPRT_ERROR_OFFSET,  CFiles::STPRT_NOERROR,      CFiles::STPRT_UNABLETOLAUNCHTHREAD,
+        CFiles::STPRT_ALREADYRUNNING, CFiles::STPRT_BADPARAMETER, CFiles::STPRT_BADFIRMWARESTATEMACHINE,
+        CFiles::STPRT_UNEXPECTEDERROR, CFiles::STPRT_ERROR,      CFiles::STPRT_RETRYERROR,
+        CFiles::STPRT_UNSUPPORTEDFEATURE};
+    EXPECT_EQ(threads, (std::vector<unsigned int>{0x12345000, 0x12340000, 0x12345001, 0x12345007, 0x12345008, 0x12345009,
+                                                  0x1234500A, 0x1234500B, 0x1234500C, 0x1234500D}));
+}
+
 TEST(ImageFile, AClosedFileHasNothing) {
     const Workplace workplace;
     FilesDouble files(workplace);

@@ -6,6 +6,27 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+// Records that another build of the file library fills must lie where it puts them.
+TEST(Mapping, TheRecordsOfTheLibraryHaveTheirLayout) {
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, dwStartAddress), 256u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, dwAliasedAddress), 264u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, dwSectorIndex), 272u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, dwSectorSize), 280u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, bSectorType), 288u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, UseForOperation), 289u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, UseForErase), 290u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, UseForUpload), 291u);
+    EXPECT_EQ(offsetof(MAPPINGSECTOR, UseForEraseProgramProtect), 292u);
+    EXPECT_EQ(sizeof(MAPPINGSECTOR), 296u);
+    EXPECT_EQ(offsetof(MAPPING, Name), 1u);
+    EXPECT_EQ(offsetof(MAPPING, NbSectors), 264u);
+    EXPECT_EQ(offsetof(MAPPING, pSectors), 272u);
+    EXPECT_EQ(sizeof(MAPPING), 280u);
+    EXPECT_EQ(offsetof(IMAGEELEMENT, dwDataLength), 8u);
+    EXPECT_EQ(offsetof(IMAGEELEMENT, Data), 16u);
+    EXPECT_EQ(sizeof(IMAGEELEMENT), 24u);
+}
+
 TEST(Mapping, KeepsTheTargetAndNamesItsFile) {
     const Workplace workplace;
     const CMapping map("ZV32F413_256K");
