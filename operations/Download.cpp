@@ -12,6 +12,7 @@
 #include "operations/EnableSlib.h"
 #include "operations/Erase.h"
 #include "operations/JobSteps.h"
+#include "operations/SubOperations.h"
 #include "operations/Verify.h"
 #include "operations/WriteSN.h"
 #include "operations/WriteUserSystemData.h"
@@ -85,7 +86,7 @@ int CDownload::InitAction() {
         result = checkSectors();
     }
     if (result == 0 && m_Parameters.m_bEnBank3) {
-        result = prepareBank3();
+        result = suboperations::prepareBank3(*this);
     }
     if (result != 0 || IsCancel()) {
         return result;
@@ -100,18 +101,6 @@ int CDownload::checkSectors() {
     }
     const QList<int> sectors = GetNecessarySectorIndex();
     return sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
-}
-
-int CDownload::prepareBank3() {
-    // The key bytes lie in the user system data, and the enabling uses them.
-    if (m_obBootLoader && m_Parameters.m_uiFlashDA != 0 && m_Parameters.m_UserSystemDataArray) {
-        const int result = m_obBootLoader->LoadUserSystemDataToDeviceExceptFAP(m_Parameters.m_UserSystemDataArray,
-                                                                               m_Parameters.m_UserSystemDataLen);
-        if (result != 0) {
-            return CResult::Convert(result);
-        }
-    }
-    return EnBank3();
 }
 
 int CDownload::prepareFlash() {
@@ -204,7 +193,7 @@ void CDownload::CalculatePercent(CProgramFile *pFile) {
 }
 
 int CDownload::ActionDone() {
-    const int result = finishingSteps();
+    const int result = suboperations::finishDownload(*this);
     if (result != 0 || IsCancel()) {
         ResetMcuAfterEnableSlib();
         return result;
@@ -213,18 +202,4 @@ int CDownload::ActionDone() {
         return JumpToUserProgram(m_uiAddressOffset.first());
     }
     return m_Parameters.m_bEnableSlib ? ResetMcu() : 0;
-}
-
-int CDownload::finishingSteps() {
-    int result = 0;
-    if (m_Parameters.m_bWriteSN) {
-        result = WriteSN(m_Parameters.m_uiSNAddress, m_Parameters.m_uiSNNumber, m_Parameters.m_uiSNStep);
-    }
-    if (result == 0 && !IsCancel() && m_Parameters.m_UserSystemDataArray) {
-        result = ApplyUserSystemData(m_Parameters.m_UserSystemDataArray, m_Parameters.m_UserSystemDataLen);
-    }
-    if (result == 0 && !IsCancel() && m_Parameters.m_bFAP) {
-        result = FAP();
-    }
-    return result;
 }

@@ -97,11 +97,9 @@ private:
     QList<COperation *> subOperations() const;
     void dropFiles();
     int checkSectors();
-    int prepareBank3();
     int prepareFlash();
     QList<int> sectorsByCount(uint startAddress, int count);
     QList<int> sectorsByElement(CProgramFile &file, uint offset);
     bool announce(const CProgramFile &file);
     int restartFirst403();
-    int finishingSteps();
 };

@@ -14,6 +14,7 @@
 #include "operations/Erase.h"
 #include "operations/JobSteps.h"
 #include "operations/ProjectParts.h"
+#include "operations/SubOperations.h"
 #include "operations/VerifyProject.h"
 #include "operations/WriteSN.h"
 #include "operations/WriteUserSystemData.h"
@@ -67,7 +68,7 @@ int CDownloadProject::InitAction() {
     m_InitInfo.m_uiFileSize = static_cast<uint>(first.FileSize);
     result = unlock();
     if (result == 0 && !IsCancel() && m_Parameters.m_bEnBank3) {
-        result = prepareBank3();
+        result = suboperations::prepareBank3(*this);
     }
     if (result != 0 || IsCancel()) {
         return result;
@@ -109,17 +110,6 @@ int CDownloadProject::unlock() {
         result = DownloadFileInSlibCheck();
     }
     return result;
-}
-
-int CDownloadProject::prepareBank3() {
-    if (m_Parameters.m_uiFlashDA != 0 && m_Parameters.m_UserSystemDataArray) {
-        const int result = m_obBootLoader->LoadUserSystemDataToDeviceExceptFAP(m_Parameters.m_UserSystemDataArray,
-                                                                               m_Parameters.m_UserSystemDataLen);
-        if (result != 0) {
-            return CResult::Convert(result);
-        }
-    }
-    return EnBank3();
 }
 
 int CDownloadProject::Action() {
@@ -208,7 +198,7 @@ void CDownloadProject::CalculatePercent(int size) {
 
 int CDownloadProject::ActionDone() {
     m_hasGetEraseProgramProtectStatus = false;
-    const int result = finishingSteps();
+    const int result = suboperations::finishDownload(*this);
     if (result != 0 || IsCancel()) {
         return result;
     }
@@ -216,18 +206,4 @@ int CDownloadProject::ActionDone() {
         return JumpToUserProgram();
     }
     return m_Parameters.m_bEnableSlib ? ResetMcu() : 0;
-}
-
-int CDownloadProject::finishingSteps() {
-    int result = 0;
-    if (m_Parameters.m_bWriteSN) {
-        result = WriteSN(m_Parameters.m_uiSNAddress, m_Parameters.m_uiSNNumber, m_Parameters.m_uiSNStep);
-    }
-    if (result == 0 && !IsCancel() && m_Parameters.m_UserSystemDataArray) {
-        result = ApplyUserSystemData(m_Parameters.m_UserSystemDataArray, m_Parameters.m_UserSystemDataLen);
-    }
-    if (result == 0 && !IsCancel() && m_Parameters.m_bFAP) {
-        result = FAP();
-    }
-    return result;
 }

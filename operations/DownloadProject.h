@@ -94,9 +94,7 @@ private:
     QList<COperation *> subOperations() const;
     int checkRecord() const;
     int unlock();
-    int prepareBank3();
     int checkSectors();
     void describe(const SFileInfo &file);
     int downloadPart(const HEXFILEPARTINFO &part);
-    int finishingSteps();
 };
