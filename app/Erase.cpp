@@ -20,13 +20,11 @@ int eraseAll(SubOptionWalk &walk, CCom *&obCCom) {
 }
 
 int eraseSectors(SubOptionWalk &walk, CCom *&obCCom) {
-    const SectorRange range = parseSectorRange(walk.value());
-    if (!IsSectorsValid(range.begin, range.end, obCCom)) {
+    EraseParam param;
+    if (!appendSectors(walk.value(), obCCom, param.m_iSectorIndex)) {
         WriteInforAndWaitInput("bad parameter " + walk.value());
         return OP_MCU_SECERASE_FAILD;
     }
-    EraseParam param;
-    param.m_iSectorIndex = sectorsOf(range);
     obCCom->m_ObBootLoader->EraseFlash(param);
     return runJob(obCCom) ? OP_SUCCESS : OP_MCU_SECERASE_FAILD;
 }

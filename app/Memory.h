@@ -36,11 +36,12 @@ struct SectorRange {
 // Splits "n-m" at its last hyphen; no error is reported.
 SectorRange parseSectorRange(const std::string &word);
 
-// The numbers of the range in order.
-QList<int> sectorsOf(const SectorRange &range);
-
 // Whether the chip has all sectors from beginN to endN.
 bool IsSectorsValid(int beginN, int endN, const CCom *obCCom);
+
+// Appends the numbers of the range "n-m" to the list, in order and with doubles. False, with the list as it was,
+// for a range that the chip does not have or that makes the list longer than any chip's.
+bool appendSectors(const std::string &word, const CCom *obCCom, QList<int> &sectors);
 
 // All sectors of the internal flash.
 QList<int> GetAllSectors(const CCom *obCCom);

@@ -54,12 +54,12 @@ int disableAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
 }
 
 int enableEraseProgramProtection(SubOptionWalk &walk, CCom *&obCCom) {
-    const SectorRange range = parseSectorRange(walk.value());
-    if (!IsSectorsValid(range.begin, range.end, obCCom)) {
+    QList<int> sectors;
+    if (!appendSectors(walk.value(), obCCom, sectors)) {
         walk.reportBadParameter();
         return OP_EEPP_FAILD;
     }
-    obCCom->m_ObBootLoader->EraseProgramProtect(sectorsOf(range));
+    obCCom->m_ObBootLoader->EraseProgramProtect(sectors);
     return runOr(OP_EEPP_FAILD, obCCom);
 }
 

@@ -6,6 +6,9 @@
 
 namespace {
 
+// As many SPIM sectors of 4096 bytes as 32 bits can address. More would fill the memory and reach no chip.
+constexpr qint64 mostSectors = 1 << 20;
+
 const CDevice *deviceOf(const CCom *obCCom) {
     return hasBootLoader(obCCom) ? obCCom->m_ObBootLoader->m_ObDevice : nullptr;
 }
@@ -17,6 +20,12 @@ int flashSectors(const CDevice &device) {
     return static_cast<int>((static_cast<unsigned int>(device.m_IFlashSize) << 10) / device.m_ISectorSize);
 }
 
+void appendNumbers(const SectorRange &range, QList<int> &sectors) {
+    for (qint64 sector = range.begin; sector <= range.end; ++sector) {
+        sectors.append(static_cast<int>(sector));
+    }
+}
+
 } // namespace
 
 SectorRange parseSectorRange(const std::string &word) {
@@ -24,14 +33,6 @@ SectorRange parseSectorRange(const std::string &word) {
     const std::size_t hyphen = word.rfind('-');
     return {g_shareParameter.StringToInt32(word.substr(0, hyphen), 10),
             g_shareParameter.StringToInt32(word.substr(hyphen + 1, word.size() - 1), 10)};
-}
-
-QList<int> sectorsOf(const SectorRange &range) {
-    QList<int> sectors;
-    for (long sector = range.begin; sector <= range.end; ++sector) {
-        sectors.append(static_cast<int>(sector));
-    }
-    return sectors;
 }
 
 int familyOf(const CCom *obCCom) {
@@ -52,7 +53,20 @@ bool IsSectorsValid(int beginN, int endN, const CCom *obCCom) {
     return iserial == ZV32F403_2 || iserial == ZV32F413 || iserial == ZV32F403A || iserial == ZV32F407;
 }
 
+bool appendSectors(const std::string &word, const CCom *obCCom, QList<int> &sectors) {
+    const SectorRange range = parseSectorRange(word);
+    const qint64 count = static_cast<qint64>(range.end) - range.begin + 1;
+    if (!IsSectorsValid(range.begin, range.end, obCCom) || sectors.size() + count > mostSectors) {
+        return false;
+    }
+    appendNumbers(range, sectors);
+    return true;
+}
+
 QList<int> GetAllSectors(const CCom *obCCom) {
-    const CDevice *device = deviceOf(obCCom);
-    return device == nullptr ? QList<int>() : sectorsOf({0, flashSectors(*device) - 1});
+    QList<int> sectors;
+    if (const CDevice *device = deviceOf(obCCom)) {
+        appendNumbers({0, flashSectors(*device) - 1}, sectors);
+    }
+    return sectors;
 }

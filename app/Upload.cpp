@@ -18,12 +18,10 @@ struct Request {
 };
 
 int addSectors(SubOptionWalk &walk, Request &request) {
-    const SectorRange range = parseSectorRange(walk.value());
-    if (!IsSectorsValid(range.begin, range.end, request.obCCom)) {
+    if (!appendSectors(walk.value(), request.obCCom, request.aSectorIndexs)) {
         walk.reportBadParameter();
         return OP_MCU_UPLOAD_FAILD;
     }
-    request.aSectorIndexs += sectorsOf(range); // doubles stay
     return 0;
 }
 

@@ -154,6 +154,15 @@ TEST_F(EraseTest, RangeWithoutAnUpperBound) {
     EXPECT_EQ(run.status, 51);
 }
 
+// No machine has room for such a list, and no chip the sectors.
+TEST_F(EraseTest, RangeThatMakesNoJob) {
+    const Outcome run = connected("-enspim -e --sec 0-2000000000");
+    EXPECT_EQ(lines(run.text).back(), "bad parameter 0-2000000000");
+    EXPECT_EQ(run.status, 51);
+    EXPECT_TRUE(run.callsOf("ZVBL_ERASE").empty());
+    EXPECT_EQ(run.calls.back(), "Interface_Close");
+}
+
 TEST_F(EraseTest, RangesOfTheOtherFamiliesWithSpim) {
     console.connectTo(f415);
     const Outcome run = connected("-enspim -e --sec 0-1", f415);

@@ -104,11 +104,14 @@ TEST_F(ProtectionTest, DisableAccessProtectionFails) {
 
 TEST_F(ProtectionTest, EnableEraseProgramProtection) {
     // The first four sectors, two to a bit, are protected behind the restart.
-    console.script("TARGET_GetUserSystemData from=2 data=A5FFFFFFFFFFFFFFFCFFFFFF");
+    console.script("TARGET_GetUserSystemData from=2 data=A5FFFFFFFCFFFFFF");
     for (const char *word : {"--eepp", "--ewp"}) {
         const Outcome run = connected(std::string("-p ") + word + " 0-3");
         EXPECT_EQ(run.changes(), Calls{"ZVBL_ERASEPROGRAM_PROTECT count=2 bits=0,1"}) << word << run.text;
-        EXPECT_EQ(run.text.substr(start.size(), 47), "Enable erase and program protection\nRunning...\n") << word;
+        EXPECT_EQ(run.text, start + "Enable erase and program protection\nRunning...\n"
+                                    "Enable erase and program protection successfully!\n")
+            << word;
+        EXPECT_EQ(run.status, 0) << word;
     }
 }
 
@@ -128,6 +131,14 @@ TEST_F(ProtectionTest, RangesThatAreRefused) {
         EXPECT_EQ(run.status, 36) << range;
         EXPECT_TRUE(run.changes().empty()) << range;
     }
+}
+
+// No machine has room for such a list, and no chip the sectors.
+TEST_F(ProtectionTest, RangeThatMakesNoJob) {
+    const Outcome run = connected("-enspim -p --eepp 0-2000000000");
+    EXPECT_EQ(lines(run.text).back(), "bad parameter \"0-2000000000\"");
+    EXPECT_EQ(run.status, 36);
+    EXPECT_TRUE(run.callsOf("ZVBL_ERASEPROGRAM_PROTECT").empty());
 }
 
 TEST_F(ProtectionTest, RangeAtTheEndOfTheLineIsTheFirstSector) {

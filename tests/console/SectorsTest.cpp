@@ -25,10 +25,40 @@ TEST(Sectors, RangeWord) {
 }
 
 TEST(Sectors, OfARange) {
-    EXPECT_EQ(sectorsOf({3, 5}), (QList<int>{3, 4, 5}));
-    EXPECT_EQ(sectorsOf({7, 7}), QList<int>{7});
-    EXPECT_EQ(sectorsOf({0, -1}), QList<int>());
-    EXPECT_EQ(sectorsOf({2147483646, 2147483647}), (QList<int>{2147483646, 2147483647}));
+    FakeLink fake;
+    fake.device.m_haveBank3 = true;
+    const struct {
+        const char *word;
+        QList<int> sectors; // behind a 9 that was there before
+    } table[] = {
+        {"3-5", {9, 3, 4, 5}},
+        {"9-9", {9, 9}}, // doubles stay
+        {"2147483646-2147483647", {9, 2147483646, 2147483647}},
+        // Refused: the list is left alone.
+        {"5-3", {9}},
+        {"-1-2", {9}},
+        {"0-2000000000", {9}},
+        {"0-2147483647", {9}},
+    };
+    for (const auto &row : table) {
+        QList<int> sectors{9};
+        EXPECT_EQ(appendSectors(row.word, &fake.link, sectors), row.sectors.size() > 1) << row.word;
+        EXPECT_EQ(sectors, row.sectors) << row.word;
+    }
+}
+
+// Ranges share one list and its bound, which no device that can be addressed has.
+TEST(Sectors, ListIsBounded) {
+    FakeLink fake;
+    fake.device.m_haveBank3 = true;
+    QList<int> sectors;
+    EXPECT_FALSE(appendSectors("0-1048576", &fake.link, sectors));
+    EXPECT_TRUE(appendSectors("0-1048574", &fake.link, sectors));
+    EXPECT_FALSE(appendSectors("0-1", &fake.link, sectors));
+    EXPECT_TRUE(appendSectors("7-7", &fake.link, sectors));
+    EXPECT_FALSE(appendSectors("7-7", &fake.link, sectors));
+    EXPECT_EQ(sectors.size(), 1 << 20);
+    EXPECT_TRUE(IsSectorsValid(0, 2000000000, &fake.link)); // the test of the numbers has no bound
 }
 
 TEST(Sectors, WithoutALink) {

@@ -73,6 +73,16 @@ TEST_F(UploadTest, WordsThatAreRefused) {
     }
 }
 
+// No machine has room for such a list, and no chip the sectors.
+TEST_F(UploadTest, RangeThatMakesNoJob) {
+    for (const char *line : {"-u --sec 0-2000000000 --fn @/up.bin", "-u --sec 0-9 --sec 0-1048575 --fn @/up.bin"}) {
+        const Outcome run = console.run(std::string("-com --pn ttyS0 -enspim ") + line);
+        EXPECT_EQ(lines(run.text).back().substr(0, 15), "bad parameter \"") << line;
+        EXPECT_EQ(run.status, 4) << line;
+        EXPECT_TRUE(run.callsOf("ZVBL_UPLOAD").empty()) << line;
+    }
+}
+
 // A name of an earlier option is not taken.
 TEST_F(UploadTest, DoesNotShareTheNameOfADownload) {
     console.file("a.hex", "");
