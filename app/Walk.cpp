@@ -111,7 +111,11 @@ int walkCommandLine(int argc, char **argv) {
             man();
             return OP_SUCCESS;
         }
-        status = Is_Option(word) ? runOption(word, line) : refuseWord(line, word);
+        if (!Is_Option(word)) {
+            closeLink(m_obCCom);
+            return refuseWord(line, word);
+        }
+        status = runOption(word, line);
     }
     closeLink(m_obCCom);
     return status;

@@ -110,6 +110,29 @@ TEST_F(WalkTest, BadWordBehindAnActionClosesTheLink) {
     EXPECT_TRUE(run.changes().empty());
 }
 
+// A process that ends while the link closes has said what it says before, and nothing else.
+TEST_F(WalkTest, WordsAndTheClosingOfTheLink) {
+    const struct {
+        const char *rules;
+        const char *line;
+        std::string text;
+    } table[] = {
+        {"Interface_Close nth=2 signal=15", "-dfu foo -e", connectText("DFU")},
+        {"Interface_Close signal=15", "-com --pn ttyS0 -i2c --xyz", connectText("USART") + "I2C Connect......\n"},
+        {"Interface_Close signal=15\nZVBL_Init_BL status=17", "-com --pn ttyS0",
+         "USART Connect......\nUnrecognized device...Please, reset your device then try again \n"},
+        {"Interface_Close signal=15\nZVBL_GET_ID id=FFFF", "-com --pn ttyS0", "USART Connect......\nInit Device Failed!\n"},
+        {"Interface_Close signal=15", "-com --pn ttyS0 -e --sec 3", connectText("USART") + "bad parameter 3\n"},
+    };
+    for (const auto &row : table) {
+        Console fresh;
+        fresh.script(row.rules);
+        const Outcome run = fresh.run(row.line);
+        EXPECT_EQ(run.text, row.text) << row.line;
+        EXPECT_EQ(run.status, 128 + 15) << row.line;
+    }
+}
+
 TEST_F(WalkTest, EmptyWord) {
     const Outcome run = console.runWords({"", "-dfu"});
     EXPECT_EQ(run.text, "bad parameter \n");
