@@ -157,6 +157,9 @@ void Stop() {
 }
 
 bool runJob(CCom *obCCom) {
+    if (jobOf(obCCom) == nullptr) {
+        return false; // nothing would end the wait
+    }
     {
         // Up before the job starts, so that an early end is not overwritten.
         const std::lock_guard<std::mutex> lock(jobMutex);

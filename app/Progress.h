@@ -8,7 +8,8 @@ class CCom;
 
 // Jobs: how they are started and waited for, and what is printed while they run.
 
-// Starts the job that the bootloader control has prepared and waits for its end. True if it succeeded.
+// Starts the job that the bootloader control has prepared and waits for its end. True if there was one and it
+// succeeded.
 bool runJob(CCom *obCCom);
 
 // Installs the callback in the prepared job, if there is one, and starts it. Link and control must exist.

@@ -187,6 +187,7 @@ TEST_F(Progress, StartWithoutAJob) {
     FakeLink fake;
     Start(&fake.link);
     EXPECT_EQ(g_shareParameter.c_obCCom, &fake.link);
+    EXPECT_FALSE(runJob(&fake.link)); // and does not wait
     g_shareParameter.c_obCCom = nullptr;
 }
 
