@@ -100,7 +100,8 @@ bool identify(const LinkCommand &command, CCom *obCCom) {
     if (control->Connect() != 0) {
         return failAndClose(std::string(unrecognizedText) + " ", obCCom);
     }
-    obCCom->SetComTimeOut(g_shareParameter.c_timeout * 1000);
+    // Unsigned, as a number of seconds that is too large has to wrap without a signed overflow.
+    obCCom->SetComTimeOut(static_cast<int>(static_cast<unsigned int>(g_shareParameter.c_timeout) * 1000));
     const CDevice *device = InitDevice(control);
     if (device == nullptr) {
         return failAndClose("Init Device Failed!", obCCom);
@@ -120,7 +121,7 @@ bool connectLine(const LinkCommand &command, int argc, char **argv, int &arg_ind
 // The first device found is the one used.
 bool openFirstDfuDevice(CCom *&obCCom) {
     CComManager comManager;
-    comManager.SetInterfaceType(1);
+    comManager.SetInterfaceType(INTERFACE_USBDFU);
     signed char num = 99;
     std::vector<unsigned short> vidlist(255);
     std::vector<unsigned short> pidlist(255);
@@ -153,7 +154,7 @@ bool DFUConnect(int argc, char **, int &arg_index, CCom *&obCCom) {
     if (arg_index < argc) {
         ++arg_index;
     }
-    g_shareParameter.m_InterfaceType = 1;
+    g_shareParameter.m_InterfaceType = INTERFACE_USBDFU;
     if (!openFirstDfuDevice(obCCom)) {
         return false;
     }

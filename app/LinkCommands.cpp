@@ -45,7 +45,7 @@ int portNumberOf(const std::string &portName) {
 }
 
 const LinkCommand usartCommand = {
-    "USART Connect......", 0, 0, 1000,
+    "USART Connect......", INTERFACE_USART, INTERFACE_USART, 1000,
     {{"--pn", readPort},
      {"--br", [](const std::string &value) { g_shareParameter.c_BaudRate = number(value); }},
      {"--db", [](const std::string &value) { g_shareParameter.c_DataBits = number(value); }},
@@ -59,7 +59,7 @@ const LinkCommand usartCommand = {
     setRecordedLine, setRecordedBootSwitch, [](CBootLoader &) {}};
 
 const LinkCommand i2cCommand = {
-    "I2C Connect......", 2, 2, 5000,
+    "I2C Connect......", INTERFACE_I2C, INTERFACE_I2C, 5000,
     {{"--pn", readPort},
      {"--addr", [](const std::string &value) { g_shareParameter.addr = g_shareParameter.StringToUInt32(value, 16); }},
      {"--rate", [](const std::string &value) { g_shareParameter.rate = static_cast<unsigned int>(number(value)); }},
@@ -70,7 +70,7 @@ const LinkCommand i2cCommand = {
     }};
 
 const LinkCommand canCommand = {
-    "CAN Connect......", 3, 3, 1000,
+    "CAN Connect......", INTERFACE_CAN, INTERFACE_CAN, 1000,
     {{"--pn", readPort},
      {"--speed",
       [](const std::string &value) { g_shareParameter.uiCANSpeed = static_cast<unsigned int>(number(value)); }}},
@@ -78,8 +78,8 @@ const LinkCommand canCommand = {
     [](CBootLoader &control) { control.SetCANSettings(g_shareParameter.uiCANSpeed); }};
 
 const LinkCommand spiCommand = {
-    // MEANT: the shared record holds 3 for SPI as for CAN.
-    "SPI Connect......", 3, 4, 2000,
+    // MEANT: the shared record holds CAN's number for SPI as well.
+    "SPI Connect......", INTERFACE_CAN, INTERFACE_SPI, 2000,
     {{"--pn", readPort},
      {"--speed",
       [](const std::string &value) { g_shareParameter.ulSPISpeed = static_cast<unsigned long>(number(value)); }}},

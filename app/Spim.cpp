@@ -20,7 +20,7 @@ QString valueOf(const SubOptionWalk &walk) {
 }
 
 int setRemap(SubOptionWalk &walk, CCom *&obCCom) {
-    if (obCCom->GetInterfaceType() == 0) {
+    if (obCCom->GetInterfaceType() == INTERFACE_USART) {
         g_shareParameter.c_bRemapFlag = valueOf(walk).toInt() != 0;
         g_shareParameter.c_bNeedRemap = g_shareParameter.c_bRemapFlag;
     }

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr signed char Usart = 0;
-
 struct AutoConnectRow {
     BootOptionLine reset;
     BootOptionLine bootSelection;
@@ -42,7 +40,7 @@ BootOptionState opposite(BootOptionState state) {
 } // namespace
 
 void CCom::SetBootSwitch(BootSwitch emBootSwitch) {
-    if (m_InterfaceType == Usart)
+    if (m_InterfaceType == INTERFACE_USART)
         m_emBootSwitch = emBootSwitch;
 }
 
@@ -55,7 +53,7 @@ void CCom::SetBootOptionIndex(int index) {
 }
 
 bool CCom::SetBootOption() {
-    if (m_InterfaceType != Usart)
+    if (m_InterfaceType != INTERFACE_USART)
         return true;
     const auto index = static_cast<unsigned int>(m_AutoSwitchIndex);
     if (m_emBootSwitch != AUTOMATIC || index >= AutoConnectRows)
@@ -66,7 +64,7 @@ bool CCom::SetBootOption() {
 
 bool CCom::SetBootOption(BootOptionLine Reset, BootOptionLine BL, BootOptionState ResetState,
                          BootOptionState BLState) {
-    if (m_InterfaceType != Usart)
+    if (m_InterfaceType != INTERFACE_USART)
         return true;
     if (Reset == BOOTOPTION_NONE && BL != BOOTOPTION_NONE)
         return false;

@@ -4,12 +4,6 @@
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
 
-namespace {
-
-constexpr signed char UsbDfu = 1;
-
-} // namespace
-
 CCom::CCom() {
     InitSetting();
 }
@@ -17,7 +11,7 @@ CCom::CCom() {
 CCom::CCom(int iPortNum, char typev, const char *strPortName) {
     InitSetting();
     m_InterfaceType = typev;
-    if (m_InterfaceType == UsbDfu) {
+    if (m_InterfaceType == INTERFACE_USBDFU) {
         m_iPortNum = iPortNum - 1;
         m_handle = reinterpret_cast<HANDLE>(static_cast<qintptr>(m_iPortNum));
         return;
@@ -85,27 +79,28 @@ void CCom::InitSetting() {
 }
 
 void CCom::InitSupportSpeedInBaud() {
-    if (m_InterfaceType == 0)
+    if (m_InterfaceType == INTERFACE_USART)
         m_lsSupSpeedInBaud = {1200, 2400, 4800, 9600, 14400, 19200, 38400, 56000, 57600, 115200, 128000, 256000};
 }
 
 void CCom::InitSupportBit() {
-    if (m_InterfaceType == 0)
+    if (m_InterfaceType == INTERFACE_USART)
         m_lsSupiBit = {8};
 }
 
 void CCom::InitSupportParity() {
-    if (m_InterfaceType == 0)
+    if (m_InterfaceType == INTERFACE_USART)
         m_lsSupParity = {0, 1, 2};
 }
 
 void CCom::InitSupportTimeOut() {
-    if (m_InterfaceType == 0)
+    if (m_InterfaceType == INTERFACE_USART)
         m_lsSupiTimeOut = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 20, 30, 40, 50, 60, 70, 80, 90, 120};
 }
 
 bool CCom::hasLineSettings() const {
-    return m_InterfaceType == 0 || m_InterfaceType == 2 || m_InterfaceType == 3 || m_InterfaceType == 4;
+    return m_InterfaceType == INTERFACE_USART || m_InterfaceType == INTERFACE_I2C ||
+           m_InterfaceType == INTERFACE_CAN || m_InterfaceType == INTERFACE_SPI;
 }
 
 int CCom::SetSettings(int speedInBaud, int nbBit, int parity) {

@@ -8,8 +8,15 @@
 
 class CBootLoader;
 
+// Interface types.
+constexpr signed char INTERFACE_USART = 0;
+constexpr signed char INTERFACE_USBDFU = 1;
+constexpr signed char INTERFACE_I2C = 2;
+constexpr signed char INTERFACE_CAN = 3;
+constexpr signed char INTERFACE_SPI = 4;
+
 // One link to a target: its port, its line settings and the handle of the bootloader library.
-// Interface types: 0 USART, 1 USB DFU, 2 I2C, 3 CAN, 4 SPI. Every int result is a CResult code.
+// Every int result is a CResult code.
 // A link is used by one thread at a time.
 class CCom {
 public:
@@ -30,7 +37,7 @@ public:
     bool m_isIniting = false;
     BootSwitch m_emBootSwitch = MANUAL;
     int m_AutoSwitchIndex = 0; // row of the auto-connect table, 0 to 12
-    signed char m_InterfaceType = 0;
+    signed char m_InterfaceType = INTERFACE_USART;
 
     // A closed link with the default settings.
     CCom();
@@ -90,7 +97,7 @@ private:
 class CComManager {
 public:
     int m_nDefPortNums = 1024;
-    signed char m_InterfaceType = 0;
+    signed char m_InterfaceType = INTERFACE_USART;
 
     CComManager() = default;
     ~CComManager() = default;

@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr char UsbDfu = 1;
 constexpr signed char MostDevices = 99;
 
 } // namespace
@@ -18,7 +17,7 @@ QList<CCom> CComManager::getCom(int nPortNum) {
     if (nPortNum != -1)
         m_nDefPortNums = nPortNum;
     QList<CCom> links;
-    if (m_InterfaceType == 0)
+    if (m_InterfaceType == INTERFACE_USART)
         return links;
     for (int port = 1; port <= m_nDefPortNums; ++port)
         links.append(CCom(port, static_cast<char>(m_InterfaceType), nullptr));
@@ -26,7 +25,7 @@ QList<CCom> CComManager::getCom(int nPortNum) {
 }
 
 bool CComManager::IsCanbeOpen(int iPortNum) {
-    if (m_InterfaceType != 0)
+    if (m_InterfaceType != INTERFACE_USART)
         return true;
     HANDLE handle = nullptr;
     SetCOMSettings(&handle, iPortNum, nullptr, 115200, 8, 2, 1.0F);
@@ -39,10 +38,10 @@ bool CComManager::IsCanbeOpen(int iPortNum) {
 }
 
 bool CComManager::InitZVDFUDeviceList() {
-    if (g_shareParameter.m_InterfaceType != UsbDfu)
+    if (g_shareParameter.m_InterfaceType != INTERFACE_USBDFU)
         return true;
     CComManager manager;
-    manager.SetInterfaceType(UsbDfu);
+    manager.SetInterfaceType(INTERFACE_USBDFU);
     signed char count = MostDevices;
     unsigned short vendorIds[255] = {};
     unsigned short productIds[255] = {};

@@ -13,7 +13,6 @@ constexpr BYTE DefaultSeries = 2; // of the chips with the short identifier
 constexpr BYTE ShortIdentifier = 2;
 constexpr BYTE LongIdentifier = 5;
 constexpr int StatusReadFail = 5;
-constexpr int StatusUnknownDevice = 18;
 constexpr int StatusBadArgument = 33;
 
 constexpr unsigned int BlockIdentifierAddress = 0x1FFFB100;
@@ -88,7 +87,7 @@ int CBootLoader::InitDevice() {
         return result;
     m_ObDevice = m_pDeviceManager.GetDevice(pid, series, flashSize);
     if (m_ObDevice == nullptr)
-        return CResult::Convert(StatusUnknownDevice);
+        return CResult::SYS_UNREOGNIZED_DEVICE;
     SetComPaketSize(m_ObDevice->m_CMapping->GetPacketSize());
     std::string version;
     std::string bid;

@@ -13,7 +13,6 @@ constexpr BYTE AccessProtectionOff = 0xA5;
 constexpr int FirstSpimSector = 32768;
 constexpr uint MassEraseMilliseconds = 100000;
 constexpr uint UsualMilliseconds = 5000;
-constexpr int StatusUnknownDevice = 18;
 
 // A chip that answers and says no is protected; a chip that does not answer may be anything.
 bool isRefusal(int result) {
@@ -64,7 +63,7 @@ int CBootLoader::probeFlashSizeRegister() {
         return result;
     const uint address = m_pDeviceManager.GetFlashSizeAddress(pid, series, flashSize);
     if (address == 0)
-        return CResult::Convert(StatusUnknownDevice);
+        return CResult::SYS_UNREOGNIZED_DEVICE;
     int kilobytes = 0;
     return GetFlashSize(address, kilobytes);
 }

@@ -139,6 +139,9 @@ TEST_F(ConnectTest, ValuesOfSubOptions) {
         {"-com --pr mark", "SetCOMSettings port=1 name=\"\" baud=115200 bits=8 parity=2 stop=1.0"},
         {"-com --br fast", "SetCOMSettings port=1 name=\"\" baud=0 bits=8 parity=2 stop=1.0"},
         {"-com --to 12", "SetTimeOut ms=12000"},
+        {"-com --to 2147484", "SetTimeOut ms=2147484000"}, // does not fit into an int
+        {"-com --to -1", "SetTimeOut ms=4294966296"},
+        {"-com --to soon", "SetTimeOut ms=0"},
         // The value of a sub-option is taken whatever it is.
         {"-com --pn -e", "SetCOMSettings port=0 name=\"-e\" baud=115200 bits=8 parity=2 stop=1.0"},
         {"-i2c --addr 3C", "ZVBL_Init_BL addr=3C rate=0 duty=0"},
