@@ -3,6 +3,7 @@
 #include "Console.h"
 
 #include <algorithm>
+#include <fstream>
 
 namespace {
 
@@ -310,12 +311,35 @@ TEST_F(ConnectTest, UnknownChip) {
 }
 
 TEST_F(ConnectTest, NoDfuDevice) {
-    for (const char *rule : {"ZVBL_GetZVDeviceList status=1", "ZVBL_GetZVDeviceList status=0 count=0"}) {
+    for (const char *rule : {"ZVBL_GetZVDeviceList status=1", "ZVBL_GetZVDeviceList status=0 count=0",
+                             "ZVBL_GetZVDeviceList count=-1"}) {
         console.script(rule);
         const Outcome run = console.run("-dfu");
         EXPECT_EQ(run.text, "DFU Connect......\nUnable to get DFU device\n") << rule;
         EXPECT_EQ(run.status, 2) << rule;
         EXPECT_TRUE(run.callsOf("Interface_Open").empty()) << rule;
+    }
+}
+
+TEST_F(ConnectTest, FirstDfuDeviceOfSeveral) {
+    console.script("ZVBL_GetZVDeviceList count=3");
+    EXPECT_EQ(console.run("-dfu").status, 0);
+    std::ifstream log(console.path("calls"));
+    int opened = 0;
+    for (std::string call; std::getline(log, call);) {
+        opened += call == "Interface_Open h=0";
+        EXPECT_EQ(call.find("h=1"), std::string::npos) << call;
+        EXPECT_EQ(call.find("h=2"), std::string::npos) << call;
+    }
+    EXPECT_EQ(opened, 1);
+}
+
+// Behind a restart of the chip a USB DFU link is looked for in the device list, the others are not.
+TEST_F(ConnectTest, DeviceListBehindARestart) {
+    for (const char *link : {"-com", "-i2c", "-can", "-spi", "-dfu"}) {
+        const Outcome run = console.run(std::string(link) + " -usd --set --fn @/a.bin");
+        EXPECT_EQ(run.status, 0) << link;
+        EXPECT_EQ(run.callsOf("ZVBL_GetZVDeviceList").size(), link == std::string("-dfu") ? 2U : 0U) << link;
     }
 }
 

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "FakeLink.h"
+#include "app/Connect.h"
+#include "foundation/ShareParameter.h"
+
 namespace {
 
 TEST(LinkCommands, InterfaceTypes) {
@@ -14,6 +18,38 @@ TEST(LinkCommands, InterfaceTypes) {
         EXPECT_EQ(row.command.recordType, row.record) << row.command.firstLine;
         EXPECT_EQ(row.command.type, row.link) << row.command.firstLine;
     }
+}
+
+// The type is recorded ahead of the sub-options, so a refused word comes behind it; values read by then stay.
+TEST(LinkCommands, RecordTheTypeAndTheValues) {
+    const struct {
+        const char *line;
+        bool (*connect)(int, char **, int &, CCom *&);
+        int type;
+    } table[] = {{"-com --pn x7 bad", USARTConnect, 0},
+                 {"-i2c --pn x7 bad", I2CConnect, 2},
+                 {"-can --pn x7 bad", CANConnect, 3},
+                 {"-spi --pn x7 bad", SPIConnect, 3}};
+    for (const auto &row : table) {
+        g_shareParameter = ShareParameter();
+        g_shareParameter.m_InterfaceType = 9;
+        Line line(row.line);
+        int index = 0;
+        CCom *link = nullptr;
+        testing::internal::CaptureStdout();
+        EXPECT_FALSE(row.connect(line.argc(), line.argv(), index, link)) << row.line;
+        testing::internal::GetCapturedStdout();
+        EXPECT_EQ(g_shareParameter.m_InterfaceType, row.type) << row.line;
+        EXPECT_EQ(g_shareParameter.c_portNumber, 7) << row.line;
+        EXPECT_EQ(g_shareParameter.str_portName, "x7") << row.line;
+        EXPECT_EQ(index, 3) << row.line;
+        EXPECT_EQ(link, nullptr) << row.line;
+    }
+    g_shareParameter = ShareParameter();
+}
+
+TEST(LinkCommands, NothingToIdentify) {
+    EXPECT_EQ(InitDevice(nullptr), nullptr);
 }
 
 TEST(LinkCommands, PortNumber) {
