@@ -25,8 +25,9 @@ TEST(DownloadCheck, WithoutADevice) {
     EXPECT_EQ(checkText(path, control), "Error:  Device operation failed\n");
     unlink(path);
     // The file is looked for first.
-    EXPECT_EQ(checkText(path, control), std::string("Error:  Please select download file! File Name is ") + path + "\n");
-    EXPECT_EQ(checkText("", control), "Error:  Please select download file! File Name is \n");
+    const std::string noFile = "Error:  Please select download file! File Name is ";
+    EXPECT_EQ(checkText(path, control), noFile + path + "\n");
+    EXPECT_EQ(checkText("", control), noFile + "\n");
 }
 
 } // namespace
