@@ -95,6 +95,12 @@ TEST_F(DownloadSectorsTest, AnElementThatTheOffsetDoesNotLeadToSpimCountsWithout
               (List{32768, 1}));
 }
 
+TEST_F(DownloadSectorsTest, TheLastAddressOfFlashIsNotSpim) {
+    EXPECT_EQ(sectors(f413, "element address=08000000 length=16\nelement address=07FFFFFF length=1", {"a.bin"},
+                      {0x08400000}),
+              (List{32768, -1}));
+}
+
 TEST_F(DownloadSectorsTest, BinaryInSpimAddsWithoutWrap) {
     // The offset is 0x00400000 below the first element, so 2^32 less it; the sum keeps its upper bits.
     EXPECT_EQ(sectors(f413, "element address=08800000 length=16\nelement address=08801000 length=16", {"a.bin"},

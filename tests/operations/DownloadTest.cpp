@@ -205,6 +205,37 @@ TEST_F(DownloadTest, SeveralFilesOneAfterTheOther) {
                      "INIT Verify------(b.hex)", "ACTION 0", "ACTION 100", "ACTION 100", "ACTION 100", "DONE"}));
 }
 
+TEST_F(DownloadTest, TheEventsTellWhichFileAndHowMuchOfIt) {
+    connect(f413);
+    image(threeElements);
+    std::vector<std::pair<std::string, uint>> files;
+    std::vector<uint> bytes;
+    onEvent = [&](InfoType type) {
+        auto &job = static_cast<CDownload &>(*bootLoader().m_ObOperation);
+        if (type == INFO_TYPE_INIT && lastInit.m_emType == OP_DOWNLOAD) {
+            files.emplace_back(lastInit.m_strFilePath, lastInit.m_uiFileSize);
+            job.m_lsProgramFile.at(1)->m_UiFileSize = 12288;
+        } else if (type == INFO_TYPE_ACTION && !files.empty()) {
+            bytes.push_back(job.m_ActionInfo.m_uiFileStatus);
+        }
+    };
+    EXPECT_EQ(download({"a.hex", "b.hex"}), 0);
+    EXPECT_EQ(files, (std::vector<std::pair<std::string, uint>>{{path("a.hex"), 6144}, {path("b.hex"), 12288}}));
+    EXPECT_EQ(bytes, (std::vector<uint>{0, 2048, 4096, 6144, 2048, 4096, 6144, 6144}));
+    EXPECT_EQ(events[events.size() - 2], "ACTION 50") << "percent goes by the size of the file";
+}
+
+TEST_F(DownloadTest, TheSecondOfEachPairOfFamiliesDoesAsTheFirst) {
+    connect(f435).m_ObDevice->m_StrSerial = "0E";
+    image("element address=08000000 length=4096");
+    EXPECT_EQ(download({"a.hex"}), CResult::UNKNOWN_ERROR) << "ZV32F437 needs an erase before";
+    EXPECT_EQ(calls({"ZVBL_ERASE"}), Lines());
+    connect(f403_1).m_ObDevice->m_StrSerial = "02";
+    image(oneSmall);
+    EXPECT_EQ(download({"a.hex"}), 0);
+    EXPECT_EQ(calls({"ZVBL_GO"}).size(), 1u) << "ZV32F403_2 restarts";
+}
+
 TEST_F(DownloadTest, TheFirstFamiliesRestartInFrontOfTheVerify) {
     connect(f403_1);
     image(oneSmall);

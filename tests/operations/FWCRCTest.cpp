@@ -51,6 +51,16 @@ TEST_F(FWCRCTest, ASecondPathWithoutSlashGoesRoundUntilCancelled) {
     EXPECT_EQ(events.back(), "CANCEL");
 }
 
+TEST_F(FWCRCTest, NothingIsLeftOutOfTheFiles) {
+    connect(f413);
+    setenv("FILES_DOUBLE_LOG", path("files.log").c_str(), 1);
+    EXPECT_EQ(check({path("a.hex")}), 0);
+    unsetenv("FILES_DOUBLE_LOG");
+    std::stringstream log;
+    log << std::ifstream(path("files.log")).rdbuf();
+    EXPECT_NE(log.str().find("operation=2 optimise=0"), std::string::npos) << log.str();
+}
+
 TEST_F(FWCRCTest, AnEmptyFileIsRefused) {
     connect(f413);
     image("no-elements");

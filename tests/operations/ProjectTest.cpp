@@ -78,6 +78,38 @@ TEST_F(ProjectTest, OnlyItsOwnTitlesReachTheListener) {
     EXPECT_EQ(job().m_obVerify->m_lpFunc, nullptr);
 }
 
+TEST_F(ProjectTest, TheEventsTellWhichFileAndHowMuchOfIt) {
+    connect(f413);
+    Lines files;
+    std::vector<uint> bytes;
+    onEvent = [&](InfoType type) {
+        if (type == INFO_TYPE_INIT) {
+            files.push_back(lastInit.m_strFilePath + " " + std::to_string(lastInit.m_uiFileSize));
+        } else if (type == INFO_TYPE_ACTION) {
+            bytes.push_back(job().m_ActionInfo.m_uiFileStatus);
+        }
+    };
+    EXPECT_EQ(download({file({part(0x08000000, 1040)}), file({part(0x08000800, 16)}, "S19")}), 0);
+    EXPECT_EQ(files, (Lines{"/project/HEX 1040", "/project/S19 16"}));
+    EXPECT_EQ(bytes, (std::vector<uint>{0, 1024, 1040, 16, 16}));
+}
+
+TEST_F(ProjectTest, AVerifyReportsAsADownloadDoes) {
+    connect(f413);
+    CVerifyProject verify(&bootLoader());
+    verify.SetSubOperation(true);
+    verify.SetVerifyFile(file({part(0x08000000, 2048), part(0x08001000, 2048)}));
+    listen(verify);
+    EXPECT_EQ(verify.Start(), 0);
+    EXPECT_EQ(events, (Lines{"INIT Verify------(HEX)", "ACTION 0", "ACTION 25", "ACTION 50", "ACTION 75", "ACTION 100",
+                             "ACTION 100"}));
+    EXPECT_EQ(lastInit.m_strFilePath, "/project/HEX");
+    EXPECT_EQ(lastInit.m_uiFileSize, 4096u);
+    EXPECT_EQ(lastInit.m_emType, OP_VERIFY);
+    EXPECT_EQ(verify.m_ActionInfo.m_uiFileStatus, 4096u);
+    EXPECT_EQ(calls({"ZVBL_VERIFY"}).size(), 4u);
+}
+
 TEST_F(ProjectTest, Chunks) {
     connect(f413);
     const struct {
@@ -113,6 +145,7 @@ TEST_F(ProjectTest, PartsToSectors) {
     EXPECT_EQ(sectors({part(0x08000000 + 2048 - 16, 32)}), (List{0, 1})) << "across a border";
     EXPECT_EQ(sectors({part(0x08000800, 2048)}), List{1});
     EXPECT_EQ(sectors({part(0x08000800, 2049)}), (List{1, 2}));
+    EXPECT_EQ(sectors({part(0x08400000, 16)}), List{32768});
     EXPECT_EQ(sectors({part(0x08401000, 4097)}), (List{32769, 32770}));
     EXPECT_EQ(sectors({part(0x1FFFFFF0, 16)}).size(), 1) << "the last below RAM";
     EXPECT_EQ(sectors({part(0x20000000, 16)}), List());

@@ -35,6 +35,7 @@ TEST_F(UploadTest, OneElementAStepAndTheFileLast) {
     EXPECT_EQ(events, (Lines{"INIT Upload", "ACTION 0", "ACTION 33", "ACTION 66", "ACTION 100", "ACTION 100", "DONE"}));
     EXPECT_EQ(lastInit.m_strFilePath, path("up.bin"));
     EXPECT_EQ(lastInit.m_uiFileSize, 6144u);
+    EXPECT_EQ(bootLoader().m_ObOperation->m_ActionInfo.m_uiFileStatus, 6144u);
     const Lines stored = filesCalls("FILES_SetImageElement");
     ASSERT_EQ(stored.size(), 3u);
     EXPECT_NE(stored[1].find("index=1 insert=1 address=08001000 length=2048 data=5A5A5A5A"), std::string::npos)
