@@ -106,7 +106,7 @@ unsigned int FILES_DestroyImage(HANDLE *image) {
     const std::lock_guard<std::mutex> lock(mutex);
     const std::string call = "FILES_DestroyImage" + imageText(*image);
     delete imageOf(*image);
-    *image = nullptr;
+    // The handle stays: a library that does not null it must not be destroyed with twice.
     return done(call, answer("FILES_DestroyImage", success));
 }
 
