@@ -1,5 +1,7 @@
 // The chip's checksum of its sectors against one of another program.
 
+#include <algorithm>
+
 #include "tests/integration/LibraryTest.h"
 
 class ChecksumTest : public LibraryTest {
@@ -26,11 +28,9 @@ TEST_F(ChecksumTest, OfMainFlash) {
     EXPECT_EQ(write(flashBase + 5 * 2048, image), done);
     EXPECT_EQ(crc(flashBase + 5 * 2048, 4), witnessCrc(filledUp(image, 4 * 2048))) << "blank cells count";
     EXPECT_EQ(crc(flashBase + 5 * 2048, 1), witnessCrc(Bytes(image.begin(), image.begin() + 2048)));
-    EXPECT_EQ(crc(flashBase, 512), witnessCrc([&] {
-        Bytes whole(5 * 2048, 0xFF);
-        whole.insert(whole.end(), image.begin(), image.end());
-        return filledUp(whole, 1024 * 1024);
-    }())) << "all of it";
+    Bytes whole(1024 * 1024, 0xFF);
+    std::copy(image.begin(), image.end(), whole.begin() + 5 * 2048);
+    EXPECT_EQ(crc(flashBase, 512), witnessCrc(whole));
 }
 
 TEST_F(ChecksumTest, SectorsAreOfTheChipsOwnSize) {
