@@ -5,18 +5,23 @@
 #include "libs/zvbl/wire/Wire.h"
 #include "sim/Crc32.h"
 
+#include <algorithm>
+
 namespace sim {
 
 namespace {
 
-// Bank 2 begins here; on a flash above the limit, at the later place.
+// Bank 2 begins here; on a flash above one of the larger limits, at that limit.
 constexpr unsigned bankTwoKb = 512;
-constexpr unsigned largeFlashKb = 1024;
-constexpr unsigned bankTwoOfLargeKb = 2048;
+constexpr unsigned largerLimitsKb[] = {2048, 1024};
 
 unsigned bankOneKb(const ChipFacts &chip) {
-    const unsigned border = chip.flashKb > largeFlashKb ? bankTwoOfLargeKb : bankTwoKb;
-    return chip.flashKb < border ? chip.flashKb : border;
+    for (const unsigned limit : largerLimitsKb) {
+        if (chip.flashKb > limit) {
+            return limit;
+        }
+    }
+    return std::min(chip.flashKb, bankTwoKb);
 }
 
 } // namespace

@@ -4,9 +4,11 @@
 
 #include <QDir>
 #include <QRegularExpression>
+#include <algorithm>
 #include <filesystem>
 
 #include "device/Device.h"
+#include "foundation/ShareParameter.h"
 
 namespace {
 
@@ -48,6 +50,40 @@ TEST_F(MapFiles, EveryPidFindsItsOwnFile) {
             ASSERT_NE(device, nullptr) << map.target.toStdString();
             EXPECT_EQ(device->m_StrName, map.name.toStdString()) << pid.toStdString();
             EXPECT_EQ(device->m_StrTarget, map.target.toStdString());
+        }
+    }
+}
+
+const MCUSERIALS Families[] = {
+    ZV32F403_1, ZV32F403_2, ZV32F413,  ZV32F415,  ZV32F403A, ZV32F407, ZV32F421, ZV32F435, ZV32F437,
+    ZV32F425,   ZV32L021,   ZV32WB415, ZV32F423,  ZV32F405,  ZV32F402, ZV32F455, ZV32F456, ZV32F457,
+    ZV32A403A,  ZV32M412,   ZV32M416,  ZV32G412,  ZV32A423,  ZV32F490, ZV32F422, ZV32F426};
+
+TEST_F(MapFiles, EveryFamilyHasOneToFourAndNoOtherHasAny) {
+    const std::vector<Shipped> maps = shippedMaps();
+    std::size_t found = 0;
+    for (const MCUSERIALS family : Families) {
+        const QString serial = QString("%1").arg(static_cast<int>(family), 2, 16, QChar('0')).toUpper();
+        const auto count =
+            std::count_if(maps.begin(), maps.end(), [&](const Shipped &map) { return map.serial == serial; });
+        EXPECT_GE(count, 1) << serial.toStdString();
+        EXPECT_LE(count, 4) << serial.toStdString();
+        found += static_cast<std::size_t>(count);
+    }
+    EXPECT_EQ(found, maps.size());
+}
+
+// A chip is looked for by PID and series, both as a part of the map's text.
+TEST_F(MapFiles, NoPidAndSeriesFitsTwoMaps) {
+    const std::vector<Shipped> maps = shippedMaps();
+    for (const Shipped &chip : maps) {
+        for (const QString &pid : chip.pids) {
+            EXPECT_EQ(std::count_if(maps.begin(), maps.end(),
+                                    [&](const Shipped &map) {
+                                        return map.pids.join(' ').contains(pid) && map.serial.contains(chip.serial);
+                                    }),
+                      1)
+                << chip.target.toStdString();
         }
     }
 }

@@ -71,6 +71,29 @@ TEST(ChipTable, namesAndIdentifiersAreUnlike) {
     EXPECT_EQ(findChip(""), nullptr);
 }
 
+// Sizes of one family differ in memory, not in what they can do.
+TEST(ChipTable, familiesAreAlike) {
+    const auto family = [](const ChipFacts &chip) { return chip.name.substr(0, chip.name.rfind('_')); };
+    for (const ChipFacts &one : chipTable()) {
+        for (const ChipFacts &other : chipTable()) {
+            ASSERT_EQ(family(one) == family(other), one.series == other.series) << one.name << " " << other.name;
+            if (one.series == other.series) {
+                EXPECT_EQ(one.layout, other.layout) << one.name;
+                EXPECT_EQ(one.spim, other.spim) << one.name;
+                EXPECT_EQ(one.levels, other.levels) << one.name;
+                EXPECT_EQ(one.goToEndResets, other.goToEndResets) << one.name;
+                EXPECT_EQ(one.otpAddress, other.otpAddress) << one.name;
+                EXPECT_EQ(one.otpLength, other.otpLength) << one.name;
+            }
+        }
+    }
+}
+
+// The short identifier does not carry the series: clients take it for series 2.
+TEST_P(EveryChip, shortIdentifiersAreOfSeriesTwo) {
+    EXPECT_TRUE(chip().idLength == 5 || (chip().idLength == 2 && chip().series == 2 && chip().pid <= 0xFFFF));
+}
+
 TEST(ChipTable, uniqueIdIsTwelveBytesAndNotBlank) {
     Rig one("ZV32F403A_1024K");
     Rig other("ZV32F407_512K");

@@ -56,6 +56,14 @@ const sim::Vector erasing[] = {
         H: FF FD 02
         C: 79
     )" READS("08 00 00 00 08", "01 02 03 04") READS("08 08 00 00 00", "FF FF FF FF")},
+    {"bank_2_of_more_than_1_mb_begins_there", "ZV32F435_1984K",
+     SYNC WRITE_WORD("08 08 00 00 00") WRITE_WORD("08 0F FF FC 04") WRITE_WORD("08 10 00 00 18") R"(
+        H: 44 BB
+        C: 79
+        H: FF FD 02
+        C: 79
+    )" READS("08 08 00 00 00", "01 02 03 04") READS("08 0F FF FC 04", "01 02 03 04")
+         READS("08 10 00 00 18", "FF FF FF FF")},
     {"bank_2_of_a_large_flash_begins_at_2_mb", "ZV32F437_4032K",
      SYNC WRITE_WORD("08 08 00 00 00") WRITE_WORD("08 1F FF FC 14") WRITE_WORD("08 20 00 00 28") R"(
         H: 44 BB
