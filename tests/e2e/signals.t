@@ -4,6 +4,7 @@ A signal in the middle of an upload ends the console as it ends any program, and
   $ chip_on ZV32F403A_1024K --baud-pace
   $ echo old > keep.bin
   $ for signal in INT TERM KILL; do
+  >     rm -f out
   >     env --default-signal=INT ZV32_ISP_Console \
   >         -com --pn $PWD/port --br 1000000 -u --sec 0-255 --fn $PWD/keep.bin >out &
   >     console=$!
