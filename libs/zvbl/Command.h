@@ -13,8 +13,9 @@ using Bytes = std::vector<std::uint8_t>;
 enum class Check { sum, complement };
 
 struct Group {
-    Bytes bytes; // without the check byte
+    Bytes bytes; // without the count and the check byte
     Check check = Check::sum;
+    bool counted = false; // a count byte goes in front: of the bytes; in a group without any, of those asked for
 };
 
 // What the chip sends behind its last ACK.

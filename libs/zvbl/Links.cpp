@@ -6,7 +6,7 @@
 namespace zvbl {
 namespace {
 
-LinkParts makeUsart(const Timing &timing, Trace &trace) {
+LinkParts makeUsart(const LinkSettings &, const Timing &timing, Trace &trace) {
     auto port = std::make_unique<SerialPort>(trace);
     auto framing = std::make_unique<UsartFraming>(*port, timing, trace);
     return {std::move(port), std::move(framing)};

@@ -11,6 +11,9 @@ namespace zvbl {
 
 constexpr std::uint8_t linkUsart = 0;
 constexpr std::uint8_t linkUsbDfu = 1;
+constexpr std::uint8_t linkI2c = 2;
+constexpr std::uint8_t linkCan = 3;
+constexpr std::uint8_t linkSpi = 4;
 
 // The two halves of an open link. The framing uses the transport, so it goes first.
 struct LinkParts {
@@ -22,7 +25,7 @@ struct LinkParts {
 struct LinkKind {
     std::uint8_t type; // as TARGET_SetComIntType takes it
     bool (*accepts)(const LinkSettings &settings);
-    LinkParts (*make)(const Timing &timing, Trace &trace);
+    LinkParts (*make)(const LinkSettings &settings, const Timing &timing, Trace &trace);
 };
 
 // The row of a link type, null if this library has no such link.

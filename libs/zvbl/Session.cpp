@@ -38,7 +38,7 @@ Status Session::open() {
     if (!m_kind->accepts(m_settings))
         return Status::badArgument;
     m_trace = std::make_unique<Trace>(m_settings.portName);
-    LinkParts parts = m_kind->make(timing(), *m_trace);
+    LinkParts parts = m_kind->make(m_settings, timing(), *m_trace);
     if (const Status status = parts.transport->open(m_settings); status != Status::ok)
         return status;
     m_parts = std::move(parts);

@@ -86,6 +86,7 @@ private:
     Status exchange(const Command &command, Bytes &reply, Tries tries);
     Status command(const Command &command, Tries tries);
     Status transfer(const Command &command, Bytes &reply);
+    std::size_t packetSize() const { return m_parts.framing->packetSize(m_packetSize); }
     Status writePacket(Block block, bool more);
     Status compare(const Packet &packet, const std::uint8_t *data);
 

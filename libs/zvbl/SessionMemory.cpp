@@ -46,7 +46,7 @@ Cells judgeCells(Block &block, const Bytes &now) {
 
 Command readCommand(std::uint32_t address, std::size_t length) {
     Command read{wire::opRead};
-    read.groups = {addressGroup(address), {{static_cast<std::uint8_t>(length - 1)}, Check::complement}};
+    read.groups = {addressGroup(address), {{}, Check::complement, true}};
     read.reply.size = length;
     read.packet = true;
     return read;
@@ -54,9 +54,7 @@ Command readCommand(std::uint32_t address, std::size_t length) {
 
 Command writeCommand(const Block &block) {
     Command write{wire::opWrite};
-    Bytes data{static_cast<std::uint8_t>(block.data.size() - 1)};
-    data.insert(data.end(), block.data.begin(), block.data.end());
-    write.groups = {addressGroup(block.address), {std::move(data), Check::sum}};
+    write.groups = {addressGroup(block.address), {block.data, Check::sum, true}};
     write.packet = true;
     return write;
 }
@@ -66,7 +64,7 @@ Command writeCommand(const Block &block) {
 Status Session::upload(std::uint32_t address, std::uint8_t *data, std::size_t length) {
     if (!isOpen())
         return Status::notOpen;
-    for (const Packet &packet : cutIntoPackets(address, length, m_packetSize)) {
+    for (const Packet &packet : cutIntoPackets(address, length, packetSize())) {
         Bytes bytes;
         const Status status = exchange(readCommand(packet.address, packet.length), bytes, Tries::thrice);
         if (status != Status::ok)
@@ -79,7 +77,7 @@ Status Session::upload(std::uint32_t address, std::uint8_t *data, std::size_t le
 Status Session::download(std::uint32_t address, const std::uint8_t *data, std::size_t length, bool optimise) {
     if (!isOpen())
         return Status::notOpen;
-    const std::vector<Packet> packets = packetsOf(address, data, length, m_packetSize, optimise);
+    const std::vector<Packet> packets = packetsOf(address, data, length, packetSize(), optimise);
     for (const Packet &packet : packets) {
         const bool more = &packet != &packets.back();
         if (const Status status = writePacket(fillUp(packet, data), more); status != Status::ok)
@@ -114,7 +112,7 @@ Status Session::writePacket(Block block, bool more) {
 Status Session::verify(std::uint32_t address, const std::uint8_t *data, std::size_t length, bool optimise) {
     if (!isOpen())
         return Status::notOpen;
-    for (const Packet &packet : packetsOf(address, data, length, m_packetSize, optimise)) {
+    for (const Packet &packet : packetsOf(address, data, length, packetSize(), optimise)) {
         Status status = compare(packet, data + packet.offset);
         if (status == Status::differs)
             status = compare(packet, data + packet.offset); // a reply has no checksum: it may have been the line

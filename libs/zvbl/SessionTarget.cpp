@@ -8,10 +8,7 @@ namespace zvbl {
 namespace {
 
 Group numbers(const std::uint8_t *bytes, std::size_t count) {
-    Group group{std::vector<std::uint8_t>(1 + count), Check::sum};
-    group.bytes[0] = static_cast<std::uint8_t>(count - 1);
-    std::copy_n(bytes, count, group.bytes.begin() + 1);
-    return group;
+    return {Bytes(bytes, bytes + count), Check::sum, true};
 }
 
 Group number16(std::uint16_t value) {

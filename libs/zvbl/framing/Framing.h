@@ -27,6 +27,9 @@ public:
     // Sets the speed of the bus; refusedCommand on a link that has none to set.
     virtual Status setSpeed(unsigned long speed) = 0;
 
+    // The longest READ and WRITE; `wished` is what the user of the link asks for.
+    virtual std::size_t packetSize(std::size_t wished) const { return wished; }
+
     // Carries one command out, once. Every exchange with the chip but the start goes through here. The
     // reply comes without its count and its end. The timeout is that of each single wait.
     virtual Status transfer(const Command &command, Bytes &reply, Duration timeout) = 0;

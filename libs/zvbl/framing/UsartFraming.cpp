@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "libs/zvbl/framing/Groups.h"
+
 namespace zvbl {
 namespace {
 
@@ -11,15 +13,6 @@ constexpr double silentCharacters = 1.5;
 constexpr std::size_t telling = 16;
 // A host that was held up longer than this part of the frame limit does not go on with a command.
 constexpr double safePart = 0.8;
-
-Bytes onTheLine(const Group &group) {
-    Bytes bytes = group.bytes;
-    std::uint8_t sum = group.check == Check::complement ? 0xFF : 0;
-    for (const std::uint8_t byte : group.bytes)
-        sum ^= byte;
-    bytes.push_back(sum);
-    return bytes;
-}
 
 Duration part(Duration time, double factor) {
     return Duration(static_cast<Duration::rep>(static_cast<double>(time.count()) * factor));
@@ -55,12 +48,12 @@ Status UsartFraming::transfer(const Command &command, Bytes &reply, Duration tim
 Status UsartFraming::carry(const Command &command, Bytes &reply) {
     // What follows a packet's answers shows in its last group or reply; other commands can wait and see.
     const double pause = command.packet ? 0 : silentCharacters;
-    Status status = ask({{command.opcode}, Check::complement}, Status::refusedCommand);
+    Status status = ask(encodeOpcode(command.opcode), Status::refusedCommand);
     for (const Group &group : command.groups) {
         if (status == Status::ok)
             status = expectSilence(pause);
         if (status == Status::ok)
-            status = isHeldUp() ? Status::noAnswer : ask(group, Status::refused);
+            status = isHeldUp() ? Status::noAnswer : ask(encodeGroup(group, command.reply), Status::refused);
     }
     if (status == Status::ok)
         status = takeReply(command.reply, reply);
@@ -71,8 +64,7 @@ Status UsartFraming::carry(const Command &command, Bytes &reply) {
 }
 
 // Sends one group and takes its answer.
-Status UsartFraming::ask(const Group &group, Status ifRefused) {
-    const Bytes bytes = onTheLine(group);
+Status UsartFraming::ask(const Bytes &bytes, Status ifRefused) {
     const TimePoint from = std::max<TimePoint>(Clock::now(), m_lastSent);
     if (const Status status = send(bytes); status != Status::ok)
         return status;
@@ -109,11 +101,9 @@ Status UsartFraming::takeReply(const Reply &expected, Bytes &reply) {
     if (const Status status = take(size + checks, reply); status != Status::ok)
         return status;
     if (checks) {
-        std::uint8_t sum = 0;
-        for (const std::uint8_t byte : reply)
-            sum ^= byte;
+        const bool right = sumOf(reply) == 0;
         reply.pop_back();
-        if (sum != 0) {
+        if (!right) {
             m_trace.remark("wrong checksum");
             return Status::noAnswer;
         }

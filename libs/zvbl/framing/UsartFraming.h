@@ -21,7 +21,7 @@ private:
     enum class Step { kept, doubtful, lost };
 
     Status carry(const Command &command, Bytes &reply);
-    Status ask(const Group &group, Status ifRefused);
+    Status ask(const Bytes &bytes, Status ifRefused);
     Status takeAnswer(Status ifRefused);
     Status takeReply(const Reply &expected, Bytes &reply);
     Status expectSilence(double characters);

@@ -12,8 +12,26 @@ constexpr std::uint8_t ack = 0x79;
 constexpr std::uint8_t nack = 0x1F;
 constexpr std::uint8_t busy = 0x76; // I2C: read again
 
-// USART: the byte by which the chip measures the rate, and which brings both sides in step.
+// USART: the byte by which the chip measures the rate, and which brings both sides in step. SPI and CAN
+// open with it too.
 constexpr std::uint8_t sync = 0x7F;
+
+// The links that travel in messages.
+constexpr std::uint8_t i2cAddress = 0x3C;      // 7 bits
+constexpr std::uint8_t spiStart = 0x5A;        // opens a message, and an answer
+constexpr std::uint8_t spiIdle = 0x00;         // the host fetches; the chip has nothing to say
+constexpr std::uint16_t canFromChip = 0x100;   // added to the opcode
+constexpr unsigned canStartSpeed = 250000;     // bits per second behind a reset
+
+// USB DFU 1.1 and its extension.
+constexpr std::uint16_t dfuVendorId = 0x1209;  // of the simulated chip
+constexpr std::uint16_t dfuProductId = 0x0001;
+constexpr std::uint16_t dfuVersion = 0x011A;   // bcdDFUVersion
+constexpr std::uint8_t dfuSetPointer = 0x21;   // commands of block 0; as opcodes they mean something else
+constexpr std::uint8_t dfuErase = 0x41;
+constexpr unsigned dfuCommandBlock = 0;
+constexpr unsigned dfuReplyBlock = 1;
+constexpr unsigned dfuFirstDataBlock = 2;
 
 // Opcodes of the fixed convention.
 constexpr std::uint8_t opGet = 0x00;
