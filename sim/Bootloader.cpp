@@ -27,13 +27,9 @@ void Exchange::begin(const CommandRow &opened) {
     answers_ = 0;
 }
 
-void Exchange::answer(std::uint8_t byte) { out_.push_back({byte, now}); }
+void Exchange::answer(std::uint8_t byte) { out_.push_back({{byte}, now, false}); }
 
-void Exchange::send(const Bytes &bytes) {
-    for (const std::uint8_t byte : bytes) {
-        answer(byte);
-    }
-}
+void Exchange::send(const Bytes &bytes) { out_.push_back({bytes, now, true}); }
 
 Next Exchange::accept(Next next) {
     answer(wire::ack);
@@ -62,8 +58,8 @@ Next Exchange::conclude(const Outcome &outcome, Next next) {
 
 bool Exchange::refusedByFault() { return faults_.refuses(answers_++); }
 
-Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log)
-    : chip_(chip), faults_(faults), log_(log), exchange_(chip, faults, log, out_), supported_(opcodesOf(chip.facts())) {}
+Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants)
+    : chip_(chip), faults_(faults), log_(log), variants_(variants), exchange_(chip, faults, log, out_), supported_(opcodesOf(chip.facts())) {}
 
 bool Bootloader::listening(Nanoseconds now) const { return !gone_ && now >= listensFrom_; }
 
@@ -71,10 +67,10 @@ const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
     if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end()) {
         return nullptr;
     }
-    for (const auto *table : {&fixedCommands(), &ownCommands()}) {
-        for (const CommandRow &row : *table) {
-            if (row.opcode == opcode) {
-                return &row;
+    for (const CommandTable *table : {variants_, &fixedCommands(), &ownCommands()}) {
+        for (std::size_t i = 0; table != nullptr && i < table->size(); ++i) {
+            if ((*table)[i].opcode == opcode) {
+                return &(*table)[i];
             }
         }
     }
@@ -150,7 +146,7 @@ void Bootloader::drop(const std::string &why) {
     group_.clear();
 }
 
-void Bootloader::answer(std::uint8_t byte, Nanoseconds now) { out_.push_back({byte, now}); }
+void Bootloader::answer(std::uint8_t byte, Nanoseconds now) { out_.push_back({{byte}, now, false}); }
 
 void Bootloader::refuse(const std::string &why, Nanoseconds now) {
     log_.refused(why);
@@ -176,6 +172,6 @@ void Bootloader::losePower(Nanoseconds now) {
     start(now);
 }
 
-std::vector<TimedByte> Bootloader::takeOutput() { return std::exchange(out_, {}); }
+std::vector<Output> Bootloader::takeOutput() { return std::exchange(out_, {}); }
 
 } // namespace sim

@@ -11,13 +11,20 @@ namespace sim {
 
 struct CommandRow;
 
+// What the chip wants to send, and from when: an ACK or NACK, or a whole reply.
+struct Output {
+    Bytes bytes;
+    Nanoseconds at = 0;
+    bool reply = false;
+};
+
 // What a command does behind a group.
 enum class Next { end, nextGroup, reset, leave, powerLost };
 
 // One command that is under way: what its steps may use and leave for each other.
 class Exchange {
 public:
-    Exchange(Chip &target, Faults &faults, Log &log, std::vector<TimedByte> &out)
+    Exchange(Chip &target, Faults &faults, Log &log, std::vector<Output> &out)
         : chip(target), faults_(faults), log_(log), out_(out) {}
 
     Chip &chip;
@@ -39,7 +46,7 @@ public:
     // Whether an injected fault wants the coming answer to be a NACK; counts the answers.
     bool refusedByFault();
 
-    void send(const Bytes &bytes);
+    void send(const Bytes &bytes); // the whole reply
 
     void begin(const CommandRow &row);
     const CommandRow *row = nullptr;
@@ -51,7 +58,7 @@ private:
 
     Faults &faults_;
     Log &log_;
-    std::vector<TimedByte> &out_;
+    std::vector<Output> &out_;
     unsigned answers_ = 0;
     std::optional<std::uint32_t> address_;
 };
@@ -76,14 +83,16 @@ struct CommandRow {
 // The `begin` of a command that only waits for its groups.
 Next awaitGroups(Exchange &exchange);
 
-const std::vector<CommandRow> &fixedCommands();
-const std::vector<CommandRow> &ownCommands();
+using CommandTable = std::vector<CommandRow>;
+const CommandTable &fixedCommands();
+const CommandTable &ownCommands();
 
 // The resident bootloader: commands come as an opcode and groups of bytes, answers go out with the
 // time from which they may leave. It knows neither the link that carries them nor a clock.
 class Bootloader {
 public:
-    Bootloader(Chip &chip, Faults &faults, Log &log);
+    // `variants` are looked up first: commands that have other groups on this link.
+    Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants = nullptr);
     Bootloader(const Bootloader &) = delete;
     Bootloader &operator=(const Bootloader &) = delete;
 
@@ -111,7 +120,7 @@ public:
     void losePower(Nanoseconds now);
     unsigned resets() const { return chip_.resets(); }
 
-    std::vector<TimedByte> takeOutput();
+    std::vector<Output> takeOutput();
 
 private:
     const CommandRow *rowOf(std::uint8_t opcode) const;
@@ -122,7 +131,8 @@ private:
     Chip &chip_;
     Faults &faults_;
     Log &log_;
-    std::vector<TimedByte> out_;
+    const CommandTable *variants_;
+    std::vector<Output> out_;
     Exchange exchange_;
     Bytes supported_;
     Bytes group_;

@@ -14,10 +14,10 @@ std::uint8_t countByte(std::size_t value) { return static_cast<std::uint8_t>(val
 // ---- GET, GET_VER_ROPS, GET_ID
 
 Next get(Exchange &x) {
-    const Bytes opcodes = opcodesOf(x.chip.facts());
+    Bytes reply = opcodesOf(x.chip.facts());
+    reply.insert(reply.begin(), {countByte(reply.size()), x.chip.facts().version});
     x.accept();
-    x.send({countByte(opcodes.size()), x.chip.facts().version});
-    x.send(opcodes);
+    x.send(reply);
     return x.accept();
 }
 
@@ -29,10 +29,10 @@ Next getVersion(Exchange &x) {
 }
 
 Next getId(Exchange &x) {
-    const Bytes id = identifierOf(x.chip.facts());
+    Bytes reply = identifierOf(x.chip.facts());
+    reply.insert(reply.begin(), countByte(reply.size() - 1));
     x.accept();
-    x.send({countByte(id.size() - 1)});
-    x.send(id);
+    x.send(reply);
     return x.accept();
 }
 
@@ -144,9 +144,9 @@ Outcome unprotectAccess(Chip &chip) { return chip.unprotectAccess(); }
 
 } // namespace
 
-const std::vector<CommandRow> &fixedCommands() {
+const CommandTable &fixedCommands() {
     using namespace wire;
-    static const std::vector<CommandRow> rows = {
+    static const CommandTable rows = {
         {opGet, "GET", Guard::none, get, {}},
         {opGetVerRops, "GET_VER_ROPS", Guard::none, getVersion, {}},
         {opGetId, "GET_ID", Guard::none, getId, {}},

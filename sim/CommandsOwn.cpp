@@ -117,9 +117,9 @@ Next userDataWrite(Exchange &x, const Bytes &group) {
 
 } // namespace
 
-const std::vector<CommandRow> &ownCommands() {
+const CommandTable &ownCommands() {
     using namespace wire;
-    static const std::vector<CommandRow> rows = {
+    static const CommandTable rows = {
         {opToolExchange, "TOOL_EXCHANGE", Guard::none, awaitGroups, {{exactly<5>, xorSound, toolExchange}}},
         {opAccessProtectLevel, "ACCESS_LEVEL_PROTECT", Guard::none, awaitGroups,
          {{exactly<2>, complementSound, protectAtLevel}}},

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstring>
 #include <getopt.h>
+#include <iterator>
 #include <string_view>
 
 namespace sim {
@@ -111,7 +112,6 @@ struct OptionRow {
 
 constexpr OptionRow rows[] = {
     {"chip", required_argument, setChip},
-    {"usart", required_argument, setText<&Options::usart>},
     {"state", required_argument, setText<&Options::state>},
     {"spim", required_argument, setSpim},
     {"baud-pace", no_argument, setFlag<&Options::pace>},
@@ -123,31 +123,54 @@ constexpr OptionRow rows[] = {
     {"help", no_argument, setTask<Options::Task::help>},
 };
 
-std::vector<struct option> longOptions() {
+// The words of the table, and behind them those of the fronts.
+std::vector<struct option> longOptions(const FrontTable &fronts) {
     std::vector<struct option> list;
     for (const OptionRow &row : rows) {
         list.push_back({row.name, row.argument, nullptr, 0});
+    }
+    for (const Front &front : fronts) {
+        list.push_back({front.option, front.argument ? required_argument : no_argument, nullptr, 0});
     }
     list.push_back({nullptr, 0, nullptr, 0});
     return list;
 }
 
-bool complete(const Options &options, std::string &error) {
+bool setFront(Options &options, const Front &front, const char *value, std::string &error) {
+    if (options.front != nullptr) {
+        error = std::string("a chip has one port: --") + options.front->option + " or --" + front.option;
+        return false;
+    }
+    options.front = &front;
+    options.port = value ? value : "";
+    error = "an empty name";
+    return !front.argument || !options.port.empty();
+}
+
+std::string namesOf(const FrontTable &fronts) {
+    std::string names;
+    for (const Front &front : fronts) {
+        names += std::string(names.empty() ? "--" : ", --") + front.option;
+    }
+    return names;
+}
+
+bool complete(const Options &options, const FrontTable &fronts, std::string &error) {
     if (options.task != Options::Task::serve) {
         return true;
     }
     if (options.chip == nullptr) {
         error = "--chip is missing";
-    } else if (options.usart.empty()) {
-        error = "--usart is missing";
+    } else if (options.front == nullptr) {
+        error = "the port is missing: " + namesOf(fronts);
     }
     return error.empty();
 }
 
 } // namespace
 
-bool parseOptions(int argc, char **argv, Options &options, std::string &error) {
-    const std::vector<struct option> list = longOptions();
+bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &options, std::string &error) {
+    const std::vector<struct option> list = longOptions(fronts);
     opterr = 0;
     optind = 1;
     for (;;) {
@@ -161,7 +184,9 @@ bool parseOptions(int argc, char **argv, Options &options, std::string &error) {
             error = std::string(found == ':' ? "a value is missing behind " : "unknown option ") + argv[at];
             return false;
         }
-        if (!rows[index].set(options, optarg, error)) {
+        const auto known = static_cast<int>(std::size(rows));
+        if (!(index < known ? rows[index].set(options, optarg, error)
+                            : setFront(options, fronts[static_cast<std::size_t>(index - known)], optarg, error))) {
             return false;
         }
         error.clear();
@@ -170,7 +195,7 @@ bool parseOptions(int argc, char **argv, Options &options, std::string &error) {
         error = std::string("what is \"") + argv[optind] + "\"?";
         return false;
     }
-    return complete(options, error);
+    return complete(options, fronts, error);
 }
 
 } // namespace sim

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sim/Chip.h"
+#include "sim/Fronts.h"
 
 #include <string>
 #include <vector>
@@ -13,7 +14,8 @@ struct Options {
 
     Task task = Task::serve;
     const ChipFacts *chip = nullptr;
-    std::string usart;
+    const Front *front = nullptr;
+    std::string port;    // the value of the front's option
     std::string state;   // empty: the chip is new in every run
     std::string log;     // empty: standard error
     unsigned spimMb = 16;
@@ -24,7 +26,7 @@ struct Options {
 };
 
 // False and a message for a line that asks for nothing sensible.
-bool parseOptions(int argc, char **argv, Options &options, std::string &error);
+bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &options, std::string &error);
 
 extern const char helpText[];
 

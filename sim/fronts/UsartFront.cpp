@@ -1,15 +1,13 @@
 #include "sim/fronts/UsartFront.h"
 
+#include "sim/Clock.h"
+#include "sim/Options.h"
+
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <ctime>
 #include <optional>
 #include <poll.h>
 #include <sys/prctl.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace sim {
 
@@ -21,16 +19,6 @@ constexpr Nanoseconds quiet = 20 * millisecond; // the line rests: time for the 
 // due, and this long behind one, when the host is about to go on, the front stays awake.
 constexpr Nanoseconds awakeBefore = 100 * microsecond;
 constexpr Nanoseconds awakeBehind = 300 * microsecond;
-
-Nanoseconds clockNow() {
-    struct timespec now {};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec * second + now.tv_nsec;
-}
-
-struct timespec timespecOf(Nanoseconds time) {
-    return {static_cast<time_t>(time / second), static_cast<long>(time % second)};
-}
 
 } // namespace
 
@@ -69,7 +57,7 @@ bool UsartFront::serve(int signals, std::string &error) {
         const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
         pty_.drain();
         pty_.close();
-        if (!replugMs || !waitUnplugged(signals, *replugMs)) {
+        if (!replugMs || waitUnplugged(signals, *replugMs * millisecond) == Wish::end) {
             break;
         }
         // The board has its power from the port.
@@ -83,30 +71,13 @@ bool UsartFront::serve(int signals, std::string &error) {
     return true;
 }
 
-UsartFront::Wish UsartFront::followSignals(int signals) {
-    struct signalfd_siginfo info {};
-    while (read(signals, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-        if (info.ssi_signo != static_cast<std::uint32_t>(SIGUSR1)) {
-            return Wish::end;
-        }
+Wish UsartFront::followSignals(int signals) {
+    Wish wish = nextWish(signals);
+    for (; wish == Wish::reset; wish = nextWish(signals)) {
         line_.toHost().clear();
         bootloader_.reset(clockNow());
     }
-    return Wish::goOn;
-}
-
-// False when a signal ends the simulator meanwhile.
-bool UsartFront::waitUnplugged(int signals, unsigned ms) {
-    const Nanoseconds end = clockNow() + ms * millisecond;
-    for (Nanoseconds now = clockNow(); now < end; now = clockNow()) {
-        struct pollfd fd = {signals, POLLIN, 0};
-        const struct timespec left = timespecOf(end - now);
-        ppoll(&fd, 1, &left, nullptr);
-        if (followSignals(signals) == Wish::end) {
-            return false;
-        }
-    }
-    return true;
+    return wish;
 }
 
 // Until something happens, or is due.
@@ -166,6 +137,12 @@ void UsartFront::restIfIdle() {
         rested_ = true;
         idle_();
     }
+}
+
+bool serveUsart(Machine &machine, const std::string &path, std::string &error) {
+    Bootloader bootloader(machine.chip, machine.faults, machine.log);
+    UsartFront front(path, machine.options.pace, bootloader, machine.faults, machine.log, machine.idle);
+    return front.serve(machine.signals, error);
 }
 
 } // namespace sim

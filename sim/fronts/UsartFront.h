@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sim/Fronts.h"
+#include "sim/Signals.h"
 #include "sim/fronts/Pty.h"
 #include "sim/fronts/SerialLine.h"
 
@@ -16,16 +18,12 @@ public:
     UsartFront(std::string path, bool pace, Bootloader &bootloader, Faults &faults, Log &log,
                std::function<void()> idle);
 
-    // Serves until a signal ends it. `signals` is a signalfd: SIGUSR1 is the reset button, any other
-    // signal the end. Returns false and a message when the port cannot be made.
+    // Serves until a signal ends it. Returns false and a message when the port cannot be made.
     bool serve(int signals, std::string &error);
 
 private:
-    enum class Wish { goOn, end };
-
     bool plugIn(std::string &error);
     Wish followSignals(int signals);
-    bool waitUnplugged(int signals, unsigned ms);
     void wait(int signals);
     void takeFromHost();
     void giveToHost();
@@ -42,5 +40,8 @@ private:
     Nanoseconds lastTraffic_ = 0;
     bool rested_ = true;
 };
+
+// The front of --usart.
+bool serveUsart(Machine &machine, const std::string &path, std::string &error);
 
 } // namespace sim

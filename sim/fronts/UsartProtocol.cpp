@@ -20,6 +20,16 @@ void UsartProtocol::followReset() {
     }
 }
 
+std::vector<TimedByte> UsartProtocol::takeOutput() {
+    std::vector<TimedByte> bytes;
+    for (const Output &output : bootloader_.takeOutput()) {
+        for (const std::uint8_t byte : output.bytes) {
+            bytes.push_back({byte, output.at});
+        }
+    }
+    return bytes;
+}
+
 void UsartProtocol::sent(Nanoseconds at) { last_ = std::max(last_, at); }
 
 void UsartProtocol::dropIfLate(Nanoseconds now) {

@@ -15,7 +15,7 @@ public:
     void receive(std::uint8_t byte, Nanoseconds now);
 
     // What the chip wants to send by now.
-    std::vector<TimedByte> takeOutput() { return bootloader_.takeOutput(); }
+    std::vector<TimedByte> takeOutput();
 
     // The line tells when an answer has left: the time for the host's next byte runs from then.
     void sent(Nanoseconds at);

@@ -14,7 +14,7 @@ bool parse(std::vector<std::string> words, Options &options, std::string &error)
         argv.push_back(word.data());
     }
     argv.push_back(nullptr);
-    return parseOptions(static_cast<int>(words.size()), argv.data(), options, error);
+    return parseOptions(static_cast<int>(words.size()), argv.data(), simFronts(), options, error);
 }
 
 TEST(Options, theUsualLine) {
@@ -26,7 +26,7 @@ TEST(Options, theUsualLine) {
         << error;
     EXPECT_EQ(options.task, Options::Task::serve);
     EXPECT_EQ(options.chip->name, "ZV32F437_4032K");
-    EXPECT_EQ(options.usart, "/x/tty");
+    EXPECT_EQ(options.port, "/x/tty");
     EXPECT_EQ(options.state, "/x/s");
     EXPECT_EQ(options.log, "/x/l");
     EXPECT_EQ(options.spimMb, 8U);
@@ -87,7 +87,7 @@ TEST_P(BadLines, areRefusedWithAReason) {
 INSTANTIATE_TEST_SUITE_P(
     Line, BadLines,
     ::testing::Values(BadLine{"nothing", {}, "--chip is missing"},
-                      BadLine{"no_port", {"--chip", "ZV32F421_64K"}, "--usart is missing"},
+                      BadLine{"no_port", {"--chip", "ZV32F421_64K"}, "the port is missing: --usart"},
                       BadLine{"no_chip", {"--usart", "tty"}, "--chip is missing"},
                       BadLine{"unknown_chip", {"--chip", "ZV32F1", "--usart", "tty"}, "no chip \"ZV32F1\""},
                       BadLine{"unknown_option", {"--chips"}, "unknown option --chips"},
