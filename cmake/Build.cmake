@@ -40,3 +40,7 @@ endfunction()
 
 find_package(Qt5 5.15 REQUIRED COMPONENTS Core)
 find_package(Threads REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(LIBUSB REQUIRED IMPORTED_TARGET libusb-1.0)
+# Only the simulated chip's device nodes and tests need it.
+pkg_check_modules(UMOCKDEV IMPORTED_TARGET umockdev-1.0)
