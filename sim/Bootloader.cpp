@@ -1,6 +1,7 @@
 #include "sim/Bootloader.h"
 
 #include "libs/zvbl/wire/Wire.h"
+#include "sim/Groups.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -18,6 +19,14 @@ std::string hex(std::uint32_t value, int digits) {
     return text;
 }
 
+Bytes opcodesIn(const CommandTable *table) {
+    Bytes opcodes;
+    for (std::size_t i = 0; table != nullptr && i < table->size(); ++i) {
+        opcodes.push_back((*table)[i].opcode);
+    }
+    return opcodes;
+}
+
 } // namespace
 
 void Exchange::begin(const CommandRow &opened) {
@@ -27,9 +36,16 @@ void Exchange::begin(const CommandRow &opened) {
     answers_ = 0;
 }
 
-void Exchange::answer(std::uint8_t byte) { out_.push_back({{byte}, now, false}); }
+void Exchange::answer(std::uint8_t byte) { out_.push_back({{byte}, now}); }
 
 void Exchange::send(const Bytes &bytes) { out_.push_back({bytes, now, true}); }
+
+void Exchange::sendChecked(Bytes bytes) {
+    appendXor(bytes);
+    out_.push_back({std::move(bytes), now, true, true});
+}
+
+void Exchange::changeLinkSpeed(unsigned speed) { out_.back().linkSpeed = speed; }
 
 Next Exchange::accept(Next next) {
     answer(wire::ack);
@@ -58,8 +74,9 @@ Next Exchange::conclude(const Outcome &outcome, Next next) {
 
 bool Exchange::refusedByFault() { return faults_.refuses(answers_++); }
 
-Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants)
-    : chip_(chip), faults_(faults), log_(log), variants_(variants), exchange_(chip, faults, log, out_), supported_(opcodesOf(chip.facts())) {}
+Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants, const CommandTable *additions)
+    : chip_(chip), faults_(faults), log_(log), variants_(variants), additions_(additions),
+      exchange_(chip, supported_, faults, log, out_), supported_(opcodesOf(chip.facts(), opcodesIn(additions))) {}
 
 bool Bootloader::listening(Nanoseconds now) const { return !gone_ && now >= listensFrom_; }
 
@@ -67,7 +84,7 @@ const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
     if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end()) {
         return nullptr;
     }
-    for (const CommandTable *table : {variants_, &fixedCommands(), &ownCommands()}) {
+    for (const CommandTable *table : {variants_, additions_, &fixedCommands(), &ownCommands()}) {
         for (std::size_t i = 0; table != nullptr && i < table->size(); ++i) {
             if ((*table)[i].opcode == opcode) {
                 return &(*table)[i];
@@ -122,6 +139,18 @@ void Bootloader::feed(std::uint8_t byte, Nanoseconds now) {
     }
 }
 
+std::size_t Bootloader::groupLength(const Bytes &more) const {
+    Bytes bytes = group_;
+    bytes.insert(bytes.end(), more.begin(), more.end());
+    return exchange_.row->steps[exchange_.step].length(bytes);
+}
+
+void Bootloader::refuseGroup(const std::string &why, Nanoseconds now) {
+    group_.clear();
+    exchange_.now = now;
+    follow(exchange_.refuse(why));
+}
+
 void Bootloader::follow(Next next) {
     busyUntil_ = exchange_.now;
     if (next == Next::nextGroup) {
@@ -146,7 +175,7 @@ void Bootloader::drop(const std::string &why) {
     group_.clear();
 }
 
-void Bootloader::answer(std::uint8_t byte, Nanoseconds now) { out_.push_back({{byte}, now, false}); }
+void Bootloader::answer(std::uint8_t byte, Nanoseconds now) { out_.push_back({{byte}, now}); }
 
 void Bootloader::refuse(const std::string &why, Nanoseconds now) {
     log_.refused(why);

@@ -16,6 +16,8 @@ struct Output {
     Bytes bytes;
     Nanoseconds at = 0;
     bool reply = false;
+    bool checked = false;   // a reply that ends in a check byte of its own
+    unsigned linkSpeed = 0; // behind it the link runs at so many bits per second; 0 for no change
 };
 
 // What a command does behind a group.
@@ -24,10 +26,11 @@ enum class Next { end, nextGroup, reset, leave, powerLost };
 // One command that is under way: what its steps may use and leave for each other.
 class Exchange {
 public:
-    Exchange(Chip &target, Faults &faults, Log &log, std::vector<Output> &out)
-        : chip(target), faults_(faults), log_(log), out_(out) {}
+    Exchange(Chip &target, const Bytes &opcodes, Faults &faults, Log &log, std::vector<Output> &out)
+        : chip(target), supported(opcodes), faults_(faults), log_(log), out_(out) {}
 
     Chip &chip;
+    const Bytes &supported; // the opcodes that GET lists
 
     // The address that the host sent; refusals name it.
     void setAddress(std::uint32_t address) { address_ = address; }
@@ -47,6 +50,10 @@ public:
     bool refusedByFault();
 
     void send(const Bytes &bytes); // the whole reply
+    void sendChecked(Bytes bytes); // and the XOR of its bytes, on every link
+
+    // The link changes its speed, bits per second, behind the answer that was just given.
+    void changeLinkSpeed(unsigned speed);
 
     void begin(const CommandRow &row);
     const CommandRow *row = nullptr;
@@ -91,8 +98,10 @@ const CommandTable &ownCommands();
 // time from which they may leave. It knows neither the link that carries them nor a clock.
 class Bootloader {
 public:
-    // `variants` are looked up first: commands that have other groups on this link.
-    Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants = nullptr);
+    // What the link makes different: `variants` are commands that have other groups on it, `additions`
+    // commands that there are on no other.
+    Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants = nullptr,
+               const CommandTable *additions = nullptr);
     Bootloader(const Bootloader &) = delete;
     Bootloader &operator=(const Bootloader &) = delete;
 
@@ -107,6 +116,14 @@ public:
 
     void command(std::uint8_t opcode, Nanoseconds now);
     void feed(std::uint8_t byte, Nanoseconds now);
+
+    // Inside a command, for links that travel in messages: how long the group is that belongs next, as far
+    // as what has arrived of it and `more` behind that tell, and how much has arrived.
+    std::size_t groupLength(const Bytes &more) const;
+    std::size_t groupArrived() const { return group_.size(); }
+
+    // Something came in the place of that group: NACK, and the command is over.
+    void refuseGroup(const std::string &why, Nanoseconds now);
 
     // Drops a command that is under way; nothing of it is carried out.
     void drop(const std::string &why);
@@ -132,6 +149,7 @@ private:
     Faults &faults_;
     Log &log_;
     const CommandTable *variants_;
+    const CommandTable *additions_;
     std::vector<Output> out_;
     Exchange exchange_;
     Bytes supported_;

@@ -131,13 +131,13 @@ const OptionLayout &layoutOf(const ChipFacts &chip) {
                          [&](const OptionLayout &row) { return row.name == chip.layout; });
 }
 
-Bytes opcodesOf(const ChipFacts &chip) {
+Bytes opcodesOf(const ChipFacts &chip, Bytes further) {
     using namespace wire;
     // Clients of the fixed convention read these eleven by their position.
     Bytes list = {opGet,      opGetVerRops,  opGetId,          opRead,
                   opGo,       opWrite,       chip.oldest ? opErase : opEraseExt,
                   opEppProtect, opEppUnprotect, opAccessProtect, opAccessUnprotect};
-    Bytes further = {opReset, opUserDataRead, opUserDataWrite};
+    further.insert(further.end(), {opReset, opUserDataRead, opUserDataWrite});
     if (!chip.oldest) {
         further.insert(further.end(),
                        {opToolExchange, opFirmwareCrc, opEnableSlib, opDisableSlib, opSlibStatus});

@@ -49,8 +49,9 @@ const ChipFacts *findChip(std::string_view name);
 
 const OptionLayout &layoutOf(const ChipFacts &chip);
 
-// The opcodes that the chip supports, in the order in which GET lists them.
-Bytes opcodesOf(const ChipFacts &chip);
+// The opcodes that the chip supports, in the order in which GET lists them; `further` are those that it
+// has on one link alone.
+Bytes opcodesOf(const ChipFacts &chip, Bytes further = {});
 
 // The identifier as it travels: 2 bytes, or 5 with the halves of the PID swapped and the series last.
 Bytes identifierOf(const ChipFacts &chip);

@@ -14,7 +14,7 @@ std::uint8_t countByte(std::size_t value) { return static_cast<std::uint8_t>(val
 // ---- GET, GET_VER_ROPS, GET_ID
 
 Next get(Exchange &x) {
-    Bytes reply = opcodesOf(x.chip.facts());
+    Bytes reply = x.supported;
     reply.insert(reply.begin(), {countByte(reply.size()), x.chip.facts().version});
     x.accept();
     x.send(reply);

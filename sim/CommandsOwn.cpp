@@ -40,8 +40,7 @@ Next crcCount(Exchange &x, const Bytes &group) {
     x.accept();
     Bytes answer;
     append32(answer, x.chip.crc(x.address(), sectors));
-    appendXor(answer);
-    x.send(answer);
+    x.sendChecked(answer);
     return Next::end;
 }
 
@@ -72,9 +71,8 @@ Next slibStatus(Exchange &x) {
     append16(answer, area.start);
     append16(answer, area.dataStart);
     append16(answer, area.end);
-    appendXor(answer);
     x.accept();
-    x.send(answer);
+    x.sendChecked(answer);
     return Next::end;
 }
 
@@ -95,9 +93,8 @@ Next userDataRead(Exchange &x, const Bytes &group) {
         return x.refuse("the user system data has " + std::to_string(answer.size()) + " bytes");
     }
     answer.resize(length);
-    appendXor(answer);
     x.accept();
-    x.send(answer);
+    x.sendChecked(answer);
     return Next::end;
 }
 
