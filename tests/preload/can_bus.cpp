@@ -1,0 +1,386 @@
+// A CAN bus between processes that have libcan_shim.so preloaded: each frame goes to all other members.
+//
+// usage: can-bus PATH [BITS-PER-SECOND]
+//
+// PATH is DIR/NAME for CAN_SHIM_DIR=DIR and the interface NAME. With a bit rate frames take their time,
+// and at most ten wait for the wire; without one the bus is as fast as a virtual one. It says "ready",
+// obeys the commands of its input, one a line, says "ok" behind each, and ends at the input's end:
+//
+//   down, up        the interface is taken down: members get ENETDOWN
+//   unplug, plug    it goes away: members get ENODEV, then ENXIO
+//   busy N          the next N frames are refused: ENOBUFS; -1 for all of them, 0 for no more
+//   lose N, double N  what becomes of the next N frames
+//   frame ID#DATA   a frame from nowhere, as cansend writes it; ID 20000xxx is an error frame
+//   bus-off         its error frame; what is sent afterwards gets lost, until
+//   restart
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <deque>
+#include <iostream>
+#include <linux/can/error.h>
+#include <memory>
+#include <net/if.h>
+#include <poll.h>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <vector>
+
+#include "tests/preload/CanBus.h"
+
+namespace {
+
+using namespace can_bus;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t longestQueue = 10; // as txqueuelen of a CAN interface
+
+struct Member {
+    int control = -1; // requests and answers
+    int data = -1;    // deliveries; -1 until it joins
+    Options options;
+    bool ended = false;
+
+    explicit Member(int fd) : control(fd) {}
+    ~Member() {
+        for (const int fd : {control, data}) {
+            if (fd >= 0) {
+                close(fd);
+            }
+        }
+    }
+    Member(const Member &) = delete;
+    Member &operator=(const Member &) = delete;
+};
+
+bool passes(const Options &options, const can_frame &frame) {
+    if (frame.can_id & CAN_ERR_FLAG)
+        return (frame.can_id & CAN_ERR_MASK & options.errorMask) != 0;
+    return std::any_of(options.filter, options.filter + options.filters, [&](const can_filter &filter) {
+        const bool matches = ((frame.can_id ^ filter.can_id) & filter.can_mask & ~CAN_INV_FILTER) == 0;
+        return matches != ((filter.can_id & CAN_INV_FILTER) != 0);
+    });
+}
+
+class Bus {
+public:
+    Bus(std::string path, long bitRate) : m_path(std::move(path)), m_bitRate(bitRate) { plug(); }
+    ~Bus() {
+        if (m_listener >= 0)
+            unplug();
+    }
+    Bus(const Bus &) = delete;
+    Bus &operator=(const Bus &) = delete;
+
+    void serve(int commands);
+    bool obey(const std::string &line);
+
+private:
+    struct Waiting {
+        Clock::time_point due;
+        can_frame frame;
+        Member *sender;
+    };
+
+    void plug();
+    void unplug();
+    void tellAll(int error);
+    void accept();
+    void listenTo(Member &member);
+    int carryOut(Member &member, const char *bytes, std::size_t size, int passed);
+    int take(const can_frame &frame, Member &sender);
+    void deliver(const can_frame &frame, const Member *sender);
+    void deliverDue();
+    void forgetEnded();
+    timespec untilDue() const;
+    std::uint32_t flags() const;
+
+    const std::string m_path;
+    const long m_bitRate;
+    int m_listener = -1;
+    bool m_up = true;
+    bool m_off = false; // bus-off
+    long m_busy = 0, m_lose = 0, m_double = 0;
+    std::vector<std::unique_ptr<Member>> m_members, m_unbound;
+    std::deque<Waiting> m_queue;
+};
+
+void Bus::plug() {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (m_path.size() >= sizeof address.sun_path) {
+        throw std::runtime_error("the path is too long for a socket");
+    }
+    std::strcpy(address.sun_path, m_path.c_str());
+    unlink(m_path.c_str());
+    m_listener = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+    if (bind(m_listener, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0 || listen(m_listener, 64) != 0) {
+        throw std::runtime_error(m_path + ": " + std::strerror(errno));
+    }
+}
+
+void Bus::unplug() {
+    tellAll(ENODEV);
+    m_queue.clear();
+    for (auto &member : m_members) {
+        close(member->control);
+        member->control = -1;
+        m_unbound.push_back(std::move(member)); // its socket stays, and hears nothing more
+    }
+    m_members.clear();
+    close(m_listener);
+    m_listener = -1;
+    unlink(m_path.c_str());
+}
+
+void Bus::tellAll(int error) {
+    Delivery delivery;
+    delivery.error = error;
+    for (const auto &member : m_members) {
+        if (member->data >= 0) {
+            send(member->data, &delivery, sizeof delivery, MSG_DONTWAIT | MSG_NOSIGNAL);
+        }
+    }
+}
+
+void Bus::serve(int commands) {
+    std::string text;
+    for (;;) {
+        std::vector<pollfd> fds = {{commands, POLLIN, 0}, {m_listener, POLLIN, 0}};
+        for (const auto &member : m_members) {
+            fds.push_back({member->control, POLLIN, 0});
+        }
+        const timespec time = untilDue();
+        ppoll(fds.data(), fds.size(), m_queue.empty() ? nullptr : &time, nullptr);
+        deliverDue();
+        for (std::size_t i = 2; i < fds.size(); ++i) {
+            if (fds[i].revents) {
+                listenTo(*m_members[i - 2]);
+            }
+        }
+        forgetEnded();
+        if (fds[1].revents) {
+            accept();
+        }
+        if (fds[0].revents) {
+            char more[4096];
+            const ssize_t count = read(commands, more, sizeof more);
+            if (count <= 0) {
+                return;
+            }
+            text.append(more, static_cast<std::size_t>(count));
+        }
+        for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n')) {
+            std::cout << (obey(text.substr(0, end)) ? "ok" : "what?") << std::endl;
+            text.erase(0, end + 1);
+        }
+    }
+}
+
+timespec Bus::untilDue() const {
+    if (m_queue.empty()) {
+        return {};
+    }
+    const auto left = std::chrono::nanoseconds(m_queue.front().due - Clock::now()).count();
+    return {0, std::clamp<long>(left, 0, 999999999)};
+}
+
+void Bus::accept() {
+    const int fd = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (fd >= 0) {
+        m_members.push_back(std::make_unique<Member>(fd));
+    }
+}
+
+void Bus::forgetEnded() {
+    const auto ended = [](const std::unique_ptr<Member> &member) { return member->ended; };
+    for (Waiting &waiting : m_queue) {
+        if (waiting.sender && waiting.sender->ended) {
+            waiting.sender = nullptr;
+        }
+    }
+    m_members.erase(std::remove_if(m_members.begin(), m_members.end(), ended), m_members.end());
+}
+
+void Bus::listenTo(Member &member) {
+    static char bytes[sizeof(Request) + sizeof(Options)];
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))];
+    iovec part{bytes, sizeof bytes};
+    msghdr message{};
+    message.msg_iov = &part;
+    message.msg_iovlen = 1;
+    message.msg_control = control;
+    message.msg_controllen = sizeof control;
+    const ssize_t count = recvmsg(member.control, &message, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
+    if (count < static_cast<ssize_t>(sizeof(Request))) {
+        member.ended = true;
+        return;
+    }
+    int passed = -1;
+    if (const cmsghdr *header = CMSG_FIRSTHDR(&message)) {
+        std::memcpy(&passed, CMSG_DATA(header), sizeof passed);
+    }
+    Answer answer;
+    answer.error = carryOut(member, bytes, static_cast<std::size_t>(count), passed);
+    answer.flags = flags();
+    send(member.control, &answer, sizeof answer, MSG_NOSIGNAL);
+}
+
+std::uint32_t Bus::flags() const {
+    const int running = m_off ? 0 : int(IFF_RUNNING);
+    return static_cast<std::uint32_t>(int(IFF_NOARP) | (m_up ? int(IFF_UP) | running : 0));
+}
+
+int Bus::carryOut(Member &member, const char *bytes, std::size_t size, int passed) {
+    Request request;
+    std::memcpy(&request, bytes, sizeof request);
+    if (request.verb == Verb::join) {
+        member.data = passed;
+    }
+    if (request.verb == Verb::join || request.verb == Verb::tune) {
+        std::memcpy(&member.options, bytes + sizeof request, std::min(size - sizeof request, sizeof member.options));
+        return 0;
+    }
+    return request.verb == Verb::send ? take(request.frame, member) : 0;
+}
+
+// What a frame takes on the wire, with a bit stuffed in for every tenth.
+std::chrono::nanoseconds duration(const can_frame &frame, long bitRate) {
+    const long bits = (frame.can_id & CAN_EFF_FLAG ? 67L : 47L) + 8L * frame.can_dlc;
+    return std::chrono::nanoseconds(bits * 1100000000L / bitRate);
+}
+
+int Bus::take(const can_frame &frame, Member &sender) {
+    if (!m_up) {
+        return ENETDOWN;
+    }
+    if (m_busy != 0) {
+        m_busy -= m_busy > 0 ? 1 : 0;
+        return ENOBUFS;
+    }
+    if (m_off) {
+        return 0;
+    }
+    int copies = 1;
+    if (m_lose > 0) {
+        --m_lose;
+        copies = 0;
+    } else if (m_double > 0) {
+        --m_double;
+        copies = 2;
+    }
+    if (m_bitRate == 0) {
+        for (; copies > 0; --copies) {
+            deliver(frame, &sender);
+        }
+        return 0;
+    }
+    if (m_queue.size() >= longestQueue) {
+        return ENOBUFS;
+    }
+    const Clock::time_point from = m_queue.empty() ? Clock::now() : m_queue.back().due;
+    for (; copies > 0; --copies) {
+        m_queue.push_back({from + duration(frame, m_bitRate), frame, &sender});
+    }
+    return 0;
+}
+
+void Bus::deliverDue() {
+    while (!m_queue.empty() && m_queue.front().due <= Clock::now()) {
+        deliver(m_queue.front().frame, m_queue.front().sender);
+        m_queue.pop_front();
+    }
+}
+
+// A member whose queue is full loses the frame.
+void Bus::deliver(const can_frame &frame, const Member *sender) {
+    for (const auto &member : m_members) {
+        const bool own = member.get() == sender;
+        const bool wanted = own ? member->options.ownFrames && member->options.loopback
+                                : !sender || sender->options.loopback;
+        if (member->data < 0 || !wanted || !passes(member->options, frame)) {
+            continue;
+        }
+        Delivery delivery;
+        delivery.frame = frame;
+        delivery.messageFlags = (sender ? int(MSG_DONTROUTE) : 0) | (own ? int(MSG_CONFIRM) : 0);
+        send(member->data, &delivery, sizeof delivery, MSG_DONTWAIT | MSG_NOSIGNAL);
+    }
+}
+
+can_frame readFrame(const std::string &text) {
+    can_frame frame{};
+    const std::size_t mark = text.find('#');
+    frame.can_id = static_cast<canid_t>(std::stoul(text.substr(0, mark), nullptr, 16));
+    if (mark == 8 && !(frame.can_id & CAN_ERR_FLAG)) {
+        frame.can_id |= CAN_EFF_FLAG;
+    }
+    for (std::size_t i = mark + 1; mark != std::string::npos && i + 1 < text.size() && frame.can_dlc < CAN_MAX_DLEN; i += 2) {
+        frame.data[frame.can_dlc++] = static_cast<__u8>(std::stoul(text.substr(i, 2), nullptr, 16));
+    }
+    return frame;
+}
+
+bool Bus::obey(const std::string &line) {
+    std::istringstream words(line);
+    std::string verb, argument;
+    words >> verb >> argument;
+    if (verb == "down") {
+        m_up = false;
+        m_queue.clear();
+        tellAll(ENETDOWN);
+    } else if (verb == "up") {
+        m_up = true;
+    } else if (verb == "unplug" && m_listener >= 0) {
+        unplug();
+    } else if (verb == "plug" && m_listener < 0) {
+        m_up = true;
+        m_off = false;
+        plug();
+    } else if (verb == "busy") {
+        m_busy = std::atol(argument.c_str());
+    } else if (verb == "lose") {
+        m_lose = std::atol(argument.c_str());
+    } else if (verb == "double") {
+        m_double = std::atol(argument.c_str());
+    } else if (verb == "frame") {
+        deliver(readFrame(argument), nullptr);
+    } else if (verb == "bus-off") {
+        m_off = true;
+        m_queue.clear();
+        deliver(readFrame("20000040#0000000000000000"), nullptr);
+    } else if (verb == "restart") {
+        m_off = false;
+        deliver(readFrame("20000100#0000000000000000"), nullptr);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc < 2) {
+        std::cerr << "usage: can-bus PATH [BITS-PER-SECOND]" << std::endl;
+        return 2;
+    }
+    try {
+        Bus bus(argv[1], argc > 2 ? std::atol(argv[2]) : 0);
+        std::cout << "ready" << std::endl;
+        bus.serve(STDIN_FILENO);
+    } catch (const std::exception &error) {
+        std::cerr << "can-bus: " << error.what() << std::endl;
+        return 1;
+    }
+    return 0;
+}
