@@ -51,6 +51,9 @@ public:
     // The next byte goes by: counts it.
     ByteEffect byte(Direction direction);
 
+    // How many went by.
+    std::uint64_t bytes(Direction direction) const { return bytes_[direction == Direction::rx ? 0 : 1]; }
+
     // A command opens: counts it. False when the chip falls silent here.
     bool frame(std::uint8_t opcode);
 

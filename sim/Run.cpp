@@ -69,6 +69,8 @@ int serve(Options &options, std::ostream &out) {
     if (!options.front->serve(machine, options.port, error)) {
         return complain(error, failed);
     }
+    log.note("bytes: " + std::to_string(options.faults.bytes(Direction::rx)) + " from the host, " +
+             std::to_string(options.faults.bytes(Direction::tx)) + " to it");
     error.clear();
     save();
     return error.empty() ? ended : failed;

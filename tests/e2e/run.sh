@@ -1,7 +1,7 @@
 #!/bin/bash
 # Runs one transcript, or the console blocks of one page of the documentation.
 #
-# usage: run.sh SOURCE-DIR BUILD-DIR FILE.t|FILE.md
+# usage: run.sh SOURCE-DIR BUILD-DIR FILE.t|FILE.md   (LINK: at which link the chip sits, usart without)
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/environment.sh" "$1" "$2"
@@ -15,7 +15,7 @@ case "$file" in
         file=$scratch/$(basename "$file" .md).t
         ;;
     *)  # cram leaves FILE.err beside a transcript that failed: not in the source tree
-        cp "$file" "$scratch/"
+        "$here/for_link.sh" "$file" >"$scratch/$(basename "$file")"
         file=$scratch/$(basename "$file")
         ;;
 esac

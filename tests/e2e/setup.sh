@@ -1,18 +1,23 @@
-# Sourced by the transcripts: one simulated chip, and the console as a terminal shows it.
+# Sourced by the transcripts: one simulated chip, and the console as a terminal shows it. LINK tells at
+# which link the chip sits: usart, dfu, i2c, can, slcan or spi.
 
 ln -s "$MAPS" Map
-trap 'chip_off' EXIT
+trap 'chip_off; bus_off' EXIT
+. "$ROOT/tests/e2e/ports.sh" "${LINK:-usart}"
 
-# chip_on NAME [OPTION...]: starts a simulated chip at ./port and waits until it is ready. Its memory
-# is kept in ./chip.state from one start to the next.
+# chip_on NAME [OPTION...]: starts a simulated chip and waits until it is ready. Its memory is kept in
+# ./chip.state from one start to the next.
 chip_on() {
+    bus_on || return 1
     rm -f sim.out
-    zv32-sim --chip "$1" --usart "$PWD/port" --state "$PWD/chip.state" "${@:2}" >sim.out 2>sim.err &
+    zv32-sim --chip "$1" "${port_option[@]}" --state "$PWD/chip.state" "${@:2}" >sim.out 2>sim.err &
     chip_pid=$!
     until grep -qs ready sim.out; do
         kill -0 $chip_pid 2>/dev/null || { cat sim.out sim.err; return 1; }
         sleep 0.01
     done
+    # Behind the name of an emulated node stands the directory that it lives in.
+    nodes=$(sed -n '1s/^ready [^ ]* *//p' sim.out)
 }
 
 # chip_off: takes the chip's power.
@@ -28,16 +33,34 @@ chip_new() {
     chip_on "$@"
 }
 
+# replugged: waits until a chip that was unplugged by a fault is back.
+replugged() {
+    until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.01; done
+}
+
+# press_reset: the reset button; the chip has started behind it.
+press_reset() {
+    kill -USR1 $chip_pid
+    sleep 0.1
+}
+
+# near WORD...: a program that finds the port.
+near() {
+    find_port
+    "${port_env[@]}" "$@"
+}
+
 # isp WORD...: the console without its banner; of a line that is overwritten by carriage returns, what
 # stands there in the end. Sleeps are short.
 isp() {
-    LD_PRELOAD=$BUILD/doubles/libshort_sleep.so ZV32_ISP_Console "$@" | sed -u -e '1,5d' -e 's/.*\r//'
+    find_port "$BUILD/doubles/libshort_sleep.so"
+    "${port_env[@]}" ZV32_ISP_Console "$@" | sed -u -e '1,5d' -e 's/.*\r//'
     return "${PIPESTATUS[0]}"
 }
 
-# line WORD...: isp on the chip at ./port, without the lines of the connect.
+# line WORD...: isp on the chip, without the lines of the connect.
 line() {
-    isp -com --pn "$PWD/port" "$@" | sed -u -e '1,/^$/d'
+    isp "${port_words[@]}" "$@" | sed -u -e '1,/^$/d'
     return "${PIPESTATUS[0]}"
 }
 

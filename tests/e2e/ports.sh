@@ -1,0 +1,54 @@
+# Sourced with the name of a link: how the simulated chip and the console are told of it.
+#
+# port_option  the simulator's words      port_words  the console's words
+# port_env     what stands in front of a program that is to find the port; set anew by find_port
+# bus_on, bus_off  what has to run beside the chip
+
+# find_port [LIBRARY]: sets port_env; LIBRARY is to be preloaded besides.
+find_port() {
+    port_env=(env ${1:+LD_PRELOAD="$1"})
+}
+bus_on() { :; }
+bus_off() { :; }
+
+# Emulated nodes live in a directory that the simulator makes, $nodes.
+find_nodes() {
+    port_env=(env UMOCKDEV_DIR="$nodes" LD_PRELOAD="libumockdev-preload.so.0${1:+:$1}")
+}
+
+case "$1" in
+    usart)
+        port_option=(--usart "$PWD/port")
+        port_words=(-com --pn "$PWD/port")
+        ;;
+    dfu)
+        port_option=(--dfu)
+        port_words=(-dfu)
+        find_port() { find_nodes "$@"; }
+        ;;
+    i2c)
+        port_option=(--i2c i2c-1)
+        port_words=(-i2c --pn i2c-1)
+        find_port() { find_nodes "$@"; }
+        ;;
+    spi)
+        port_option=(--spi spidev0.0)
+        port_words=(-spi --pn spidev0.0)
+        find_port() { find_nodes "$@"; }
+        ;;
+    slcan)
+        port_option=(--slcan "$PWD/port")
+        port_words=(-can --pn "$PWD/port")
+        ;;
+    can)
+        port_option=(--can can0)
+        port_words=(-can --pn can0)
+        find_port() {
+            port_env=(env CAN_SHIM_DIR="$PWD/bus" LD_PRELOAD="$BUILD/doubles/libcan_shim.so${1:+:$1}")
+        }
+        ;;
+    *)
+        echo "no link \"$1\"" >&2
+        return 1
+        ;;
+esac
