@@ -11,8 +11,6 @@ namespace sim {
 
 namespace {
 
-constexpr Nanoseconds startTime = 20 * millisecond; // behind a reset; bytes that arrive meanwhile are lost
-
 std::string hex(std::uint32_t value, int digits) {
     char text[16];
     std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(value));
@@ -27,6 +25,21 @@ Bytes opcodesIn(const CommandTable *table) {
     return opcodes;
 }
 
+// The groups one by one; nothing when these are more or fewer bytes than they take.
+std::optional<std::vector<Bytes>> cut(const std::vector<Step> &steps, Bytes groups) {
+    std::vector<Bytes> parts;
+    for (const Step &step : steps) {
+        const std::size_t length = step.length(groups);
+        if (length > groups.size()) {
+            return std::nullopt;
+        }
+        const auto end = groups.begin() + static_cast<std::ptrdiff_t>(length);
+        parts.emplace_back(groups.begin(), end);
+        groups.erase(groups.begin(), end);
+    }
+    return groups.empty() ? std::optional(parts) : std::nullopt;
+}
+
 } // namespace
 
 void Exchange::begin(const CommandRow &opened) {
@@ -34,6 +47,7 @@ void Exchange::begin(const CommandRow &opened) {
     step = 0;
     address_.reset();
     answers_ = 0;
+    outcome_ = {};
 }
 
 void Exchange::answer(std::uint8_t byte) { out_.push_back({{byte}, now}); }
@@ -59,6 +73,7 @@ Next Exchange::refuse(const std::string &why) {
 }
 
 Next Exchange::goOn(const Outcome &outcome) {
+    outcome_ = outcome;
     return outcome.done() ? accept(Next::nextGroup) : refuse(outcome.why);
 }
 
@@ -66,6 +81,7 @@ Next awaitGroups(Exchange &exchange) { return exchange.goOn(); }
 
 Next Exchange::conclude(const Outcome &outcome, Next next) {
     now += chip.takeTime();
+    outcome_ = outcome;
     if (outcome.kind == Outcome::Kind::powerLost) {
         return Next::powerLost;
     }
@@ -78,7 +94,7 @@ Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable 
     : chip_(chip), faults_(faults), log_(log), variants_(variants), additions_(additions),
       exchange_(chip, supported_, faults, log, out_), supported_(opcodesOf(chip.facts(), opcodesIn(additions))) {}
 
-bool Bootloader::listening(Nanoseconds now) const { return !gone_ && now >= listensFrom_; }
+bool Bootloader::listening(Nanoseconds now) const { return !gone_ && !silent_ && now >= listensFrom_; }
 
 const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
     if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end()) {
@@ -99,15 +115,17 @@ bool Bootloader::guarded(const CommandRow &row) const {
            (row.guard == Guard::high && chip_.access() == AccessLevel::high);
 }
 
-void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
+// Opens a command; false when that is refused.
+bool Bootloader::admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds now) {
+    ended_ = Next::end;
     if (!faults_.frame(opcode)) {
-        gone_ = true;
-        return;
+        silent_ = true;
+        return false;
     }
-    const CommandRow *row = rowOf(opcode);
     if (row == nullptr) {
+        busyUntil_ = now;
         refuse("opcode " + hex(opcode, 2) + ": unknown command", now);
-        return;
+        return false;
     }
     log_.note(std::string("command: ") + row->name);
     exchange_.now = now;
@@ -116,8 +134,13 @@ void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
         follow(exchange_.refuse("fault"));
     } else if (guarded(*row)) {
         follow(exchange_.refuse("the chip is access-protected"));
-    } else {
-        follow(row->begin(exchange_));
+    }
+    return !idle();
+}
+
+void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
+    if (admit(opcode, rowOf(opcode), now)) {
+        follow(exchange_.row->begin(exchange_));
     }
 }
 
@@ -127,7 +150,11 @@ void Bootloader::feed(std::uint8_t byte, Nanoseconds now) {
     if (group_.size() < step.length(group_)) {
         return;
     }
-    const Bytes group = std::exchange(group_, {});
+    take(std::exchange(group_, {}), now);
+}
+
+void Bootloader::take(const Bytes &group, Nanoseconds now) {
+    const Step &step = exchange_.row->steps[exchange_.step];
     ++exchange_.step;
     exchange_.now = now;
     if (exchange_.refusedByFault()) {
@@ -151,12 +178,40 @@ void Bootloader::refuseGroup(const std::string &why, Nanoseconds now) {
     follow(exchange_.refuse(why));
 }
 
+void Bootloader::whole(std::uint8_t opcode, const Bytes &groups, Nanoseconds now) {
+    if (admit(opcode, rowOf(opcode), now)) {
+        wholeBehindOpcode(groups);
+    }
+}
+
+void Bootloader::whole(const CommandRow &row, const Bytes &groups, Nanoseconds now) {
+    if (admit(row.opcode, &row, now)) {
+        wholeBehindOpcode(groups);
+    }
+}
+
+void Bootloader::wholeBehindOpcode(const Bytes &groups) {
+    const std::optional<std::vector<Bytes>> parts = cut(exchange_.row->steps, groups);
+    if (!parts) {
+        exchange_.accept();
+        follow(exchange_.refuse("longer or shorter than this command"));
+        return;
+    }
+    follow(exchange_.row->begin(exchange_));
+    for (const Bytes &part : *parts) {
+        if (!idle()) {
+            take(part, busyUntil_);
+        }
+    }
+}
+
 void Bootloader::follow(Next next) {
     busyUntil_ = exchange_.now;
     if (next == Next::nextGroup) {
         return;
     }
     exchange_.row = nullptr;
+    ended_ = next;
     if (next == Next::reset) {
         reset(exchange_.now);
     } else if (next == Next::powerLost) {
@@ -186,6 +241,7 @@ void Bootloader::start(Nanoseconds now) {
     exchange_.row = nullptr;
     group_.clear();
     gone_ = false;
+    silent_ = false;
     listensFrom_ = now + startTime;
     busyUntil_ = now;
 }

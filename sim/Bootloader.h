@@ -55,6 +55,9 @@ public:
     // The link changes its speed, bits per second, behind the answer that was just given.
     void changeLinkSpeed(unsigned speed);
 
+    // What came of the last work, for links that tell more than a NACK.
+    const Outcome &outcome() const { return outcome_; }
+
     void begin(const CommandRow &row);
     const CommandRow *row = nullptr;
     std::size_t step = 0;
@@ -67,6 +70,7 @@ private:
     Log &log_;
     std::vector<Output> &out_;
     unsigned answers_ = 0;
+    Outcome outcome_;
     std::optional<std::uint32_t> address_;
 };
 
@@ -105,6 +109,9 @@ public:
     Bootloader(const Bootloader &) = delete;
     Bootloader &operator=(const Bootloader &) = delete;
 
+    // From a reset until it listens; what arrives meanwhile is lost.
+    static constexpr Nanoseconds startTime = 20 * millisecond;
+
     // Whether bytes reach the bootloader: not while the chip starts, and not behind a GO.
     bool listening(Nanoseconds now) const;
 
@@ -125,6 +132,20 @@ public:
     // Something came in the place of that group: NACK, and the command is over.
     void refuseGroup(const std::string &why, Nanoseconds now);
 
+    // A command in one message, its opcode and all its groups. One that is longer or shorter than that is
+    // refused behind its opcode, and nothing of it is carried out.
+    void whole(std::uint8_t opcode, const Bytes &groups, Nanoseconds now);
+
+    // The same for a command in a form that only this link has: in a row of its own, supported or not.
+    void whole(const CommandRow &row, const Bytes &groups, Nanoseconds now);
+
+    // How the last command went on behind its last answer, and what came of its work.
+    Next ended() const { return ended_; }
+    const Outcome &outcome() const { return exchange_.outcome(); }
+
+    // Whether a fault has made the chip silent, until a reset.
+    bool silent() const { return silent_; }
+
     // Drops a command that is under way; nothing of it is carried out.
     void drop(const std::string &why);
 
@@ -142,6 +163,9 @@ public:
 private:
     const CommandRow *rowOf(std::uint8_t opcode) const;
     bool guarded(const CommandRow &row) const;
+    bool admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds now);
+    void take(const Bytes &group, Nanoseconds now);
+    void wholeBehindOpcode(const Bytes &groups);
     void follow(Next next);
     void start(Nanoseconds now);
 
@@ -154,7 +178,9 @@ private:
     Exchange exchange_;
     Bytes supported_;
     Bytes group_;
+    Next ended_ = Next::end;
     bool gone_ = false;
+    bool silent_ = false;
     Nanoseconds listensFrom_ = 0;
     Nanoseconds busyUntil_ = 0;
 };

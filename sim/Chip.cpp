@@ -171,7 +171,7 @@ Outcome Chip::writeFlash(std::size_t offset, const Bytes &bytes) {
         }
     }
     if (!flash_.canProgram(offset, bytes)) {
-        return Outcome::refuse("cell not erased");
+        return Outcome::refuseNotErased("cell not erased");
     }
     spendProgramming(bytes.size());
     return flash_.program(offset, bytes) ? Outcome{} : Outcome::powerLost();
@@ -182,7 +182,7 @@ Outcome Chip::writeSpim(std::size_t offset, const Bytes &bytes) {
         return Outcome::refuse("SPIM is protected");
     }
     if (!spim_.cells().canProgram(offset, bytes)) {
-        return Outcome::refuse("cell not erased");
+        return Outcome::refuseNotErased("cell not erased");
     }
     spendProgramming(bytes.size());
     return spim_.cells().program(offset, bytes) ? Outcome{} : Outcome::powerLost();

@@ -48,6 +48,7 @@ public:
 
     // Erasing. Sector numbers from 32768 up are SPIM sectors.
     Outcome eraseSectors(const std::vector<unsigned> &sectors);
+    Outcome eraseSectorAt(std::uint32_t address); // the one that the address lies in
     Outcome eraseBank(Bank bank);
     Outcome eraseBlock(std::uint32_t address);
 

@@ -102,6 +102,16 @@ Outcome Chip::eraseSectors(const std::vector<unsigned> &sectors) {
     return erase(spans, true);
 }
 
+Outcome Chip::eraseSectorAt(std::uint32_t address) {
+    const Region *region = regionAt(address, 1);
+    if (region == nullptr || (region->base != wire::flashBase && region->base != wire::spimBase)) {
+        return Outcome::refuse("there is no sector");
+    }
+    const bool spim = region->base == wire::spimBase;
+    const std::uint32_t number = (address - region->base) / (spim ? wire::spimSectorSize : facts_.sectorSize);
+    return eraseSectors({spim ? wire::firstSpimSector + number : number});
+}
+
 Outcome Chip::eraseBank(Bank bank) {
     std::vector<Span> spans;
     Outcome outcome = spansOf(bank, spans);

@@ -9,10 +9,12 @@ namespace sim {
 struct Outcome {
     enum class Kind { done, refused, powerLost };
     Kind kind = Kind::done;
-    std::string why; // of a refusal
+    std::string why;        // of a refusal
+    bool notErased = false; // it was refused because of what a cell holds
 
-    static Outcome refuse(std::string why) { return {Kind::refused, std::move(why)}; }
-    static Outcome powerLost() { return {Kind::powerLost, {}}; }
+    static Outcome refuse(std::string why) { return {Kind::refused, std::move(why), false}; }
+    static Outcome refuseNotErased(std::string why) { return {Kind::refused, std::move(why), true}; }
+    static Outcome powerLost() { return {Kind::powerLost, {}, false}; }
     bool done() const { return kind == Kind::done; }
 };
 

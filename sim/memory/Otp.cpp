@@ -25,7 +25,7 @@ Outcome Otp::writeData(std::size_t offset, const Bytes &bytes) {
         }
     }
     if (!data_.canProgram(offset, bytes)) {
-        return Outcome::refuse("OTP cell is written already");
+        return Outcome::refuseNotErased("OTP cell is written already");
     }
     return program(data_, offset, bytes);
 }
@@ -37,7 +37,7 @@ Outcome Otp::writeLocks(std::size_t offset, const Bytes &bytes) {
         }
     }
     if (!locks_.canProgram(offset, bytes)) {
-        return Outcome::refuse("lock byte is written already");
+        return Outcome::refuseNotErased("lock byte is written already");
     }
     return program(locks_, offset, bytes);
 }
