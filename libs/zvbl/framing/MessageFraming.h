@@ -30,13 +30,13 @@ protected:
     // Carries out one command on a link that is in step.
     Status carry(const Command &command, Bytes &reply);
 
+    // Takes an answer that has to be ACK. A NACK becomes the status that is named.
+    Status expectAck(std::uint8_t opcode, Status ifRefused);
+
     const Timing m_timing;
     Trace &m_trace;
     Duration m_timeout{};
     bool m_inStep = true;
-
-private:
-    Status expectAck(std::uint8_t opcode, Status ifRefused);
 };
 
 } // namespace zvbl

@@ -9,6 +9,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "libs/zvbl/transport/DeviceNode.h"
 #include "libs/zvbl/transport/SerialLine.h"
 
 namespace zvbl {
@@ -18,10 +19,6 @@ constexpr std::size_t readSize = 4096;
 constexpr auto longestPoll = std::chrono::hours(1);
 // Below this a wait looks again and again: the kernel would round it up by about as much.
 constexpr auto shortWait = std::chrono::microseconds(300);
-
-std::string pathOf(const std::string &portName) {
-    return portName.front() == '/' ? portName : "/dev/" + portName;
-}
 
 std::string describe(const LinkSettings &settings) {
     std::string stop = std::to_string(settings.stopBits);
@@ -51,7 +48,7 @@ SerialPort::~SerialPort() {
 Status SerialPort::open(const LinkSettings &settings) {
     if (settings.portName.empty())
         return Status::cantOpen;
-    if (const Status status = take(pathOf(settings.portName)); status != Status::ok)
+    if (const Status status = take(devicePath(settings.portName)); status != Status::ok)
         return status;
     if (const Status status = reconfigure(settings); status != Status::ok)
         return status;
