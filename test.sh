@@ -1,20 +1,24 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests.
 #
-# usage: ./test.sh [--all]
-#   --all  also builds with clang++ and runs the tests under AddressSanitizer with
-#          UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
+# usage: ./test.sh [--all|--kernel]
+#   --all     also builds with clang++ and runs the tests under AddressSanitizer with
+#             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
+#   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
 set -eu
 cd "$(dirname "$0")"
 
 all=
+kernel=
 case "${1:-}" in
     "") ;;
     --all) all=yes ;;
-    *) echo "usage: $0 [--all]" >&2; exit 2 ;;
+    --kernel) kernel=yes ;;
+    *) echo "usage: $0 [--all|--kernel]" >&2; exit 2 ;;
 esac
 
 tools/install-packages.sh test
+[ -z "$kernel" ] || tools/install-packages.sh kernel
 
 jobs=$(nproc)
 
@@ -38,6 +42,11 @@ run() {
 }
 
 build release
+if [ -n "$kernel" ]; then
+    tests/kernel/kernel.sh build/kernel
+    run release -C kernel -L kernel
+    exit
+fi
 run release
 if [ -n "$all" ]; then
     build clang

@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs what is missing on a Debian 12 machine: the one list of packages, for try.sh and test.sh.
 #
-# usage: tools/install-packages.sh build|test
+# usage: tools/install-packages.sh [--missing] build|test|kernel
+#   --missing  only tells which ones are missing
 set -eu
 
 # To build the console, the two libraries and the simulated chip; the firmware image is what try.sh
@@ -13,10 +14,16 @@ build="ca-certificates cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-co
 test="libgtest-dev python3 python3-cram clang binutils git strace procps umockdev libumockdev-dev
     can-utils dfu-util i2c-tools"
 
+# To test them on a stock kernel in a virtual machine. The kernel itself is only unpacked.
+kernel="qemu-system-x86 seabios busybox-static cpio xz-utils iproute2"
+
+only_tell=
+[ "${1:-}" != --missing ] || { only_tell=yes; shift; }
 case "${1:-}" in
     build) wanted=$build ;;
     test) wanted="$build $test" ;;
-    *) echo "usage: $0 build|test" >&2; exit 2 ;;
+    kernel) wanted=$kernel ;;
+    *) echo "usage: $0 [--missing] build|test|kernel" >&2; exit 2 ;;
 esac
 
 missing=
@@ -26,6 +33,7 @@ for package in $wanted; do
     fi
 done
 [ -n "$missing" ] || exit 0
+[ -z "$only_tell" ] || { echo "$missing"; exit 0; }
 
 echo "installing:$missing"
 as_root=
@@ -34,6 +42,8 @@ if [ "$(id -u)" -ne 0 ]; then
     as_root=sudo
 fi
 export DEBIAN_FRONTEND=noninteractive
-$as_root apt-get update -qq
 # $missing is a list of words.
-$as_root apt-get install -y -qq --no-install-recommends $missing >/dev/null
+{ $as_root apt-get update -qq && $as_root apt-get install -y -qq --no-install-recommends $missing >/dev/null; } || {
+    echo "cannot install:$missing" >&2
+    exit 1
+}
