@@ -4,9 +4,17 @@
 
 namespace sim {
 
+namespace {
+constexpr char deviceNodes[] = "zv32-sim-dev";
+}
+
 const FrontTable &simFronts() {
     static const FrontTable rows = {
         {"usart", "PATH", nullptr, serveUsart},
+        {"i2c", "NODE", deviceNodes, nullptr, "i2c-1"},
+        {"spi", "NODE", deviceNodes, nullptr, "spidev0.0"},
+        {"dfu", nullptr, deviceNodes, nullptr},
+        {"tty", "NODE", deviceNodes, nullptr, "ttyUSB0"},
     };
     return rows;
 }

@@ -30,6 +30,8 @@ struct Front {
     // Makes the port, prints "ready ...", and serves until a signal ends it or it is unplugged for good.
     // False and a message when the port cannot be made.
     bool (*serve)(Machine &machine, const std::string &port, std::string &error);
+
+    const char *usual = nullptr; // the value when the word stands alone; null: it needs one
 };
 
 using FrontTable = std::vector<Front>;

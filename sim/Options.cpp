@@ -130,7 +130,8 @@ std::vector<struct option> longOptions(const FrontTable &fronts) {
         list.push_back({row.name, row.argument, nullptr, 0});
     }
     for (const Front &front : fronts) {
-        list.push_back({front.option, front.argument ? required_argument : no_argument, nullptr, 0});
+        const int valued = front.usual != nullptr ? optional_argument : required_argument;
+        list.push_back({front.option, front.argument != nullptr ? valued : no_argument, nullptr, 0});
     }
     list.push_back({nullptr, 0, nullptr, 0});
     return list;
@@ -142,9 +143,15 @@ bool setFront(Options &options, const Front &front, const char *value, std::stri
         return false;
     }
     options.front = &front;
-    options.port = value ? value : "";
+    options.port = value != nullptr ? value : front.usual != nullptr ? front.usual : "";
     error = "an empty name";
     return !front.argument || !options.port.empty();
+}
+
+// The value of a front's word. One that may be left out stands behind a = or, if no other word follows, alone.
+const char *valueOf(const Front &front, int argc, char **argv) {
+    const bool alone = front.usual != nullptr && optarg == nullptr && optind < argc && argv[optind][0] != '-';
+    return alone ? argv[optind++] : optarg;
 }
 
 std::string namesOf(const FrontTable &fronts) {
@@ -185,8 +192,9 @@ bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &opti
             return false;
         }
         const auto known = static_cast<int>(std::size(rows));
-        if (!(index < known ? rows[index].set(options, optarg, error)
-                            : setFront(options, fronts[static_cast<std::size_t>(index - known)], optarg, error))) {
+        const Front *front = index < known ? nullptr : &fronts[static_cast<std::size_t>(index - known)];
+        if (!(front == nullptr ? rows[index].set(options, optarg, error)
+                               : setFront(options, *front, valueOf(*front, argc, argv), error))) {
             return false;
         }
         error.clear();

@@ -1,0 +1,242 @@
+#include "sim/dev/Testbed.h"
+
+#include "sim/Clock.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <stdexcept>
+#include <umockdev.h>
+#include <unistd.h>
+#include <utility>
+
+namespace sim {
+
+namespace {
+
+constexpr char generationKey[] = "zv32-generation"; // in which a client opened its node
+
+// What a call of this library left in `problem`.
+bool told(GError *problem, std::string &error) {
+    if (problem == nullptr) {
+        return true;
+    }
+    error = problem->message;
+    g_error_free(problem);
+    return false;
+}
+
+std::string taken(gchar *text) {
+    const std::string copy = text ? text : "";
+    g_free(text);
+    return copy;
+}
+
+} // namespace
+
+// ---- a client's memory
+
+ClientMemory::ClientMemory(const ClientMemory &other) : data_(other.data_) {
+    if (data_ != nullptr) {
+        g_object_ref(data_);
+    }
+}
+
+ClientMemory &ClientMemory::operator=(ClientMemory other) {
+    std::swap(data_, other.data_);
+    return *this;
+}
+
+ClientMemory::~ClientMemory() {
+    if (data_ != nullptr) {
+        g_object_unref(data_);
+    }
+}
+
+std::size_t ClientMemory::size() const { return data_ == nullptr ? 0 : static_cast<std::size_t>(data_->data_len); }
+
+std::uint8_t *ClientMemory::bytes() const { return data_ == nullptr ? nullptr : data_->data; }
+
+ClientMemory ClientMemory::behind(std::size_t offset, std::size_t length) const {
+    if (data_ == nullptr || length == 0 || get<void *>(offset) == nullptr) {
+        return ClientMemory();
+    }
+    GError *problem = nullptr;
+    _UMockdevIoctlData *found = umockdev_ioctl_data_resolve(data_, offset, length, &problem);
+    std::string error;
+    return told(problem, error) ? ClientMemory(found) : ClientMemory();
+}
+
+bool ClientMemory::reload() const {
+    GError *problem = nullptr;
+    const bool done = data_ != nullptr && umockdev_ioctl_data_reload(data_, &problem);
+    std::string error;
+    return told(problem, error) && done;
+}
+
+void ClientMemory::point(std::size_t offset, const ClientMemory &target) const {
+    umockdev_ioctl_data_set_ptr(data_, offset, target.data_);
+}
+
+// ---- a call
+
+namespace {
+
+_UMockdevIoctlClient *clientOf(const DeviceCall &call) {
+    return static_cast<_UMockdevIoctlClient *>(const_cast<void *>(call.client));
+}
+
+} // namespace
+
+unsigned long DeviceCall::request() const { return umockdev_ioctl_client_get_request(clientOf(*this)); }
+
+ClientMemory DeviceCall::buffer() const {
+    _UMockdevIoctlData *argument = umockdev_ioctl_client_get_arg(clientOf(*this));
+    return ClientMemory(static_cast<_UMockdevIoctlData *>(g_object_ref(argument)));
+}
+
+unsigned long DeviceCall::number() const { return buffer().get<unsigned long>(); }
+
+ClientMemory DeviceCall::memory(std::size_t length) const { return buffer().behind(0, length); }
+
+DeviceAnswer DeviceCall::execute() const {
+    int number = 0;
+    GError *problem = nullptr;
+    const int result = umockdev_ioctl_client_execute(clientOf(*this), &number, &problem);
+    std::string error;
+    return told(problem, error) ? DeviceAnswer{result, number} : DeviceAnswer::fail(EIO);
+}
+
+// ---- the testbed
+
+struct Testbed::Node {
+    Testbed &testbed;
+    std::string path;
+    Handler handler;
+    UMockdevIoctlBase *base;
+};
+
+Testbed::Testbed() {
+    testbed_ = umockdev_testbed_new();
+    if (!umockdev_in_mock_environment()) {
+        g_object_unref(testbed_);
+        throw std::runtime_error("device nodes need LD_PRELOAD=libumockdev-preload.so.0");
+    }
+    root_ = taken(umockdev_testbed_get_root_dir(testbed_));
+}
+
+Testbed::~Testbed() {
+    for (Node *node : nodes_) {
+        umockdev_testbed_detach_ioctl(testbed_, node->path.c_str(), nullptr);
+    }
+    g_object_unref(testbed_); // ends the thread of the handlers
+    for (Node *node : nodes_) {
+        g_object_unref(node->base);
+        delete node;
+    }
+    for (_UMockdevIoctlClient *client : clients_) {
+        g_object_unref(client);
+    }
+}
+
+bool Testbed::add(const std::string &description, std::string &error) {
+    GError *problem = nullptr;
+    umockdev_testbed_add_from_string(testbed_, description.c_str(), &problem);
+    return told(problem, error);
+}
+
+bool Testbed::attach(const std::string &path, Handler handler, std::string &error) {
+    const auto same = [&](const Node *node) { return node->path == path; };
+    if (std::any_of(nodes_.begin(), nodes_.end(), same)) {
+        return true;
+    }
+    auto *node = new Node{*this, path, std::move(handler), umockdev_ioctl_base_new()};
+    nodes_.push_back(node);
+    g_signal_connect(node->base, "client-connected", G_CALLBACK(connected), node);
+    g_signal_connect(node->base, "handle-ioctl", G_CALLBACK(handleIoctl), node);
+    g_signal_connect(node->base, "handle-read", G_CALLBACK(handleRead), node);
+    g_signal_connect(node->base, "handle-write", G_CALLBACK(handleWrite), node);
+    GError *problem = nullptr;
+    umockdev_testbed_attach_ioctl(testbed_, path.c_str(), node->base, &problem);
+    return told(problem, error);
+}
+
+void Testbed::remove(const std::string &path, const std::vector<std::string> &nodes) {
+    cutOff();
+    const std::string device = "/sys" + path;
+    umockdev_testbed_uevent(testbed_, device.c_str(), "remove");
+    umockdev_testbed_remove_device(testbed_, device.c_str());
+    for (const std::string &node : nodes) {
+        unlink((root_ + node).c_str()); // umockdev leaves the file of a node with contents
+    }
+}
+
+int Testbed::terminal(const std::string &node) const {
+    return umockdev_testbed_get_dev_fd(testbed_, node.c_str());
+}
+
+bool Testbed::somebodyConnected() const {
+    const std::lock_guard<std::mutex> lock(clientsMutex_);
+    const auto last = std::remove_if(clients_.begin(), clients_.end(), [](_UMockdevIoctlClient *client) {
+        if (umockdev_ioctl_client_get_connected(client)) {
+            return false;
+        }
+        g_object_unref(client);
+        return true;
+    });
+    clients_.erase(last, clients_.end());
+    return !clients_.empty();
+}
+
+void Testbed::awaitClients() const {
+    constexpr Nanoseconds longest = 2 * second;
+    const Nanoseconds end = clockNow() + longest;
+    while (somebodyConnected() && clockNow() < end) {
+        const struct timespec moment = timespecOf(millisecond);
+        nanosleep(&moment, nullptr);
+    }
+}
+
+void Testbed::connected(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    Testbed &testbed = static_cast<Node *>(node)->testbed;
+    testbed.somebodyConnected(); // forgets those who left
+    g_object_set_data(G_OBJECT(client), generationKey, reinterpret_cast<void *>(testbed.generation_.load()));
+    const std::lock_guard<std::mutex> lock(testbed.clientsMutex_);
+    testbed.clients_.push_back(static_cast<_UMockdevIoctlClient *>(g_object_ref(client)));
+}
+
+bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const Handler &handler) {
+    const auto ofClient = reinterpret_cast<std::uintptr_t>(g_object_get_data(G_OBJECT(client), generationKey));
+    std::optional<DeviceAnswer> answer;
+    {
+        const std::unique_lock<std::mutex> held = lock();
+        if (ofClient == generation_) {
+            DeviceCall call(kind, client);
+            answer = handler(call);
+        }
+        if (ofClient != generation_) {
+            answer = DeviceAnswer::fail(ENODEV);
+        }
+    }
+    if (answer) {
+        umockdev_ioctl_client_complete(client, answer->result, answer->error);
+    }
+    return answer.has_value();
+}
+
+int Testbed::handleIoctl(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    const Node &of = *static_cast<Node *>(node);
+    return of.testbed.served(DeviceCall::Kind::ioctl, client, of.handler);
+}
+
+int Testbed::handleRead(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    const Node &of = *static_cast<Node *>(node);
+    return of.testbed.served(DeviceCall::Kind::read, client, of.handler);
+}
+
+int Testbed::handleWrite(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    const Node &of = *static_cast<Node *>(node);
+    return of.testbed.served(DeviceCall::Kind::write, client, of.handler);
+}
+
+} // namespace sim
