@@ -97,6 +97,7 @@ Next awaitGroups(Exchange &exchange);
 using CommandTable = std::vector<CommandRow>;
 const CommandTable &fixedCommands();
 const CommandTable &ownCommands();
+const CommandTable &canCommands(); // additions of CAN
 
 // The resident bootloader: commands come as an opcode and groups of bytes, answers go out with the
 // time from which they may leave. It knows neither the link that carries them nor a clock.

@@ -1,5 +1,7 @@
 #include "sim/Fronts.h"
 
+#include "sim/fronts/CanFront.h"
+#include "sim/fronts/SlcanFront.h"
 #include "sim/fronts/UsartFront.h"
 
 namespace sim {
@@ -11,6 +13,8 @@ constexpr char deviceNodes[] = "zv32-sim-dev";
 const FrontTable &simFronts() {
     static const FrontTable rows = {
         {"usart", "PATH", nullptr, serveUsart},
+        {"slcan", "PATH", nullptr, serveSlcan},
+        {"can", "INTERFACE", nullptr, serveCan, "can0"},
         {"i2c", "NODE", deviceNodes, nullptr, "i2c-1"},
         {"spi", "NODE", deviceNodes, nullptr, "spidev0.0"},
         {"dfu", nullptr, deviceNodes, nullptr},

@@ -5,18 +5,14 @@
 
 namespace sim {
 
-namespace {
-constexpr Nanoseconds bitsPerByte = 11; // start, eight data bits, parity, stop
-}
-
-Nanoseconds Pacer::through(Nanoseconds ready, unsigned baud, Nanoseconds late) {
+Nanoseconds Pacer::through(Nanoseconds ready, unsigned baud, Nanoseconds late, unsigned bits) {
     if (ready > free_ || late != 0 || baud != baud_) {
         remainder_ = 0;
         baud_ = baud;
     }
     free_ = std::max(free_, ready) + late;
     if (baud != 0) {
-        const Nanoseconds work = bitsPerByte * second + remainder_;
+        const Nanoseconds work = bits * second + remainder_;
         free_ += work / baud;
         remainder_ = work % baud;
     }

@@ -8,12 +8,14 @@
 
 namespace sim {
 
-// Hands out the times at which bytes that follow each other are through, exact over any number of bytes.
+// Hands out the times at which bytes or frames that follow each other are through, exact over any number.
 class Pacer {
 public:
-    // When a byte that could start at `ready` is through; `late` holds it back, and all that follow it.
-    // Baud 0: at once, but never before its forerunner.
-    Nanoseconds through(Nanoseconds ready, unsigned baud, Nanoseconds late = 0);
+    // When `bits` that could start at `ready` are through; `late` holds them back, and all that follow.
+    // Baud 0: at once, but never before their forerunners.
+    Nanoseconds through(Nanoseconds ready, unsigned baud, Nanoseconds late = 0, unsigned bits = serialBits);
+
+    static constexpr unsigned serialBits = 11; // of a byte: start, eight data bits, parity, stop
 
 private:
     Nanoseconds free_ = 0;      // the line is free from then on
