@@ -17,6 +17,8 @@ const char helpText[] =
 
   --chip NAME         the chip, by a name of --list
   --usart PATH        make a serial port and a symbolic link to it at PATH, print "ready PATH"
+  --slcan PATH        the same, a serial-line CAN adapter with the chip at its bus
+  --can [INTERFACE]   join the bus of a CAN interface (can0), print "ready INTERFACE"
   --state FILE        keep the chip's memory in FILE between runs
   --spim MB           size of the SPI flash on the board, 0 for none (16)
   --baud-pace         bytes take the time that they need at the rate that the client set
