@@ -1,13 +1,29 @@
 // The C interface: port and link.
 
+#include <algorithm>
+#include <cstring>
+
 #include "libs/zvbl/Border.h"
+#include "libs/zvbl/transport/UsbDevices.h"
 #include "link/ZVBLLIB.h"
 
 using namespace zvbl;
 
+namespace {
+
+void copyText(const std::string &text, char *to, std::size_t size) {
+    const std::size_t length = std::min(text.size(), size - 1);
+    std::memcpy(to, text.data(), length);
+    std::memset(to + length, 0, size - length);
+}
+
+} // namespace
+
 BYTE SetCOMSettings(HANDLE *link, int portNumber, const char *portName, int baud, int dataBits, int parity,
                     float stopBits) {
     return guarded([&] {
+        if (link && *link && isDeviceNumber(*link))
+            return findLink(*link) ? Status::ok : Status::badArgument; // a USB device has no line to be set
         std::shared_ptr<Session> session = link && *link ? findLink(*link) : nullptr;
         if (!link || (*link && !session))
             return Status::badArgument;
@@ -64,5 +80,16 @@ BYTE ZVBL_GetZVDeviceList(signed char *count, unsigned short *vendorIds, unsigne
     if (!count || !vendorIds || !productIds || !info)
         return statusByte(Status::badArgument);
     *count = 0;
-    return statusByte(Status::cantOpen); // there is no row for USB DFU in the table of links
+    return guarded([&] {
+        std::vector<UsbRow> rows;
+        const Status status = listUsbDevices(rows);
+        addDeviceLinks(rows.size());
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            vendorIds[i] = rows[i].vendor;
+            productIds[i] = rows[i].product;
+            copyText(rows[i].text, info->deviceInfo[i], sizeof info->deviceInfo[i]);
+        }
+        *count = static_cast<signed char>(rows.size());
+        return status;
+    });
 }

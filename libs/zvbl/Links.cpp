@@ -1,11 +1,13 @@
 #include "libs/zvbl/Links.h"
 
+#include "libs/zvbl/framing/DfuFraming.h"
 #include "libs/zvbl/framing/I2cFraming.h"
 #include "libs/zvbl/framing/SpiFraming.h"
 #include "libs/zvbl/framing/UsartFraming.h"
 #include "libs/zvbl/transport/I2cPort.h"
 #include "libs/zvbl/transport/SerialPort.h"
 #include "libs/zvbl/transport/SpiPort.h"
+#include "libs/zvbl/transport/UsbPort.h"
 
 namespace zvbl {
 namespace {
@@ -24,6 +26,7 @@ bool isAnySetting(const LinkSettings &) {
 
 constexpr LinkKind kinds[] = {
     {linkUsart, isSerialSetting, make<SerialPort, UsartFraming>},
+    {linkUsbDfu, isUsbSetting, make<UsbPort, DfuFraming>},
     {linkI2c, isAnySetting, make<I2cPort, I2cFraming>},
     {linkSpi, isAnySetting, make<SpiPort, SpiFraming>},
 };

@@ -128,11 +128,6 @@ TEST_F(StatusTest, NullAndOutOfRangeArgumentsAre0x21AndSendNothing) {
 }
 
 TEST_F(StatusTest, LinksThatThisLibraryDoesNotHave) {
-    signed char count = 99;
-    unsigned short ids[255] = {};
-    TDeviceInfo info;
-    EXPECT_EQ(ZVBL_GetZVDeviceList(&count, ids, ids, &info), 3);
-    EXPECT_EQ(count, 0);
     for (BYTE type : {1, 2, 3, 4, 200}) {
         TARGET_SetComIntType(type);
         HANDLE other = nullptr;

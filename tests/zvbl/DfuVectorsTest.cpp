@@ -1,0 +1,224 @@
+// The control transfers of every command, typed from docs/wire-protocol.md.
+
+#include <cstring>
+#include <functional>
+
+#include "tests/zvbl/DfuFixture.h"
+
+using namespace dfu;
+
+namespace {
+
+class DfuVectorsTest : public DfuFixture {};
+
+struct Vector {
+    const char *name;
+    UsbScript script;
+    std::function<int(HANDLE)> call;
+};
+
+const Vector vectors[] = {
+    {"tool exchange", done("21 01 00 00 00 00 06 00 5A 00 02 00 01 03"), [](HANDLE h) { return ZVBL_ZV32ISP_TOOL(h); }},
+    {"reset", done("21 01 00 00 00 00 01 00 D4"), [](HANDLE h) { return ZVBL_ResetMCU(h); }},
+    {"erase of a sector",
+     done("21 01 00 00 00 00 06 00 44 00 00 01 02 03"),
+     [](HANDLE h) {
+         BYTE sector[] = {0x02, 0x01};
+         return ZVBL_ERASE(h, 1, sector, 2048);
+     }},
+    {"erase of a sector of SPIM",
+     done("21 01 00 00 00 00 06 00 44 00 00 80 05 85"),
+     [](HANDLE h) {
+         BYTE sector[] = {0x05, 0x80};
+         return ZVBL_ERASE(h, 1, sector, 4096);
+     }},
+    {"erase of bank 1",
+     done("21 01 00 00 00 00 04 00 44 FF FE 01"),
+     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
+    {"erase of bank 2",
+     done("21 01 00 00 00 00 04 00 44 FF FD 02"),
+     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFD, nullptr, 0); }},
+    {"erase of Bank 3",
+     done("21 01 00 00 00 00 04 00 44 FF FC 03"),
+     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFC, nullptr, 0); }},
+    {"erase of a block",
+     done("21 01 00 00 00 00 09 00 44 FF FB 04 08 03 00 00 0B"),
+     [](HANDLE h) { return ZVBL_BLOCK_ERASE(h, 0xFFFB, 0x08030000); }},
+    {"access protection on", done("21 01 00 00 00 00 01 00 82"), [](HANDLE h) { return ZVBL_ACCESS_PROTECT(h); }},
+    {"access protection at a level",
+     done("21 01 00 00 00 00 03 00 84 01 FE"),
+     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 1); }},
+    {"access protection at the high level",
+     done("21 01 00 00 00 00 03 00 84 02 FD"),
+     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 2); }},
+    {"access protection off",
+     done("21 01 00 00 00 00 01 00 92"),
+     [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); }},
+    {"sector protection on",
+     done("21 01 00 00 00 00 06 00 63 02 00 03 1F 1E"),
+     [](HANDLE h) {
+         BYTE bits[] = {0, 3, 31};
+         return ZVBL_ERASEPROGRAM_PROTECT(h, 3, bits);
+     }},
+    {"sector protection off",
+     done("21 01 00 00 00 00 01 00 73"),
+     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
+    {"sLib on",
+     done("21 01 00 00 00 00 0C 00 D1 12 34 56 78 00 04 FF FF 00 07 0B"),
+     [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},
+    {"sLib off",
+     done("21 01 00 00 00 00 06 00 D2 12 34 56 78 08"),
+     [](HANDLE h) { return ZVBL_DisableSlib(h, 0x12345678); }},
+    {"remap off", done("21 01 00 00 00 00 03 00 B7 00 FF"), [](HANDLE h) { return ZVBL_SPIMREMAP(h, 0); }},
+    {"remap on", done("21 01 00 00 00 00 03 00 B7 01 FE"), [](HANDLE h) { return ZVBL_SPIMREMAP(h, 1); }},
+    {"Bank 3 on",
+     done("21 01 00 00 00 00 0B 00 B3 91 00 40 00 00 00 01 00 00 D0"),
+     [](HANDLE h) { return ZVBL_EnableBank3(h, 0x91, 0x400000, 0x10000); }},
+    {"user system data set",
+     done("21 01 00 00 00 00 0C 00 E2 1F FF F8 00 18 00 02 A5 FF 01 59"),
+     [](HANDLE h) {
+         BYTE data[] = {0xA5, 0xFF, 0x01};
+         return TARGET_SetUserSystemData(h, 0x1FFFF800, data, 3);
+     }},
+    {"download to RAM",
+     done("21 01 00 00 00 00 05 00 21 00 10 00 20") + done("21 01 02 00 00 00 03 00 AA BB CC"),
+     [](HANDLE h) {
+         BYTE data[] = {0xAA, 0xBB, 0xCC};
+         return ZVBL_DNLOAD(h, 0x20001000, data, 3, 0);
+     }},
+    {"download to flash, filled up",
+     done("21 01 00 00 00 00 05 00 21 04 00 00 08") + done("21 01 02 00 00 00 04 00 FF AA BB FF"),
+     [](HANDLE h) {
+         BYTE data[] = {0xAA, 0xBB};
+         return ZVBL_DNLOAD(h, 0x08000005, data, 2, 0);
+     }},
+    {"download of an OTP lock byte",
+     done("21 01 00 00 00 00 05 00 21 03 F5 FF 1F") + done("21 01 02 00 00 00 01 00 00"),
+     [](HANDLE h) {
+         BYTE data[] = {0x00};
+         return ZVBL_DNLOAD(h, 0x1FFFF503, data, 1, 0);
+     }},
+    {"verify",
+     done("21 01 00 00 00 00 05 00 21 04 00 00 08") + UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 03 00", "01 02 03"}},
+     [](HANDLE h) {
+         BYTE data[] = {1, 2, 3};
+         return ZVBL_VERIFY(h, 0x08000004, data, 3, 0);
+     }},
+    {"go",
+     done("21 01 00 00 00 00 05 00 21 00 40 00 08") +
+         UsbScript{{"21 01 02 00 00 00 00 00", ""}, {getStatus, isManifest}},
+     [](HANDLE h) { return ZVBL_GO(h, 0x08004000); }},
+};
+
+TEST_F(DfuVectorsTest, CommandsWithoutAResult) {
+    for (const Vector &vector : vectors) {
+        SCOPED_TRACE(vector.name);
+        ASSERT_EQ(Interface_Open(link), 0);
+        EXPECT_EQ(play(inStep + vector.script, [&] { return vector.call(link); }), 0);
+    }
+}
+
+// A command whose reply is fetched from block 1.
+UsbScript asked(const std::string &download, const std::string &reply) {
+    return inStep + done(download) + UsbScript{{abortRequest, ""}, {"A1 02 01 00 00 00 00 10", reply}};
+}
+
+TEST_F(DfuVectorsTest, GetFillsTheRecord) {
+    Commands commands;
+    std::memset(&commands, 0x55, sizeof commands);
+    BYTE scratch = 0;
+    const UsbScript script = asked("21 01 00 00 00 00 01 00 00", "0B 31 00 01 02 11 21 31 44 63 73 82 92");
+    EXPECT_EQ(play(script, [&] { return ZVBL_GET(link, &scratch, &commands); }), 0);
+    const BOOL expected[24] = {1, 1, 1, 0, 1, 1, 1, 0, 1, 1, 0, 1, 1, 0, 1};
+    EXPECT_EQ(std::memcmp(&commands, expected, sizeof commands), 0);
+    EXPECT_EQ(scratch, 0x31);
+}
+
+TEST_F(DfuVectorsTest, Version) {
+    BYTE version = 0, reserve = 0, bid = 0;
+    EXPECT_EQ(play(asked("21 01 00 00 00 00 01 00 01", "21 FF 12"),
+                   [&] { return ZVBL_GET_VER_ROPS(link, &version, &reserve, &bid); }),
+              0);
+    EXPECT_EQ(version, 0x21);
+    EXPECT_EQ(reserve, 0xFF);
+    EXPECT_EQ(bid, 0x12);
+}
+
+TEST_F(DfuVectorsTest, IdOfFiveBytesAndOfTwo) {
+    BYTE length = 0, id[5] = {};
+    EXPECT_EQ(play(asked("21 01 00 00 00 00 01 00 02", "04 03 47 70 05 07"),
+                   [&] { return ZVBL_GET_ID(link, &length, id); }),
+              0);
+    EXPECT_EQ(length, 5);
+    EXPECT_EQ(hex(zvbl::Bytes(id, id + 5)), "03 47 70 05 07");
+    ASSERT_EQ(Interface_Open(link), 0);
+    EXPECT_EQ(play(asked("21 01 00 00 00 00 01 00 02", "01 02 42"), [&] { return ZVBL_GET_ID(link, &length, id); }), 0);
+    EXPECT_EQ(length, 2);
+}
+
+TEST_F(DfuVectorsTest, FlashSizeIsLowByteFirst) {
+    int kilobytes = 0;
+    const UsbScript script = inStep + done("21 01 00 00 00 00 05 00 21 E0 F7 FF 1F") +
+                             UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 02 00", "00 04"}};
+    EXPECT_EQ(play(script, [&] { return TARGET_GetFlashSize(link, 0x1FFFF7E0, &kilobytes); }), 0);
+    EXPECT_EQ(kilobytes, 1024);
+}
+
+TEST_F(DfuVectorsTest, FirmwareCrcIsHighestByteFirst) {
+    BYTE crc[4] = {};
+    EXPECT_EQ(play(asked("21 01 00 00 00 00 09 00 AC 08 00 08 00 00 01 02 03", "DE AD BE EF 22"),
+                   [&] { return ZVBL_GetFirmwareCRC(link, 0x08000800, 0x102, crc); }),
+              0);
+    EXPECT_EQ(hex(zvbl::Bytes(crc, crc + 4)), "DE AD BE EF");
+}
+
+TEST_F(DfuVectorsTest, UserSystemDataRead) {
+    BYTE data[4] = {};
+    EXPECT_EQ(play(asked("21 01 00 00 00 00 09 00 E1 1F FF F8 00 18 00 03 03", "A5 01 02 03 A5"),
+                   [&] { return TARGET_GetUserSystemData(link, 0x1FFFF800, data, 4); }),
+              0);
+    EXPECT_EQ(hex(zvbl::Bytes(data, data + 4)), "A5 01 02 03");
+}
+
+TEST_F(DfuVectorsTest, SlibStatus) {
+    BYTE enabled = 0;
+    unsigned short start = 0, data = 0, end = 0;
+    EXPECT_EQ(play(asked("21 01 00 00 00 00 01 00 D3", "01 00 04 00 06 01 07 05"),
+                   [&] { return ZVBL_GetSlibStatus_Ex(link, &enabled, &start, &data, &end); }),
+              0);
+    EXPECT_EQ(enabled, 1);
+    EXPECT_EQ(start, 4);
+    EXPECT_EQ(data, 6);
+    EXPECT_EQ(end, 0x107);
+}
+
+TEST_F(DfuVectorsTest, InitBringsTheDeviceToIdleAndUsbHasNoSpeedAndNoLines) {
+    EXPECT_EQ(play(inStep, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
+    EXPECT_EQ(play({}, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
+    EXPECT_EQ(play({}, [&] { return ZVBL_SetSpeed(link, 2); }), 0x13);
+    EXPECT_EQ(play({}, [&] { return ZVBL_SetDtr(link, 1); }), 4);
+    EXPECT_EQ(play(done("21 01 00 00 00 00 01 00 D4"), [&] { return ZVBL_ResetMCU(link); }), 0);
+}
+
+// One of three alternate settings, on the fourth interface.
+class DfuInterfaceTest : public DfuFixture {
+    UsbDeviceFacts facts() const override {
+        UsbDeviceFacts facts;
+        facts.interface = 3;
+        facts.alternates = 3;
+        return facts;
+    }
+};
+
+TEST_F(DfuInterfaceTest, EveryRequestGoesToTheInterface) {
+    BYTE data[2] = {};
+    const UsbScript script = {{"A1 05 00 00 03 00 01 00", "02"},
+                              {"21 01 00 00 03 00 05 00 21 00 00 00 20", ""},
+                              {"A1 03 00 00 03 00 06 00", isDownloadIdle},
+                              {"21 06 00 00 03 00 00 00", ""},
+                              {"A1 02 02 00 03 00 02 00", "12 34"}};
+    EXPECT_EQ(play(script, [&] { return ZVBL_UPLOAD(link, 0x20000000, data, 2); }), 0);
+    EXPECT_EQ(data[1], 0x34);
+}
+
+} // namespace
