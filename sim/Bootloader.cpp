@@ -59,6 +59,11 @@ void Exchange::sendChecked(Bytes bytes) {
     out_.push_back({std::move(bytes), now, true, true});
 }
 
+void Exchange::expect(std::size_t length, const Bytes &told) {
+    expected_ = length;
+    told_ = told;
+}
+
 void Exchange::changeLinkSpeed(unsigned speed) { out_.back().linkSpeed = speed; }
 
 Next Exchange::accept(Next next) {
@@ -146,8 +151,7 @@ void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
 
 void Bootloader::feed(std::uint8_t byte, Nanoseconds now) {
     group_.push_back(byte);
-    const Step &step = exchange_.row->steps[exchange_.step];
-    if (group_.size() < step.length(group_)) {
+    if (group_.size() < lengthOf(group_)) {
         return;
     }
     take(std::exchange(group_, {}), now);
@@ -169,7 +173,12 @@ void Bootloader::take(const Bytes &group, Nanoseconds now) {
 std::size_t Bootloader::groupLength(const Bytes &more) const {
     Bytes bytes = group_;
     bytes.insert(bytes.end(), more.begin(), more.end());
-    return exchange_.row->steps[exchange_.step].length(bytes);
+    return lengthOf(bytes);
+}
+
+std::size_t Bootloader::lengthOf(const Bytes &group) const {
+    const std::size_t length = exchange_.row->steps[exchange_.step].length(group);
+    return length != 0 ? length : exchange_.expected();
 }
 
 void Bootloader::refuseGroup(const std::string &why, Nanoseconds now) {

@@ -58,6 +58,11 @@ public:
     // What came of the last work, for links that tell more than a NACK.
     const Outcome &outcome() const { return outcome_; }
 
+    // A group that tells the length of the next one, whose step can't: and what that one needs of it.
+    void expect(std::size_t length, const Bytes &told);
+    std::size_t expected() const { return expected_; }
+    const Bytes &told() const { return told_; }
+
     void begin(const CommandRow &row);
     const CommandRow *row = nullptr;
     std::size_t step = 0;
@@ -72,11 +77,13 @@ private:
     unsigned answers_ = 0;
     Outcome outcome_;
     std::optional<std::uint32_t> address_;
+    std::size_t expected_ = 0;
+    Bytes told_;
 };
 
 // One group of bytes from the host.
 struct Step {
-    std::size_t (*length)(const Bytes &arrived); // of the whole group, as far as what arrived tells
+    std::size_t (*length)(const Bytes &arrived); // of the whole group, as far as what arrived tells; 0: see expect()
     bool (*sound)(const Bytes &group);           // its checksum
     Next (*act)(Exchange &exchange, const Bytes &group);
 };
@@ -97,6 +104,7 @@ Next awaitGroups(Exchange &exchange);
 using CommandTable = std::vector<CommandRow>;
 const CommandTable &fixedCommands();
 const CommandTable &ownCommands();
+const CommandTable &i2cCommands(); // variants of I2C
 const CommandTable &canCommands(); // additions of CAN
 
 // The resident bootloader: commands come as an opcode and groups of bytes, answers go out with the
@@ -154,6 +162,9 @@ public:
     void answer(std::uint8_t byte, Nanoseconds now);
     void refuse(const std::string &why, Nanoseconds now);
 
+    // The last answer in front of a reset left only now, because the host had to fetch it: the chip starts now.
+    void startFrom(Nanoseconds now) { listensFrom_ = now + startTime; }
+
     // The reset button, and the power.
     void reset(Nanoseconds now);
     void losePower(Nanoseconds now);
@@ -164,6 +175,7 @@ public:
 private:
     const CommandRow *rowOf(std::uint8_t opcode) const;
     bool guarded(const CommandRow &row) const;
+    std::size_t lengthOf(const Bytes &group) const;
     bool admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds now);
     void take(const Bytes &group, Nanoseconds now);
     void wholeBehindOpcode(const Bytes &groups);

@@ -1,10 +1,12 @@
 #include "sim/dev/DeviceFronts.h"
 
+#include "sim/dev/I2cFront.h"
 
 namespace sim {
 
 const FrontTable &deviceFronts() {
     static const FrontTable rows = {
+        {"i2c", "NODE", nullptr, serveI2c, "i2c-1"},
     };
     return rows;
 }

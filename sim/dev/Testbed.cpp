@@ -14,7 +14,7 @@ namespace sim {
 
 namespace {
 
-constexpr char generationKey[] = "zv32-generation"; // in which a client opened its node
+constexpr char fileKey[] = "zv32-file"; // what hangs on a client
 
 // What a call of this library left in `problem`.
 bool told(GError *problem, std::string &error) {
@@ -80,18 +80,10 @@ void ClientMemory::point(std::size_t offset, const ClientMemory &target) const {
 
 // ---- a call
 
-namespace {
-
-_UMockdevIoctlClient *clientOf(const DeviceCall &call) {
-    return static_cast<_UMockdevIoctlClient *>(const_cast<void *>(call.client));
-}
-
-} // namespace
-
-unsigned long DeviceCall::request() const { return umockdev_ioctl_client_get_request(clientOf(*this)); }
+unsigned long DeviceCall::request() const { return umockdev_ioctl_client_get_request(client_); }
 
 ClientMemory DeviceCall::buffer() const {
-    _UMockdevIoctlData *argument = umockdev_ioctl_client_get_arg(clientOf(*this));
+    _UMockdevIoctlData *argument = umockdev_ioctl_client_get_arg(client_);
     return ClientMemory(static_cast<_UMockdevIoctlData *>(g_object_ref(argument)));
 }
 
@@ -102,7 +94,7 @@ ClientMemory DeviceCall::memory(std::size_t length) const { return buffer().behi
 DeviceAnswer DeviceCall::execute() const {
     int number = 0;
     GError *problem = nullptr;
-    const int result = umockdev_ioctl_client_execute(clientOf(*this), &number, &problem);
+    const int result = umockdev_ioctl_client_execute(client_, &number, &problem);
     std::string error;
     return told(problem, error) ? DeviceAnswer{result, number} : DeviceAnswer::fail(EIO);
 }
@@ -114,6 +106,12 @@ struct Testbed::Node {
     std::string path;
     Handler handler;
     UMockdevIoctlBase *base;
+};
+
+// A node that a client has open.
+struct Testbed::File {
+    unsigned generation; // in which it was opened
+    DeviceCall::Settings settings;
 };
 
 Testbed::Testbed() {
@@ -200,21 +198,22 @@ void Testbed::awaitClients() const {
 void Testbed::connected(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
     Testbed &testbed = static_cast<Node *>(node)->testbed;
     testbed.somebodyConnected(); // forgets those who left
-    g_object_set_data(G_OBJECT(client), generationKey, reinterpret_cast<void *>(testbed.generation_.load()));
+    const auto forget = [](void *file) { delete static_cast<File *>(file); };
+    g_object_set_data_full(G_OBJECT(client), fileKey, new File{testbed.generation_, {}}, forget);
     const std::lock_guard<std::mutex> lock(testbed.clientsMutex_);
     testbed.clients_.push_back(static_cast<_UMockdevIoctlClient *>(g_object_ref(client)));
 }
 
 bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const Handler &handler) {
-    const auto ofClient = reinterpret_cast<std::uintptr_t>(g_object_get_data(G_OBJECT(client), generationKey));
+    File &file = *static_cast<File *>(g_object_get_data(G_OBJECT(client), fileKey));
     std::optional<DeviceAnswer> answer;
     {
         const std::unique_lock<std::mutex> held = lock();
-        if (ofClient == generation_) {
-            DeviceCall call(kind, client);
+        if (file.generation == generation_) {
+            DeviceCall call(kind, client, file.settings);
             answer = handler(call);
         }
-        if (ofClient != generation_) {
+        if (file.generation != generation_) {
             answer = DeviceAnswer::fail(ENODEV);
         }
     }

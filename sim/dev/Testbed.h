@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -71,10 +72,14 @@ class DeviceCall {
 public:
     enum class Kind { ioctl, read, write };
 
-    DeviceCall(Kind what, _UMockdevIoctlClient *who) : kind(what), client(who) {}
+    // What a driver keeps for each open file; all 0 when it is opened.
+    using Settings = std::array<unsigned long, 4>;
+
+    DeviceCall(Kind what, _UMockdevIoctlClient *client, Settings &ofFile)
+        : kind(what), settings(ofFile), client_(client) {}
 
     const Kind kind;
-    const void *const client; // one for each open() of the node: settings of a file descriptor hang on it
+    Settings &settings;
 
     unsigned long request() const; // the ioctl's number
     unsigned long number() const;  // the ioctl's argument, when it is a number
@@ -87,6 +92,9 @@ public:
 
     // Lets the client make the call itself, on what really is behind the node.
     DeviceAnswer execute() const;
+
+private:
+    _UMockdevIoctlClient *client_;
 };
 
 // Emulated device nodes in a directory of their own, which vanishes with this object. A client sees them
@@ -132,6 +140,7 @@ public:
 
 private:
     struct Node;
+    struct File;
     static void connected(_UMockdevIoctlBase *base, _UMockdevIoctlClient *client, void *node);
     static int handleIoctl(_UMockdevIoctlBase *base, _UMockdevIoctlClient *client, void *node);
     static int handleRead(_UMockdevIoctlBase *base, _UMockdevIoctlClient *client, void *node);
@@ -143,7 +152,7 @@ private:
     std::string root_;
     std::vector<Node *> nodes_;
     std::mutex mutex_;
-    std::atomic<std::uintptr_t> generation_{1}; // of the clients that are served
+    std::atomic<unsigned> generation_{1}; // of the clients that are served
     mutable std::mutex clientsMutex_;
     mutable std::vector<_UMockdevIoctlClient *> clients_;
 };
