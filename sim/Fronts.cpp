@@ -3,6 +3,7 @@
 #include "sim/fronts/CanFront.h"
 #include "sim/fronts/SlcanFront.h"
 #include "sim/fronts/UsartFront.h"
+#include "sim/fronts/VhciFronts.h"
 
 namespace sim {
 
@@ -19,6 +20,7 @@ const FrontTable &simFronts() {
         {"spi", "NODE", deviceNodes, nullptr, "spidev0.0"},
         {"dfu", nullptr, deviceNodes, nullptr},
         {"tty", "NODE", deviceNodes, nullptr, "ttyUSB0"},
+        {"vhci-acm", nullptr, nullptr, serveVhciAcm},
     };
     return rows;
 }

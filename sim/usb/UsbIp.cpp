@@ -184,6 +184,7 @@ Bytes UsbIp::takeDue(Nanoseconds now) {
 }
 
 std::optional<Nanoseconds> UsbIp::nextDue(Nanoseconds now) {
+    askWaiting(now); // so that what has happened by now is not waited for
     std::optional<Nanoseconds> due = device_.nextEvent(now);
     if (!answered_.empty() && (!due || answered_.front().answer.at < *due)) {
         due = answered_.front().answer.at;
