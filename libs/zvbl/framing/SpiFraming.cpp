@@ -82,8 +82,8 @@ Status SpiFraming::sendGroup(std::uint8_t, const Bytes &bytes) {
 
 // Sends a message and has a first look at its answer. The chip throws away what was not fetched before.
 Status SpiFraming::send(const Bytes &bytes, std::size_t fetch) {
-    Bytes message{wire::spiStart};
-    message.insert(message.end(), bytes.begin(), bytes.end());
+    Bytes message(1 + bytes.size(), wire::spiStart);
+    std::copy(bytes.begin(), bytes.end(), message.begin() + 1);
     m_trace.sent(message.data(), message.size());
     m_heard.clear();
     return m_port.exchange(message, fetch, m_heard);
