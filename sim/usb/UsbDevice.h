@@ -56,8 +56,8 @@ struct UsbPresence {
 };
 
 // A device on a bus, as the host's side of the cable sees it. It never looks at a clock: whoever asks says
-// when, and never asks about a time before the last one. All transfers of a front go through here; the front
-// delivers each answer at its time, or the loss of the device when that comes first or at the same time.
+// when. All transfers of a front go through here; the front delivers each answer at its time, or the loss of
+// the device when that comes first or at the same time.
 class UsbDevice {
 public:
     UsbDevice() = default;
