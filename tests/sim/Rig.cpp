@@ -6,6 +6,10 @@ namespace sim {
 
 namespace {
 
+std::string orNothing(const std::string &text) { return text.empty() ? "-" : text; }
+
+} // namespace
+
 Faults makeFaults(const std::vector<std::string> &specs) {
     Faults faults;
     std::string error;
@@ -16,10 +20,6 @@ Faults makeFaults(const std::vector<std::string> &specs) {
     }
     return faults;
 }
-
-std::string orNothing(const std::string &text) { return text.empty() ? "-" : text; }
-
-} // namespace
 
 Bytes parseBytes(const std::string &text) {
     Bytes bytes;

@@ -39,6 +39,9 @@ public:
     Nanoseconds now = second;
 };
 
+// From specifications that are right.
+Faults makeFaults(const std::vector<std::string> &specs);
+
 Bytes parseBytes(const std::string &text);
 std::string showBytes(const Bytes &bytes);
 
