@@ -1,12 +1,14 @@
 #include "sim/dev/DeviceFronts.h"
 
 #include "sim/dev/I2cFront.h"
+#include "sim/dev/SpiFront.h"
 
 namespace sim {
 
 const FrontTable &deviceFronts() {
     static const FrontTable rows = {
         {"i2c", "NODE", nullptr, serveI2c, "i2c-1"},
+        {"spi", "NODE", nullptr, serveSpi, "spidev0.0"},
     };
     return rows;
 }
