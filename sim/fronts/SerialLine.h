@@ -34,6 +34,7 @@ public:
 
     // Bytes for the host, in the order in which they are due.
     std::deque<TimedByte> &toHost() { return toHost_; }
+    const std::deque<TimedByte> &toHost() const { return toHost_; }
 
     // Unplugged by a fault. The value is the time until it is plugged in again, if ever.
     struct Hangup {

@@ -12,20 +12,12 @@
 namespace sim {
 
 namespace {
-
 constexpr Nanoseconds quiet = 20 * millisecond; // the line rests: time for the state file
+}
 
-// At a pace every wake-up from sleep would add its latency to the line. So this close before a byte is
-// due, and this long behind one, when the host is about to go on, the front stays awake.
-constexpr Nanoseconds awakeBefore = 100 * microsecond;
-constexpr Nanoseconds awakeBehind = 300 * microsecond;
-
-} // namespace
-
-UsartFront::UsartFront(std::string path, bool pace, Bootloader &bootloader, Faults &faults, Log &log,
-                       std::function<void()> idle)
-    : path_(std::move(path)), pace_(pace), bootloader_(bootloader), log_(log), idle_(std::move(idle)),
-      protocol_(bootloader), line_(protocol_, faults) {
+UsartFront::UsartFront(Machine &machine, std::string path)
+    : machine_(machine), path_(std::move(path)), bootloader_(machine.chip, machine.faults, machine.log),
+      line_(pty_, machine.options.pace, bootloader_, machine.faults, machine.log) {
     prctl(PR_SET_TIMERSLACK, 1UL); // bytes are due to the microsecond
 }
 
@@ -38,31 +30,23 @@ bool UsartFront::plugIn(std::string &error) {
     return true;
 }
 
-bool UsartFront::serve(int signals, std::string &error) {
+bool UsartFront::serve(std::string &error) {
     if (!plugIn(error)) {
         return false;
     }
     for (;;) {
-        wait(signals);
-        if (followSignals(signals) == Wish::end) {
+        wait();
+        if (followSignals() == Wish::end) {
             break;
         }
-        takeFromHost();
-        pty_.followClients(clockNow());
-        giveToHost();
+        rested_ = !line_.work() && rested_;
         restIfIdle();
-        if (!line_.hangup() || !line_.toHost().empty()) {
+        if (line_.hangup() == nullptr) {
             continue;
         }
-        const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
-        pty_.drain();
-        pty_.close();
-        if (!replugMs || waitUnplugged(signals, *replugMs * millisecond) == Wish::end) {
+        if (!absent()) {
             break;
         }
-        // The board has its power from the port.
-        bootloader_.losePower(clockNow());
-        line_.replug();
         if (!plugIn(error)) {
             return false;
         }
@@ -71,78 +55,51 @@ bool UsartFront::serve(int signals, std::string &error) {
     return true;
 }
 
-Wish UsartFront::followSignals(int signals) {
-    Wish wish = nextWish(signals);
-    for (; wish == Wish::reset; wish = nextWish(signals)) {
-        line_.toHost().clear();
+bool UsartFront::absent() {
+    const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
+    pty_.drain();
+    pty_.close();
+    if (!replugMs || waitUnplugged(machine_.signals, *replugMs * millisecond) == Wish::end) {
+        return false;
+    }
+    bootloader_.losePower(clockNow()); // the board has its power from the port
+    line_.replug();
+    return true;
+}
+
+Wish UsartFront::followSignals() {
+    Wish wish = nextWish(machine_.signals);
+    for (; wish == Wish::reset; wish = nextWish(machine_.signals)) {
+        line_.forget();
         bootloader_.reset(clockNow());
     }
     return wish;
 }
 
 // Until something happens, or is due.
-void UsartFront::wait(int signals) {
-    struct pollfd fds[] = {{signals, POLLIN, 0}, {pty_.fd(), POLLIN, 0}, {pty_.watchFd(), POLLIN, 0}};
-    const Nanoseconds now = clockNow();
-    std::optional<Nanoseconds> due;
-    if (!line_.toHost().empty()) {
-        due = line_.toHost().front().at - (pace_ ? awakeBefore : 0);
-    } else if (pace_ && now - lastTraffic_ < awakeBehind) {
-        due = now;
-    } else if (!rested_) {
-        due = lastTraffic_ + quiet;
+void UsartFront::wait() {
+    struct pollfd fds[] = {{machine_.signals, POLLIN, 0}, {pty_.fd(), POLLIN, 0}, {pty_.watchFd(), POLLIN, 0}};
+    std::optional<Nanoseconds> due = line_.due();
+    if (!due && !rested_) {
+        due = line_.lastTraffic() + quiet;
     }
     struct timespec left {};
     if (due) {
-        left = timespecOf(std::max<Nanoseconds>(*due - now, 0));
+        left = timespecOf(std::max<Nanoseconds>(*due - clockNow(), 0));
     }
     ppoll(fds, 3, due ? &left : nullptr, nullptr);
 }
 
-void UsartFront::takeFromHost() {
-    std::uint8_t bytes[4096];
-    const Nanoseconds now = clockNow();
-    const std::size_t length = pty_.read(bytes, sizeof bytes, now);
-    if (length == 0) {
-        return;
-    }
-    lastTraffic_ = now;
-    rested_ = false;
-    const unsigned baud = pace_ ? pty_.baud() : 0;
-    for (std::size_t i = 0; i < length; ++i) {
-        line_.fromHost(bytes[i], now, baud);
-    }
-}
-
-void UsartFront::giveToHost() {
-    std::deque<TimedByte> &queue = line_.toHost();
-    const Nanoseconds now = clockNow();
-    Bytes due;
-    while (!queue.empty() && queue.front().at <= now) {
-        due.push_back(queue.front().byte);
-        queue.pop_front();
-    }
-    if (due.empty()) {
-        return;
-    }
-    lastTraffic_ = now;
-    rested_ = false;
-    if (!pty_.write(due)) {
-        log_.note("bytes for the host were lost: nobody reads");
-    }
-}
-
 void UsartFront::restIfIdle() {
-    if (!rested_ && line_.toHost().empty() && clockNow() - lastTraffic_ >= quiet) {
+    if (!rested_ && !line_.due() && clockNow() - line_.lastTraffic() >= quiet) {
         rested_ = true;
-        idle_();
+        machine_.idle();
     }
 }
 
 bool serveUsart(Machine &machine, const std::string &path, std::string &error) {
-    Bootloader bootloader(machine.chip, machine.faults, machine.log);
-    UsartFront front(path, machine.options.pace, bootloader, machine.faults, machine.log, machine.idle);
-    return front.serve(machine.signals, error);
+    UsartFront front(machine, path);
+    return front.serve(error);
 }
 
 } // namespace sim

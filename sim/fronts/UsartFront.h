@@ -2,42 +2,32 @@
 
 #include "sim/Fronts.h"
 #include "sim/Signals.h"
-#include "sim/fronts/Pty.h"
-#include "sim/fronts/SerialLine.h"
+#include "sim/fronts/TerminalLine.h"
 
-#include <functional>
 #include <string>
 
 namespace sim {
 
-// The serial port of the simulated chip: carries bytes between a pseudo terminal and the chip, at the
-// real time.
+// The serial port of the simulated chip: a pseudo terminal with a link to it.
 class UsartFront {
 public:
-    // `idle` is called when the line has been quiet for a moment.
-    UsartFront(std::string path, bool pace, Bootloader &bootloader, Faults &faults, Log &log,
-               std::function<void()> idle);
+    UsartFront(Machine &machine, std::string path);
 
     // Serves until a signal ends it. Returns false and a message when the port cannot be made.
-    bool serve(int signals, std::string &error);
+    bool serve(std::string &error);
 
 private:
     bool plugIn(std::string &error);
-    Wish followSignals(int signals);
-    void wait(int signals);
-    void takeFromHost();
-    void giveToHost();
+    bool absent(); // the time between unplugging and plugging in again; false when it ends there
+    Wish followSignals();
+    void wait();
     void restIfIdle();
 
+    Machine &machine_;
     std::string path_;
-    bool pace_;
-    Bootloader &bootloader_;
-    Log &log_;
-    std::function<void()> idle_;
-    UsartProtocol protocol_;
-    SerialLine line_;
+    Bootloader bootloader_;
     Pty pty_;
-    Nanoseconds lastTraffic_ = 0;
+    TerminalLine line_;
     bool rested_ = true;
 };
 
