@@ -99,7 +99,7 @@ Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable 
     : chip_(chip), faults_(faults), log_(log), variants_(variants), additions_(additions),
       exchange_(chip, supported_, faults, log, out_), supported_(opcodesOf(chip.facts(), opcodesIn(additions))) {}
 
-bool Bootloader::listening(Nanoseconds now) const { return !gone_ && !silent_ && now >= listensFrom_; }
+bool Bootloader::listening(Nanoseconds now) const { return !held_ && !gone_ && !silent_ && now >= listensFrom_; }
 
 const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
     if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end()) {
@@ -226,8 +226,7 @@ void Bootloader::follow(Next next) {
     } else if (next == Next::powerLost) {
         losePower(exchange_.now);
     } else if (next == Next::leave) {
-        log_.note("the chip runs its own code");
-        gone_ = true;
+        leave();
     }
 }
 
@@ -253,6 +252,14 @@ void Bootloader::start(Nanoseconds now) {
     silent_ = false;
     listensFrom_ = now + startTime;
     busyUntil_ = now;
+    if (selected_ == Start::application && !held_) {
+        leave();
+    }
+}
+
+void Bootloader::leave() {
+    log_.note("the chip runs its own code");
+    gone_ = true;
 }
 
 void Bootloader::reset(Nanoseconds now) {
@@ -263,6 +270,20 @@ void Bootloader::reset(Nanoseconds now) {
 
 void Bootloader::losePower(Nanoseconds now) {
     chip_.losePower();
+    start(now);
+}
+
+void Bootloader::hold(Nanoseconds now) {
+    log_.note("held in reset");
+    held_ = true;
+    out_.clear();
+    chip_.reset();
+    start(now);
+}
+
+void Bootloader::release(Nanoseconds now) {
+    log_.note("released");
+    held_ = false;
     start(now);
 }
 

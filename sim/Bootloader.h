@@ -101,6 +101,9 @@ struct CommandRow {
 // The `begin` of a command that only waits for its groups.
 Next awaitGroups(Exchange &exchange);
 
+// What a chip runs behind a reset.
+enum class Start { bootloader, application };
+
 using CommandTable = std::vector<CommandRow>;
 const CommandTable &fixedCommands();
 const CommandTable &ownCommands();
@@ -121,7 +124,8 @@ public:
     // From a reset until it listens; what arrives meanwhile is lost.
     static constexpr Nanoseconds startTime = 20 * millisecond;
 
-    // Whether bytes reach the bootloader: not while the chip starts, and not behind a GO.
+    // Whether bytes reach the bootloader: not while the chip starts or is held in reset, and not while it
+    // runs its own program.
     bool listening(Nanoseconds now) const;
 
     // Until then the chip works at its flash and takes nothing in.
@@ -168,6 +172,13 @@ public:
     // The reset button, and the power.
     void reset(Nanoseconds now);
     void losePower(Nanoseconds now);
+
+    // The pins: what every start from now on starts, and the reset line. While it is held the chip does
+    // nothing, and what was under way is lost.
+    void select(Start start) { selected_ = start; }
+    void hold(Nanoseconds now);
+    void release(Nanoseconds now);
+
     unsigned resets() const { return chip_.resets(); }
 
     std::vector<Output> takeOutput();
@@ -181,6 +192,7 @@ private:
     void wholeBehindOpcode(const Bytes &groups);
     void follow(Next next);
     void start(Nanoseconds now);
+    void leave();
 
     Chip &chip_;
     Faults &faults_;
@@ -192,7 +204,9 @@ private:
     Bytes supported_;
     Bytes group_;
     Next ended_ = Next::end;
-    bool gone_ = false;
+    Start selected_ = Start::bootloader;
+    bool held_ = false;
+    bool gone_ = false; // it runs its own program
     bool silent_ = false;
     Nanoseconds listensFrom_ = 0;
     Nanoseconds busyUntil_ = 0;
