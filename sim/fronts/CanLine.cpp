@@ -15,6 +15,9 @@ unsigned bitsOf(const CanFrame &frame) {
 // What befalls one byte befalls its frame, but damage. A frame without data goes by as one byte: its
 // identifier. False when the bus is unplugged instead.
 bool CanLine::befall(CanFrame &frame, Direction direction, ByteEffect &effect) {
+    if (!concernsChip(frame)) {
+        return true;
+    }
     for (std::size_t i = 0; i < std::max<std::size_t>(frame.data.size(), 1); ++i) {
         const ByteEffect one = faults_.byte(direction);
         if (one.hangup) {

@@ -14,12 +14,11 @@ namespace {
 constexpr std::size_t frameSize = 8;
 constexpr std::uint32_t lastOpcode = 0xFF;
 
-// Of the host or, which an identifier of another sender is not, of the chip.
+} // namespace
+
 bool concernsChip(const CanFrame &frame) {
     return !frame.extended && !frame.remote && frame.id <= wire::canFromChip + lastOpcode;
 }
-
-} // namespace
 
 std::string nameOf(const CanFrame &frame) {
     char text[16];

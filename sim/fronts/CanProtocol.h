@@ -49,6 +49,9 @@ private:
     std::vector<TimedFrame> out_;
 };
 
+// Whether a frame has to do with the chip: data, under an identifier of its host or, wrongly, its own.
+bool concernsChip(const CanFrame &frame);
+
 // As the log names a frame: its identifier in hexadecimal.
 std::string nameOf(const CanFrame &frame);
 

@@ -411,6 +411,11 @@ const Conversation faults[] = {
         C: -
         told fault: rx-lost@1
     )" OPEN},
+    {"frames_of_others_do_not_count", {"rx-lost@1"}, R"(
+        H: 700 01 02 / 0000007F / r07F / 07F
+        C: -
+        told fault: rx-lost@1
+    )" OPEN},
     {"an_opcode_frame_too", {"rx-lost@2"}, OPEN R"(
         H: 002
         C: -
