@@ -35,11 +35,6 @@ Trace::~Trace() {
         close(m_file);
 }
 
-void Trace::remark(const std::string &text) {
-    if (on())
-        write('#', text);
-}
-
 void Trace::line(char mark, const std::uint8_t *bytes, std::size_t count) {
     if (!on() || count == 0)
         return;
@@ -56,6 +51,8 @@ void Trace::line(char mark, const std::uint8_t *bytes, std::size_t count) {
 }
 
 void Trace::write(char mark, const std::string &text) {
+    if (!on())
+        return;
     const std::string whole = now() + ' ' + m_port + ' ' + mark + ' ' + text + '\n';
     [[maybe_unused]] const ssize_t written = ::write(m_file, whole.data(), whole.size());
 }

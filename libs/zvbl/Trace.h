@@ -19,7 +19,11 @@ public:
     void sent(const std::uint8_t *bytes, std::size_t count) { line('>', bytes, count); }
     void received(const std::uint8_t *bytes, std::size_t count) { line('<', bytes, count); }
     void discarded(const std::uint8_t *bytes, std::size_t count) { line('x', bytes, count); }
-    void remark(const std::string &text);
+    // What is more than bytes, as text.
+    void sent(const std::string &text) { write('>', text); }
+    void received(const std::string &text) { write('<', text); }
+    void discarded(const std::string &text) { write('x', text); }
+    void remark(const std::string &text) { write('#', text); }
     bool on() const { return m_file >= 0; }
 
 private:

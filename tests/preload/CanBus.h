@@ -9,15 +9,19 @@
 namespace can_bus {
 
 enum class Verb : std::uint32_t {
-    ask,   // is the interface up?
+    ask,   // how is the interface?
     join,  // with the other end of the member's socket as SCM_RIGHTS, and its Options
     tune,  // new Options
-    send   // a frame
+    send,  // a frame
+    change // the interface: up or down, bit rate
 };
 
 struct Request {
     Verb verb = Verb::ask;
     can_frame frame{};
+    std::uint32_t which = 0; // IFF_UP if `flags` has a new value of it
+    std::uint32_t flags = 0;
+    std::uint32_t bitRate = 0; // 0: as it is
 };
 
 constexpr unsigned maxFilters = CAN_RAW_FILTER_MAX;
@@ -33,7 +37,8 @@ struct Options {
 
 struct Answer {
     std::int32_t error = 0; // an errno, 0 for done
-    std::uint32_t flags = 0; // IFF_...
+    std::uint32_t flags = 0;   // IFF_...
+    std::uint32_t bitRate = 0; // 0: none, a virtual bus
 };
 
 // What a member reads from its socket: a frame, or an errno and no more.

@@ -13,6 +13,8 @@
 //   frame ID#DATA   a frame from nowhere, as cansend writes it; ID 20000xxx is an error frame
 //   bus-off         its error frame; what is sent afterwards gets lost, until
 //   restart
+//   lock            nobody may change the interface: EPERM
+//   fix             its driver takes no other rate: EINVAL
 
 #include <algorithm>
 #include <cerrno>
@@ -99,16 +101,19 @@ private:
     int carryOut(Member &member, const char *bytes, std::size_t size, int passed);
     int take(const can_frame &frame, Member &sender);
     void deliver(const can_frame &frame, const Member *sender);
+    int change(const Request &request);
+    void setUp(bool up);
     void deliverDue();
     void forgetEnded();
     timespec untilDue() const;
     std::uint32_t flags() const;
 
     const std::string m_path;
-    const long m_bitRate;
+    long m_bitRate;
     int m_listener = -1;
     bool m_up = true;
     bool m_off = false; // bus-off
+    bool m_locked = false, m_fixed = false;
     long m_busy = 0, m_lose = 0, m_double = 0;
     std::vector<std::unique_ptr<Member>> m_members, m_unbound;
     std::deque<Waiting> m_queue;
@@ -232,6 +237,7 @@ void Bus::listenTo(Member &member) {
     Answer answer;
     answer.error = carryOut(member, bytes, static_cast<std::size_t>(count), passed);
     answer.flags = flags();
+    answer.bitRate = static_cast<std::uint32_t>(m_bitRate);
     send(member.control, &answer, sizeof answer, MSG_NOSIGNAL);
 }
 
@@ -250,7 +256,36 @@ int Bus::carryOut(Member &member, const char *bytes, std::size_t size, int passe
         std::memcpy(&member.options, bytes + sizeof request, std::min(size - sizeof request, sizeof member.options));
         return 0;
     }
+    if (request.verb == Verb::change) {
+        return change(request);
+    }
     return request.verb == Verb::send ? take(request.frame, member) : 0;
+}
+
+int Bus::change(const Request &request) {
+    if (m_locked) {
+        return EPERM;
+    }
+    if (request.bitRate != 0 && (m_bitRate == 0 || m_fixed || m_up)) {
+        return m_bitRate == 0 ? EOPNOTSUPP : m_fixed ? EINVAL : EBUSY;
+    }
+    if (request.bitRate != 0) {
+        m_bitRate = static_cast<long>(request.bitRate);
+    }
+    if ((request.which & IFF_UP) && m_up != ((request.flags & IFF_UP) != 0)) {
+        setUp(!m_up);
+    }
+    return 0;
+}
+
+void Bus::setUp(bool up) {
+    m_up = up;
+    m_queue.clear();
+    if (up) {
+        m_off = false; // the controller starts afresh
+    } else {
+        tellAll(ENETDOWN);
+    }
 }
 
 // What a frame takes on the wire, with a bit stuffed in for every tenth.
@@ -334,12 +369,8 @@ bool Bus::obey(const std::string &line) {
     std::istringstream words(line);
     std::string verb, argument;
     words >> verb >> argument;
-    if (verb == "down") {
-        m_up = false;
-        m_queue.clear();
-        tellAll(ENETDOWN);
-    } else if (verb == "up") {
-        m_up = true;
+    if (verb == "down" || verb == "up") {
+        setUp(verb == "up");
     } else if (verb == "unplug" && m_listener >= 0) {
         unplug();
     } else if (verb == "plug" && m_listener < 0) {
@@ -361,6 +392,10 @@ bool Bus::obey(const std::string &line) {
     } else if (verb == "restart") {
         m_off = false;
         deliver(readFrame("20000100#0000000000000000"), nullptr);
+    } else if (verb == "lock") {
+        m_locked = true;
+    } else if (verb == "fix") {
+        m_fixed = true;
     } else {
         return false;
     }

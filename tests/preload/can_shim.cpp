@@ -3,7 +3,8 @@
 //
 // A CAN socket is one end of an AF_UNIX pair from the start, so that poll, select, O_NONBLOCK, SO_TIMESTAMP
 // and close are the kernel's own. bind() hands the other end to the bus; what is sent, and the filters,
-// travel over a second connection and are answered, so that a write comes back with its errno.
+// travel over a second connection and are answered, so that a write comes back with its errno. An rtnetlink
+// socket is such a pair too: what is sent to it is answered at once, about the buses and nothing else.
 
 #include <atomic>
 #include <cerrno>
@@ -13,7 +14,9 @@
 #include <cstring>
 #include <dirent.h>
 #include <dlfcn.h>
+#include <linux/can/netlink.h>
 #include <linux/can/raw.h>
+#include <linux/rtnetlink.h>
 #include <linux/sockios.h>
 #include <mutex>
 #include <net/if.h>
@@ -40,7 +43,8 @@ Function real(const char *name) {
     static const auto real_##name = real<decltype(&::name)>(#name)
 
 struct Socket {
-    int otherEnd = -1; // until it is bound
+    bool netlink = false;
+    int otherEnd = -1; // until it is bound; of rtnetlink for ever
     int control = -1;  // once it is
     int index = 0;
     Options options;
@@ -152,13 +156,13 @@ Answer request(int control, const Request &what, const Options *options = nullpt
     return answer;
 }
 
-Answer ask(const std::string &name) {
+Answer ask(const std::string &name, const Request &what = {}) {
     REAL(close);
     Answer answer;
     answer.error = ENODEV;
     const int control = connectTo(name);
     if (control >= 0) {
-        answer = request(control, {});
+        answer = request(control, what);
         real_close(control);
     }
     return answer;
@@ -166,7 +170,7 @@ Answer ask(const std::string &name) {
 
 // ---- a socket's life
 
-int open(int type) {
+int open(int type, bool netlink) {
     REAL(close);
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | (type & (SOCK_CLOEXEC | SOCK_NONBLOCK)), 0, ends) != 0) {
@@ -178,6 +182,7 @@ int open(int type) {
         return failWith(EMFILE);
     }
     auto *socket = new Socket;
+    socket->netlink = netlink;
     socket->otherEnd = ends[1];
     g_sockets[ends[0]] = socket;
     return ends[0];
@@ -186,7 +191,7 @@ int open(int type) {
 int bindTo(Socket &socket, int index) {
     REAL(close);
     const std::string name = nameOf(index);
-    if (name.empty() || socket.otherEnd < 0) {
+    if (name.empty() || socket.otherEnd < 0 || socket.netlink) {
         return failWith(name.empty() ? ENODEV : EINVAL);
     }
     const int control = connectTo(name);
@@ -214,9 +219,105 @@ int close(Socket *socket) {
     return 0;
 }
 
+// ---- rtnetlink: RTM_GETLINK, RTM_NEWLINK and RTM_SETLINK, by the interface's number
+
+void append(std::string &message, unsigned short type, const void *value, std::size_t size) {
+    const rtattr head{static_cast<unsigned short>(RTA_LENGTH(size)), type};
+    message.append(reinterpret_cast<const char *>(&head), sizeof head);
+    message.append(static_cast<const char *>(value), size);
+    message.append(RTA_SPACE(size) - RTA_LENGTH(size), '\0');
+}
+
+std::string nested(const Answer &interface) {
+    const bool real = interface.bitRate != 0;
+    can_bittiming timing{};
+    timing.bitrate = interface.bitRate;
+    std::string info, data;
+    append(info, IFLA_INFO_KIND, real ? "can" : "vcan", real ? 4 : 5);
+    if (real) {
+        append(data, IFLA_CAN_BITTIMING, &timing, sizeof timing);
+        append(info, IFLA_INFO_DATA, data.data(), data.size());
+    }
+    return info;
+}
+
+std::string linkMessage(const std::string &name, int index, const Answer &interface) {
+    ifinfomsg about{};
+    about.ifi_type = 280; // CAN
+    about.ifi_index = index;
+    about.ifi_flags = interface.flags;
+    std::string attributes;
+    append(attributes, IFLA_IFNAME, name.c_str(), name.size() + 1);
+    const std::string info = nested(interface);
+    append(attributes, IFLA_LINKINFO, info.data(), info.size());
+    nlmsghdr head{};
+    head.nlmsg_len = static_cast<__u32>(NLMSG_LENGTH(sizeof about) + attributes.size());
+    head.nlmsg_type = RTM_NEWLINK;
+    return std::string(reinterpret_cast<char *>(&head), sizeof head) +
+           std::string(reinterpret_cast<char *>(&about), sizeof about) + attributes;
+}
+
+std::string errorMessage(int error, const nlmsghdr &question) {
+    nlmsghdr head{};
+    head.nlmsg_len = NLMSG_LENGTH(sizeof(nlmsgerr));
+    head.nlmsg_type = NLMSG_ERROR;
+    const nlmsgerr body{-error, question};
+    return std::string(reinterpret_cast<char *>(&head), sizeof head) +
+           std::string(reinterpret_cast<const char *>(&body), sizeof body);
+}
+
+// The bit rate that a message sets, 0 if none.
+std::uint32_t bitRateIn(const char *attributes, std::size_t size) {
+    for (const rtattr *at = reinterpret_cast<const rtattr *>(attributes); RTA_OK(at, size); at = RTA_NEXT(at, size)) {
+        const auto *value = static_cast<const char *>(RTA_DATA(at));
+        const int type = at->rta_type & NLA_TYPE_MASK;
+        if (type == IFLA_LINKINFO || type == IFLA_INFO_DATA) {
+            if (const std::uint32_t rate = bitRateIn(value, RTA_PAYLOAD(at))) {
+                return rate;
+            }
+        }
+        // Inside the data of a kind the numbers mean something else: told by the size.
+        if (type == IFLA_CAN_BITTIMING && RTA_PAYLOAD(at) == sizeof(can_bittiming)) {
+            std::uint32_t rate = 0;
+            std::memcpy(&rate, value, sizeof rate);
+            return rate;
+        }
+    }
+    return 0;
+}
+
+ssize_t converse(Socket &socket, const void *bytes, std::size_t size) {
+    REAL(send);
+    if (size < NLMSG_LENGTH(sizeof(ifinfomsg))) {
+        return failWith(EINVAL);
+    }
+    const std::string message(static_cast<const char *>(bytes), size);
+    nlmsghdr head;
+    ifinfomsg about;
+    std::memcpy(&head, message.data(), sizeof head);
+    std::memcpy(&about, message.data() + NLMSG_HDRLEN, sizeof about);
+    Request what;
+    if (head.nlmsg_type != RTM_GETLINK) {
+        what.verb = Verb::change;
+        what.which = about.ifi_change;
+        what.flags = about.ifi_flags;
+        what.bitRate = bitRateIn(message.data() + NLMSG_LENGTH(sizeof about), size - NLMSG_LENGTH(sizeof about));
+    }
+    const std::string name = nameOf(about.ifi_index);
+    const Answer answer = ask(name, what);
+    const std::string reply = head.nlmsg_type == RTM_GETLINK && !answer.error
+                                  ? linkMessage(name, about.ifi_index, answer)
+                                  : errorMessage(answer.error, head);
+    real_send(socket.otherEnd, reply.data(), reply.size(), MSG_NOSIGNAL);
+    return static_cast<ssize_t>(size);
+}
+
 // ---- frames
 
 ssize_t sendFrame(Socket &socket, const void *bytes, std::size_t size) {
+    if (socket.netlink) {
+        return converse(socket, bytes, size);
+    }
     if (size != sizeof(can_frame)) {
         return failWith(EINVAL);
     }
@@ -224,7 +325,7 @@ ssize_t sendFrame(Socket &socket, const void *bytes, std::size_t size) {
     what.verb = Verb::send;
     std::memcpy(&what.frame, bytes, sizeof what.frame);
     const std::lock_guard<std::mutex> lock(socket.mutex);
-    const Answer answer = socket.control < 0 ? Answer{ENXIO, 0} : request(socket.control, what);
+    const Answer answer = socket.control < 0 ? Answer{ENXIO, 0, 0} : request(socket.control, what);
     return answer.error ? failWith(answer.error) : static_cast<ssize_t>(sizeof what.frame);
 }
 
@@ -241,6 +342,9 @@ void fillIn(msghdr &message, const Socket &socket) {
 
 ssize_t receive(int fd, Socket &socket, msghdr &message, int flags) {
     REAL(recvmsg);
+    if (socket.netlink) {
+        return real_recvmsg(fd, &message, flags);
+    }
     Delivery delivery;
     iovec part{&delivery, sizeof delivery};
     msghdr own{};
@@ -365,8 +469,9 @@ extern "C" {
 
 int socket(int family, int type, int protocol) {
     REAL(socket);
-    const bool ours = family == AF_CAN && (type & ~(SOCK_CLOEXEC | SOCK_NONBLOCK)) == SOCK_RAW && protocol == CAN_RAW;
-    return ours && !directory().empty() ? open(type) : real_socket(family, type, protocol);
+    const bool can = family == AF_CAN && (type & ~(SOCK_CLOEXEC | SOCK_NONBLOCK)) == SOCK_RAW && protocol == CAN_RAW;
+    const bool netlink = family == AF_NETLINK && protocol == NETLINK_ROUTE;
+    return (can || netlink) && !directory().empty() ? open(type, netlink) : real_socket(family, type, protocol);
 }
 
 int bind(int fd, const sockaddr *address, socklen_t length) {

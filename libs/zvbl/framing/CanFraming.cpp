@@ -1,0 +1,208 @@
+#include "libs/zvbl/framing/CanFraming.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "libs/zvbl/framing/Groups.h"
+
+namespace zvbl {
+namespace {
+
+constexpr std::size_t frameSize = 8;
+
+std::string describe(const CanFrame &frame) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string text = {digits[frame.id >> 8 & 7], digits[frame.id >> 4 & 0xF], digits[frame.id & 0xF]};
+    for (std::size_t i = 0; i < frame.size; ++i)
+        text += {' ', digits[frame.data[i] >> 4], digits[frame.data[i] & 0xF]};
+    return text;
+}
+
+// Behind these the chip runs its program, or starts anew.
+constexpr std::uint8_t endsOfBootloader[] = {
+    wire::opGo,           wire::opReset,           wire::opEppProtect, wire::opEppUnprotect, wire::opAccessProtect,
+    wire::opAccessProtectLevel, wire::opAccessUnprotect, wire::opEnableSlib, wire::opDisableSlib,  wire::opUserDataWrite};
+
+CanFrame frameOf(std::uint8_t opcode, const std::uint8_t *bytes, std::size_t size) {
+    CanFrame frame{opcode, static_cast<std::uint8_t>(size), {}};
+    std::copy(bytes, bytes + size, frame.data.begin());
+    return frame;
+}
+
+} // namespace
+
+CanFraming::CanFraming(CanBus &bus, const Timing &timing, Trace &trace) : MessageFraming(timing, trace), m_bus(bus) {
+    m_timeout = std::chrono::seconds(5);
+}
+
+Status CanFraming::transfer(const Command &command, Bytes &reply, Duration timeout) {
+    m_groupsLeft = command.groups.size();
+    m_hasReply = command.reply.counted || command.reply.size > 0;
+    m_hurried = command.packet && m_wentWell;
+    const Status status = MessageFraming::transfer(command, reply, timeout);
+    m_wentWell = status == Status::ok;
+    if (m_wentWell && std::count(std::begin(endsOfBootloader), std::end(endsOfBootloader), command.opcode) > 0)
+        m_chipChanged = false;
+    return status;
+}
+
+// What answered the last command may come twice. From one packet to the next nobody waits for that: it shows
+// further on.
+Status CanFraming::sendOpcode(std::uint8_t opcode) {
+    const Status status = discardUntil(m_hurried ? TimePoint{} : m_lastHeard + doubleTime());
+    return status == Status::ok ? send({opcode, 0, {}}, Clock::now() + m_timeout) : status;
+}
+
+// A frame is sent again when its end was disturbed, and then a receiver may have it twice: an ACK that came
+// twice would stand for the next one, and so on to the last. So before the chip has all that it needs to
+// act, there must be no answer left. Where a reply follows, that shows by its size.
+Status CanFraming::sendGroup(std::uint8_t opcode, const Bytes &bytes) {
+    const bool lastGroup = --m_groupsLeft == 0;
+    Status status = Status::ok;
+    for (std::size_t done = 0; done < bytes.size() && status == Status::ok; done += frameSize) {
+        const std::size_t size = std::min(frameSize, bytes.size() - done);
+        if (lastGroup && !m_hasReply && done + size == bytes.size())
+            status = expectSilence(opcode);
+        if (status == Status::ok)
+            status = send(frameOf(opcode, bytes.data() + done, size), Clock::now() + m_timeout);
+    }
+    return status;
+}
+
+Status CanFraming::takeAnswer(std::uint8_t opcode, std::uint8_t &answer) {
+    CanFrame frame;
+    if (const Status status = hearAnswer(opcode, frame); status != Status::ok)
+        return status;
+    if (frame.size != 1) {
+        m_trace.remark("not an answer");
+        return Status::noAnswer;
+    }
+    answer = frame.data[0];
+    return Status::ok;
+}
+
+Status CanFraming::takeReply(const Command &command, Bytes &reply) {
+    std::size_t size = command.reply.counted ? 0 : command.reply.size + 1;
+    do {
+        if (const Status status = takePart(command, reply, size); status != Status::ok)
+            return status;
+    } while (reply.size() < size);
+    if (sumOf(reply) != 0) {
+        m_trace.remark("wrong checksum");
+        return Status::noAnswer;
+    }
+    reply.pop_back();
+    if (command.reply.counted)
+        reply.erase(reply.begin());
+    // Of full frames alone one that came twice has pushed out the last, and twice the same is 0 in the sum.
+    return size > frameSize && size % frameSize == 0 ? expectSilence(command.opcode) : Status::ok;
+}
+
+// Takes one frame of a reply. `size` is 0 until its count tells it.
+Status CanFraming::takePart(const Command &command, Bytes &reply, std::size_t &size) {
+    CanFrame frame;
+    if (const Status status = hearAnswer(command.opcode, frame); status != Status::ok)
+        return status;
+    if (size == 0 && frame.size > 0)
+        size = 1 + (frame.data[0] + 1U) + 1;
+    if (frame.size == 0 || frame.size != std::min(frameSize, size - reply.size())) {
+        m_trace.remark("a part of the reply is missing");
+        return Status::noAnswer;
+    }
+    reply.insert(reply.end(), frame.data.begin(), frame.data.begin() + frame.size);
+    return Status::ok;
+}
+
+Status CanFraming::send(const CanFrame &frame, TimePoint deadline) {
+    if (m_trace.on())
+        m_trace.sent(describe(frame));
+    const Status status = m_bus.send(frame, deadline);
+    m_lastSent = std::max<TimePoint>(Clock::now(), m_lastSent) + m_bus.frameTime(frame.size);
+    return status;
+}
+
+Status CanFraming::hear(CanFrame &frame, TimePoint deadline) {
+    const Status status = m_bus.receive(frame, deadline);
+    if (status == Status::ok)
+        m_lastHeard = Clock::now();
+    return status;
+}
+
+bool CanFraming::isAnswerTo(std::uint8_t opcode, const CanFrame &frame) {
+    return frame.id == opcode + wire::canFromChip;
+}
+
+void CanFraming::note(const CanFrame &frame, bool used) {
+    if (!m_trace.on())
+        return;
+    if (used)
+        m_trace.received(describe(frame));
+    else
+        m_trace.discarded(describe(frame));
+}
+
+// Waits for the next frame that answers this opcode. What answers another one is late.
+Status CanFraming::hearAnswer(std::uint8_t opcode, CanFrame &frame) {
+    const TimePoint deadline = std::max<TimePoint>(Clock::now(), m_lastSent) + m_timeout;
+    for (;;) {
+        const Status status = hear(frame, deadline);
+        if (status != Status::ok) {
+            m_trace.remark(status == Status::noAnswer ? "no answer in time" : "the answer is lost");
+            if (status == Status::noAnswer)
+                m_bus.explain();
+            return status;
+        }
+        const bool right = isAnswerTo(opcode, frame);
+        note(frame, right);
+        if (right)
+            return Status::ok;
+        if (Clock::now() > deadline)
+            return Status::noAnswer; // a bus full of late answers is no answer
+    }
+}
+
+// Throws away what comes; with a deadline that is past, what is there.
+Status CanFraming::discardUntil(TimePoint deadline) {
+    const TimePoint bound = std::max<TimePoint>(deadline, Clock::now() + m_timeout);
+    Status status = Status::ok;
+    for (CanFrame frame; status == Status::ok && Clock::now() < bound;) {
+        status = hear(frame, deadline);
+        if (status == Status::ok)
+            note(frame, false);
+    }
+    return status == Status::noAnswer ? Status::ok : status;
+}
+
+Status CanFraming::discardUntilQuiet(TimePoint bound) {
+    TimePoint heard;
+    Status status = Status::ok;
+    do {
+        heard = m_lastHeard;
+        status = discardUntil(std::max<TimePoint>(Clock::now(), m_lastSent) + std::max(m_timing.quiet, doubleTime()));
+    } while (status == Status::ok && m_lastHeard != heard && Clock::now() < bound);
+    return status;
+}
+
+// Makes sure that no frame came twice, as far as that can be told by now.
+Status CanFraming::expectSilence(std::uint8_t opcode) {
+    const TimePoint until = m_lastHeard + doubleTime();
+    CanFrame frame;
+    Status status = Status::ok;
+    while (status == Status::ok) {
+        status = hear(frame, until);
+        if (status == Status::ok)
+            note(frame, false);
+        if (status == Status::ok && isAnswerTo(opcode, frame)) {
+            m_trace.remark("more than the answer");
+            return Status::noAnswer;
+        }
+    }
+    return status == Status::noAnswer ? Status::ok : status;
+}
+
+// The disturbance, and the frame once more.
+Duration CanFraming::doubleTime() const {
+    return m_bus.frameTime(frameSize) * 3 / 2;
+}
+
+} // namespace zvbl
