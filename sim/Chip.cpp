@@ -13,10 +13,10 @@ namespace {
 constexpr std::uint8_t blank = 0xFF;
 
 // A serial number of its own for every kind of chip, the same in every run.
-Bytes uniqueIdOf(const ChipFacts &chip) {
+Bytes uniqueIdOf(const ChipFacts &chip, unsigned number) {
     constexpr std::size_t length = 12;
     Bytes id;
-    std::uint32_t word = 0;
+    std::uint32_t word = number;
     while (id.size() < length) {
         word = crc32(reinterpret_cast<const std::uint8_t *>(chip.name.data()), chip.name.size(), word);
         for (unsigned shift = 0; shift < 32; shift += 8) {
@@ -35,14 +35,14 @@ Bytes blockIdentifierOf(const ChipFacts &chip) {
 
 } // namespace
 
-Chip::Chip(const ChipFacts &facts, std::size_t spimSize, FlashTime flashTime, Faults &faults)
+Chip::Chip(const ChipFacts &facts, std::size_t spimSize, FlashTime flashTime, Faults &faults, unsigned number)
     : facts_(facts), flashTime_(flashTime), flash_(facts.flashKb * 1024, CellKind::flash, 1, faults),
       options_(facts, faults), otp_(facts, faults), spim_(facts.spim ? spimSize : 0, faults),
       protection_(facts, options_), ram_(facts.ramKb * 1024) {
-    layOutMemory();
+    layOutMemory(number);
 }
 
-void Chip::layOutMemory() {
+void Chip::layOutMemory(unsigned number) {
     const auto cells = [](const Cells &of) {
         return [&of](std::size_t offset, std::size_t length) { return of.read(offset, length); };
     };
@@ -65,10 +65,10 @@ void Chip::layOutMemory() {
                             std::copy(bytes.begin(), bytes.end(), ram_.begin() + static_cast<std::ptrdiff_t>(offset));
                             return Outcome{};
                         }});
-    addIdentification();
+    addIdentification(number);
 }
 
-void Chip::addIdentification() {
+void Chip::addIdentification(unsigned number) {
     const auto fixed = [this](std::uint32_t base, const Bytes &content) {
         regions_.push_back({base, content.size(), 1,
                             [content](std::size_t offset, std::size_t length) {
@@ -79,7 +79,7 @@ void Chip::addIdentification() {
     };
     fixed(wire::flashSizeRegister,
           {static_cast<std::uint8_t>(facts_.flashKb), static_cast<std::uint8_t>(facts_.flashKb >> 8)});
-    fixed(wire::uniqueId, uniqueIdOf(facts_));
+    fixed(wire::uniqueId, uniqueIdOf(facts_, number));
     fixed(wire::blockIdentifier, blockIdentifierOf(facts_));
 }
 

@@ -24,8 +24,9 @@ enum class Bank { one, two, three, oneAndTwo };
 // anything is touched. Addresses are the target's; nothing here knows how the request came.
 class Chip {
 public:
-    // `spimSize` in bytes: the SPI flash on the board; a chip without SPIM has none.
-    Chip(const ChipFacts &facts, std::size_t spimSize, FlashTime flashTime, Faults &faults);
+    // `spimSize` in bytes: the SPI flash on the board; a chip without SPIM has none. Chips of one kind with
+    // another `number` have another unique identifier.
+    Chip(const ChipFacts &facts, std::size_t spimSize, FlashTime flashTime, Faults &faults, unsigned number = 0);
     Chip(const Chip &) = delete;
     Chip &operator=(const Chip &) = delete;
 
@@ -97,8 +98,8 @@ private:
         unsigned count;
     };
 
-    void layOutMemory();
-    void addIdentification();
+    void layOutMemory(unsigned number);
+    void addIdentification(unsigned number);
     const Region *regionAt(std::uint32_t address, std::size_t length) const;
     Bytes readFlash(std::size_t offset, std::size_t length) const;
     Outcome writeFlash(std::size_t offset, const Bytes &bytes);

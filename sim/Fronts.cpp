@@ -18,7 +18,7 @@ const FrontTable &simFronts() {
         {"can", "INTERFACE", nullptr, serveCan, "can0"},
         {"i2c", "NODE", deviceNodes, nullptr, "i2c-1"},
         {"spi", "NODE", deviceNodes, nullptr, "spidev0.0"},
-        {"dfu", nullptr, deviceNodes, nullptr},
+        {"dfu", nullptr, deviceNodes, nullptr, nullptr, true},
         {"tty", "NODE", deviceNodes, nullptr, "ttyUSB0"},
         {"vhci-acm", nullptr, nullptr, serveVhciAcm},
     };

@@ -32,6 +32,7 @@ struct Front {
     bool (*serve)(Machine &machine, const std::string &port, std::string &error);
 
     const char *usual = nullptr; // the value when the word stands alone; null: it needs one
+    bool several = false;        // further chips can be beside the first
 };
 
 using FrontTable = std::vector<Front>;

@@ -19,6 +19,8 @@ const char helpText[] =
   --usart PATH        make a serial port and a symbolic link to it at PATH, print "ready PATH"
   --slcan PATH        the same, a serial-line CAN adapter with the chip at its bus
   --can [INTERFACE]   join the bus of a CAN interface (can0), print "ready INTERFACE"
+  --dfu               a chip on USB, its node in a directory of emulated devices, print "ready dfu DIR"
+  --beside N          N further chips of the same kind on its bus, new in every run (0)
   --state FILE        keep the chip's memory in FILE between runs
   --spim MB           size of the SPI flash on the board, 0 for none (16)
   --baud-pace         bytes take the time that they need at the rate that the client set
@@ -48,6 +50,7 @@ Exit status: 0 ended, 1 the port or a file cannot be used, 2 a bad command line.
 namespace {
 
 constexpr unsigned largestSpimMb = 64;
+constexpr unsigned mostBeside = 16;
 constexpr unsigned longestTime = 60000000;
 constexpr FlashTime usualFlashTime{20 * millisecond, 2500 * microsecond};
 
@@ -66,6 +69,11 @@ bool setChip(Options &options, const char *value, std::string &error) {
 bool setSpim(Options &options, const char *value, std::string &error) {
     error = std::string("--spim takes megabytes, 0 to 64, not \"") + value + "\"";
     return parseNumber(value, largestSpimMb, options.spimMb);
+}
+
+bool setBeside(Options &options, const char *value, std::string &error) {
+    error = std::string("--beside takes a number of chips, 0 to 16, not \"") + value + "\"";
+    return parseNumber(value, mostBeside, options.beside);
 }
 
 bool setFlashTime(Options &options, const char *value, std::string &error) {
@@ -116,6 +124,7 @@ constexpr OptionRow rows[] = {
     {"chip", required_argument, setChip},
     {"state", required_argument, setText<&Options::state>},
     {"spim", required_argument, setSpim},
+    {"beside", required_argument, setBeside},
     {"baud-pace", no_argument, setFlag<&Options::pace>},
     {"flash-time", optional_argument, setFlashTime},
     {"fault", required_argument, setFault},
@@ -172,6 +181,8 @@ bool complete(const Options &options, const FrontTable &fronts, std::string &err
         error = "--chip is missing";
     } else if (options.front == nullptr) {
         error = "the port is missing: " + namesOf(fronts);
+    } else if (options.beside != 0 && !options.front->several) {
+        error = std::string("--beside is not for --") + options.front->option;
     }
     return error.empty();
 }

@@ -19,6 +19,7 @@ struct Options {
     std::string state;   // empty: the chip is new in every run
     std::string log;     // empty: standard error
     unsigned spimMb = 16;
+    unsigned beside = 0; // further chips of the same kind
     bool pace = false;
     bool verbose = false;
     FlashTime flashTime;

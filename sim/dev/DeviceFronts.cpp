@@ -1,5 +1,6 @@
 #include "sim/dev/DeviceFronts.h"
 
+#include "sim/dev/DfuFront.h"
 #include "sim/dev/I2cFront.h"
 #include "sim/dev/SpiFront.h"
 
@@ -8,6 +9,7 @@ namespace sim {
 const FrontTable &deviceFronts() {
     static const FrontTable rows = {
         {"i2c", "NODE", nullptr, serveI2c, "i2c-1"},
+        {"dfu", nullptr, nullptr, serveDfu, nullptr, true},
         {"spi", "NODE", nullptr, serveSpi, "spidev0.0"},
     };
     return rows;

@@ -110,6 +110,7 @@ struct Testbed::Node {
 
 // A node that a client has open.
 struct Testbed::File {
+    std::uintptr_t number;
     unsigned generation; // in which it was opened
     DeviceCall::Settings settings;
 };
@@ -161,6 +162,10 @@ bool Testbed::attach(const std::string &path, Handler handler, std::string &erro
 
 void Testbed::remove(const std::string &path, const std::vector<std::string> &nodes) {
     cutOff();
+    withdraw(path, nodes);
+}
+
+void Testbed::withdraw(const std::string &path, const std::vector<std::string> &nodes) {
     const std::string device = "/sys" + path;
     umockdev_testbed_uevent(testbed_, device.c_str(), "remove");
     umockdev_testbed_remove_device(testbed_, device.c_str());
@@ -186,6 +191,14 @@ bool Testbed::somebodyConnected() const {
     return !clients_.empty();
 }
 
+bool Testbed::isOpen(std::uintptr_t file) const {
+    somebodyConnected(); // forgets those who left
+    const std::lock_guard<std::mutex> lock(clientsMutex_);
+    return std::any_of(clients_.begin(), clients_.end(), [file](_UMockdevIoctlClient *client) {
+        return static_cast<File *>(g_object_get_data(G_OBJECT(client), fileKey))->number == file;
+    });
+}
+
 void Testbed::awaitClients() const {
     constexpr Nanoseconds longest = 2 * second;
     const Nanoseconds end = clockNow() + longest;
@@ -199,7 +212,7 @@ void Testbed::connected(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void
     Testbed &testbed = static_cast<Node *>(node)->testbed;
     testbed.somebodyConnected(); // forgets those who left
     const auto forget = [](void *file) { delete static_cast<File *>(file); };
-    g_object_set_data_full(G_OBJECT(client), fileKey, new File{testbed.generation_, {}}, forget);
+    g_object_set_data_full(G_OBJECT(client), fileKey, new File{++testbed.files_, testbed.generation_, {}}, forget);
     const std::lock_guard<std::mutex> lock(testbed.clientsMutex_);
     testbed.clients_.push_back(static_cast<_UMockdevIoctlClient *>(g_object_ref(client)));
 }
@@ -210,7 +223,7 @@ bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const 
     {
         const std::unique_lock<std::mutex> held = lock();
         if (file.generation == generation_) {
-            DeviceCall call(kind, client, file.settings);
+            DeviceCall call(kind, client, file.number, file.settings);
             answer = handler(call);
         }
         if (file.generation != generation_) {

@@ -75,10 +75,11 @@ public:
     // What a driver keeps for each open file; all 0 when it is opened.
     using Settings = std::array<unsigned long, 4>;
 
-    DeviceCall(Kind what, _UMockdevIoctlClient *client, Settings &ofFile)
-        : kind(what), settings(ofFile), client_(client) {}
+    DeviceCall(Kind what, _UMockdevIoctlClient *client, std::uintptr_t number, Settings &ofFile)
+        : kind(what), file(number), settings(ofFile), client_(client) {}
 
     const Kind kind;
+    const std::uintptr_t file; // a number for each open(), above 0 and never used again
     Settings &settings;
 
     unsigned long request() const; // the ioctl's number
@@ -124,6 +125,13 @@ public:
     // Unplugs a device by its path ("/devices/..."): as cutOff(), and listeners are told, its nodes vanish.
     void remove(const std::string &path, const std::vector<std::string> &nodes);
 
+    // The same without cutting anybody off, for a handler that knows itself that its device is gone: calls that
+    // are under way may have something left to tell.
+    void withdraw(const std::string &path, const std::vector<std::string> &nodes);
+
+    // Whether somebody still has a file open that made a call.
+    bool isOpen(std::uintptr_t file) const;
+
     // From now on every call of those who have a node open fails with ENODEV, the one that is being
     // handled included. Who opens a node later is served.
     void cutOff() { ++generation_; }
@@ -152,6 +160,7 @@ private:
     std::string root_;
     std::vector<Node *> nodes_;
     std::mutex mutex_;
+    std::uintptr_t files_ = 0; // that were ever opened
     std::atomic<unsigned> generation_{1}; // of the clients that are served
     mutable std::mutex clientsMutex_;
     mutable std::vector<_UMockdevIoctlClient *> clients_;

@@ -214,6 +214,9 @@ UsbAnswer DfuDevice::carryOut(const UsbSetup &, const Bytes &, Nanoseconds now) 
     state_ = State::downloadBusy;
     if (ended_ == Next::powerLost) {
         goAway(busyUntil_, busyUntil_ + Bootloader::startTime);
+        if (busyUntil_ <= now) {
+            return UsbAnswer::silent();
+        }
     } else if (ended_ == Next::reset) {
         const Nanoseconds at = now + pollTime(busyUntil_ - now) * millisecond + withoutAnswer;
         goAway(at, at + Bootloader::startTime);
