@@ -57,8 +57,8 @@ long FakeSpi::answer(unsigned long request, UMockdevIoctlData *argument, int &er
         Pointed(argument, 0, 1).set(&now, 1);
         return 0;
     }
-    error = takesSettings ? ENOTTY : EINVAL;
-    if (!takesSettings)
+    error = settingsFail.empty() ? ENOTTY : errorNamed(settingsFail);
+    if (!settingsFail.empty())
         return -1;
     if (request == SPI_IOC_WR_MODE)
         mode = *Pointed(argument, 0, 1).as<std::uint8_t>();

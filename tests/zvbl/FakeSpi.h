@@ -26,7 +26,7 @@ public:
     unsigned mode = 0;            // what the driver has, and was told
     unsigned bits = 0;
     unsigned speed = 0;
-    bool takesSettings = true;
+    std::string settingsFail;     // what settings fail with, empty: they don't
     int failAt = -1;              // the call of this number, from 0, fails
     std::string failure = "ESHUTDOWN"; // and with this all from then on
 

@@ -236,6 +236,11 @@ TEST_F(SpiFailureTest, AnAdapterThatGoesAwayIs4AtOnce) {
     }
 }
 
+TEST_F(SpiFailureTest, WhileItIsToldItsSpeedToo) {
+    fake.settingsFail = "ESHUTDOWN";
+    EXPECT_EQ(play({}, [&] { return init(); }), 4);
+}
+
 TEST_F(SpiFailureTest, WhileItPollsToo) {
     fake.failAt = 4;
     fake.play({{"5A D4 2B", ""}});
@@ -259,7 +264,7 @@ TEST_F(SpiFailureTest, TheNodeIsOneProgrammersAtATime) {
 }
 
 TEST_F(SpiFailureTest, ADriverThatRefusesTheModeIsNotOpened) {
-    fake.takesSettings = false;
+    fake.settingsFail = "EINVAL";
     EXPECT_EQ(Interface_Open(link), 3);
     EXPECT_NE(trace().find("# cannot open: mode 0 with 8 bits: Invalid argument\n"), std::string::npos);
     EXPECT_EQ(Interface_is_Open(link), 0);

@@ -200,7 +200,7 @@ TEST_F(SpiVectorsTest, TheSpeed) {
     EXPECT_EQ(play(opening, [&] { return ZVBL_Init_BL(link, 0, 12000000, 0); }), 0);
     EXPECT_EQ(fake.speed, 12000000U);
     EXPECT_EQ(play({}, [&] { return ZVBL_Init_BL(link, 0, 0x100000000UL, 0); }), 0x21);
-    fake.takesSettings = false;
+    fake.settingsFail = "EINVAL";
     EXPECT_EQ(play({}, [&] { return ZVBL_Init_BL(link, 0, 7, 0); }), 0x21);
     EXPECT_NE(trace().find("# the driver refuses 7 Hz: Invalid argument\n"), std::string::npos);
 }
