@@ -1,0 +1,113 @@
+#include "sim/usb/AcmDevice.h"
+#include "tests/sim/Rig.h"
+
+#include <gtest/gtest.h>
+
+namespace sim {
+namespace {
+
+constexpr std::uint8_t data = 2;
+
+class AcmDeviceTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        control("00 09 01 00 00 00 00 00");
+        ASSERT_EQ(control("21 20 00 00 00 00 07 00", "00 C2 01 00 00 02 08"), "done"); // 115200 8E1
+    }
+
+    std::string control(const std::string &setup, const std::string &out = "-") {
+        const UsbAnswer answer = device.control(parseSetup(parseBytes(setup).data()), parseBytes(out), rig.now);
+        return answer.kind != UsbAnswer::Kind::done ? "stall" : answer.data.empty() ? "done" : showBytes(answer.data);
+    }
+    void send(const std::string &bytes) {
+        EXPECT_EQ(device.out(data, parseBytes(bytes), rig.now).kind, UsbAnswer::Kind::done);
+    }
+    std::string fetch(std::size_t length = 64) { return showBytes(device.in(data, length, rig.now).data); }
+
+    Rig rig{"ZV32F403A_1024K", {"tx-hangup@5:30"}};
+    AcmDevice device{rig.bootloader, rig.faults, rig.log, false};
+    AcmDevice paced{rig.bootloader, rig.faults, rig.log, true};
+};
+
+TEST_F(AcmDeviceTest, bytesGoToTheChipAndBack) {
+    send("7F");
+    EXPECT_EQ(fetch(), "79");
+    EXPECT_EQ(device.in(data, 64, rig.now).kind, UsbAnswer::Kind::wait);
+}
+
+TEST_F(AcmDeviceTest, theHostHasItsRoom) {
+    send("7F 7F 7F");
+    EXPECT_EQ(fetch(2), "79 1F");
+    EXPECT_EQ(fetch(2), "1F");
+}
+
+TEST_F(AcmDeviceTest, nobodyTalksInTheOtherFormat) {
+    control("21 20 00 00 00 00 07 00", "00 C2 01 00 00 00 08");
+    send("7F");
+    EXPECT_EQ(fetch(), "");
+    EXPECT_NE(rig.told.str().find("refused: 1 bytes, not with 8 data bits and even parity"), std::string::npos);
+    EXPECT_EQ(control("A1 21 00 00 00 00 07 00"), "00 C2 01 00 00 00 08");
+}
+
+TEST_F(AcmDeviceTest, theLineCodingTellsThePace) {
+    paced.control(parseSetup(parseBytes("00 09 01 00 00 00 00 00").data()), {}, rig.now);
+    paced.control(parseSetup(parseBytes("21 20 00 00 00 00 07 00").data()), parseBytes("F8 2A 00 00 00 02 08"), rig.now);
+    paced.out(data, {0x7F}, rig.now); // at 11000 baud
+    EXPECT_EQ(paced.in(data, 64, rig.now).kind, UsbAnswer::Kind::wait);
+    EXPECT_EQ(paced.nextEvent(rig.now), rig.now + 2 * millisecond); // there and back
+    rig.now += 2 * millisecond;
+    EXPECT_EQ(paced.nextEvent(rig.now), std::nullopt);
+    EXPECT_EQ(showBytes(paced.in(data, 64, rig.now).data), "79");
+}
+
+TEST_F(AcmDeviceTest, whatItDoesNotKnowIsStalled) {
+    EXPECT_EQ(control("21 20 00 00 00 00 06 00", "00 C2 01 00 00 02"), "stall");
+    EXPECT_EQ(control("A1 FE 00 00 00 00 01 00"), "stall");
+    EXPECT_EQ(control("21 22 03 00 00 00 00 00"), "done"); // control lines
+    EXPECT_EQ(device.out(3, {0}, rig.now).kind, UsbAnswer::Kind::stall);
+}
+
+TEST_F(AcmDeviceTest, withoutConfigurationThereIsNoData) {
+    device.busReset(rig.now);
+    EXPECT_EQ(device.out(data, {0x7F}, rig.now).kind, UsbAnswer::Kind::stall);
+    EXPECT_EQ(device.in(data, 64, rig.now).kind, UsbAnswer::Kind::stall);
+}
+
+TEST_F(AcmDeviceTest, aHangupUnplugsBehindTheBytesThatWereUnderWay) {
+    send("7F 7F 7F 7F 7F");
+    EXPECT_TRUE(device.presence(rig.now).attached);
+    EXPECT_EQ(fetch(), "79 1F 1F 1F");
+    EXPECT_FALSE(device.presence(rig.now).attached);
+    EXPECT_FALSE(device.presence(rig.now).forGood);
+    EXPECT_EQ(device.nextEvent(rig.now), rig.now + 30 * millisecond);
+    rig.now += 30 * millisecond;
+    EXPECT_TRUE(device.presence(rig.now).attached);
+    EXPECT_EQ(device.presence(rig.now).attachments, 2U);
+    rig.now += 20 * millisecond;
+    SetUp();
+    send("7F");
+    EXPECT_EQ(fetch(), "79"); // a chip that has lost its power
+}
+
+TEST_F(AcmDeviceTest, theResetButtonTakesUnreadAnswersAway) {
+    send("7F");
+    device.pressReset(rig.now);
+    EXPECT_EQ(fetch(), "");
+    rig.now += 20 * millisecond;
+    send("7F");
+    EXPECT_EQ(fetch(), "79");
+}
+
+// The lengths that the descriptors tell are their own.
+TEST_F(AcmDeviceTest, theConfigurationIsWhole) {
+    const Bytes &all = device.descriptors().configuration;
+    EXPECT_EQ(all.size(), all[2] + 256U * all[3]);
+    std::size_t at = 0;
+    while (at < all.size() && all[at] != 0) {
+        at += all[at];
+    }
+    EXPECT_EQ(at, all.size());
+}
+
+} // namespace
+} // namespace sim
