@@ -20,7 +20,9 @@ const FrontTable &simFronts() {
         {"spi", "NODE", deviceNodes, nullptr, "spidev0.0"},
         {"dfu", nullptr, deviceNodes, nullptr, nullptr, true},
         {"tty", "NODE", deviceNodes, nullptr, "ttyUSB0"},
+        {"vhci-dfu", nullptr, nullptr, serveVhciDfu},
         {"vhci-acm", nullptr, nullptr, serveVhciAcm},
+        {"vhci-i2c", nullptr, nullptr, serveVhciI2c},
     };
     return rows;
 }

@@ -3,14 +3,31 @@
 #include "sim/Options.h"
 #include "sim/fronts/VhciFront.h"
 #include "sim/usb/AcmDevice.h"
+#include "sim/usb/DfuDevice.h"
+#include "sim/usb/I2cTinyDevice.h"
+#include "sim/usb/UsbCable.h"
 
 namespace sim {
 
-// A serial adapter: /dev/ttyACM0.
+// The chip's own USB: /dev/bus/usb/001/002, another one behind every reset.
+bool serveVhciDfu(Machine &machine, const std::string &, std::string &error) {
+    DfuDevice chip(machine.chip, machine.faults, machine.log);
+    UsbCable cable(chip, machine.faults, machine.options.pace);
+    return VhciFront(cable, "", machine).serve(error);
+}
+
+// A serial adapter, driven by cdc-acm: /dev/ttyACM0.
 bool serveVhciAcm(Machine &machine, const std::string &, std::string &error) {
     Bootloader bootloader(machine.chip, machine.faults, machine.log);
     AcmDevice adapter(bootloader, machine.faults, machine.log, machine.options.pace);
     return VhciFront(adapter, "*/tty/*", machine).serve(error);
+}
+
+// An I2C adapter, driven by i2c-tiny-usb: /dev/i2c-0.
+bool serveVhciI2c(Machine &machine, const std::string &, std::string &error) {
+    Bootloader bootloader(machine.chip, machine.faults, machine.log, &i2cCommands());
+    I2cTinyDevice adapter(bootloader, machine.faults, machine.options.pace);
+    return VhciFront(adapter, "*/i2c-*/i2c-dev/*", machine).serve(error);
 }
 
 } // namespace sim

@@ -105,26 +105,23 @@ void AcmDevice::busReset(Nanoseconds) { standard_.reset(); }
 
 // A fault unplugs behind the bytes that were under way.
 void AcmDevice::followHangup(Nanoseconds now) {
-    if (away_ && backAt_ && now >= *backAt_) {
-        away_ = false;
-        losePower(*backAt_);
+    if (const std::optional<Nanoseconds> since = plug_.pluggedInAgain(now)) {
+        powerUp(*since);
     }
-    if (!away_ && line_.hangup() && line_.toHost().empty()) {
-        const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
-        away_ = true;
-        backAt_ = replugMs ? std::optional(now + *replugMs * millisecond) : std::nullopt;
+    if (!plug_.away() && line_.hangup() && line_.toHost().empty()) {
+        plug_.unplug(line_.hangup()->replugMs, now);
     }
 }
 
 UsbPresence AcmDevice::presence(Nanoseconds now) {
     followHangup(now);
-    return {!away_, attachments_, away_ && !backAt_};
+    return plug_.presence();
 }
 
 std::optional<Nanoseconds> AcmDevice::nextEvent(Nanoseconds now) {
     followHangup(now);
-    if (away_) {
-        return backAt_;
+    if (plug_.away()) {
+        return plug_.back();
     }
     const std::deque<TimedByte> &queue = line_.toHost();
     return !queue.empty() && queue.front().at > now ? std::optional(queue.front().at) : std::nullopt;
@@ -135,12 +132,16 @@ void AcmDevice::pressReset(Nanoseconds now) {
     bootloader_.reset(now);
 }
 
-// The board and the adapter have their power from the port.
 void AcmDevice::losePower(Nanoseconds now) {
+    powerUp(now);
+    plug_.flicker();
+}
+
+// The board and the adapter have their power from the port.
+void AcmDevice::powerUp(Nanoseconds now) {
     standard_.reset();
     line_.replug();
     bootloader_.losePower(now);
-    ++attachments_;
 }
 
 } // namespace sim

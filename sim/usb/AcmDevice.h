@@ -3,6 +3,7 @@
 #include "sim/Log.h"
 #include "sim/fronts/SerialLine.h"
 #include "sim/usb/StandardRequests.h"
+#include "sim/usb/UsbPlug.h"
 
 namespace sim {
 
@@ -26,6 +27,7 @@ public:
 private:
     UsbAnswer setLineCoding(const Bytes &coding, Nanoseconds now);
     void followHangup(Nanoseconds now);
+    void powerUp(Nanoseconds now);
 
     Bootloader &bootloader_;
     Log &log_;
@@ -35,9 +37,7 @@ private:
     UsartProtocol protocol_;
     SerialLine line_;
     Bytes coding_;
-    unsigned attachments_ = 1;
-    bool away_ = false; // unplugged, and all bytes of before have been fetched
-    std::optional<Nanoseconds> backAt_;
+    UsbPlug plug_;
 };
 
 } // namespace sim
