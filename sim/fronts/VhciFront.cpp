@@ -12,7 +12,7 @@ namespace sim {
 namespace {
 
 constexpr Nanoseconds quiet = 20 * millisecond;      // the bus rests: time for the state file
-constexpr Nanoseconds untilAnnounced = millisecond;  // how often to look whether a driver has made its node
+constexpr Nanoseconds untilAnnounced = 5 * millisecond; // how often to look whether a driver has made its node
 
 } // namespace
 

@@ -22,7 +22,7 @@ trap 'rm -rf "$exchange"' EXIT
 printf 'exec' >"$exchange/command"
 printf ' %q' "$@" >>"$exchange/command"
 
-machine=(-accel tcg,thread=multi -M q35 -smp 2 -m 256 -nodefaults -no-user-config -display none -no-reboot
+machine=(-accel tcg,thread=multi -M q35 -smp 1 -m 256 -nodefaults -no-user-config -display none -no-reboot
     -kernel "$kernel/vmlinux" -initrd "$kernel/initrd" -append "console=ttyS0 panic=-1 reboot=t"
     -serial "file:$exchange/console"
     -fsdev "local,id=host,path=/,security_model=none,readonly=on,multidevs=remap"
