@@ -36,14 +36,15 @@ Bytes attribute(unsigned short type, const Bytes &value) {
 }
 
 Bytes message(unsigned short type, const ifinfomsg &interface, const Bytes &attributes) {
+    constexpr std::size_t front = NLMSG_SPACE(sizeof interface);
+    Bytes bytes(front + attributes.size());
     nlmsghdr head{};
-    head.nlmsg_len = static_cast<__u32>(NLMSG_SPACE(sizeof interface) + attributes.size());
+    head.nlmsg_len = static_cast<__u32>(bytes.size());
     head.nlmsg_type = type;
     head.nlmsg_flags = static_cast<__u16>(NLM_F_REQUEST | (type == RTM_GETLINK ? 0 : NLM_F_ACK));
-    Bytes bytes(NLMSG_SPACE(sizeof interface));
     std::memcpy(bytes.data(), &head, sizeof head);
     std::memcpy(bytes.data() + NLMSG_HDRLEN, &interface, sizeof interface);
-    bytes.insert(bytes.end(), attributes.begin(), attributes.end());
+    std::copy(attributes.begin(), attributes.end(), bytes.begin() + front);
     return bytes;
 }
 
