@@ -19,7 +19,7 @@ const FrontTable &simFronts() {
         {"i2c", "NODE", deviceNodes, nullptr, "i2c-1"},
         {"spi", "NODE", deviceNodes, nullptr, "spidev0.0"},
         {"dfu", nullptr, deviceNodes, nullptr, nullptr, true},
-        {"tty", "NODE", deviceNodes, nullptr, "ttyUSB0"},
+        {"tty", "NODE", deviceNodes, nullptr, "ttyUSB0", false, true},
         {"vhci-dfu", nullptr, nullptr, serveVhciDfu},
         {"vhci-acm", nullptr, nullptr, serveVhciAcm},
         {"vhci-i2c", nullptr, nullptr, serveVhciI2c},

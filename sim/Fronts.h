@@ -33,6 +33,7 @@ struct Front {
 
     const char *usual = nullptr; // the value when the word stands alone; null: it needs one
     bool several = false;        // further chips can be beside the first
+    bool lines = false;          // it has modem control lines that can be wired to the chip
 };
 
 using FrontTable = std::vector<Front>;

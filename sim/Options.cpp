@@ -21,6 +21,9 @@ const char helpText[] =
   --can [INTERFACE]   join the bus of a CAN interface (can0), print "ready INTERFACE"
   --dfu               a chip on USB, its node in a directory of emulated devices, print "ready dfu DIR"
   --beside N          N further chips of the same kind on its bus, new in every run (0)
+  --tty [NODE]        emulate a serial port with DTR and RTS (ttyUSB0), print "ready NODE DIRECTORY"; its
+                      clients need UMOCKDEV_DIR=DIRECTORY and LD_PRELOAD=libumockdev-preload.so.0
+  --wiring PINS       what DTR and RTS do on the board, as reset=dtr:low,boot=rts:high
   --state FILE        keep the chip's memory in FILE between runs
   --spim MB           size of the SPI flash on the board, 0 for none (16)
   --baud-pace         bytes take the time that they need at the rate that the client set
@@ -94,6 +97,8 @@ bool setFlashTime(Options &options, const char *value, std::string &error) {
     return true;
 }
 
+bool setWiring(Options &options, const char *value, std::string &error) { return parseWiring(value, options.wiring, error); }
+
 bool setFault(Options &options, const char *value, std::string &error) { return options.faults.add(value, error); }
 
 template <std::string Options::*Member>
@@ -125,6 +130,7 @@ constexpr OptionRow rows[] = {
     {"state", required_argument, setText<&Options::state>},
     {"spim", required_argument, setSpim},
     {"beside", required_argument, setBeside},
+    {"wiring", required_argument, setWiring},
     {"baud-pace", no_argument, setFlag<&Options::pace>},
     {"flash-time", optional_argument, setFlashTime},
     {"fault", required_argument, setFault},
@@ -183,6 +189,8 @@ bool complete(const Options &options, const FrontTable &fronts, std::string &err
         error = "the port is missing: " + namesOf(fronts);
     } else if (options.beside != 0 && !options.front->several) {
         error = std::string("--beside is not for --") + options.front->option;
+    } else if (!options.front->lines && (options.wiring.reset || options.wiring.boot)) {
+        error = std::string("--") + options.front->option + " has no control lines for --wiring";
     }
     return error.empty();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sim/Board.h"
 #include "sim/Chip.h"
 #include "sim/Fronts.h"
 
@@ -20,6 +21,7 @@ struct Options {
     std::string log;     // empty: standard error
     unsigned spimMb = 16;
     unsigned beside = 0; // further chips of the same kind
+    Wiring wiring;       // of the board
     bool pace = false;
     bool verbose = false;
     FlashTime flashTime;

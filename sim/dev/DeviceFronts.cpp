@@ -3,6 +3,7 @@
 #include "sim/dev/DfuFront.h"
 #include "sim/dev/I2cFront.h"
 #include "sim/dev/SpiFront.h"
+#include "sim/dev/TtyFront.h"
 
 namespace sim {
 
@@ -11,6 +12,7 @@ const FrontTable &deviceFronts() {
         {"i2c", "NODE", nullptr, serveI2c, "i2c-1"},
         {"dfu", nullptr, nullptr, serveDfu, nullptr, true},
         {"spi", "NODE", nullptr, serveSpi, "spidev0.0"},
+        {"tty", "NODE", nullptr, serveTty, "ttyUSB0", false, true},
     };
     return rows;
 }

@@ -69,13 +69,14 @@ bool Pty::open(const std::string &link, std::string &error) {
     return true;
 }
 
+// The slave is not opened by its name: libraries that stand in front of open() would come between.
 bool Pty::makeTerminal(std::string &error) {
     char name[64];
     master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0 &&
         ptsname_r(master_, name, sizeof name) == 0) {
         device_ = name;
-        slave_ = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+        slave_ = ioctl(master_, TIOCGPTPEER, O_RDWR | O_NOCTTY | O_CLOEXEC);
     }
     if (slave_ < 0 || !makeRaw(slave_) || fcntl(master_, F_SETFL, O_NONBLOCK) != 0) {
         error = std::string("cannot make a pseudo terminal: ") + std::strerror(errno);
@@ -103,6 +104,7 @@ bool Pty::makeLink(std::string &error) {
 void Pty::watchClients() {
     constexpr std::uint32_t events = IN_OPEN | IN_CLOSE;
     clients_ = 0;
+    left_ = heard_ = 0;
     watch_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     if (watch_ >= 0) {
         inotify_add_watch(watch_, terminals, events);
@@ -134,15 +136,23 @@ void Pty::followClients(Nanoseconds now) {
             if (event.wd != ownEvents_) {
                 continue;
             }
-            clients_ = std::max(clients_ + ((event.mask & IN_OPEN) != 0 ? 1 : -1), 0);
-            if (clients_ == 0) {
-                left_ = now;
-                lastClientLeft();
-            }
+            count(std::max(clients_ + ((event.mask & IN_OPEN) != 0 ? 1 : -1), 0), now);
         }
     }
     if (clients_ == 0 && heard_ > left_ + stragglers) {
-        clients_ = 1; // somebody is there: an event must have gone astray
+        count(1, now); // somebody is there: an event must have gone astray
+    }
+}
+
+void Pty::count(int clients, Nanoseconds now) {
+    const bool changed = (clients == 0) != (clients_ == 0);
+    clients_ = clients;
+    if (clients == 0) {
+        left_ = now;
+        lastClientLeft();
+    }
+    if (changed && listener_) {
+        listener_(clients > 0);
     }
 }
 
@@ -175,6 +185,19 @@ void Pty::drain() const {
             break;
         }
         poll(nullptr, 0, 1);
+    }
+}
+
+bool Pty::hangsUpOnClose() const {
+    struct termios settings {};
+    return tcgetattr(slave_, &settings) == 0 && (settings.c_cflag & HUPCL) != 0;
+}
+
+void Pty::hangUpOnClose() const {
+    struct termios settings {};
+    if (tcgetattr(slave_, &settings) == 0) {
+        settings.c_cflag |= HUPCL;
+        tcsetattr(slave_, TCSANOW, &settings);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "sim/ChipTable.h"
 #include "sim/Time.h"
 
+#include <functional>
 #include <string>
 
 namespace sim {
@@ -29,6 +30,13 @@ public:
     // is known. Behind the last client nothing it left behind stays for the next.
     void followClients(Nanoseconds now);
 
+    // Who is to be told when the first client has opened the terminal (true) and the last has closed it.
+    void tellUse(std::function<void(bool used)> listener) { listener_ = std::move(listener); }
+
+    // Whether the control lines of a port with such lines fall when the last client leaves: as it has set it.
+    bool hangsUpOnClose() const;
+    void hangUpOnClose() const; // until a client sets it otherwise
+
     // What a client has sent; the length, or 0.
     std::size_t read(std::uint8_t *bytes, std::size_t room, Nanoseconds now);
 
@@ -45,8 +53,10 @@ private:
     bool makeTerminal(std::string &error);
     bool makeLink(std::string &error);
     void watchClients();
+    void count(int clients, Nanoseconds now);
     void lastClientLeft();
 
+    std::function<void(bool)> listener_;
     std::string link_;
     std::string device_;
     int master_ = -1;

@@ -57,6 +57,15 @@ TEST(Options, flashTimeOfOnesOwn) {
     EXPECT_EQ(options.flashTime.program256, 900 * microsecond);
 }
 
+TEST(Options, wiringIsForPortsWithControlLines) {
+    Options options;
+    std::string error;
+    ASSERT_TRUE(parse({"--wiring", "reset=dtr:low", "--chip", "ZV32F421_64K", "--tty"}, options, error)) << error;
+    EXPECT_EQ(options.port, "ttyUSB0");
+    EXPECT_TRUE(options.wiring.reset.has_value());
+    EXPECT_FALSE(options.wiring.boot.has_value());
+}
+
 TEST(Options, listAndHelpNeedNothingElse) {
     Options list;
     Options help;
@@ -96,6 +105,10 @@ INSTANTIATE_TEST_SUITE_P(
                       BadLine{"value_too_much", {"--list=x"}, "--list=x"},
                       BadLine{"stray_word", {"--list", "word"}, "word"},
                       BadLine{"empty_name", {"--usart", ""}, "empty"},
+                      BadLine{"bad_wiring", {"--wiring", "reset=dtr"}, "reset=dtr"},
+                      BadLine{"wiring_without_lines",
+                              {"--chip", "ZV32F421_64K", "--usart", "tty", "--wiring", "reset=dtr:low"},
+                              "--usart has no control lines"},
                       BadLine{"bad_fault", {"--fault", "x@1"}, "x@1"},
                       BadLine{"spim_no_number", {"--spim", "16M"}, "16M"},
                       BadLine{"spim_too_large", {"--spim", "65"}, "65"},
