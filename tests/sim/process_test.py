@@ -300,7 +300,8 @@ class Telling(SimulatorTest):
             self.refuse_something(simulator)
             self.assertEqual(simulator.end(), (0, ""))
         with open(log, encoding="ascii") as file:
-            self.assertEqual(file.read(), "command: WRITE\nrefused: WRITE 40000000: not inside a memory of this chip\n")
+            self.assertEqual(file.read(), "command: WRITE\nrefused: WRITE 40000000: not inside a memory of this chip\n"
+                             "bytes: 8 from the host, 3 to it\n")
 
 
 class Trouble(SimulatorTest):
