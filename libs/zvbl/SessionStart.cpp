@@ -12,7 +12,7 @@ Status Session::start(const StartSettings &settings) {
 }
 
 Status Session::setSpeed(unsigned long speed) {
-    return isOpen() ? m_parts.framing->setSpeed(speed) : Status::notOpen;
+    return isOpen() ? m_parts.framing->setSpeed(speed, m_timeout) : Status::notOpen;
 }
 
 Status Session::getCapabilities(Capabilities &capabilities) {

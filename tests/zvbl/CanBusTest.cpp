@@ -69,7 +69,8 @@ TEST_F(CanBusTest, ABusHasNoControlLines) {
 
 TEST_F(CanBusTest, TakenDownWithinACommandIs4UntilTheLinkIsClosed) {
     const auto down = [&] { bus->tell("down"); };
-    EXPECT_EQ(atOnce([&] { return play({{"011", "111 79", down}}, [&] { return upload(); }); }), 4);
+    const CanScript script = {{"011", "111 79"}, {"011 20 00 00 00 20", "", down}};
+    EXPECT_EQ(atOnce([&] { return play(script, [&] { return upload(); }); }), 4);
     EXPECT_TRUE(traced("# the bus is gone: Network is down"));
     EXPECT_EQ(atOnce([&] { return reset(); }), 4);
     EXPECT_EQ(ZVBL_Init_BL(link, 0, 2, 0), 4);

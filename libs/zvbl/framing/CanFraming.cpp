@@ -9,6 +9,8 @@ namespace zvbl {
 namespace {
 
 constexpr std::size_t frameSize = 8;
+// Data bytes of a group that takes longer than the answer to the one in front of it.
+constexpr std::size_t longGroup = 128;
 
 std::string describe(const CanFrame &frame) {
     static const char digits[] = "0123456789ABCDEF";
@@ -31,14 +33,12 @@ CanFrame frameOf(std::uint8_t opcode, const std::uint8_t *bytes, std::size_t siz
 
 } // namespace
 
-CanFraming::CanFraming(CanBus &bus, const Timing &timing, Trace &trace) : MessageFraming(timing, trace), m_bus(bus) {
-    m_timeout = std::chrono::seconds(5);
-}
+CanFraming::CanFraming(CanBus &bus, const Timing &timing, Trace &trace) : MessageFraming(timing, trace), m_bus(bus) {}
 
 Status CanFraming::transfer(const Command &command, Bytes &reply, Duration timeout) {
     m_groupsLeft = command.groups.size();
-    m_hasReply = command.reply.counted || command.reply.size > 0;
-    m_hurried = command.packet && m_wentWell;
+    m_doubles = whereDoublesShow(command);
+    m_hurried = command.packet && m_wentWell && m_doubles != Doubles::nowhere;
     const Status status = MessageFraming::transfer(command, reply, timeout);
     m_wentWell = status == Status::ok;
     if (m_wentWell && std::count(std::begin(endsOfBootloader), std::end(endsOfBootloader), command.opcode) > 0)
@@ -46,22 +46,28 @@ Status CanFraming::transfer(const Command &command, Bytes &reply, Duration timeo
     return status;
 }
 
-// What answered the last command may come twice. From one packet to the next nobody waits for that: it shows
-// further on.
+// A frame is sent again when its end was disturbed, and then a receiver may have it twice: an ACK that came
+// twice would stand for the next one, and so on to the last. Waiting behind each for its double would cost the
+// packets some of their speed, but there it shows: a reply has another size, and in front of the last frame of
+// a long group, when the chip can't act yet, there is an answer left.
+CanFraming::Doubles CanFraming::whereDoublesShow(const Command &command) {
+    if (command.reply.counted || command.reply.size > 0)
+        return Doubles::inReply;
+    const bool longEnd = !command.groups.empty() && command.groups.back().bytes.size() >= longGroup;
+    return longEnd ? Doubles::inLastGroup : Doubles::nowhere;
+}
+
 Status CanFraming::sendOpcode(std::uint8_t opcode) {
     const Status status = discardUntil(m_hurried ? TimePoint{} : m_lastHeard + doubleTime());
     return status == Status::ok ? send({opcode, 0, {}}, Clock::now() + m_timeout) : status;
 }
 
-// A frame is sent again when its end was disturbed, and then a receiver may have it twice: an ACK that came
-// twice would stand for the next one, and so on to the last. So before the chip has all that it needs to
-// act, there must be no answer left. Where a reply follows, that shows by its size.
 Status CanFraming::sendGroup(std::uint8_t opcode, const Bytes &bytes) {
     const bool lastGroup = --m_groupsLeft == 0;
-    Status status = Status::ok;
+    Status status = m_doubles == Doubles::nowhere ? expectSilence(opcode) : Status::ok;
     for (std::size_t done = 0; done < bytes.size() && status == Status::ok; done += frameSize) {
         const std::size_t size = std::min(frameSize, bytes.size() - done);
-        if (lastGroup && !m_hasReply && done + size == bytes.size())
+        if (m_doubles == Doubles::inLastGroup && lastGroup && done + size == bytes.size())
             status = expectSilence(opcode);
         if (status == Status::ok)
             status = send(frameOf(opcode, bytes.data() + done, size), Clock::now() + m_timeout);

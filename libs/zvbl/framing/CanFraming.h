@@ -13,7 +13,7 @@ public:
     ~CanFraming() override; // brings the chip back to its start speed, where the next link looks for it
 
     Status start(const StartSettings &settings, Duration timeout) override;
-    Status setSpeed(unsigned long speed) override;
+    Status setSpeed(unsigned long speed, Duration timeout) override;
     Status transfer(const Command &command, Bytes &reply, Duration timeout) override;
 
 protected:
@@ -24,6 +24,10 @@ protected:
     Status getInStep() override;
 
 private:
+    // Where an answer that came twice shows by itself.
+    enum class Doubles { nowhere, inReply, inLastGroup };
+    static Doubles whereDoublesShow(const Command &command);
+
     Status open(Duration timeout);
     Status hearOpened(TimePoint until, std::uint8_t &answer);
     Status startAtTwoSpeeds(unsigned bitsPerSecond, Duration timeout);
@@ -49,7 +53,7 @@ private:
 
     // Of the command under way.
     std::size_t m_groupsLeft = 0;
-    bool m_hasReply = false;
+    Doubles m_doubles = Doubles::nowhere;
     bool m_wentWell = false; // the one before
     bool m_hurried = false;  // a packet behind a command that went well
 };

@@ -109,7 +109,8 @@ Status CanFraming::getInStep() {
 }
 
 // 0 leaves the bus as it is. A bus without a rate of its own is left so too, and the chip with it.
-Status CanFraming::setSpeed(unsigned long speed) {
+Status CanFraming::setSpeed(unsigned long speed, Duration timeout) {
+    m_timeout = timeout;
     if (speed == 0)
         return Status::ok;
     const CanSpeed *wanted = findCanSpeed(speed);
@@ -123,7 +124,7 @@ Status CanFraming::setSpeed(unsigned long speed) {
     }
     if (const Status status = m_bus.mayChangeBitRate(); status != Status::ok)
         return status;
-    const Status status = tellSpeed(*wanted, m_timeout);
+    const Status status = tellSpeed(*wanted, timeout);
     if (status != Status::ok && status != Status::noAnswer)
         return status;
     return follow(wanted->bitsPerSecond, status);

@@ -41,7 +41,7 @@ Status DfuFraming::start(const StartSettings &, Duration timeout) {
     return status == Status::noAnswer || status == Status::refused ? Status::noStart : status;
 }
 
-Status DfuFraming::setSpeed(unsigned long) {
+Status DfuFraming::setSpeed(unsigned long, Duration) {
     return Status::refusedCommand; // USB has its own
 }
 

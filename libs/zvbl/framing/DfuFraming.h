@@ -21,7 +21,7 @@ public:
     DfuFraming(UsbPort &port, const Timing &, Trace &trace) : m_port(port), m_trace(trace) {}
 
     Status start(const StartSettings &settings, Duration timeout) override;
-    Status setSpeed(unsigned long speed) override;
+    Status setSpeed(unsigned long speed, Duration timeout) override;
     std::size_t packetSize(std::size_t wished) const override; // wTransferSize, whatever is wished
     Status transfer(const Command &command, Bytes &reply, Duration timeout) override;
 

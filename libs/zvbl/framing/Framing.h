@@ -25,7 +25,7 @@ public:
     virtual Status start(const StartSettings &settings, Duration timeout) = 0;
 
     // Sets the speed of the bus; refusedCommand on a link that has none to set.
-    virtual Status setSpeed(unsigned long speed) = 0;
+    virtual Status setSpeed(unsigned long speed, Duration timeout) = 0;
 
     // The longest READ and WRITE; `wished` is what the user of the link asks for.
     virtual std::size_t packetSize(std::size_t wished) const { return wished; }

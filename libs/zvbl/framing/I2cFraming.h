@@ -13,7 +13,7 @@ public:
 
     // Takes the target's address, 0 for 0x3C; badArgument if no target can have it.
     Status start(const StartSettings &settings, Duration timeout) override;
-    Status setSpeed(unsigned long) override { return Status::refusedCommand; } // the kernel's driver sets it
+    Status setSpeed(unsigned long, Duration) override { return Status::refusedCommand; } // the kernel's driver sets it
     Status transfer(const Command &command, Bytes &reply, Duration timeout) override;
 
 private:

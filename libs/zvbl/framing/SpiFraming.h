@@ -13,7 +13,7 @@ public:
 
     // Takes the rate in bits per second, 0 for 150000.
     Status start(const StartSettings &settings, Duration timeout) override;
-    Status setSpeed(unsigned long) override { return Status::refusedCommand; } // it is told at the start
+    Status setSpeed(unsigned long, Duration) override { return Status::refusedCommand; } // it is told at the start
     Status transfer(const Command &command, Bytes &reply, Duration timeout) override;
 
 private:

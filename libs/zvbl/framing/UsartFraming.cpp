@@ -23,7 +23,7 @@ Duration part(Duration time, double factor) {
 UsartFraming::UsartFraming(SerialPort &port, const Timing &timing, Trace &trace)
     : m_port(port), m_timing(timing), m_trace(trace) {}
 
-Status UsartFraming::setSpeed(unsigned long) {
+Status UsartFraming::setSpeed(unsigned long, Duration) {
     return Status::refusedCommand; // the chip measures the rate by itself
 }
 

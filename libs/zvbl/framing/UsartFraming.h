@@ -12,7 +12,7 @@ public:
     UsartFraming(SerialPort &port, const Timing &timing, Trace &trace);
 
     Status start(const StartSettings &settings, Duration timeout) override;
-    Status setSpeed(unsigned long speed) override;
+    Status setSpeed(unsigned long speed, Duration timeout) override;
     Status transfer(const Command &command, Bytes &reply, Duration timeout) override;
 
 private:
