@@ -66,6 +66,22 @@ TEST(Options, wiringIsForPortsWithControlLines) {
     EXPECT_FALSE(options.wiring.boot.has_value());
 }
 
+TEST(Options, aNameThatMayBeLeftOut) {
+    const std::pair<std::vector<std::string>, const char *> lines[] = {
+        {{"--chip", "ZV32F421_64K", "--i2c"}, "i2c-1"},
+        {{"--i2c", "--chip", "ZV32F421_64K"}, "i2c-1"},
+        {{"--i2c", "i2c-7", "--chip", "ZV32F421_64K"}, "i2c-7"},
+        {{"--i2c=i2c-8", "--chip", "ZV32F421_64K"}, "i2c-8"},
+    };
+    for (const auto &[words, port] : lines) {
+        Options options;
+        std::string error;
+        ASSERT_TRUE(parse(words, options, error)) << error;
+        EXPECT_EQ(options.port, port);
+        EXPECT_STREQ(options.front->option, "i2c");
+    }
+}
+
 TEST(Options, listAndHelpNeedNothingElse) {
     Options list;
     Options help;
@@ -105,6 +121,9 @@ INSTANTIATE_TEST_SUITE_P(
                       BadLine{"value_too_much", {"--list=x"}, "--list=x"},
                       BadLine{"stray_word", {"--list", "word"}, "word"},
                       BadLine{"empty_name", {"--usart", ""}, "empty"},
+                      BadLine{"empty_name_that_may_be_left_out", {"--i2c=", "--chip", "ZV32F421_64K"}, "empty"},
+                      BadLine{"two_names", {"--chip", "ZV32F421_64K", "--i2c", "i2c-1", "i2c-2"}, "i2c-2"},
+                      BadLine{"two_ports", {"--chip", "ZV32F421_64K", "--i2c", "--spi"}, "--i2c or --spi"},
                       BadLine{"bad_wiring", {"--wiring", "reset=dtr"}, "reset=dtr"},
                       BadLine{"wiring_without_lines",
                               {"--chip", "ZV32F421_64K", "--usart", "tty", "--wiring", "reset=dtr:low"},
