@@ -21,6 +21,11 @@ case "$1" in
         port_option=(--usart "$PWD/port")
         port_words=(-com --pn "$PWD/port")
         ;;
+    tty)
+        port_option=(--tty ttyUSB0)
+        port_words=(-com --pn ttyUSB0)
+        find_port() { find_nodes "$@"; }
+        ;;
     dfu)
         port_option=(--dfu)
         port_words=(-dfu)

@@ -20,6 +20,13 @@ chip_on() {
     nodes=$(sed -n '1s/^ready [^ ]* *//p' sim.out)
 }
 
+# board_on WIRING NAME [OPTION...]: the same on a board whose pins are wired to DTR and RTS of a serial
+# port, as --wiring tells; "" for not at all.
+board_on() {
+    . "$ROOT/tests/e2e/ports.sh" tty
+    chip_on "$2" ${1:+--wiring "$1"} "${@:3}"
+}
+
 # chip_off: takes the chip's power.
 chip_off() {
     [ -z "${chip_pid:-}" ] || { kill "$chip_pid" 2>/dev/null; wait "$chip_pid" 2>/dev/null; }
