@@ -21,11 +21,10 @@ const char helpText[] =
   --can [INTERFACE]   join the bus of a CAN interface (can0), print "ready INTERFACE"
   --i2c [NODE]        the chip on an I2C bus (i2c-1), a device node of a directory; print "ready NODE DIR"
   --spi [NODE]        the same on SPI (spidev0.0)
+  --tty [NODE]        the same at a serial port that has DTR and RTS (ttyUSB0)
+  --wiring PINS       what DTR and RTS do on the board, as reset=dtr:low,boot=rts:high
   --dfu               a chip on USB, its node in a directory of emulated devices, print "ready dfu DIR"
   --beside N          N further chips of the same kind on its bus, new in every run (0)
-  --tty [NODE]        emulate a serial port with DTR and RTS (ttyUSB0), print "ready NODE DIRECTORY"; its
-                      clients need UMOCKDEV_DIR=DIRECTORY and LD_PRELOAD=libumockdev-preload.so.0
-  --wiring PINS       what DTR and RTS do on the board, as reset=dtr:low,boot=rts:high
   --state FILE        keep the chip's memory in FILE between runs
   --spim MB           size of the SPI flash on the board, 0 for none (16)
   --baud-pace         bytes take the time that they need at the rate that the client set; on I2C 400000

@@ -65,7 +65,11 @@ bool TtyPort::plugIn(DeviceLoop &loop, std::string &error) {
     const std::string description = "P: " + devicePath() + "\nN: " + name_ + "=00\nE: DEVNAME=" + nodePath() +
                                     "\nE: SUBSYSTEM=tty\nE: MAJOR=188\nE: MINOR=0\n\n";
     const std::string node = loop.testbed().root() + nodePath();
-    if (!loop.testbed().add(description, error) || unlink(node.c_str()) != 0 || !pty_.open(node, error)) {
+    if (!loop.testbed().add(description, error)) {
+        return false;
+    }
+    unlink(node.c_str());
+    if (!pty_.open(node, error)) {
         return false;
     }
     pty_.hangUpOnClose();
