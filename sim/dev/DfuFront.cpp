@@ -96,7 +96,7 @@ void DfuFront::work(Nanoseconds now) {
 std::optional<Nanoseconds> DfuFront::due() const {
     std::optional<Nanoseconds> next;
     for (const UsbPort &port : ports_) {
-        const std::optional<Nanoseconds> event = port.device().nextEvent(clockNow());
+        const std::optional<Nanoseconds> event = port.due(clockNow());
         next = event && next ? std::min(event, next) : event ? event : next;
     }
     return next;

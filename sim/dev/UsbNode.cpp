@@ -54,13 +54,19 @@ const std::vector<UsbNode::Row> &UsbNode::rows() {
     return table;
 }
 
+// A device that has just gone away, or is back already as another one, is no longer this node's.
+bool UsbNode::there(Nanoseconds now) {
+    const UsbPresence found = device_.presence(now);
+    return !gone_ && found.attached && found.attachments == attachments_;
+}
+
 DeviceAnswer UsbNode::serve(DeviceCall &call) {
     if (call.kind != DeviceCall::Kind::ioctl) {
         return DeviceAnswer::fail(gone_ ? ENODEV : EINVAL);
     }
     for (const Row &row : rows()) {
         if (row.request == call.request()) {
-            return gone_ && !row.whenGone ? DeviceAnswer::fail(ENODEV) : (this->*row.act)(call);
+            return row.whenGone || there(clockNow()) ? (this->*row.act)(call) : DeviceAnswer::fail(ENODEV);
         }
     }
     return DeviceAnswer::fail(gone_ ? ENODEV : ENOTTY);

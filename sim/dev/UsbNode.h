@@ -11,7 +11,9 @@ namespace sim {
 // of usbdevfs (linux/usbdevice_fs.h), as far as there are control transfers alone.
 class UsbNode {
 public:
-    UsbNode(UsbDevice &device, const Testbed &testbed) : device_(device), testbed_(testbed) {}
+    // `attachments` of the device while it is this node.
+    UsbNode(UsbDevice &device, unsigned attachments, const Testbed &testbed)
+        : device_(device), attachments_(attachments), testbed_(testbed) {}
 
     DeviceAnswer serve(DeviceCall &call);
 
@@ -44,12 +46,14 @@ private:
     DeviceAnswer discard(DeviceCall &call);
     DeviceAnswer reap(DeviceCall &call);
 
+    bool there(Nanoseconds now);
     DeviceAnswer request(const UsbSetup &setup);
     bool claimedByAnother(const DeviceCall &call) const;
     static bool complete(const Transfer &transfer, Nanoseconds now);
     static void handBack(const DeviceCall &call, const Transfer &transfer);
 
     UsbDevice &device_;
+    unsigned attachments_;
     const Testbed &testbed_;
     bool gone_ = false;
     std::uintptr_t owner_ = 0; // the file that has claimed the interface

@@ -77,7 +77,7 @@ bool UsbPort::plugIn(DeviceLoop &loop, Nanoseconds now, std::string &error) {
     constexpr UsbSetup chooseConfiguration = {0x00, 9, 1, 0, 0};
     device_.control(chooseConfiguration, {}, now);
     address_ = bus_.take();
-    bus_.node(address_) = std::make_shared<UsbNode>(device_, loop.testbed());
+    bus_.node(address_) = std::make_shared<UsbNode>(device_, attachments_, loop.testbed());
     // The handler stays for all devices that get this number later.
     const auto serve = [&bus = bus_, &loop, address = address_](DeviceCall &call) {
         const DeviceAnswer answer = bus.node(address)->serve(call);
@@ -98,12 +98,21 @@ void UsbPort::unplug(DeviceLoop &loop, Nanoseconds now) {
     address_ = 0;
 }
 
+bool UsbPort::inStep(const UsbPresence &found) const {
+    return address_ == 0 ? !found.attached : found.attached && found.attachments == attachments_;
+}
+
+std::optional<Nanoseconds> UsbPort::due(Nanoseconds now) const {
+    return inStep(device_.presence(now)) ? device_.nextEvent(now) : now;
+}
+
 bool UsbPort::follow(DeviceLoop &loop, Nanoseconds now, bool &came, std::string &error) {
     const UsbPresence found = device_.presence(now);
-    if (address_ != 0 && (!found.attached || found.attachments != attachments_)) {
-        unplug(loop, now);
+    if (inStep(found)) {
+        return true;
     }
-    if (address_ != 0 || !found.attached) {
+    unplug(loop, now);
+    if (!found.attached) {
         return true;
     }
     attachments_ = found.attachments;

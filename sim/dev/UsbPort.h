@@ -37,9 +37,11 @@ public:
 
     void unplug(DeviceLoop &loop, Nanoseconds now);
 
-    UsbDevice &device() const { return device_; }
+    // When follow() has something to do next.
+    std::optional<Nanoseconds> due(Nanoseconds now) const;
 
 private:
+    bool inStep(const UsbPresence &found) const;
     std::string path() const;
     std::string description() const;
     bool plugIn(DeviceLoop &loop, Nanoseconds now, std::string &error);

@@ -86,7 +86,8 @@ public:
 
     virtual UsbPresence presence(Nanoseconds now) = 0;
 
-    // When something happens without a transfer next, later than now: data to fetch, going away, coming back. Nothing: never.
+    // When something happens without a transfer next: data to fetch, going away, coming back. Nothing: never.
+    // It is later than now; what has happened by now is told by presence() at the same time, and by in().
     virtual std::optional<Nanoseconds> nextEvent(Nanoseconds /*now*/) { return std::nullopt; }
 
     // The reset button of the board, and a loss of its power (it is unplugged; power is back at that time).
