@@ -49,6 +49,17 @@ TEST(Options, whatHoldsWithoutAWord) {
     EXPECT_TRUE(options.log.empty());
 }
 
+TEST(Options, chipsBesideTheFirst) {
+    Options options;
+    std::string error;
+    ASSERT_TRUE(parse({"--chip", "ZV32F421_64K", "--dfu", "--beside", "16"}, options, error)) << error;
+    EXPECT_EQ(options.beside, 16U);
+    EXPECT_FALSE(parse({"--chip", "ZV32F421_64K", "--dfu", "--beside", "17"}, options, error));
+    options = Options();
+    EXPECT_FALSE(parse({"--chip", "ZV32F421_64K", "--beside", "1", "--usart", "tty"}, options, error));
+    EXPECT_EQ(error, "--beside is not for --usart");
+}
+
 TEST(Options, flashTimeOfOnesOwn) {
     Options options;
     std::string error;
