@@ -9,7 +9,7 @@
 //   down, up        the interface is taken down: members get ENETDOWN
 //   unplug, plug    it goes away: members get ENODEV, then ENXIO
 //   busy N          the next N frames are refused: ENOBUFS; -1 for all of them, 0 for no more
-//   lose N, double N  what becomes of the next N frames
+//   lose N, double N  what becomes of the N-th frame from now
 //   frame ID#DATA   a frame from nowhere, as cansend writes it; ID 20000xxx is an error frame
 //   bus-off         its error frame; what is sent afterwards gets lost, until
 //   restart
@@ -306,11 +306,10 @@ int Bus::take(const can_frame &frame, Member &sender) {
         return 0;
     }
     int copies = 1;
-    if (m_lose > 0) {
-        --m_lose;
+    if (m_lose > 0 && --m_lose == 0) {
         copies = 0;
-    } else if (m_double > 0) {
-        --m_double;
+    }
+    if (m_double > 0 && --m_double == 0) {
         copies = 2;
     }
     if (m_bitRate == 0) {

@@ -157,12 +157,12 @@ Status CanAdapter::bringUp(TimePoint deadline) {
 
 // Ends a line that was begun, closes the channel, and forgets what comes.
 Status CanAdapter::silence(TimePoint deadline) {
+    m_unanswered = 0; // what it says from here on is about nothing of before
     Status status = write("\r\r\rC\r", deadline);
     while (status == Status::ok && Clock::now() < deadline)
         status = hear(Clock::now() + quiet);
     m_heard.clear();
     m_frames.clear();
-    m_unanswered = 0;
     m_sendAgain = m_orderBroken = false;
     return status == Status::noAnswer ? Status::ok : status;
 }
@@ -186,7 +186,8 @@ Status CanAdapter::tell(const std::string &command, Answer &answer, TimePoint de
         status = hear(deadline);
     m_asking = false;
     answer = m_answer;
-    m_trace.remark("adapter: " + command + (answer == Answer::yes ? " " + m_text : answer == Answer::no ? " no" : " -"));
+    const std::string yes = m_text.empty() ? "yes" : m_text;
+    m_trace.remark("adapter: " + command + " " + (answer == Answer::yes ? yes : answer == Answer::no ? "no" : "-"));
     return status == Status::noAnswer ? Status::ok : status;
 }
 
