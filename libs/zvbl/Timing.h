@@ -14,6 +14,7 @@ using TimePoint = std::chrono::time_point<Clock, Duration>;
 struct Timing {
     Duration frameLimit = std::chrono::milliseconds(wire::frameLimitMs); // the chip drops a command behind it
     Duration quiet = std::chrono::milliseconds(20);                      // nothing late is to come behind it
+    Duration opening = std::chrono::milliseconds(100);                   // CAN: from one opening frame to the next
 };
 
 // What links that are opened from now on use. For tests.

@@ -42,7 +42,7 @@ protected:
         char name[] = "/tmp/zvbl-adapter-XXXXXX";
         directory = mkdtemp(name);
         setenv("ZVBL_TRACE", (directory / "trace").c_str(), 1);
-        zvbl::setTiming({milliseconds(100), milliseconds(5)});
+        zvbl::setTiming({milliseconds(100), milliseconds(5), milliseconds(1000)});
         TARGET_SetComIntType(3);
         ASSERT_EQ(SetCOMSettings(&link, 0, pty.path().c_str(), 1000000, 8, 2, 1.0F), 0);
         ASSERT_EQ(SetTimeOut(link, 300), 0);

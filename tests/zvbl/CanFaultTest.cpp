@@ -178,8 +178,8 @@ TEST_F(CanFaultTest, ADoubledAckWritesNothing) {
 // A long group leaves time for the doubled ACK to show, and nobody waits for it in front of each group. The
 // chip gets all but the last frame.
 TEST_F(CanFaultTest, ADoubledAckShowsWithinALongPacket) {
-    openOn(500000);
-    ASSERT_EQ(SetTimeOut(link, 300), 0);
+    openOn(50000);
+    ASSERT_EQ(SetTimeOut(link, 1000), 0);
     std::string allButTheLast = "031 FF 00 00 00 00 00 00 00", reply = "111 79";
     for (int i = 1; i < 32; ++i)
         allButTheLast += ",031 00 00 00 00 00 00 00 00";
@@ -236,6 +236,8 @@ TEST_F(CanFaultTest, ABusFullOfLateAnswersIsNoAnswer) {
 }
 
 TEST_F(CanFaultTest, AChipThatStartsLosesOpeningFrames) {
+    setOpeningPause(100);
+    ASSERT_EQ(Interface_Open(link), 0);
     ASSERT_EQ(SetTimeOut(link, 1000), 0);
     EXPECT_EQ(play({{"07F", ""}, {"07F", "17F 79"}, {"0D4", "1D4 79"}},
                    [&] {
@@ -246,6 +248,8 @@ TEST_F(CanFaultTest, AChipThatStartsLosesOpeningFrames) {
 }
 
 TEST_F(CanFaultTest, NoAnswerToTheOpeningFrameIs0x11) {
+    setOpeningPause(100);
+    ASSERT_EQ(Interface_Open(link), 0);
     ASSERT_EQ(SetTimeOut(link, 250), 0);
     const auto from = steady_clock::now();
     EXPECT_EQ(play({{"07F", ""}, {"07F", ""}, {"07F", ""}}, [&] { return ZVBL_Init_BL(link, 0, 2, 0); }), 0x11);

@@ -21,17 +21,22 @@ protected:
         zvbl::setTiming({});
     }
 
-    // Short time limits, for what happens behind a failure.
+    // Time limits that are short, for what happens behind a failure, but not too short for a busy machine.
     void openOn(unsigned bitsPerSecond) {
         Interface_Close(link);
         bus.reset(); // one at a time: its directory is that of the process
         bus = std::make_unique<CanBusProcess>(bitsPerSecond);
         setenv("ZVBL_TRACE", (bus->directory() + "/trace").c_str(), 1);
-        zvbl::setTiming({std::chrono::milliseconds(100), std::chrono::milliseconds(5)});
+        setOpeningPause(1000); // one in each time limit
         TARGET_SetComIntType(3);
         ASSERT_EQ(SetCOMSettings(&link, 0, "can0", 115200, 8, 2, 1.0F), 0);
         ASSERT_EQ(Interface_Open(link), 0);
-        ASSERT_EQ(SetTimeOut(link, 60), 0);
+        ASSERT_EQ(SetTimeOut(link, 250), 0);
+    }
+
+    // Of links that are opened from now on.
+    static void setOpeningPause(int ms) {
+        zvbl::setTiming({std::chrono::milliseconds(100), std::chrono::milliseconds(5), std::chrono::milliseconds(ms)});
     }
 
     // Runs a call while the chip plays its part, and gives the call's status.

@@ -7,8 +7,7 @@
 namespace zvbl {
 namespace {
 
-constexpr auto openingPause = std::chrono::milliseconds(100); // between one opening frame and the next
-constexpr auto closingTime = std::chrono::milliseconds(100);  // for what is told the chip at the end
+constexpr auto closingTime = std::chrono::milliseconds(100); // for what is told the chip at the end
 constexpr int tries = 3;
 const CanSpeed &startSpeed = *findCanSpeed(wire::canStartSpeed);
 
@@ -61,7 +60,7 @@ Status CanFraming::open(Duration timeout) {
     int sent = 0;
     bool heardWrong = false;
     for (TimePoint now = Clock::now(); now < end && status == Status::noAnswer; now = Clock::now()) {
-        const TimePoint until = std::min<TimePoint>(now + openingPause, end);
+        const TimePoint until = std::min<TimePoint>(now + m_timing.opening, end);
         status = send({wire::sync, 0, {}}, until);
         ++sent;
         std::uint8_t answer = 0;

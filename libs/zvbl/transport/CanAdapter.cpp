@@ -13,6 +13,7 @@ constexpr char bell = '\a';
 constexpr auto answerLimit = std::chrono::milliseconds(500);
 constexpr auto openingLimit = std::chrono::milliseconds(1000);
 constexpr auto closingLimit = std::chrono::milliseconds(100);
+constexpr auto firstAnswer = std::chrono::milliseconds(100); // most adapters say something to C
 constexpr auto quiet = std::chrono::milliseconds(20); // no line is under way behind it
 constexpr auto refusalPause = std::chrono::milliseconds(1);
 constexpr std::size_t longestLine = 64;
@@ -102,7 +103,10 @@ CanAdapter::~CanAdapter() {
     try {
         Answer answer = Answer::none;
         m_unanswered = 0;
-        [[maybe_unused]] const Status status = tell("C", answer, Clock::now() + closingLimit); // it may be gone
+        while (hear(TimePoint{}) == Status::ok) { // what is old is no answer
+        }
+        // It is waited for, or the port would throw it away at its close; the device may be gone as well.
+        [[maybe_unused]] const Status status = tell("C", answer, Clock::now() + closingLimit);
     } catch (...) {
         m_trace.remark("the channel stays open");
     }
@@ -159,6 +163,8 @@ Status CanAdapter::bringUp(TimePoint deadline) {
 Status CanAdapter::silence(TimePoint deadline) {
     m_unanswered = 0; // what it says from here on is about nothing of before
     Status status = write("\r\r\rC\r", deadline);
+    if (status == Status::ok)
+        status = hear(std::min<TimePoint>(deadline, Clock::now() + firstAnswer));
     while (status == Status::ok && Clock::now() < deadline)
         status = hear(Clock::now() + quiet);
     m_heard.clear();
