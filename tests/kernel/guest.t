@@ -13,8 +13,7 @@ The ground that the other transcripts stand on: a stock Debian kernel with its o
 The programs of the build run as they are, here over a pseudo terminal:
 
   $ chip_on ZV32F403A_1024K
-  $ small_image
-  $ line -d --fn ./small.bin --addr 08000000 --v
+  $ there_and_back
   Erase
   Running...100%
   Download
@@ -24,10 +23,8 @@ The programs of the build run as they are, here over a pseudo terminal:
   ./small.bin     8192B
   Running...100%
   Download successfully!
-  $ line -u --sec 0-3 --fn ./back.bin
   Upload
   ./back.bin     8192B
   Running...100%
   Upload successfully!
-  $ cmp small.bin back.bin && echo equal
   equal

@@ -1,19 +1,53 @@
 # Sourced by the transcripts with the name of a port on a stock kernel: what those of tests/e2e have, with
 # the chip there.
 #
-# usage: . setup.sh pty
+# usage: . setup.sh pty|vcan|slcan|dfu|acm|i2c
 
 . "$SETUP"
 
 case "$1" in
     pty) ;; # the same as without a kernel of our own
+    vcan)
+        port_option=(--can vcan0)
+        port_words=(-can --pn vcan0)
+        ip link add vcan0 type vcan
+        ip link set vcan0 up
+        ;;
+    slcan)
+        # A network interface in front of the adapter's tty.
+        port_option=(--slcan "$PWD/adapter")
+        port_words=(-can --pn can0)
+        ;;
+    dfu)
+        port_option=(--vhci-dfu)
+        port_words=(-dfu)
+        ;;
+    acm)
+        port_option=(--vhci-acm)
+        port_words=(-com --pn ttyACM0)
+        ;;
+    i2c)
+        port_option=(--vhci-i2c)
+        port_words=(-i2c --pn i2c-0)
+        ;;
     *)
         echo "no port \"$1\"" >&2
         return 1
         ;;
 esac
 
+# Nothing is preloaded: the programs are as they are, and wait as long as they do.
+find_port() { port_env=(env); }
+
 # small_image: writes ./small.bin, 8 KB in which no two packets are equal.
 small_image() {
     seq 100000 101170 | head -c 8192 >small.bin
+}
+
+# there_and_back: downloads it, verifies, uploads, compares.
+there_and_back() {
+    small_image
+    line -d --fn ./small.bin --addr 08000000 --v
+    line -u --sec 0-3 --fn ./back.bin
+    cmp small.bin back.bin && echo equal
 }

@@ -1,0 +1,51 @@
+A serial port of the kernel's driver for USB modems.
+
+  $ . "$KERNEL/setup.sh" acm
+  $ chip_on ZV32F403A_1024K --verbose
+  $ cat sim.out
+  ready /dev/ttyACM0
+  $ isp "${port_words[@]}"
+  USART Connect......
+  Device:  ZV32F403A    Flash:  1024 KB
+  PID:  70050347      BID:  1234    Version:  2.1
+  Device connected Successfully
+  
+  $ there_and_back
+  Erase
+  Running...100%
+  Download
+  ./small.bin     8192B
+  Running...100%
+  Verify
+  ./small.bin     8192B
+  Running...100%
+  Download successfully!
+  Upload
+  ./back.bin     8192B
+  Running...100%
+  Upload successfully!
+  equal
+
+The adapter was told rate and format:
+
+  $ line --br 460800 -u --sec 0-3 --fn ./again.bin | tail -1
+  Upload successfully!
+  $ grep 'line coding' sim.err | uniq
+  line coding: 9600 8N
+  line coding: 115200 8E
+  line coding: 460800 8E
+
+Unplugged in the middle of a download, and there again:
+
+  $ chip_off; chip_on ZV32F403A_1024K --verbose --fault hangup@3000:200
+  $ line -d --fn ./small.bin --addr 08000000 --v
+  Erase
+  Running...100%
+  Download
+  ./small.bin     8192B
+  Running...25%
+  send over serial port fail!
+  [3]
+  $ until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.1; done
+  $ there_and_back | tail -1
+  equal
