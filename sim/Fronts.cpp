@@ -21,7 +21,7 @@ const FrontTable &simFronts() {
         {"dfu", nullptr, deviceNodes, nullptr, nullptr, true},
         {"tty", "NODE", deviceNodes, nullptr, "ttyUSB0", false, true},
         {"vhci-dfu", nullptr, nullptr, serveVhciDfu},
-        {"vhci-acm", nullptr, nullptr, serveVhciAcm},
+        {"vhci-acm", nullptr, nullptr, serveVhciAcm, nullptr, false, true},
         {"vhci-i2c", nullptr, nullptr, serveVhciI2c},
     };
     return rows;

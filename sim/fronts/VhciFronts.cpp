@@ -1,5 +1,6 @@
 #include "sim/fronts/VhciFronts.h"
 
+#include "sim/Clock.h"
 #include "sim/Options.h"
 #include "sim/fronts/VhciFront.h"
 #include "sim/usb/AcmDevice.h"
@@ -19,7 +20,7 @@ bool serveVhciDfu(Machine &machine, const std::string &, std::string &error) {
 // A serial adapter, driven by cdc-acm: /dev/ttyACM0.
 bool serveVhciAcm(Machine &machine, const std::string &, std::string &error) {
     Bootloader bootloader(machine.chip, machine.faults, machine.log);
-    AcmDevice adapter(bootloader, machine.faults, machine.log, machine.options.pace);
+    AcmDevice adapter(machine.options.wiring, bootloader, machine.faults, machine.log, machine.options.pace, clockNow());
     return VhciFront(adapter, "*/tty/*", machine).serve(error);
 }
 

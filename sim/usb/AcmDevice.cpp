@@ -13,7 +13,12 @@ constexpr std::uint8_t data = 2;
 // Requests of PSTN 1.2, 6.3, all to the interface of endpoint 1.
 constexpr std::uint8_t toInterface = 0x21;
 constexpr std::uint8_t fromInterface = 0xA1;
-enum Request : std::uint8_t { setLineCodingRequest = 0x20, getLineCoding = 0x21, setControlLineState = 0x22, sendBreak = 0x23 };
+enum Request : std::uint8_t {
+    setLineCodingRequest = 0x20,
+    getLineCoding = 0x21,
+    setControlLineState = 0x22,
+    sendBreak = 0x23,
+};
 
 // A line coding: the rate in four bytes, lowest first, stop bits (0: one), parity, data bits.
 constexpr std::size_t codingLength = 7;
@@ -48,9 +53,9 @@ UsbDescriptors acmDescriptors() {
 
 } // namespace
 
-AcmDevice::AcmDevice(Bootloader &bootloader, Faults &faults, Log &log, bool pace)
-    : bootloader_(bootloader), log_(log), pace_(pace), descriptors_(acmDescriptors()), protocol_(bootloader),
-      line_(protocol_, faults), coding_{0x80, 0x25, 0, 0, 0, 0, 8} {} // 9600 8N1
+AcmDevice::AcmDevice(const Wiring &wiring, Bootloader &bootloader, Faults &faults, Log &log, bool pace, Nanoseconds now)
+    : log_(log), pace_(pace), descriptors_(acmDescriptors()), board_(wiring, bootloader, log, now),
+      protocol_(bootloader), line_(protocol_, faults), coding_{0x80, 0x25, 0, 0, 0, 0, 8} {} // 9600 8N1
 
 UsbAnswer AcmDevice::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     if (setup.standard()) {
@@ -60,10 +65,13 @@ UsbAnswer AcmDevice::control(const UsbSetup &setup, const Bytes &out, Nanosecond
         return setLineCoding(out, now);
     }
     if (setup.type == fromInterface && setup.request == getLineCoding) {
-        return UsbAnswer::done(now, Bytes(coding_.begin(), coding_.begin() + std::min<std::ptrdiff_t>(setup.length, codingLength)));
+        const auto end = coding_.begin() + std::min<std::ptrdiff_t>(setup.length, codingLength);
+        return UsbAnswer::done(now, Bytes(coding_.begin(), end));
     }
-    const bool known = setup.request == setControlLineState || setup.request == sendBreak;
-    return setup.type == toInterface && known ? UsbAnswer::done(now) : UsbAnswer::stall(now);
+    if (setup.type == toInterface && setup.request == setControlLineState) {
+        return setControlLines(setup.value, now);
+    }
+    return setup.type == toInterface && setup.request == sendBreak ? UsbAnswer::done(now) : UsbAnswer::stall(now);
 }
 
 UsbAnswer AcmDevice::setLineCoding(const Bytes &coding, Nanoseconds now) {
@@ -71,6 +79,16 @@ UsbAnswer AcmDevice::setLineCoding(const Bytes &coding, Nanoseconds now) {
     constexpr char parities[] = "NOEMS";
     const char parity = coding[parityAt] < 5 ? parities[coding[parityAt]] : '?';
     log_.note("line coding: " + std::to_string(rateOf(coding)) + " " + std::to_string(coding[bitsAt]) + parity);
+    return UsbAnswer::done(now);
+}
+
+UsbAnswer AcmDevice::setControlLines(unsigned lines, Nanoseconds now) {
+    constexpr unsigned dtr = 1;
+    constexpr unsigned rts = 2;
+    board_.setLines((lines & dtr) != 0, (lines & rts) != 0, now);
+    if (board_.held()) {
+        line_.toHost().clear();
+    }
     return UsbAnswer::done(now);
 }
 
@@ -129,7 +147,7 @@ std::optional<Nanoseconds> AcmDevice::nextEvent(Nanoseconds now) {
 
 void AcmDevice::pressReset(Nanoseconds now) {
     line_.toHost().clear();
-    bootloader_.reset(now);
+    board_.button(now);
 }
 
 void AcmDevice::losePower(Nanoseconds now) {
@@ -141,7 +159,7 @@ void AcmDevice::losePower(Nanoseconds now) {
 void AcmDevice::powerUp(Nanoseconds now) {
     standard_.reset();
     line_.replug();
-    bootloader_.losePower(now);
+    board_.losePower(now);
 }
 
 } // namespace sim

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/Log.h"
+#include "sim/Board.h"
 #include "sim/fronts/SerialLine.h"
 #include "sim/usb/StandardRequests.h"
 #include "sim/usb/UsbPlug.h"
@@ -11,8 +11,9 @@ namespace sim {
 // Device Class (CDC 1.2, PSTN 1.2), which every system has a driver for.
 class AcmDevice : public UsbDevice {
 public:
-    // `pace`: bytes take the time that they need at the rate that the host has set.
-    AcmDevice(Bootloader &bootloader, Faults &faults, Log &log, bool pace);
+    // It has power and has started by now. `pace`: bytes take the time that they need at the rate that the
+    // host has set.
+    AcmDevice(const Wiring &wiring, Bootloader &bootloader, Faults &faults, Log &log, bool pace, Nanoseconds now);
 
     const UsbDescriptors &descriptors() const override { return descriptors_; }
     UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) override;
@@ -26,14 +27,15 @@ public:
 
 private:
     UsbAnswer setLineCoding(const Bytes &coding, Nanoseconds now);
+    UsbAnswer setControlLines(unsigned lines, Nanoseconds now);
     void followHangup(Nanoseconds now);
     void powerUp(Nanoseconds now);
 
-    Bootloader &bootloader_;
     Log &log_;
     const bool pace_;
     const UsbDescriptors descriptors_;
     StandardRequests standard_{descriptors_};
+    Board board_;
     UsartProtocol protocol_;
     SerialLine line_;
     Bytes coding_;

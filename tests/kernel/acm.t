@@ -46,6 +46,27 @@ Unplugged in the middle of a download, and there again:
   Running...25%
   send over serial port fail!
   [3]
-  $ until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.1; done
+  $ replugged
   $ there_and_back | tail -1
   equal
+
+The control lines reach the board's reset and boot pins; without them a chip in its application stays there:
+
+  $ auto() {
+  >     chip_off; chip_on ZV32F403A_1024K --verbose --wiring "$2"
+  >     isp "${port_words[@]}" --to 1 --auto "$1" | sed -n 4p
+  > }
+  $ auto 0 reset=dtr:low,boot=rts:low
+  $ auto 2 reset=dtr:low,boot=rts:low
+  Device connected Successfully
+  $ auto 6 reset=dtr:high,boot=rts:high
+  Device connected Successfully
+  $ auto 9 reset=rts:low,boot=dtr:high
+  Device connected Successfully
+  $ auto 11 reset=rts:high,boot=dtr:low
+  Device connected Successfully
+  $ grep lines: sim.err
+  lines: DTR high, RTS high
+  lines: DTR low, RTS high
+  lines: DTR low, RTS low
+  lines: DTR high, RTS low

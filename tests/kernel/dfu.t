@@ -48,6 +48,16 @@ Behind a reset the device is another one to the kernel, at the same port, and th
   ready /dev/bus/usb/001/003
   ready /dev/bus/usb/001/004
 
+A user who may not open the device is told so by the trace:
+
+  $ by_nobody "${port_words[@]}"
+  DFU Connect......
+  Open DFU device error!
+  [2]
+  $ cat remarks
+  dfu # device 0: usb 1-1 cannot be opened: Permission denied
+  dfu0 # cannot open: Permission denied
+
 Unplugged in the middle of a download, and there again:
 
   $ chip_off; chip_on ZV32F403A_1024K --verbose --fault hangup@5000:200
@@ -59,14 +69,14 @@ Unplugged in the middle of a download, and there again:
   Running...50%
   send over serial port fail!
   [3]
-  $ until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.1; done
+  $ replugged
   $ there_and_back | tail -1
   equal
 
 Without a device:
 
   $ chip_off
-  $ isp -dfu
+  $ isp "${port_words[@]}"
   DFU Connect......
   Unable to get DFU device
   [2]

@@ -49,6 +49,6 @@ Unplugged in the middle of a download, and there again:
   Running...25%
   send over serial port fail!
   [3]
-  $ until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.1; done
+  $ replugged
   $ there_and_back | tail -1
   equal

@@ -25,8 +25,7 @@ protected:
     std::string fetch(std::size_t length = 64) { return showBytes(device.in(data, length, rig.now).data); }
 
     Rig rig{"ZV32F403A_1024K", {"tx-hangup@5:30"}};
-    AcmDevice device{rig.bootloader, rig.faults, rig.log, false};
-    AcmDevice paced{rig.bootloader, rig.faults, rig.log, true};
+    AcmDevice device{{}, rig.bootloader, rig.faults, rig.log, false, rig.now};
 };
 
 TEST_F(AcmDeviceTest, bytesGoToTheChipAndBack) {
@@ -50,6 +49,7 @@ TEST_F(AcmDeviceTest, nobodyTalksInTheOtherFormat) {
 }
 
 TEST_F(AcmDeviceTest, theLineCodingTellsThePace) {
+    AcmDevice paced({}, rig.bootloader, rig.faults, rig.log, true, rig.now);
     paced.control(parseSetup(parseBytes("00 09 01 00 00 00 00 00").data()), {}, rig.now);
     paced.control(parseSetup(parseBytes("21 20 00 00 00 00 07 00").data()), parseBytes("F8 2A 00 00 00 02 08"), rig.now);
     paced.out(data, {0x7F}, rig.now); // at 11000 baud
@@ -58,6 +58,31 @@ TEST_F(AcmDeviceTest, theLineCodingTellsThePace) {
     rig.now += 2 * millisecond;
     EXPECT_EQ(paced.nextEvent(rig.now), std::nullopt);
     EXPECT_EQ(showBytes(paced.in(data, 64, rig.now).data), "79");
+}
+
+TEST_F(AcmDeviceTest, theControlLinesReachTheBoard) {
+    Wiring wiring;
+    std::string error;
+    ASSERT_TRUE(parseWiring("reset=dtr:high,boot=rts:low", wiring, error));
+    AcmDevice wired(wiring, rig.bootloader, rig.faults, rig.log, false, rig.now);
+    const auto lines = [&](const std::string &setup) {
+        rig.now += 20 * millisecond;
+        EXPECT_EQ(wired.control(parseSetup(parseBytes(setup).data()), {}, rig.now).kind, UsbAnswer::Kind::done);
+    };
+    const auto opens = [&] {
+        rig.now += 20 * millisecond;
+        wired.out(data, {0x7F}, rig.now);
+        return showBytes(wired.in(data, 64, rig.now).data);
+    };
+    wired.control(parseSetup(parseBytes("00 09 01 00 00 00 00 00").data()), {}, rig.now);
+    wired.control(parseSetup(parseBytes("21 20 00 00 00 00 07 00").data()), parseBytes("00 C2 01 00 00 02 08"), rig.now);
+    lines("21 22 03 00 00 00 00 00"); // both high: held
+    EXPECT_EQ(opens(), "");
+    lines("21 22 02 00 00 00 00 00"); // released with RTS high
+    EXPECT_EQ(opens(), "");
+    lines("21 22 01 00 00 00 00 00");
+    lines("21 22 00 00 00 00 00 00"); // released with RTS low
+    EXPECT_EQ(opens(), "79");
 }
 
 TEST_F(AcmDeviceTest, whatItDoesNotKnowIsStalled) {
