@@ -24,6 +24,9 @@ const char helpText[] =
   --tty [NODE]        the same at a serial port that has DTR and RTS (ttyUSB0)
   --wiring PINS       what DTR and RTS do on the board, as reset=dtr:low,boot=rts:high
   --dfu               a chip on USB, its node in a directory of emulated devices, print "ready dfu DIR"
+  --vhci-dfu          the same on the kernel's own USB (vhci-hcd, root), print "ready" and the device's node
+  --vhci-acm          a USB serial adapter there, with the chip behind it
+  --vhci-i2c          a USB I2C adapter there, with the chip on its bus
   --beside N          N further chips of the same kind on its bus, new in every run (0)
   --state FILE        keep the chip's memory in FILE between runs
   --spim MB           size of the SPI flash on the board, 0 for none (16)

@@ -70,3 +70,14 @@ The control lines reach the board's reset and boot pins; without them a chip in 
   lines: DTR low, RTS high
   lines: DTR low, RTS low
   lines: DTR high, RTS low
+
+What the adapter itself needs, and says:
+
+  $ chip_off
+  $ setpriv --reuid=65534 --regid=65534 --clear-groups zv32-sim --chip ZV32F403A_1024K --vhci-acm
+  zv32-sim: cannot plug a device into vhci_hcd: Permission denied; that takes root
+  [1]
+  $ busybox rmmod vhci_hcd
+  $ zv32-sim --chip ZV32F403A_1024K --vhci-acm
+  zv32-sim: the kernel has no vhci_hcd: modprobe vhci-hcd
+  [1]
