@@ -1,0 +1,18 @@
+#pragma once
+
+namespace bench {
+
+// What a link could carry if it never rested: bytes of flash a second, from what the packets of
+// docs/wire-protocol.md take on its wire and nothing else.
+struct Ceiling {
+    double download;
+    double upload;
+};
+
+Ceiling usartCeiling(double baud);
+Ceiling i2cCeiling(double hertz);
+Ceiling spiCeiling(double hertz);
+Ceiling canCeiling(double bitsPerSecond);
+Ceiling dfuCeiling(); // full speed
+
+} // namespace bench

@@ -1,0 +1,126 @@
+#include "bench/Chip.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> portWords(Place place, const std::string &port) {
+    switch (place) {
+    case Place::usart: return {"--usart", port};
+    case Place::slcan: return {"--slcan", port};
+    case Place::can:   return {"--can", "can0"};
+    case Place::i2c:   return {"--i2c", "i2c-1"};
+    case Place::spi:   return {"--spi", "spidev0.0"};
+    case Place::dfu:   return {"--dfu"};
+    }
+    return {};
+}
+
+std::string contentOf(const std::string &path) {
+    std::ifstream file(path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void end(pid_t process) {
+    if (process > 0) {
+        ::kill(process, SIGTERM);
+        ::waitpid(process, nullptr, 0);
+    }
+}
+
+} // namespace
+
+Chip::Chip(Place place, const std::string &programs) : m_place(place), m_programs(programs) {
+    std::string name = (fs::temp_directory_path() / "links_bench.XXXXXX").string();
+    if (!::mkdtemp(name.data()))
+        throw std::runtime_error("no directory for the chip");
+    m_dir = name;
+    if (m_place == Place::can) {
+        // Opened for both directions, so that the bus never sees its end.
+        ::mkfifo((m_dir + "/commands").c_str(), 0600);
+        m_bus = start({"sh", "-c", "exec \"$0\" \"$1\" 250000 <>\"$2\"", m_programs + "/doubles/can-bus", m_dir + "/can0",
+                       m_dir + "/commands"}, "/bus");
+        while (contentOf(m_dir + "/bus").empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    std::vector<std::string> command = surroundings();
+    command.insert(command.end(), {m_programs + "/bin/zv32-sim", "--chip", "ZV32F403A_1024K", "--baud-pace"});
+    for (const std::string &word : portWords(m_place, port()))
+        command.push_back(word);
+    m_chip = start(command, "/chip");
+    awaitReady();
+}
+
+Chip::~Chip() {
+    end(m_chip);
+    end(m_bus);
+    std::error_code ignored;
+    fs::remove_all(m_dir, ignored);
+}
+
+// What stands in front of a program so that it finds the port.
+std::vector<std::string> Chip::surroundings() const {
+    if (m_place == Place::can)
+        return {"env", "CAN_SHIM_DIR=" + m_dir, "LD_PRELOAD=" + m_programs + "/doubles/libcan_shim.so"};
+    if (!m_nodes.empty())
+        return {"env", "UMOCKDEV_DIR=" + m_nodes, "LD_PRELOAD=libumockdev-preload.so.0"};
+    return {"env"};
+}
+
+pid_t Chip::start(const std::vector<std::string> &command, const std::string &output) const {
+    const pid_t process = ::fork();
+    if (process != 0)
+        return process;
+    std::vector<char *> words;
+    for (const std::string &word : command)
+        words.push_back(const_cast<char *>(word.c_str()));
+    words.push_back(nullptr);
+    const int file = ::open((m_dir + output).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    ::dup2(file, STDOUT_FILENO);
+    ::execvp(words[0], words.data());
+    ::_exit(127);
+}
+
+// "ready", the port, and behind the name of an emulated node the directory that it lives in.
+void Chip::awaitReady() {
+    std::string ready;
+    while (ready.find('\n') == std::string::npos) {
+        if (::waitpid(m_chip, nullptr, WNOHANG) == m_chip) {
+            m_chip = -1;
+            throw std::runtime_error("the simulated chip did not start");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        ready = contentOf(m_dir + "/chip");
+    }
+    std::istringstream words(ready);
+    std::string word;
+    words >> word >> word >> m_nodes;
+}
+
+std::string Chip::outputOf(const std::vector<std::string> &command) const {
+    std::vector<std::string> words = surroundings();
+    words.insert(words.end(), command.begin(), command.end());
+    int status = 0;
+    ::waitpid(start(words, "/output"), &status, 0);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        throw std::runtime_error(command.front() + " failed");
+    return contentOf(m_dir + "/output");
+}
+
+} // namespace bench

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace bench {
+
+// Where a simulated chip sits.
+enum class Place { usart, dfu, i2c, can, slcan, spi };
+
+// A simulated chip of 1 MB whose wire takes its time, in a process of its own, for the life of the object.
+class Chip {
+public:
+    // `programs` is the build directory. Returns when the chip is ready; throws std::runtime_error.
+    Chip(Place place, const std::string &programs);
+    ~Chip();
+    Chip(const Chip &) = delete;
+    Chip &operator=(const Chip &) = delete;
+
+    // The path of its serial port or adapter.
+    std::string port() const { return m_dir + "/port"; }
+
+    // What a program prints that finds the port; throws std::runtime_error when it fails.
+    std::string outputOf(const std::vector<std::string> &command) const;
+
+private:
+    std::vector<std::string> surroundings() const;
+    pid_t start(const std::vector<std::string> &command, const std::string &output) const;
+    void awaitReady();
+
+    Place m_place;
+    std::string m_programs;
+    std::string m_dir;
+    std::string m_nodes; // the directory of emulated nodes
+    pid_t m_bus = -1;
+    pid_t m_chip = -1;
+};
+
+} // namespace bench

@@ -1,0 +1,100 @@
+// link-probe TYPE PORT BAUD RATE SPEED KILOBYTES
+//
+// Writes and reads back a stretch of the chip's flash over one link, and prints the bytes a second of
+// both. TYPE is the interface type; BAUD, RATE and SPEED are what SetCOMSettings, ZVBL_Init_BL and
+// ZVBL_SetSpeed are given. Ends with 1 when a call fails or other bytes come back.
+
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <vector>
+
+#include "link/ZVBLLIB.h"
+
+namespace {
+
+constexpr unsigned char usart = 0;
+constexpr unsigned char usbDfu = 1;
+constexpr unsigned char can = 3;
+constexpr unsigned flash = 0x08000000;
+
+struct Wishes {
+    unsigned char type;
+    const char *port;
+    int baud;
+    unsigned long rate;
+    unsigned long speed;
+    std::size_t bytes;
+};
+
+void demand(unsigned char status, const char *call) {
+    if (status != 0) {
+        std::fprintf(stderr, "link-probe: %s answers %u\n", call, status);
+        std::exit(1);
+    }
+}
+
+// The link word of an open link with a chip in its command state.
+HANDLE connect(const Wishes &wishes) {
+    HANDLE link = nullptr;
+    TARGET_SetComIntType(wishes.type);
+    if (wishes.type == usbDfu) {
+        signed char count = 99;
+        static unsigned short vendors[255];
+        static unsigned short products[255];
+        static TDeviceInfo info;
+        demand(ZVBL_GetZVDeviceList(&count, vendors, products, &info), "ZVBL_GetZVDeviceList");
+    } else {
+        demand(SetCOMSettings(&link, 1, wishes.port, wishes.baud, 8, 2, 1.0F), "SetCOMSettings");
+    }
+    demand(Interface_Open(link), "Interface_Open");
+    if (wishes.type != usbDfu)
+        demand(ZVBL_Init_BL(link, 0, wishes.rate, 0), "ZVBL_Init_BL");
+    if (wishes.type == can)
+        demand(ZVBL_SetSpeed(link, wishes.speed), "ZVBL_SetSpeed");
+    if (wishes.type == usart)
+        demand(ZVBL_ZV32ISP_TOOL(link), "ZVBL_ZV32ISP_TOOL");
+    return link;
+}
+
+template <class Call>
+double bytesPerSecond(std::size_t bytes, Call call) {
+    const auto start = std::chrono::steady_clock::now();
+    call();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    return static_cast<double>(bytes) / took.count();
+}
+
+int measure(const Wishes &wishes) {
+    std::vector<unsigned char> data(wishes.bytes);
+    std::mt19937 random(4711);
+    for (unsigned char &byte : data)
+        byte = static_cast<unsigned char>(random());
+    const HANDLE link = connect(wishes);
+    demand(ZVBL_ERASE(link, 0xFFFE, nullptr, 0), "ZVBL_ERASE");
+    const auto length = static_cast<unsigned>(data.size());
+    const double download = bytesPerSecond(data.size(), [&] {
+        demand(ZVBL_DNLOAD(link, flash, data.data(), length, 0), "ZVBL_DNLOAD");
+    });
+    std::vector<unsigned char> back(data.size());
+    const double upload = bytesPerSecond(data.size(), [&] {
+        demand(ZVBL_UPLOAD(link, flash, back.data(), length), "ZVBL_UPLOAD");
+    });
+    demand(Interface_Close(link), "Interface_Close");
+    std::printf("%.1f %.1f\n", download, upload);
+    return back == data ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 7) {
+        std::fprintf(stderr, "usage: link-probe TYPE PORT BAUD RATE SPEED KILOBYTES\n");
+        return 2;
+    }
+    return measure({static_cast<unsigned char>(std::atoi(argv[1])), argv[2], std::atoi(argv[3]),
+                    std::strtoul(argv[4], nullptr, 10), std::strtoul(argv[5], nullptr, 10),
+                    std::strtoul(argv[6], nullptr, 10) * 1024});
+}
