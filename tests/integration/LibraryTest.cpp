@@ -1,29 +1,55 @@
 #include "tests/integration/LibraryTest.h"
 
-HANDLE openLink(const std::string &port) {
+namespace {
+
+constexpr BYTE usbDfu = 1;
+
+// A link word on USB DFU is a row of the device list.
+BYTE openDevice(HANDLE link) {
+    signed char count = 99;
+    unsigned short vendors[255] = {}, products[255] = {};
+    const auto info = std::make_unique<TDeviceInfo>();
+    EXPECT_EQ(ZVBL_GetZVDeviceList(&count, vendors, products, info.get()), done);
+    EXPECT_EQ(count, 1);
+    return Interface_Open(link);
+}
+
+} // namespace
+
+HANDLE openLink(const SimulatedChip &chip) {
     constexpr int evenParity = 2;
     HANDLE link = nullptr;
-    EXPECT_EQ(SetCOMSettings(&link, 0, port.c_str(), 115200, 8, evenParity, 1.0F), done);
-    EXPECT_EQ(Interface_Open(link), done);
-    EXPECT_EQ(ZVBL_Init_BL(link, 0, 0, 0), done);
+    TARGET_SetComIntType(chip.place().type);
+    if (chip.place().type != usbDfu) {
+        EXPECT_EQ(SetCOMSettings(&link, 0, chip.port().c_str(), 115200, 8, evenParity, 1.0F), done);
+        EXPECT_EQ(Interface_Open(link), done);
+    }
+    EXPECT_EQ(startLink(link, chip), done);
     return link;
 }
 
+BYTE startLink(HANDLE link, const SimulatedChip &chip) {
+    if (chip.place().type == usbDfu) {
+        Interface_Close(link);
+        return openDevice(link);
+    }
+    return ZVBL_Init_BL(link, 0, 0, 0);
+}
+
 LibraryTest::~LibraryTest() {
-    if (link != nullptr) {
+    if (chip != nullptr) {
         Interface_Close(link);
     }
 }
 
 void LibraryTest::connect(const std::string &name, const std::vector<std::string> &options) {
-    TARGET_SetComIntType(0);
     chip = std::make_unique<SimulatedChip>(name, options);
-    link = openLink(chip->port());
+    link = openLink(*chip);
 }
 
 BYTE LibraryTest::initAgain() {
     waitForStart();
-    return ZVBL_Init_BL(link, 0, 0, 0);
+    return startLink(link, *chip);
 }
 
 BYTE LibraryTest::write(unsigned address, Bytes bytes) {

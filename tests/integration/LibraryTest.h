@@ -27,9 +27,11 @@ constexpr unsigned spimBase = 0x08400000;
 constexpr unsigned ramBase = 0x20000000;
 constexpr unsigned firstSpimSector = 0x8000;
 
-// A new open link to the port, the bootloader in its command state. The library keeps links to the end of
+// A new open link to the chip, the bootloader in its command state. The library keeps links to the end of
 // the process.
-HANDLE openLink(const std::string &port);
+HANDLE openLink(const SimulatedChip &chip);
+// Once more, behind a restart of the chip.
+BYTE startLink(HANDLE link, const SimulatedChip &chip);
 
 class LibraryTest : public testing::Test {
 protected:

@@ -6,7 +6,10 @@
 #include <string>
 #include <vector>
 
-// A simulated chip in a process of its own, at a port in a directory of its own. Both end with the object.
+#include "tests/integration/Place.h"
+
+// A simulated chip in a process of its own, at a port of the test's link, with a directory of its own. All
+// end with the object.
 class SimulatedChip {
 public:
     // Returns when the port is there; throws std::runtime_error when it does not come.
@@ -15,7 +18,8 @@ public:
     SimulatedChip(const SimulatedChip &) = delete;
     SimulatedChip &operator=(const SimulatedChip &) = delete;
 
-    std::string port() const;
+    const Place &place() const { return place_; }
+    std::string port() const { return place_.port; }
     // What the chip refused so far, one line each.
     std::string log() const;
     const std::filesystem::path &directory() const { return directory_; }
@@ -24,10 +28,13 @@ public:
     void pressReset() const;
 
 private:
-    void start(std::vector<std::string> words);
+    pid_t start(std::vector<std::string> words, const std::string &name) const;
+    void startBus();
     void awaitReady() const;
 
     std::filesystem::path directory_;
+    Place place_;
+    pid_t bus_ = -1;
     pid_t process_ = -1;
 };
 

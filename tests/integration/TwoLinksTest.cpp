@@ -18,7 +18,7 @@ struct Line {
 
     // Erases, writes, compares and reads back, again and again, and resets the chip in between.
     void work(unsigned seed) {
-        link = openLink(chip.port());
+        link = openLink(chip);
         for (int i = 0; i < rounds; ++i) {
             step(seed + static_cast<unsigned>(2 * i));
         }
@@ -50,7 +50,6 @@ Bytes contentOf(HANDLE link) {
 } // namespace
 
 TEST(TwoLinksTest, DoNotDisturbEachOther) {
-    TARGET_SetComIntType(0);
     Line one("ZV32F403A_1024K");
     Line two("ZV32F415_256K");
     std::thread first([&] { one.work(0); });
@@ -70,10 +69,9 @@ TEST(TwoLinksTest, DoNotDisturbEachOther) {
 }
 
 TEST(TwoLinksTest, ASilentChipDoesNotStopTheOther) {
-    TARGET_SetComIntType(0);
     Line one("ZV32F403A_1024K");
     Line two("ZV32F413_256K");
-    one.link = openLink(one.chip.port());
+    one.link = openLink(one.chip);
     EXPECT_EQ(ZVBL_GO(one.link, flashBase), done);
     EXPECT_EQ(SetTimeOut(one.link, 300), done);
     BYTE version = 0, reserve = 0, bid = 0;
