@@ -2,7 +2,7 @@ A real image of 243,852 bytes, in the three kinds of file, through the whole roa
 verify, read back. The image comes out of srec_cat, which has never seen our file library.
 
   $ . "$SETUP"
-  $ chip_on ZV32F403A_1024K
+  $ chip_on ZV32F403A_256K
   $ make-image.sh firmware.hex; make-image.sh firmware.bin; make-image.sh firmware.s19
   $ stat -c %s firmware.bin
   243852
@@ -86,13 +86,13 @@ What was read back can be programmed again:
 The chip remembers without power:
 
   $ chip_off
-  $ chip_on ZV32F403A_1024K
+  $ chip_on ZV32F403A_256K
   $ line -u --fn ./all.bin
   Upload
-  ./all.bin     1048576B
+  ./all.bin     262144B
   Running...100%
   Upload successfully!
   $ stat -c %s all.bin
-  1048576
+  262144
   $ cmp -n 243852 firmware.bin all.bin && echo equal
   equal
