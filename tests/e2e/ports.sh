@@ -2,12 +2,14 @@
 #
 # port_option  the simulator's words      port_words  the console's words
 # port_env     what stands in front of a program that is to find the port; set anew by find_port
+# sim_env      what stands in front of the simulator
 # bus_on, bus_off  what has to run beside the chip
 
 # find_port [LIBRARY]: sets port_env; LIBRARY is to be preloaded besides.
 find_port() {
     port_env=(env ${1:+LD_PRELOAD="$1"})
 }
+sim_env=(env)
 bus_on() { :; }
 bus_off() { :; }
 
@@ -48,8 +50,19 @@ case "$1" in
     can)
         port_option=(--can can0)
         port_words=(-can --pn can0)
+        # Opened for both directions, so that the bus never sees the end of its commands.
+        bus_on() {
+            [ -z "${bus_pid:-}" ] || return 0
+            mkdir bus; mkfifo bus/commands
+            "$BUILD/doubles/can-bus" "$PWD/bus/can0" <>bus/commands >bus/out &
+            bus_pid=$!
+            until grep -qs ready bus/out; do sleep 0.01; done
+        }
+        bus_off() { [ -z "${bus_pid:-}" ] || kill "$bus_pid"; }
+        shim=$BUILD/doubles/libcan_shim.so
+        sim_env=(env CAN_SHIM_DIR="$PWD/bus" LD_PRELOAD="$shim")
         find_port() {
-            port_env=(env CAN_SHIM_DIR="$PWD/bus" LD_PRELOAD="$BUILD/doubles/libcan_shim.so${1:+:$1}")
+            port_env=(env CAN_SHIM_DIR="$PWD/bus" LD_PRELOAD="$shim${1:+:$1}")
         }
         ;;
     *)

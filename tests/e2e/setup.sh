@@ -10,7 +10,7 @@ trap 'chip_off; bus_off' EXIT
 chip_on() {
     bus_on || return 1
     rm -f sim.out
-    zv32-sim --chip "$1" "${port_option[@]}" --state "$PWD/chip.state" "${@:2}" >sim.out 2>sim.err &
+    "${sim_env[@]}" zv32-sim --chip "$1" "${port_option[@]}" --state "$PWD/chip.state" "${@:2}" >sim.out 2>sim.err &
     chip_pid=$!
     until grep -qs ready sim.out; do
         kill -0 $chip_pid 2>/dev/null || { cat sim.out sim.err; return 1; }
