@@ -2,6 +2,7 @@
 #
 # port_option  the simulator's words      port_words  the console's words
 # port_env     what stands in front of a program that is to find the port; set anew by find_port
+# quick        words for a short time limit, where the link takes them
 # sim_env      what stands in front of the simulator
 # bus_on, bus_off  what has to run beside the chip
 
@@ -9,6 +10,7 @@
 find_port() {
     port_env=(env ${1:+LD_PRELOAD="$1"})
 }
+quick=()
 sim_env=(env)
 bus_on() { :; }
 bus_off() { :; }
@@ -22,6 +24,7 @@ case "$1" in
     usart)
         port_option=(--usart "$PWD/port")
         port_words=(-com --pn "$PWD/port")
+        quick=(--to 1)
         ;;
     tty)
         port_option=(--tty ttyUSB0)
@@ -50,14 +53,18 @@ case "$1" in
     can)
         port_option=(--can can0)
         port_words=(-can --pn can0)
+        # bus_rate: frames take their time, so many bits a second; not without it.
+        bus_rate=
         # Opened for both directions, so that the bus never sees the end of its commands.
         bus_on() {
             [ -z "${bus_pid:-}" ] || return 0
             mkdir bus; mkfifo bus/commands
-            "$BUILD/doubles/can-bus" "$PWD/bus/can0" <>bus/commands >bus/out &
+            "$BUILD/doubles/can-bus" "$PWD/bus/can0" $bus_rate <>bus/commands >bus/out &
             bus_pid=$!
             until grep -qs ready bus/out; do sleep 0.01; done
         }
+        # bus_told COMMAND: as on its standard input
+        bus_told() { echo "$*" >bus/commands; }
         bus_off() { [ -z "${bus_pid:-}" ] || kill "$bus_pid"; }
         shim=$BUILD/doubles/libcan_shim.so
         sim_env=(env CAN_SHIM_DIR="$PWD/bus" LD_PRELOAD="$shim")
