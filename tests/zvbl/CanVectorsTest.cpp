@@ -109,6 +109,16 @@ TEST_F(CanVectorsTest, GetFillsTheRecord) {
     EXPECT_EQ(std::memcmp(&commands, expected, sizeof commands), 0);
 }
 
+// 16 bytes with their check byte: the frame behind them is the ACK, not a part that came twice.
+TEST_F(CanVectorsTest, AReplyOfFullFrames) {
+    Commands commands;
+    BYTE scratch = 0;
+    const CanScript script = {{"000", "100 79, 100 0D 31 00 01 02 11 21 31, 100 44 63 73 82 92 03 5A 23, 100 79"}};
+    EXPECT_EQ(play(script, [&] { return ZVBL_GET(link, &scratch, &commands); }), 0);
+    EXPECT_EQ(scratch, 0x31);
+    EXPECT_EQ(commands.ZV32_ISP_CMD, 1);
+}
+
 TEST_F(CanVectorsTest, VersionAndId) {
     BYTE version = 0, reserve = 0, bid = 0, length = 0, id[5] = {};
     EXPECT_EQ(play({{"001", "101 79, 101 21 FF 12 CC, 101 79"}},

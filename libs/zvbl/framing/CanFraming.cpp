@@ -101,7 +101,9 @@ Status CanFraming::takeReply(const Command &command, Bytes &reply) {
     if (command.reply.counted)
         reply.erase(reply.begin());
     // Of full frames alone one that came twice has pushed out the last, and twice the same is 0 in the sum.
-    return size > frameSize && size % frameSize == 0 ? expectSilence(command.opcode) : Status::ok;
+    // Where an ACK follows, the last one then stands in its place.
+    const bool pushedOut = size > frameSize && size % frameSize == 0 && command.reply.end != Reply::End::ack;
+    return pushedOut ? expectSilence(command.opcode) : Status::ok;
 }
 
 // Takes one frame of a reply. `size` is 0 until its count tells it.
