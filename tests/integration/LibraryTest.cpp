@@ -4,12 +4,19 @@ namespace {
 
 constexpr BYTE usbDfu = 1;
 
-// A link word on USB DFU is a row of the device list.
+// A link word on USB DFU is a row of the device list. A device that restarts is not in it for a while.
 BYTE openDevice(HANDLE link) {
-    signed char count = 99;
-    unsigned short vendors[255] = {}, products[255] = {};
-    const auto info = std::make_unique<TDeviceInfo>();
-    EXPECT_EQ(ZVBL_GetZVDeviceList(&count, vendors, products, info.get()), done);
+    constexpr int looks = 200;
+    signed char count = 0;
+    for (int i = 0; i < looks && count < 1; ++i) {
+        count = 99;
+        unsigned short vendors[255] = {}, products[255] = {};
+        const auto info = std::make_unique<TDeviceInfo>();
+        EXPECT_EQ(ZVBL_GetZVDeviceList(&count, vendors, products, info.get()), done);
+        if (count < 1) {
+            waitForStart();
+        }
+    }
     EXPECT_EQ(count, 1);
     return Interface_Open(link);
 }

@@ -16,6 +16,7 @@
 
 // Status bytes of the library.
 constexpr BYTE done = 0;
+constexpr BYTE gone = 4;
 constexpr BYTE noAnswer = 5;
 constexpr BYTE commandRefused = 0x13;
 constexpr BYTE dataDiffer = 0x13; // of ZVBL_VERIFY alone
