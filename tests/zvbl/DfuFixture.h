@@ -23,15 +23,28 @@ inline UsbScript done(const std::string &download) {
     return {{download, ""}, {getStatus, isBusy}, {getStatus, isDownloadIdle, 1}};
 }
 
-inline UsbScript operator+(UsbScript first, const UsbScript &second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
+// GETSTATUS in dfuERROR: a word like this, and then CLRSTATUS.
+inline UsbScript failed(const std::string &status) {
+    return {{getStatus, status + " 00 00 00 0A 00"}, {clearStatus, ""}};
 }
 
 // The first thing on a device that was just opened.
 inline const UsbScript inStep = {{getState, "02"}};
 
 } // namespace dfu
+
+// A device at a place of its own.
+inline UsbDeviceFacts at(const std::string &place, int number, const std::string &serial = "") {
+    UsbDeviceFacts facts;
+    facts.place = place;
+    facts.number = number;
+    facts.serial = serial;
+    return facts;
+}
+
+inline HANDLE numbered(std::uintptr_t number) {
+    return reinterpret_cast<HANDLE>(number);
+}
 
 // One open DFU device, through the C interface: the first of the device list.
 class DfuFixture : public ::testing::Test {
@@ -64,6 +77,14 @@ protected:
         const int status = call();
         EXPECT_EQ(device->finish(), "");
         return status;
+    }
+
+    // The same on a device that was just opened, with a short time limit.
+    template <class Call>
+    int playAfresh(const UsbScript &script, Call call) {
+        EXPECT_EQ(Interface_Open(link), 0);
+        EXPECT_EQ(SetTimeOut(link, 150), 0);
+        return play(dfu::inStep + script, call);
     }
 
     // The time that a call takes.

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <linux/usbdevice_fs.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using zvbl::Bytes;
 
@@ -101,9 +103,8 @@ UsbDevice::UsbDevice(UsbScene &scene, UsbDeviceFacts deviceFacts)
 }
 
 UsbDevice::~UsbDevice() {
+    awaitUnplugged();
     unplug();
-    if (m_leaving.joinable())
-        m_leaving.join();
     release();
     g_object_unref(m_handler);
 }
@@ -167,17 +168,20 @@ void UsbDevice::unplug() {
     umockdev_testbed_remove_device(m_scene.testbed(), sysPath().c_str());
 }
 
-void UsbDevice::plugInAgain() {
+void UsbDevice::awaitUnplugged() {
     if (m_leaving.joinable())
         m_leaving.join();
+}
+
+void UsbDevice::plugInAgain() {
+    awaitUnplugged();
     unplug();
     ++facts.number;
     plugIn();
 }
 
 void UsbDevice::leaveLater(int milliseconds) {
-    if (m_leaving.joinable())
-        m_leaving.join();
+    awaitUnplugged();
     m_leaving = std::thread([this, milliseconds] {
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
         unplug();
@@ -188,13 +192,20 @@ void UsbDevice::play(UsbScript script) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_script = std::move(script);
     m_turn = 0;
+    m_endless = false;
     m_complaint.clear();
     m_answered = {};
 }
 
+void UsbDevice::playForEver(UsbScript script) {
+    play(std::move(script));
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_endless = true;
+}
+
 std::string UsbDevice::finish() {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_complaint.empty() && m_turn < m_script.size())
+    if (m_complaint.empty() && !m_endless && m_turn < m_script.size())
         m_complaint = "turn " + std::to_string(m_turn) + " was not played: " + m_script[m_turn].host;
     return m_complaint;
 }
@@ -296,6 +307,7 @@ std::string UsbDevice::standardAnswer(const Bytes &setup) const {
 std::string UsbDevice::scriptedAnswer(const Bytes &host) {
     const auto now = std::chrono::steady_clock::now();
     const std::string seen = hex(host);
+    constexpr std::size_t telling = 80; // letters of a complaint about a block
     if (m_turn >= m_script.size()) {
         if (m_complaint.empty())
             m_complaint = "behind the script: " + seen;
@@ -303,12 +315,13 @@ std::string UsbDevice::scriptedAnswer(const Bytes &host) {
     }
     const UsbTurn &turn = m_script[m_turn];
     if (m_complaint.empty() && seen != turn.host)
-        m_complaint = "turn " + std::to_string(m_turn) + ": " + seen + " in place of " + turn.host;
+        m_complaint = "turn " + std::to_string(m_turn) + ": " + seen.substr(0, telling) + " in place of " + turn.host.substr(0, telling);
     if (m_complaint.empty() && now - m_answered < std::chrono::milliseconds(turn.gapMs))
         m_complaint = "turn " + std::to_string(m_turn) + " came too early";
     if (!m_complaint.empty())
         return usbWords::stall;
-    ++m_turn;
+    if (!m_endless || m_turn + 1 < m_script.size())
+        ++m_turn;
     m_answered = now;
     if (turn.unplugMs)
         leaveLater(turn.unplugMs);
@@ -364,4 +377,23 @@ void UsbDevice::release() {
     if (m_urb.urb)
         umockdev_ioctl_data_unref(m_urb.urb);
     m_urb = {};
+}
+
+Forbidden::Forbidden(const UsbScene &scene, const UsbDevice &device) : m_wasRoot(geteuid() == 0) {
+    gchar *root = umockdev_testbed_get_root_dir(scene.testbed());
+    m_node = root + device.node();
+    chmod(m_node.c_str(), 0);
+    // umockdev itself needs more than the devices do: the directory for its sockets, and those of the devices.
+    chmod(root, 0777);
+    chmod((root + ("/ioctl" + device.node())).c_str(), 0777);
+    g_free(root);
+    constexpr uid_t nobody = 65534;
+    if (m_wasRoot && seteuid(nobody) != 0)
+        g_error("cannot become nobody");
+}
+
+Forbidden::~Forbidden() {
+    if (m_wasRoot && seteuid(0) != 0)
+        g_error("cannot become root again");
+    chmod(m_node.c_str(), 0600);
 }

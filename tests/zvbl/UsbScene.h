@@ -24,6 +24,11 @@ struct UsbTurn {
 };
 using UsbScript = std::vector<UsbTurn>;
 
+inline UsbScript operator+(UsbScript first, const UsbScript &second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 namespace usbWords {
 constexpr const char *stall = "stall";
 constexpr const char *silence = "silence"; // no answer until the host gives up
@@ -59,8 +64,10 @@ public:
 
     void plugIn();
     void unplug();
+    void awaitUnplugged(); // behind a script by which it goes away
     void plugInAgain(); // under the next number, as behind a reset
     void play(UsbScript script);
+    void playForEver(UsbScript script); // the last turn again and again
     std::string finish(); // what went wrong with the script; empty if all of it was played, and no more
     std::string node() const;
     UsbDeviceFacts facts;
@@ -98,6 +105,7 @@ private:
     bool m_vanishing = false;
     UsbScript m_script;
     std::size_t m_turn = 0;
+    bool m_endless = false;
     std::string m_complaint;
     std::chrono::steady_clock::time_point m_answered;
     std::thread m_leaving;
@@ -117,4 +125,17 @@ private:
     UMockdevTestbed *m_testbed;
     std::vector<std::string> m_hubs;
     std::vector<std::unique_ptr<UsbDevice>> m_devices;
+};
+
+// Makes a device one that nobody but root may open, and this process somebody else.
+class Forbidden {
+public:
+    Forbidden(const UsbScene &scene, const UsbDevice &device);
+    ~Forbidden();
+    Forbidden(const Forbidden &) = delete;
+    Forbidden &operator=(const Forbidden &) = delete;
+
+private:
+    std::string m_node;
+    bool m_wasRoot;
 };

@@ -148,9 +148,12 @@ UsbHandle::~UsbHandle() {
         libusb_close(m_handle);
 }
 
-std::string UsbHandle::text(std::uint8_t number) const {
+std::string UsbHandle::text(std::uint8_t number) {
+    if (number == 0 || m_mute)
+        return "";
     unsigned char read[longestText];
-    const int length = number ? libusb_get_string_descriptor_ascii(m_handle, number, read, longestText) : 0;
+    const int length = libusb_get_string_descriptor_ascii(m_handle, number, read, longestText);
+    m_mute = length == LIBUSB_ERROR_TIMEOUT;
     std::string text(read, read + std::max(length, 0));
     const auto unprintable = [](char letter) { return letter < ' ' || letter > '~'; };
     text.erase(std::remove_if(text.begin(), text.end(), unprintable), text.end());

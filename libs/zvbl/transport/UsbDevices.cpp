@@ -36,7 +36,7 @@ struct Found {
 // A device that may not be opened counts: the open tells of it, and not the list. One that leaves in this
 // moment does not.
 std::optional<Found> look(const UsbTarget &target) {
-    const UsbHandle handle(target);
+    UsbHandle handle(target);
     if (handle.error() == LIBUSB_ERROR_NO_DEVICE)
         return std::nullopt;
     UsbIdentity identity{target.place, ""};

@@ -1,7 +1,6 @@
 #include "libs/zvbl/transport/UsbPort.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <libusb.h>
 #include <thread>
 #include <unistd.h>
@@ -17,13 +16,6 @@ constexpr std::size_t shortestTransfer = 8; // of any control endpoint
 // A cable that is pulled shows as a damaged transfer first, and a moment later as a device less.
 constexpr auto unplugShows = std::chrono::milliseconds(300);
 constexpr auto lookEvery = std::chrono::milliseconds(20);
-
-std::string nodeOf(libusb_device *device) {
-    char path[sizeof "/dev/bus/usb/000/000"];
-    std::snprintf(path, sizeof path, "/dev/bus/usb/%03u/%03u", static_cast<unsigned>(libusb_get_bus_number(device)),
-                  static_cast<unsigned>(libusb_get_device_address(device)));
-    return path;
-}
 
 // libusb takes 0 for no limit.
 unsigned milliseconds(Duration timeout) {
@@ -80,7 +72,8 @@ Status UsbPort::take(const UsbTarget &target, const UsbIdentity &expected) {
     m_identity = {target.place, m_handle->text(target.serialText)};
     if (!m_identity.isThatOf(expected))
         return cannotOpen("usb " + target.place.name() + " is another device now");
-    m_node = nodeOf(target.device);
+    m_node = "/sys/bus/usb/devices/" + target.place.name();
+    m_hasNode = access(m_node.c_str(), F_OK) == 0;
     return claim();
 }
 
@@ -155,9 +148,13 @@ Status UsbPort::judge(int error) {
     return m_gone ? Status::gone : Status::noAnswer;
 }
 
+bool UsbPort::hasVanished() const {
+    return m_hasNode && access(m_node.c_str(), F_OK) != 0;
+}
+
 bool UsbPort::vanishesWithin(Duration time) {
     const TimePoint until = Clock::now() + time;
-    while (access(m_node.c_str(), F_OK) == 0) {
+    while (!hasVanished()) {
         if (Clock::now() >= until)
             return false;
         std::this_thread::sleep_for(lookEvery);
@@ -170,7 +167,7 @@ Status UsbPort::wait(Duration time) {
     for (TimePoint now = Clock::now(); now < until; now = Clock::now()) {
         std::this_thread::sleep_for(std::min<Duration>(until - now, lookEvery));
         // Behind the time the device may have left in a reset: the request that follows tells.
-        if (Clock::now() < until && access(m_node.c_str(), F_OK) != 0) {
+        if (Clock::now() < until && hasVanished()) {
             m_gone = true;
             m_trace.remark("the device is gone");
             return Status::gone;

@@ -46,6 +46,7 @@ private:
     Status cannotOpen(const std::string &why);
     Status transfer(std::uint8_t requestType, DfuRequest request, std::uint16_t value, Bytes &data, Duration timeout);
     Status judge(int error);
+    bool hasVanished() const;
     bool vanishesWithin(Duration time);
 
     Trace &m_trace;
@@ -54,7 +55,8 @@ private:
     int m_number = 0;
     UsbIdentity m_identity;
     DfuInterface m_dfu;
-    std::string m_node; // vanishes with the device
+    std::string m_node; // in sysfs, vanishes with the device
+    bool m_hasNode = false;
     bool m_claimed = false;
     bool m_gone = false;
 };

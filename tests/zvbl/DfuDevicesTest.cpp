@@ -1,0 +1,117 @@
+// The device list of USB DFU, and what of it can be opened.
+
+#include <cstring>
+#include <functional>
+
+#include "tests/zvbl/DfuFixture.h"
+
+namespace {
+
+class DfuListTest : public DfuFixture {
+protected:
+    void SetUp() override { TARGET_SetComIntType(1); }
+    std::string row(int number) { return info.deviceInfo[number]; }
+};
+
+TEST_F(DfuListTest, ARowNamesPlaceSerialNumberAndProduct) {
+    scene.add(at("1-2.3", 9, "0123"));
+    std::memset(&info, 0x55, sizeof info);
+    ASSERT_EQ(list(), 1);
+    EXPECT_EQ(row(0), "usb 1-2.3 serial 0123 ZV32 Bootloader");
+    EXPECT_EQ(vendors[0], 0x1209);
+    EXPECT_EQ(products[0], 0x0001);
+}
+
+TEST_F(DfuListTest, TheOrderIsThatOfBusAndPortPath) {
+    scene.add(at("2-1", 2));
+    scene.add(at("1-10", 7));
+    scene.add(at("1-2.4.1", 8));
+    scene.add(at("1-2.3", 3));
+    scene.add(at("1-2.10", 4));
+    scene.add(at("1-1", 50));
+    ASSERT_EQ(list(), 6);
+    const char *expected[] = {"1-1", "1-2.3", "1-2.4.1", "1-2.10", "1-10", "2-1"};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(row(i), std::string("usb ") + expected[i] + " ZV32 Bootloader");
+}
+
+TEST_F(DfuListTest, OnlyOurDevicesInDfuModeCount) {
+    UsbDeviceFacts foreign = at("1-1", 2), otherProduct = at("1-2", 3), runtime = at("1-3", 4);
+    foreign.vendor = 0x1234;
+    otherProduct.product = 0x0002;
+    runtime.protocol = 1;
+    scene.add(foreign);
+    scene.add(otherProduct);
+    scene.add(runtime);
+    EXPECT_EQ(list(), 0);
+    EXPECT_EQ(Interface_Open(nullptr), 3);
+    scene.add(at("1-4", 5));
+    EXPECT_EQ(list(), 1);
+    EXPECT_EQ(row(0).substr(0, 7), "usb 1-4");
+}
+
+TEST_F(DfuListTest, ALongNameIsCutAndWhatIsNotPrintableLeftOut) {
+    UsbDeviceFacts facts = at("1-1", 2, "12\n34");
+    facts.name = std::string(110, 'x');
+    scene.add(facts);
+    ASSERT_EQ(list(), 1);
+    EXPECT_EQ(row(0), "usb 1-1 serial 1234 " + std::string(78, 'x'));
+}
+
+TEST_F(DfuListTest, MoreThan99Devices) {
+    for (int i = 0; i < 105; ++i)
+        scene.add(at("1-1." + std::to_string(i + 1), i + 2));
+    EXPECT_EQ(list(), 99);
+    EXPECT_EQ(row(98), "usb 1-1.99 ZV32 Bootloader");
+    EXPECT_EQ(Interface_Open(numbered(98)), 0);
+    EXPECT_EQ(Interface_Open(numbered(99)), 3);
+}
+
+TEST_F(DfuListTest, NothingIsPluggedIn) {
+    EXPECT_EQ(list(), 0);
+    EXPECT_EQ(Interface_Open(nullptr), 3);
+}
+
+TEST_F(DfuListTest, ADeviceThatMayNotBeOpenedCountsAndItsRowSaysSo) {
+    const UsbDevice &only = scene.add(at("1-1", 2, "0123"));
+    {
+        const Forbidden forbidden(scene, only);
+        EXPECT_EQ(list(), 1);
+        EXPECT_EQ(row(0), "usb 1-1 cannot be opened: Permission denied");
+        EXPECT_EQ(Interface_Open(nullptr), 3);
+        EXPECT_EQ(Interface_is_Open(nullptr), 0);
+    }
+    // It may be opened now, and who it is was not known.
+    EXPECT_EQ(Interface_Open(nullptr), 0);
+}
+
+TEST_F(DfuListTest, ADeviceThatSaysNothingCountsToo) {
+    UsbDeviceFacts facts = at("1-1", 2, "0123");
+    facts.mute = true;
+    scene.add(facts);
+    EXPECT_LT(timeOf([&] { EXPECT_EQ(list(), 1); }).count(), 3000);
+    EXPECT_EQ(row(0), "usb 1-1");
+}
+
+TEST_F(DfuListTest, WhatCannotBeOpenedIs3) {
+    const std::function<void(UsbDeviceFacts &)> changes[] = {
+        [](UsbDeviceFacts &facts) { facts.heldByAnother = true; },
+        [](UsbDeviceFacts &facts) { facts.functionalDescriptor = false; },
+        [](UsbDeviceFacts &facts) { facts.dfuVersion = 0x0110; },
+        [](UsbDeviceFacts &facts) { facts.transferSize = 0; },
+        [](UsbDeviceFacts &facts) { facts.transferSize = 7; },
+    };
+    int number = 0;
+    for (const auto &change : changes) {
+        SCOPED_TRACE(number);
+        UsbDeviceFacts facts = at("1-" + std::to_string(number + 1), number + 2);
+        change(facts);
+        scene.add(facts);
+        ASSERT_EQ(list(), number + 1);
+        EXPECT_EQ(Interface_Open(numbered(static_cast<std::uintptr_t>(number))), 3);
+        EXPECT_EQ(ZVBL_ResetMCU(numbered(static_cast<std::uintptr_t>(number))), 1);
+        ++number;
+    }
+}
+
+} // namespace
