@@ -215,7 +215,8 @@ Status DfuFraming::awaitDone(bool resets) {
         }
         if (answer.state != dfuDownloadBusy && answer.state != dfuDownloadSync)
             return damaged("not a state that belongs here");
-        const Duration poll = std::max(answer.pollTime, shortestPoll);
+        // No time at all is one to be asked at once, but not again and again.
+        const Duration poll = first ? std::max(answer.pollTime, shortestPoll) : answer.pollTime;
         const TimePoint now = Clock::now();
         first = first.value_or(now);
         limit = std::max(limit, *first + poll + m_timeout);
