@@ -257,10 +257,10 @@ int UsbDevice::submit(UMockdevIoctlData *arg) {
         return -ENODEV;
     release();
     m_urb.urb = umockdev_ioctl_data_resolve(arg, 0, sizeof(usbdevfs_urb), nullptr);
-    usbdevfs_urb urb{};
-    std::memcpy(&urb, m_urb.urb->data, sizeof urb);
+    int length = 0;
+    std::memcpy(&length, m_urb.urb->data + offsetof(usbdevfs_urb, buffer_length), sizeof length);
     m_urb.buffer = umockdev_ioctl_data_resolve(m_urb.urb, offsetof(usbdevfs_urb, buffer),
-                                               static_cast<gsize>(urb.buffer_length), nullptr);
+                                               static_cast<gsize>(length), nullptr);
     perform();
     return 0;
 }
@@ -339,12 +339,11 @@ void UsbDevice::handBack() {
     const bool in = m_urb.buffer->data[0] & 0x80;
     if (in && !m_urb.data.empty())
         umockdev_ioctl_data_update(m_urb.buffer, setupSize, m_urb.data.data(), static_cast<gint>(m_urb.data.size()));
-    usbdevfs_urb urb{};
-    std::memcpy(&urb, m_urb.urb->data, sizeof urb);
-    urb.status = m_urb.status;
-    urb.actual_length = static_cast<int>(m_urb.data.size());
-    for (const std::size_t at : {offsetof(usbdevfs_urb, status), offsetof(usbdevfs_urb, actual_length)})
-        umockdev_ioctl_data_update(m_urb.urb, at, reinterpret_cast<guint8 *>(&urb) + at, sizeof(int));
+    const auto put = [this](std::size_t at, int value) {
+        umockdev_ioctl_data_update(m_urb.urb, at, reinterpret_cast<guint8 *>(&value), sizeof value);
+    };
+    put(offsetof(usbdevfs_urb, status), m_urb.status);
+    put(offsetof(usbdevfs_urb, actual_length), static_cast<int>(m_urb.data.size()));
 }
 
 int UsbDevice::reap(UMockdevIoctlData *arg) {
