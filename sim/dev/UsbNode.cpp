@@ -163,11 +163,16 @@ DeviceAnswer UsbNode::resetPort(DeviceCall &) {
 
 DeviceAnswer UsbNode::submit(DeviceCall &call) {
     const ClientMemory memory = call.memory(sizeof(usbdevfs_urb));
-    const auto fields = memory ? memory.get<usbdevfs_urb>() : usbdevfs_urb{};
-    const auto length = static_cast<std::size_t>(std::max(fields.buffer_length, 0));
-    if (!memory || fields.type != USBDEVFS_URB_TYPE_CONTROL || (fields.endpoint & 0x7F) != 0) {
-        return DeviceAnswer::fail(memory ? ENOENT : EFAULT); // there is no other endpoint
+    if (!memory) {
+        return DeviceAnswer::fail(EFAULT);
     }
+    // Member by member: the record has an open end, which is no standard type.
+    const auto type = memory.get<unsigned char>(offsetof(usbdevfs_urb, type));
+    const auto endpoint = memory.get<unsigned char>(offsetof(usbdevfs_urb, endpoint));
+    if (type != USBDEVFS_URB_TYPE_CONTROL || (endpoint & 0x7F) != 0) {
+        return DeviceAnswer::fail(ENOENT); // there is no other endpoint
+    }
+    const auto length = static_cast<std::size_t>(std::max(memory.get<int>(offsetof(usbdevfs_urb, buffer_length)), 0));
     if (length < setupLength || length > longestTransfer) {
         return DeviceAnswer::fail(EINVAL);
     }
@@ -233,12 +238,11 @@ DeviceAnswer UsbNode::reap(DeviceCall &call) {
 void UsbNode::handBack(const DeviceCall &call, const Transfer &transfer) {
     const Bytes &data = transfer.answer.data;
     const bool done = transfer.status == 0;
-    auto fields = transfer.request.get<usbdevfs_urb>();
     const auto asked = static_cast<int>(parseSetup(transfer.buffer.bytes()).length);
     const bool towardsHost = parseSetup(transfer.buffer.bytes()).towardsHost();
-    fields.status = transfer.status;
-    fields.actual_length = !done ? 0 : towardsHost ? static_cast<int>(data.size()) : asked;
-    transfer.request.set(fields);
+    const int moved = !done ? 0 : towardsHost ? static_cast<int>(data.size()) : asked;
+    transfer.request.set(static_cast<int>(transfer.status), offsetof(usbdevfs_urb, status));
+    transfer.request.set(moved, offsetof(usbdevfs_urb, actual_length));
     if (done) {
         std::copy(data.begin(), data.end(), transfer.buffer.bytes() + setupLength);
     }
