@@ -34,6 +34,7 @@ case "$1" in
     dfu)
         port_option=(--dfu)
         port_words=(-dfu)
+        export RESTART_SPEED=5
         find_port() { find_nodes "$@"; }
         ;;
     i2c)
