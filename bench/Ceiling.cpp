@@ -49,8 +49,15 @@ Ceiling canCeiling(double bitsPerSecond) {
     return {packet * bitsPerSecond / write, packet * bitsPerSecond / read};
 }
 
+// A frame of 1 ms has room for 19 packets of 64 bytes of a control transfer; its setup and status take half
+// a packet. A block to write is followed by two GETSTATUS, which have one short packet each.
 Ceiling dfuCeiling() {
-    return {1, 1};
+    constexpr double block = 4096; // wTransferSize
+    constexpr double packetsOfBlock = block / 64;
+    constexpr double packetsPerSecond = 19 * 1000;
+    constexpr double upload = packetsOfBlock + 0.5;
+    constexpr double download = upload + 2 * 1.5;
+    return {block * packetsPerSecond / download, block * packetsPerSecond / upload};
 }
 
 } // namespace bench
