@@ -42,10 +42,10 @@ protected:
         char name[] = "/tmp/zvbl-adapter-XXXXXX";
         directory = mkdtemp(name);
         setenv("ZVBL_TRACE", (directory / "trace").c_str(), 1);
-        zvbl::setTiming({milliseconds(100), milliseconds(5), milliseconds(1000)});
+        zvbl::setTiming({milliseconds(100), milliseconds(5), milliseconds(6000)});
         TARGET_SetComIntType(3);
         ASSERT_EQ(SetCOMSettings(&link, 0, pty.path().c_str(), 1000000, 8, 2, 1.0F), 0);
-        ASSERT_EQ(SetTimeOut(link, 300), 0);
+        ASSERT_EQ(SetTimeOut(link, 5000), 0);
         ASSERT_EQ(play(opening, [&] { return Interface_Open(link); }), 0);
     }
     void TearDown() override {
@@ -54,6 +54,8 @@ protected:
         zvbl::setTiming({});
         std::filesystem::remove_all(directory);
     }
+    void hurry() { ASSERT_EQ(SetTimeOut(link, 300), 0); }
+
     template <class Call>
     int play(Script script, Call call) {
         ScriptedChip adapter(pty, std::move(script));
@@ -119,6 +121,7 @@ TEST_F(CanAdapterTest, AdaptersDiffer) {
 }
 
 TEST_F(CanAdapterTest, ALineThatIsNoFrameIsNoAnswer) {
+    hurry();
     for (const char *damaged : {"t1D417\r", "t1D41G9\r", "t1D49\r", "t1D\r", "t1D417979\r"}) {
         SCOPED_TRACE(damaged);
         const auto from = steady_clock::now();
@@ -130,6 +133,7 @@ TEST_F(CanAdapterTest, ALineThatIsNoFrameIsNoAnswer) {
 }
 
 TEST_F(CanAdapterTest, AfterSilenceTheTraceSaysWhatTheAdapterKnows) {
+    hurry();
     EXPECT_EQ(play({line("t0D40\r", "z\r"), line("F\r", "FA4\r")}, [&] { return reset(); }), 5);
     EXPECT_TRUE(traced("# no answer in time\n# adapter: F FA4\n# the adapter says: error warning\n"
                        "# the adapter says: error passive\n# the adapter says: bus error\n"));
@@ -154,6 +158,7 @@ TEST_F(CanAdapterTest, ARefusedFrameIsSentAgain) {
 }
 
 TEST_F(CanAdapterTest, AFrameThatIsRefusedForEverIs5InTime) {
+    hurry();
     std::atomic<bool> ended{false};
     std::thread refusing([&] {
         while (!ended) {

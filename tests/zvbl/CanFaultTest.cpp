@@ -71,6 +71,7 @@ TEST_F(CanFaultTest, ARefusalLeavesTheLinkInStep) {
 }
 
 TEST_F(CanFaultTest, WhatMayBeRepeatedIsSentThreeTimes) {
+    hurry();
     BYTE version = 0, reserve = 0, bid = 0;
     EXPECT_EQ(play({{"001", "101 1F"}, {"001", "101 1F"}, {"001", "101 1F"}},
                    [&] { return ZVBL_GET_VER_ROPS(link, &version, &reserve, &bid); }),
@@ -82,6 +83,7 @@ TEST_F(CanFaultTest, WhatMayBeRepeatedIsSentThreeTimes) {
 }
 
 TEST_F(CanFaultTest, SilenceAtEveryFrameOfWhatIsNotRepeated) {
+    hurry();
     EXPECT_EQ(play({{"044", ""}}, [&] { return erase(); }), 5);
     EXPECT_EQ(play({inStep, {"044", "144 79"}, {"044 00 00 01 02 03", ""}}, [&] { return erase(); }), 5);
     EXPECT_EQ(play({inStep, {"082", "182 79"}}, [&] { return ZVBL_ACCESS_PROTECT(link); }), 5);
@@ -98,6 +100,7 @@ TEST_F(CanFaultTest, NoAnAnswerIs5) {
 
 // Nobody is there for the way back either: nothing of the next command is sent.
 TEST_F(CanFaultTest, ADeadChipIs5AndNeverHangs) {
+    hurry();
     const auto from = steady_clock::now();
     EXPECT_EQ(erase(), 5);
     EXPECT_EQ(reset_(), 5);
@@ -106,6 +109,7 @@ TEST_F(CanFaultTest, ADeadChipIs5AndNeverHangs) {
 }
 
 TEST_F(CanFaultTest, EveryLostFrameOfAReplyIsNoticedAndItIsReadAgain) {
+    hurry();
     const char *const lost[] = {
         "111 10 11 12 13 14 15 16 17, 111 18 19 1A 1B 1C 1D 1E 1F, 111 00", // the ACK
         "111 79, 111 18 19 1A 1B 1C 1D 1E 1F, 111 00",
@@ -121,6 +125,7 @@ TEST_F(CanFaultTest, EveryLostFrameOfAReplyIsNoticedAndItIsReadAgain) {
 }
 
 TEST_F(CanFaultTest, EveryDoubledOrDamagedFrameOfAReplyIsNoticed) {
+    hurry();
     const char *const wrong[] = {
         "111 79, 111 79, 111 10 11 12 13 14 15 16 17, 111 18 19 1A 1B 1C 1D 1E 1F, 111 00",
         "111 79, 111 10 11 12 13 14 15 16 17, 111 10 11 12 13 14 15 16 17, 111 18 19 1A 1B 1C 1D 1E 1F, 111 00",
@@ -140,7 +145,6 @@ TEST_F(CanFaultTest, EveryDoubledOrDamagedFrameOfAReplyIsNoticed) {
 // Two full frames: the same one twice has the sum of a sound reply.
 TEST_F(CanFaultTest, TwiceTheSameFrameIsNoReply) {
     openOn(slow);
-    ASSERT_EQ(SetTimeOut(link, 200), 0);
     BYTE data[15] = {};
     const std::string first = "111 00 01 02 03 04 05 06 07", second = "111 08 09 0A 0B 0C 0D 0E 0F";
     const CanTurn start = {"011", "111 79"}, address = {"011 20 00 00 00 20", "111 79"};
@@ -158,7 +162,6 @@ TEST_F(CanFaultTest, TwiceTheSameFrameIsNoReply) {
 // An ACK that came twice must not stand for that of the data, which are not written yet.
 TEST_F(CanFaultTest, ADoubledAckWritesNothing) {
     openOn(slow);
-    ASSERT_EQ(SetTimeOut(link, 200), 0);
     const CanTurn readBack[] = {{"011", "111 79"},
                                 {"011 08 00 00 00 08", "111 79"},
                                 {"011 03 FC", "111 79, 111 FF FF FF FF 00"}};
@@ -179,7 +182,6 @@ TEST_F(CanFaultTest, ADoubledAckWritesNothing) {
 // chip gets all but the last frame.
 TEST_F(CanFaultTest, ADoubledAckShowsWithinALongPacket) {
     openOn(50000);
-    ASSERT_EQ(SetTimeOut(link, 1000), 0);
     std::string allButTheLast = "031 FF 00 00 00 00 00 00 00", reply = "111 79";
     for (int i = 1; i < 32; ++i)
         allButTheLast += ",031 00 00 00 00 00 00 00 00";
@@ -195,12 +197,12 @@ TEST_F(CanFaultTest, ADoubledAckShowsWithinALongPacket) {
 
 TEST_F(CanFaultTest, ADoubledAckErasesNothing) {
     openOn(slow);
-    ASSERT_EQ(SetTimeOut(link, 200), 0);
     EXPECT_EQ(play({{"044", "144 79, 144 79"}}, [&] { return erase(); }), 5);
     EXPECT_EQ(resetAfterAFailure(), 0);
 }
 
 TEST_F(CanFaultTest, AnOldAnswerIsNeverTakenForANewOne) {
+    hurry();
     EXPECT_EQ(play({{"044", ""}}, [&] { return erase(); }), 5);
     // Late: the ACK of then. It stands in front of the opening frame's answer, and is no answer any more.
     EXPECT_EQ(play({{"07F", "144 79, 17F 1F"}, {"044", "144 1F"}}, [&] { return erase(); }), 0x13);
@@ -220,6 +222,7 @@ TEST_F(CanFaultTest, AnswersOfOtherCommandsArePassedOver) {
 }
 
 TEST_F(CanFaultTest, ABusFullOfLateAnswersIsNoAnswer) {
+    hurry();
     std::atomic<bool> ended{false};
     CanChip flood(CanScript{});
     EXPECT_EQ(flood.finish(), "");
@@ -238,7 +241,6 @@ TEST_F(CanFaultTest, ABusFullOfLateAnswersIsNoAnswer) {
 TEST_F(CanFaultTest, AChipThatStartsLosesOpeningFrames) {
     setOpeningPause(100);
     ASSERT_EQ(Interface_Open(link), 0);
-    ASSERT_EQ(SetTimeOut(link, 1000), 0);
     EXPECT_EQ(play({{"07F", ""}, {"07F", "17F 79"}, {"0D4", "1D4 79"}},
                    [&] {
                        const int status = ZVBL_Init_BL(link, 0, 2, 0);
@@ -258,6 +260,7 @@ TEST_F(CanFaultTest, NoAnswerToTheOpeningFrameIs0x11) {
 }
 
 TEST_F(CanFaultTest, AWrongAnswerToTheOpeningFrameIs5) {
+    hurry();
     EXPECT_EQ(play({{"07F", "17F 55"}}, [&] { return ZVBL_Init_BL(link, 0, 2, 0); }), 5);
     EXPECT_EQ(play({{"07F", "17F 79 79"}}, [&] { return ZVBL_Init_BL(link, 0, 2, 0); }), 5);
     EXPECT_EQ(play({{"07F", "17F"}}, [&] { return ZVBL_Init_BL(link, 0, 2, 0); }), 5);

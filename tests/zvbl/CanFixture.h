@@ -21,18 +21,20 @@ protected:
         zvbl::setTiming({});
     }
 
-    // Time limits that are short, for what happens behind a failure, but not too short for a busy machine.
     void openOn(unsigned bitsPerSecond) {
         Interface_Close(link);
         bus.reset(); // one at a time: its directory is that of the process
         bus = std::make_unique<CanBusProcess>(bitsPerSecond);
         setenv("ZVBL_TRACE", (bus->directory() + "/trace").c_str(), 1);
-        setOpeningPause(1000); // one in each time limit
+        setOpeningPause(6000); // one in each time limit
         TARGET_SetComIntType(3);
         ASSERT_EQ(SetCOMSettings(&link, 0, "can0", 115200, 8, 2, 1.0F), 0);
         ASSERT_EQ(Interface_Open(link), 0);
-        ASSERT_EQ(SetTimeOut(link, 250), 0);
+        ASSERT_EQ(SetTimeOut(link, 5000), 0);
     }
+
+    // For what waits for an answer that never comes: as long as a busy machine may hold up one that does.
+    void hurry(unsigned timeoutMs = 300) { ASSERT_EQ(SetTimeOut(link, timeoutMs), 0); }
 
     // Of links that are opened from now on.
     static void setOpeningPause(int ms) {

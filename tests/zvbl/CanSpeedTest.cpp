@@ -10,10 +10,7 @@ const CanTurn opcode = {"003", "103 79"};
 
 class CanSpeedTest : public CanFixture {
 protected:
-    void SetUp() override {
-        openOn(startSpeed);
-        ASSERT_EQ(SetTimeOut(link, 300), 0);
-    }
+    void SetUp() override { openOn(startSpeed); }
     int setSpeed(unsigned long speed) { return ZVBL_SetSpeed(link, speed); }
     int start(unsigned long rate = 2) { return ZVBL_Init_BL(link, 0, rate, 0); }
 };
@@ -91,6 +88,7 @@ TEST_F(CanSpeedTest, AChipThatRefusesKeepsTheBus) {
 
 // The last answer is lost, and the chip has changed.
 TEST_F(CanSpeedTest, ALostAnswerIsLookedForAtTheNewSpeed) {
+    hurry();
     EXPECT_EQ(play({opcode, {"003 03 FC", ""}, {"07F", ""}, inStep}, [&] { return setSpeed(500000); }), 0);
     EXPECT_TRUE(traced("# the bus is at 500000 bit/s"));
     EXPECT_EQ(play({{"003", "103 79"}, {"003 02 FD", "103 79"}}, [&] { return Interface_Close(link); }), 0);
@@ -98,12 +96,14 @@ TEST_F(CanSpeedTest, ALostAnswerIsLookedForAtTheNewSpeed) {
 
 // The group was lost, and the chip is where it was.
 TEST_F(CanSpeedTest, ALostGroupIsSentAgain) {
+    hurry();
     EXPECT_EQ(play({opcode, {"003 03 FC", ""}, inStep, opcode, {"003 03 FC", "103 79"}, inStep},
                    [&] { return setSpeed(500000); }),
               0);
 }
 
 TEST_F(CanSpeedTest, AChipThatIsAtNeitherSpeedIs5AndTheBusGoesBack) {
+    hurry();
     EXPECT_EQ(play({opcode, {"003 03 FC", ""}, {"07F", ""}, {"07F", ""}}, [&] { return setSpeed(500000); }), 5);
     const std::string told = trace();
     EXPECT_NE(told.find("# the bus is at 250000 bit/s", told.find("# the bus is at 500000 bit/s")), std::string::npos);
@@ -111,7 +111,6 @@ TEST_F(CanSpeedTest, AChipThatIsAtNeitherSpeedIs5AndTheBusGoesBack) {
 
 TEST_F(CanSpeedTest, TheStartBringsTheBusToTheStartSpeedAndTheEndBack) {
     openOn(500000);
-    ASSERT_EQ(SetTimeOut(link, 300), 0);
     EXPECT_EQ(play({{"07F", "17F 79"}}, [&] { return start(); }), 0);
     EXPECT_TRUE(traced("# the bus is at 250000 bit/s"));
     ASSERT_EQ(Interface_Open(link), 0); // closes it first
@@ -128,7 +127,7 @@ TEST_F(CanSpeedTest, AStartWithoutARateLeavesTheBus) {
 // A chip that nobody reset since it was told another speed.
 TEST_F(CanSpeedTest, TheStartLooksAtTheSpeedThatTheBusHadToo) {
     openOn(500000);
-    ASSERT_EQ(SetTimeOut(link, 500), 0);
+    hurry(600);
     EXPECT_EQ(play({{"07F", ""}, {"07F", "17F 1F"}}, [&] { return start(); }), 0);
     const std::string told = trace();
     EXPECT_NE(told.find("# the bus is at 500000 bit/s", told.find("# the bus is at 250000 bit/s")), std::string::npos);
@@ -138,7 +137,6 @@ TEST_F(CanSpeedTest, TheStartLooksAtTheSpeedThatTheBusHadToo) {
 // Wrong rates take a controller off the bus. That is no reason not to look at the other one.
 TEST_F(CanSpeedTest, BusOffAtOneSpeedIsNoEndOfTheStart) {
     openOn(500000);
-    ASSERT_EQ(SetTimeOut(link, 600), 0);
     EXPECT_EQ(play({{"07F", "", [&] { bus->tell("bus-off"); }}, {"07F", "17F 1F"}}, [&] { return start(); }), 0);
 }
 

@@ -7,7 +7,7 @@
 namespace zvbl {
 namespace {
 
-constexpr auto closingTime = std::chrono::milliseconds(100); // for what is told the chip at the end
+constexpr auto closingTime = std::chrono::milliseconds(300); // for what is told the chip at the end
 constexpr int tries = 3;
 const CanSpeed &startSpeed = *findCanSpeed(wire::canStartSpeed);
 
