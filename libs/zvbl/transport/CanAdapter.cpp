@@ -9,6 +9,7 @@ namespace zvbl {
 namespace {
 
 constexpr char carriageReturn = '\r';
+constexpr int mostOnTheWay = 8; // frames
 constexpr char bell = '\a';
 constexpr auto answerLimit = std::chrono::milliseconds(500);
 constexpr auto openingLimit = std::chrono::milliseconds(1000);
@@ -220,8 +221,11 @@ Status CanAdapter::send(const CanFrame &frame, TimePoint deadline) {
         status = bringUp(std::min<TimePoint>(deadline, Clock::now() + openingLimit));
     if (status == Status::ok)
         status = awaitRoom(deadline);
+    if (status == Status::ok)
+        status = awaitBus(deadline);
     if (status != Status::ok)
         return status;
+    m_busFree = std::max<TimePoint>(Clock::now(), m_busFree) + CanBus::frameTime(frame.size);
     m_lastLine = lineOf(frame);
     ++m_unanswered;
     return write(m_lastLine, deadline);
@@ -239,6 +243,21 @@ Status CanAdapter::awaitRoom(TimePoint deadline) {
         return breakOrder();
     if (m_unanswered > 0 && Clock::now() - m_lastSent > answerLimit)
         return loseCount("an acknowledge of the adapter is lost");
+    return status == Status::noAnswer ? Status::ok : status;
+}
+
+// Many adapters acknowledge a frame when they have taken it, long before the bus has, and a serial line can
+// be faster than the bus: what they hold is kept well below the sixteen frames that small ones have room for.
+Status CanAdapter::awaitBus(TimePoint deadline) {
+    const TimePoint room = m_busFree - mostOnTheWay * CanBus::frameTime(8);
+    Status status = Status::ok;
+    while ((status == Status::ok || status == Status::noAnswer) && !m_orderBroken && Clock::now() < room) {
+        if (Clock::now() >= deadline)
+            return Status::noAnswer;
+        status = hear(std::min(room, deadline));
+    }
+    if (m_orderBroken)
+        return breakOrder();
     return status == Status::noAnswer ? Status::ok : status;
 }
 

@@ -41,6 +41,7 @@ private:
     Status insist(const std::string &command, TimePoint deadline);
     Status write(const std::string &line, TimePoint deadline);
     Status awaitRoom(TimePoint deadline);
+    Status awaitBus(TimePoint deadline);
     Status hear(TimePoint deadline);
     void takeLine(const std::string &line);
     void takeRefusal();
@@ -67,6 +68,7 @@ private:
     bool m_sendAgain = false;     // the last one was refused
     bool m_orderBroken = false;   // one was refused that others had followed
     bool m_countLost = false;     // an acknowledge was lost
+    TimePoint m_busFree{};        // by then the bus has carried all that the adapter was given
 };
 
 } // namespace zvbl
