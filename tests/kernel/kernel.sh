@@ -18,13 +18,25 @@ trap 'rm -rf "$scratch"' EXIT
 package=$scratch/package
 root=$scratch/root
 
-# download: the package that the meta package linux-image-amd64 stands for.
+# fetch: the package that the meta package linux-image-amd64 stands for.
+fetch() {
+    name=$(apt-cache depends linux-image-amd64 2>/dev/null |
+        sed -n 's/^ *Depends: \(linux-image-[0-9].*-amd64\)$/\1/p')
+    [ -n "$name" ] || { echo "apt knows no package linux-image-amd64" >"$scratch/log"; return 1; }
+    (cd "$scratch" && apt-get download -q "$name") >"$scratch/log" 2>&1
+}
+
+# update: apt's lists, which may be missing or too old.
+update() {
+    as_root=
+    [ "$(id -u)" -eq 0 ] || as_root="sudo -n"
+    $as_root apt-get update -qq >/dev/null 2>&1
+}
+
 download() {
-    name=$(apt-cache depends linux-image-amd64 | sed -n 's/^ *Depends: \(linux-image-[0-9].*-amd64\)$/\1/p')
-    [ -n "$name" ] || { echo "no package linux-image-amd64 is known: run apt-get update" >&2; exit 1; }
-    (cd "$scratch" && apt-get download -q "$name" >download.log 2>&1) || {
-        echo "cannot download $name:" >&2
-        cat "$scratch/download.log" >&2
+    fetch || { update && fetch; } || {
+        echo "cannot download Debian's kernel package:" >&2
+        cat "$scratch/log" >&2
         exit 1
     }
     dpkg -x "$scratch"/*.deb "$package"
