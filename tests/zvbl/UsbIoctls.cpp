@@ -44,10 +44,11 @@ int UsbDevice::serve(UMockdevIoctlClient *client, int &error) {
         break;
     }
     case USBDEVFS_CLAIMINTERFACE:
-        result = facts.heldByAnother ? -EBUSY : 0;
+        result = !m_pluggedIn ? -ENODEV : facts.heldByAnother ? -EBUSY : 0;
         break;
     case USBDEVFS_RELEASEINTERFACE:
     case USBDEVFS_SETINTERFACE:
+        result = m_pluggedIn ? 0 : -ENODEV;
         break;
     case USBDEVFS_SUBMITURB:
         result = submit(arg);

@@ -90,8 +90,9 @@ UsbDevice::UsbDevice(UsbScene &scene, UsbDeviceFacts deviceFacts)
 }
 
 UsbDevice::~UsbDevice() {
-    awaitUnplugged();
     unplug();
+    for (const std::string &served : m_served)
+        umockdev_testbed_detach_ioctl(m_scene.testbed(), served.c_str(), nullptr);
     release();
     g_object_unref(m_handler);
 }
@@ -135,12 +136,18 @@ void UsbDevice::plugIn() {
     GError *error = nullptr;
     if (!umockdev_testbed_attach_ioctl(m_scene.testbed(), node().c_str(), m_handler, &error))
         g_error("cannot serve a device: %s", error->message);
+    m_served.push_back(node());
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_pluggedIn = true;
     m_vanishing = false;
 }
 
 void UsbDevice::unplug() {
+    awaitUnplugged();
+    leave();
+}
+
+void UsbDevice::leave() {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_pluggedIn)
@@ -150,8 +157,8 @@ void UsbDevice::unplug() {
         if (m_urb.urb && !m_urb.done)
             finishUrb(-ENODEV, {});
     }
-    umockdev_testbed_detach_ioctl(m_scene.testbed(), node().c_str(), nullptr);
-    umockdev_testbed_uevent(m_scene.testbed(), sysPath().c_str(), "remove");
+    // Who still has it open asks on, and is told that it is gone: the handler stays. Nobody waits for an
+    // uevent, and umockdev takes it amiss when its receiver closes at this moment.
     umockdev_testbed_remove_device(m_scene.testbed(), sysPath().c_str());
 }
 
@@ -161,7 +168,6 @@ void UsbDevice::awaitUnplugged() {
 }
 
 void UsbDevice::plugInAgain() {
-    awaitUnplugged();
     unplug();
     ++facts.number;
     plugIn();
@@ -171,7 +177,7 @@ void UsbDevice::leaveLater(int milliseconds) {
     awaitUnplugged();
     m_leaving = std::thread([this, milliseconds] {
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-        unplug();
+        leave();
     });
 }
 

@@ -92,6 +92,7 @@ private:
     void finishUrb(int status, zvbl::Bytes data);
     void handBack();
     void release();
+    void leave();
     void leaveLater(int milliseconds);
     std::string sysPath() const;
     zvbl::Bytes deviceDescriptor() const;
@@ -99,6 +100,7 @@ private:
 
     UsbScene &m_scene;
     UMockdevIoctlBase *m_handler = nullptr;
+    std::vector<std::string> m_served; // every node that it has had
     std::mutex m_mutex;
     Urb m_urb;
     bool m_pluggedIn = false;
