@@ -5,10 +5,12 @@ What an installation looks like:
   $ (cd there && find . -type f -o -type l | grep -v ./share | sort)
   ./bin/ZV32_ISP_Console
   ./bin/zv32-sim
+  ./bin/zv32-sim-dev
   ./lib/libFiles.so.1
   ./lib/libFiles.so.1.0.0
   ./lib/libZVBLLIB.so.1
   ./lib/libZVBLLIB.so.1.0.0
+  ./lib/udev/rules.d/70-zv32-isp.rules
   $ diff -r there/share/zv32-isp-console/Map "$ROOT/Map" && echo all maps
   all maps
 

@@ -10,8 +10,9 @@
 namespace {
 
 using Milliseconds = std::chrono::milliseconds;
-constexpr Milliseconds frameLimit(100);
-constexpr unsigned timeoutMs = 150;
+// Long enough for a machine under load.
+constexpr Milliseconds frameLimit(200);
+constexpr unsigned timeoutMs = 300;
 constexpr std::size_t memorySize = 64;
 
 enum class Fault { none, lost, late, doubled, damaged, refusal };
