@@ -162,6 +162,7 @@ DeviceAnswer UsbNode::resetPort(DeviceCall &) {
 // ---- transfers
 
 DeviceAnswer UsbNode::submit(DeviceCall &call) {
+    const unsigned long address = call.number(); // the client's: it is replaced where it leads to is fetched
     const ClientMemory memory = call.memory(sizeof(usbdevfs_urb));
     if (!memory) {
         return DeviceAnswer::fail(EFAULT);
@@ -187,7 +188,7 @@ DeviceAnswer UsbNode::submit(DeviceCall &call) {
     const std::uint8_t *data = buffer.bytes() + setupLength;
     const Bytes out = setup.towardsHost() ? Bytes() : Bytes(data, data + setup.length);
     const UsbAnswer answer = device_.control(setup, out, clockNow());
-    transfers_.push_back({call.file, call.number(), memory, buffer, answer, statusOf(answer), false});
+    transfers_.push_back({call.file, address, memory, buffer, answer, statusOf(answer), false});
     return {};
 }
 
