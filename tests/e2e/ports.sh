@@ -49,7 +49,8 @@ case "$1" in
         ;;
     slcan)
         port_option=(--slcan "$PWD/port")
-        port_words=(-can --pn "$PWD/port")
+        # The library gives an adapter no more than the bus can carry, so a fast bus.
+        port_words=(-can --pn "$PWD/port" --speed 1000000)
         ;;
     can)
         port_option=(--can can0)

@@ -5,7 +5,7 @@ hold: a refused frame would stand in its log.
   $ chip_on ZV32F421_64K --baud-pace
   $ head -c 8192 /dev/urandom > image.bin
   $ for speed in 0 1 3 1000000; do
-  >     isp "${port_words[@]}" --speed $speed -d --fn ./image.bin --v -u --sec 0-7 --fn ./back.bin | tail -1
+  >     isp -can --pn $PWD/port --speed $speed -d --fn ./image.bin --v -u --sec 0-7 --fn ./back.bin | tail -1
   >     cmp image.bin back.bin
   >     kill -USR1 $chip_pid; sleep 0.1
   > done

@@ -77,19 +77,25 @@ Nothing behind "--sec" is sector 0:
 
 Everything, in two banks:
 
+  $ line -d --fn ./four.bin --addr 0807f800 | tail -1
+  Download successfully!
+  $ line -u --sec 254-259 --fn ./back.bin | tail -1; tr -d '\377' <back.bin | wc -c
+  Upload successfully!
+  8192
   $ line -e --all
   Erase
   Running...100%
   Erase successfully!
-  $ line -u --fn ./back.bin
-  Upload
-  ./back.bin     1048576B
-  Running...100%
+  $ for sectors in 0-3 254-259 510-511; do
+  >     line -u --sec $sectors --fn ./back.bin | tail -1
+  >     tr -d '\377' <back.bin | wc -c
+  > done
   Upload successfully!
-  $ od -Ax -tx1 back.bin
-  000000 ff ff ff ff ff ff ff ff ff ff ff ff ff ff ff ff
-  *
-  100000
+  0
+  Upload successfully!
+  0
+  Upload successfully!
+  0
 
 Without a connection word there is nothing to erase:
 

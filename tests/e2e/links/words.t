@@ -1,8 +1,8 @@
 Every option word and sub-option word, each by its last line and its exit status.
 
   $ . "$SETUP"; . "${SETUP%/*}/words.sh"
-  $ chip_on ZV32F403A_1024K
-  $ all_words 2048 511
+  $ chip_on ZV32F403A_256K
+  $ all_words 2048 127
   -e --all -> Erase successfully! [0]
   -e --sec 0-2 -> Erase successfully! [0]
   -e --all -d --fn ./image.bin --addr 08000000 --v --o -> Download successfully! [0]
@@ -16,12 +16,12 @@ Every option word and sub-option word, each by its last line and its exit status
   -usd --get --fn ./again.bin -> Get user system data to file succeed! [0]
   same
   -p --eepp 0-0 -> Enable erase and program protection successfully! [0]
-  -p --ewp 511-511 -> Enable erase and program protection successfully! [0]
+  -p --ewp 127-127 -> Enable erase and program protection successfully! [0]
   sector 0 protected
-  sector 511 protected
+  sector 127 protected
   -p --depp -> Disable erase and program protection successfully! [0]
   sector 0 erasable
-  sector 511 erasable
+  sector 127 erasable
   -p --eepp 0-0 -> Enable erase and program protection successfully! [0]
   -p --dwp -> Disable erase and program protection successfully! [0]
   -p --efap -> Enable access protection successfully! [0]
