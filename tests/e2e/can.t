@@ -6,7 +6,7 @@ the bus.
   $ chip_on ZV32F421_64K
   $ head -c 16384 /dev/urandom > image.bin
   $ strike() {
-  >     line -d --fn ./image.bin --v >out & job=$!
+  >     rm -f out; line -d --fn ./image.bin --v >out & job=$!
   >     until grep -qs '^Download' out; do sleep 0.01; done
   >     bus_told "$1"
   >     wait $job; echo "status $?"; tail -1 out
@@ -33,7 +33,7 @@ the bus.
 A frame that is lost and one that comes twice are mended:
 
   $ for fault in "lose 1" "double 1"; do
-  >     line -d --fn ./image.bin --v >out & job=$!
+  >     rm -f out; line -d --fn ./image.bin --v >out & job=$!
   >     until grep -qs '^Download' out; do sleep 0.01; done
   >     sleep 0.2; bus_told "$fault"
   >     wait $job; echo "status $?"; tail -1 out
