@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <stdexcept>
 #include <umockdev.h>
@@ -13,6 +15,12 @@
 namespace sim {
 
 namespace {
+
+// Where there is no /sys, umockdev takes that for a mock environment.
+bool isPreloaded() {
+    const char *preload = std::getenv("LD_PRELOAD");
+    return preload != nullptr && std::strstr(preload, "libumockdev-preload") != nullptr;
+}
 
 constexpr char fileKey[] = "zv32-file"; // what hangs on a client
 
@@ -117,7 +125,7 @@ struct Testbed::File {
 
 Testbed::Testbed() {
     testbed_ = umockdev_testbed_new();
-    if (!umockdev_in_mock_environment()) {
+    if (!isPreloaded() || !umockdev_in_mock_environment()) {
         g_object_unref(testbed_);
         throw std::runtime_error("device nodes need LD_PRELOAD=libumockdev-preload.so.0");
     }

@@ -139,7 +139,8 @@ class I2c(DeviceTest):
                 found = simulator.near("i2cdetect", "-y", *way, "1").stdout
                 table = [word for line in found.splitlines()[1:] for word in line.split()[1:]]
                 self.assertEqual([word for word in table if word != "--"], ["3c"], found)
-            self.assertIn("zv32-sim", simulator.near("i2cdetect", "-l").stdout)
+            if os.path.ismount("/sys"):  # where i2cdetect looks whether there is one
+                self.assertIn("zv32-sim", simulator.near("i2cdetect", "-l").stdout)
             self.assertEqual(simulator.end(), (0, ""))
 
     def test_get_and_get_id(self):
