@@ -37,6 +37,9 @@ struct Command {
     bool more = false;   // another packet follows at once: no pause behind this one either
 };
 
+// Whether the chip behind this command, when it is done, starts anew or runs its program.
+bool endsBootloader(std::uint8_t opcode);
+
 // Appends a number, highest byte first.
 inline void append16(Bytes &bytes, std::uint32_t value) {
     bytes.push_back(static_cast<std::uint8_t>(value >> 8));

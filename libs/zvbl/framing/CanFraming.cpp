@@ -1,9 +1,6 @@
 #include "libs/zvbl/framing/CanFraming.h"
 
 #include <algorithm>
-#include <iterator>
-
-#include "libs/zvbl/framing/Groups.h"
 
 namespace zvbl {
 namespace {
@@ -19,11 +16,6 @@ std::string describe(const CanFrame &frame) {
         text += {' ', digits[frame.data[i] >> 4], digits[frame.data[i] & 0xF]};
     return text;
 }
-
-// Behind these the chip runs its program, or starts anew.
-constexpr std::uint8_t endsOfBootloader[] = {
-    wire::opGo,           wire::opReset,           wire::opEppProtect, wire::opEppUnprotect, wire::opAccessProtect,
-    wire::opAccessProtectLevel, wire::opAccessUnprotect, wire::opEnableSlib, wire::opDisableSlib,  wire::opUserDataWrite};
 
 CanFrame frameOf(std::uint8_t opcode, const std::uint8_t *bytes, std::size_t size) {
     CanFrame frame{opcode, static_cast<std::uint8_t>(size), {}};
@@ -41,7 +33,7 @@ Status CanFraming::transfer(const Command &command, Bytes &reply, Duration timeo
     m_hurried = command.packet && m_wentWell && m_doubles != Doubles::nowhere;
     const Status status = MessageFraming::transfer(command, reply, timeout);
     m_wentWell = status == Status::ok;
-    if (m_wentWell && std::count(std::begin(endsOfBootloader), std::end(endsOfBootloader), command.opcode) > 0)
+    if (m_wentWell && endsBootloader(command.opcode))
         m_chipChanged = false;
     return status;
 }
@@ -93,13 +85,8 @@ Status CanFraming::takeReply(const Command &command, Bytes &reply) {
         if (const Status status = takePart(command, reply, size); status != Status::ok)
             return status;
     } while (reply.size() < size);
-    if (sumOf(reply) != 0) {
-        m_trace.remark("wrong checksum");
-        return Status::noAnswer;
-    }
-    reply.pop_back();
-    if (command.reply.counted)
-        reply.erase(reply.begin());
+    if (const Status status = unwrap(command, reply); status != Status::ok)
+        return status;
     // Of full frames alone one that came twice has pushed out the last, and twice the same is 0 in the sum.
     // Where an ACK follows, the last one then stands in its place.
     const bool pushedOut = size > frameSize && size % frameSize == 0 && command.reply.end != Reply::End::ack;

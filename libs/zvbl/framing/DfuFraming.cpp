@@ -10,15 +10,6 @@ namespace {
 
 constexpr std::size_t longestTransfer = 4096; // of one control transfer, whatever wTransferSize says
 
-// Behind these the chip resets, or leaves the bootloader.
-constexpr std::uint8_t resetting[] = {
-    wire::opGo,         wire::opEppProtect,   wire::opEppUnprotect, wire::opAccessProtect, wire::opAccessProtectLevel,
-    wire::opEnableSlib, wire::opAccessUnprotect, wire::opDisableSlib, wire::opReset, wire::opUserDataWrite};
-
-bool isResetting(std::uint8_t opcode) {
-    return std::find(std::begin(resetting), std::end(resetting), opcode) != std::end(resetting);
-}
-
 bool isRefusal(Status status) {
     return status == Status::refused || status == Status::refusedCommand;
 }
@@ -54,7 +45,7 @@ Status DfuFraming::transfer(const Command &command, Bytes &reply, Duration timeo
         if (const Status status = recover(); status != Status::ok)
             return status == Status::gone ? status : Status::outOfStep;
     }
-    const bool resets = isResetting(command.opcode);
+    const bool resets = endsBootloader(command.opcode);
     if (resets)
         m_port.expectRestart();
     const Status status = carry(command, reply);
@@ -116,7 +107,7 @@ Status DfuFraming::further(const Command &command, Bytes &reply) {
         m_trace.remark("a command longer than wTransferSize");
         return Status::badArgument;
     }
-    const bool resets = isResetting(command.opcode);
+    const bool resets = endsBootloader(command.opcode);
     Status status = give(wire::dfuCommandBlock, bytes);
     if (status == Status::ok)
         status = awaitDone(resets);

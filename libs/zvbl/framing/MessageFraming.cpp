@@ -35,6 +35,17 @@ Status MessageFraming::carry(const Command &command, Bytes &reply) {
     return status;
 }
 
+Status MessageFraming::unwrap(const Command &command, Bytes &reply) {
+    if (sumOf(reply) != 0) {
+        m_trace.remark("wrong checksum");
+        return Status::noAnswer;
+    }
+    reply.pop_back();
+    if (command.reply.counted)
+        reply.erase(reply.begin());
+    return Status::ok;
+}
+
 Status MessageFraming::expectAck(std::uint8_t opcode, Status ifRefused) {
     std::uint8_t answer = 0;
     if (const Status status = takeAnswer(opcode, answer); status != Status::ok)

@@ -27,6 +27,9 @@ protected:
     // Makes sure that the chip waits for an opcode and nothing old is under way. outOfStep: it does not.
     virtual Status getInStep() = 0;
 
+    // Takes the count, if there is one, and the checksum off a whole reply. noAnswer: the checksum is wrong.
+    Status unwrap(const Command &command, Bytes &reply);
+
     // Carries out one command on a link that is in step.
     Status carry(const Command &command, Bytes &reply);
 

@@ -109,14 +109,7 @@ Status SpiFraming::takeReply(const Command &command, Bytes &reply) {
     if (const Status status = hear(size, deadline); status != Status::ok)
         return status;
     take(size, reply);
-    if (sumOf(reply) != 0) {
-        m_trace.remark("wrong checksum");
-        return Status::noAnswer;
-    }
-    reply.pop_back();
-    if (command.reply.counted)
-        reply.erase(reply.begin());
-    return Status::ok;
+    return unwrap(command, reply);
 }
 
 // Fetches until the next answer is there with so many bytes behind its start byte.
