@@ -38,9 +38,9 @@ run() {
     preset=$1
     shift
     echo "== tests: $preset"
-    # The preload of emulated device nodes calls exit() in a client that opens a USB node in the moment in which
-    # it is taken away, about once in a thousand restarts of a chip, and on a job's thread that never returns.
-    # So what ran out of its time, and nothing else, gets a second try.
+    # umockdev aborts the simulated chip when a listener of its events leaves in the moment of one; its preload then
+    # calls exit() in the client, and on a job's thread that never returns. The chip sends hardly any events, so
+    # this is rare. What ran out of its time, and nothing else, gets a second try.
     ctest --preset "$preset" -j "$((jobs * 2))" --no-tests=error --schedule-random --repeat after-timeout:2 "$@"
 }
 
