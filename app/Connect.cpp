@@ -1,10 +1,10 @@
 #include "app/Connect.h"
 
-#include <QList>
-
 #include <exception>
 #include <memory>
 #include <vector>
+
+#include <QList>
 
 #include "app/LinkCommands.h"
 #include "app/Report.h"
@@ -17,8 +17,7 @@
 namespace {
 
 const char *const noPortText = "Don't choose com port number";
-const char *const cannotOpenText =
-    "Cannot open the com port, the port not exist or may be used by another application";
+const char *const cannotOpenText = "Cannot open the com port, the port not exist or may be used by another application";
 const char *const unrecognizedText = "Unrecognized device...Please, reset your device then try again";
 
 // Keeps the link to the end of the process, as a second command on a line takes over the variable but neither
@@ -44,15 +43,12 @@ bool failAndClose(const std::string &text, CCom *obCCom) {
 bool readSettings(SubOptionWalk &walk, const std::vector<Setting> &settings, CCom *earlierLink) {
     while (walk.next()) {
         const std::string word = ShareParameter::ToLower(walk.word());
-        for (const Setting &setting : settings) {
-            if (word == setting.word) {
+        for (const Setting &setting : settings)
+            if (word == setting.word)
                 setting.read(walk.value());
-            }
-        }
     }
-    if (!walk.atBadWord()) {
+    if (!walk.atBadWord())
         return true;
-    }
     closeLink(earlierLink);
     walk.reportBadParameter();
     return false;
@@ -71,9 +67,8 @@ void printDeviceLines(CBootLoader &control, const CDevice &device) {
     std::string version;
     std::string bid;
     control.GetVersion(version, bid);
-    if (bid == "NA") {
+    if (bid == "NA")
         control.GetBID(bid);
-    }
     printLine("Device:  " + device.m_StrName + "    Flash:  " + std::to_string(device.m_IFlashSize) + " KB");
     printLine("PID:  " + device.m_StrPID + "      BID:  " + bid + "    Version:  " + version);
     printLine("Device connected Successfully");
@@ -83,11 +78,10 @@ void printDeviceLines(CBootLoader &control, const CDevice &device) {
 bool openLink(const LinkCommand &command, CCom *&obCCom) {
     CComManager comManager;
     comManager.SetInterfaceType(command.type);
-    if (g_shareParameter.c_portNumber == -1) {
+    if (g_shareParameter.c_portNumber == -1)
         return fail(noPortText);
-    }
-    obCCom = keep(std::make_unique<CCom>(g_shareParameter.c_portNumber, command.type,
-                                         g_shareParameter.str_portName.c_str()));
+    obCCom = keep(
+        std::make_unique<CCom>(g_shareParameter.c_portNumber, command.type, g_shareParameter.str_portName.c_str()));
     command.setLine(*obCCom);
     return obCCom->Open() == 0 || fail(cannotOpenText);
 }
@@ -97,15 +91,13 @@ bool identify(const LinkCommand &command, CCom *obCCom) {
     obCCom->SetComTimeOut(command.connectTime);
     command.setBootSwitch(*obCCom);
     command.setBootLoader(*control);
-    if (control->Connect() != 0) {
+    if (control->Connect() != 0)
         return failAndClose(std::string(unrecognizedText) + " ", obCCom);
-    }
     // Unsigned, as a number of seconds that is too large has to wrap without a signed overflow.
     obCCom->SetComTimeOut(static_cast<int>(static_cast<unsigned int>(g_shareParameter.c_timeout) * 1000));
     const CDevice *device = InitDevice(control);
-    if (device == nullptr) {
+    if (device == nullptr)
         return failAndClose("Init Device Failed!", obCCom);
-    }
     printDeviceLines(*control, *device);
     return true;
 }
@@ -114,8 +106,7 @@ bool connectLine(const LinkCommand &command, int argc, char **argv, int &arg_ind
     printLine(command.firstLine);
     g_shareParameter.m_InterfaceType = command.recordType;
     SubOptionWalk walk(argc, argv, arg_index, SubOptionWalk::LeavesLastWord);
-    return tryReadSettings(walk, command.settings, obCCom) && openLink(command, obCCom) &&
-           identify(command, obCCom);
+    return tryReadSettings(walk, command.settings, obCCom) && openLink(command, obCCom) && identify(command, obCCom);
 }
 
 // The first device found is the one used.
@@ -126,13 +117,11 @@ bool openFirstDfuDevice(CCom *&obCCom) {
     std::vector<unsigned short> vidlist(255);
     std::vector<unsigned short> pidlist(255);
     TDeviceInfo di = {};
-    if (ZVBL_GetZVDeviceList(&num, vidlist.data(), pidlist.data(), &di) != 0 || num < 1) {
+    if (ZVBL_GetZVDeviceList(&num, vidlist.data(), pidlist.data(), &di) != 0 || num < 1)
         return fail("Unable to get DFU device");
-    }
     const QList<CCom> devices = comManager.getCom(num);
-    if (devices.isEmpty()) {
+    if (devices.isEmpty())
         return fail("Don't have DFU device!");
-    }
     obCCom = keep(std::make_unique<CCom>());
     *obCCom = devices.first();
     obCCom->Close();
@@ -142,30 +131,25 @@ bool openFirstDfuDevice(CCom *&obCCom) {
 } // namespace
 
 CDevice *InitDevice(CBootLoader *obBootLoader) {
-    if (obBootLoader == nullptr) {
+    if (obBootLoader == nullptr)
         return nullptr;
-    }
     obBootLoader->InitDevice();
     return obBootLoader->m_ObDevice;
 }
 
 bool DFUConnect(int argc, char **, int &arg_index, CCom *&obCCom) {
     printLine("DFU Connect......");
-    if (arg_index < argc) {
+    if (arg_index < argc)
         ++arg_index;
-    }
     g_shareParameter.m_InterfaceType = INTERFACE_USBDFU;
-    if (!openFirstDfuDevice(obCCom)) {
+    if (!openFirstDfuDevice(obCCom))
         return false;
-    }
     CBootLoader *control = obCCom->m_ObBootLoader;
-    if (control->Connect() != 0) {
+    if (control->Connect() != 0)
         return fail(unrecognizedText);
-    }
     const CDevice *device = InitDevice(control);
-    if (device == nullptr) {
+    if (device == nullptr)
         return fail("Init Device Failed!");
-    }
     printDeviceLines(*control, *device);
     return true;
 }

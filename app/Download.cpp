@@ -1,6 +1,6 @@
-#include <QThread>
-
 #include <filesystem>
+
+#include <QThread>
 
 #include "app/Memory.h"
 #include "app/Progress.h"
@@ -28,9 +28,8 @@ bool fits(quint64 start, quint64 end, const CDevice &device) {
         return end <= ZVCHIP_FLASH_BASE_ADDRESS + flashSzie ||
                refuse("The file download address or file size out of flash range!");
     }
-    if (!g_shareParameter.c_haveSPIM) {
+    if (!g_shareParameter.c_haveSPIM)
         return refuse("No operation can be performed without using SPIM!");
-    }
     const quint64 extFlashSzie = static_cast<quint64>(g_shareParameter.c_SPIMSize) * 1024;
     return end <= ZVCHIP_SPIM_BASE_ADDRESS + extFlashSzie ||
            refuse("The file download address or file size out of SPIM range!");
@@ -39,9 +38,8 @@ bool fits(quint64 start, quint64 end, const CDevice &device) {
 // A file that cannot be opened at once may still be on its way, from a build or a share.
 bool openPatiently(CProgramFile &file, const std::string &fileName, CDevice *device) {
     for (int tries = 0; tries < 10; ++tries) {
-        if (file.Open(fileName, device) == 0) {
+        if (file.Open(fileName, device) == 0)
             return true;
-        }
         QThread::msleep(1000);
     }
     return false;
@@ -51,17 +49,15 @@ bool elementsFit(CProgramFile &file, const CDevice &device) {
     file.ResetElement();
     for (int left = file.GetElementCount(); left > 0; --left) {
         const PIMAGEELEMENT element = file.GetElement();
-        if (element != nullptr && !fits(element->dwAddress, element->dwAddress + element->dwDataLength, device)) {
+        if (element != nullptr && !fits(element->dwAddress, element->dwAddress + element->dwDataLength, device))
             return false;
-        }
     }
     return true;
 }
 
 int setAddress(SubOptionWalk &walk, CCom *&) {
-    if (walk.hasValue()) {
+    if (walk.hasValue())
         g_shareParameter.c_address = g_shareParameter.StringToUInt32(walk.value(), 16);
-    }
     return 0;
 }
 
@@ -86,8 +82,7 @@ int setFile(SubOptionWalk &walk, CCom *&) {
     return 0;
 }
 
-const SubOption<CCom *> words[] = {
-    {"--addr", setAddress}, {"--v", setVerify}, {"--o", setOptimize}, {"--fn", setFile}};
+const SubOption<CCom *> words[] = {{"--addr", setAddress}, {"--v", setVerify}, {"--o", setOptimize}, {"--fn", setFile}};
 
 DownloadParam downloadParam(bool erasedFlag) {
     DownloadParam param;
@@ -112,35 +107,28 @@ DownloadParam downloadParam(bool erasedFlag) {
 bool DownloadFileAndAddressCheck(const std::string &fileName, unsigned int downlaodAddress,
                                  CBootLoader *m_obBootLoader) {
     std::error_code ignored;
-    if (!std::filesystem::exists(fileName, ignored)) {
+    if (!std::filesystem::exists(fileName, ignored))
         return refuse("Please select download file! File Name is " + fileName);
-    }
-    if (m_obBootLoader == nullptr || m_obBootLoader->m_ObDevice == nullptr) {
+    if (m_obBootLoader == nullptr || m_obBootLoader->m_ObDevice == nullptr)
         return refuse("Device operation failed");
-    }
     CDevice &device = *m_obBootLoader->m_ObDevice;
     CProgramFile file;
-    if (!openPatiently(file, fileName, &device)) {
+    if (!openPatiently(file, fileName, &device))
         return refuse("Download file open failed!");
-    }
-    if (file.m_Type != BIN) {
+    if (file.m_Type != BIN)
         return elementsFit(file, device);
-    }
     return fits(downlaodAddress, downlaodAddress + file.m_UiFileSize, device); // the sum wraps at 32 bits
 }
 
 bool Download(int argc, char **argv, int &arg_index, bool erasedFlag, CCom *obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return false;
-    }
     SubOptionWalk walk(argc, argv, arg_index);
-    if (runSubOptions(walk, words, obCCom, OP_DOWNLOAD_FAILD) != 0) {
+    if (runSubOptions(walk, words, obCCom, OP_DOWNLOAD_FAILD) != 0)
         return false;
-    }
     CBootLoader *control = obCCom->m_ObBootLoader;
-    if (!DownloadFileAndAddressCheck(g_shareParameter.c_filename, g_shareParameter.c_address, control)) {
+    if (!DownloadFileAndAddressCheck(g_shareParameter.c_filename, g_shareParameter.c_address, control))
         return false;
-    }
     control->DownloadToDevice(downloadParam(erasedFlag));
     return runJob(obCCom);
 }

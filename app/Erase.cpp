@@ -13,9 +13,8 @@ int eraseAll(SubOptionWalk &walk, CCom *&obCCom) {
     obCCom->m_ObBootLoader->EraseFlash(EraseParam());
     const bool succeeded = runJob(obCCom);
     walk.takeBack();
-    if (succeeded) {
+    if (succeeded)
         return OP_SUCCESS;
-    }
     return g_shareParameter.c_haveSPIM ? OP_MCU_ALLERASE_SPIM_FAILD : OP_MCU_ALLERASE_FLASH_FAILD;
 }
 
@@ -34,9 +33,8 @@ const SubOption<CCom *> words[] = {{"--all", eraseAll}, {"--sec", eraseSectors}}
 } // namespace
 
 int Erase(int argc, char **argv, int &arg_index, CCom *&obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return OP_CONNECT_FAILD;
-    }
     SubOptionWalk walk(argc, argv, arg_index);
     return runSubOptions(walk, words, obCCom, OP_BAD_PARAM);
 }

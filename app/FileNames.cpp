@@ -8,9 +8,8 @@ namespace {
 // name does not: the path has to be given.
 bool baseNameEndsIn(const std::string &fileName, const std::string &end) {
     const std::size_t slash = fileName.rfind('/');
-    if (slash == std::string::npos || fileName.size() - (slash + 1) < end.size()) {
+    if (slash == std::string::npos || fileName.size() - (slash + 1) < end.size())
         return false;
-    }
     return ShareParameter::ToUpper(fileName.substr(fileName.size() - end.size())) == end;
 }
 

@@ -45,7 +45,10 @@ int portNumberOf(const std::string &portName) {
 }
 
 const LinkCommand usartCommand = {
-    "USART Connect......", INTERFACE_USART, INTERFACE_USART, 1000,
+    "USART Connect......",
+    INTERFACE_USART,
+    INTERFACE_USART,
+    1000,
     {{"--pn", readPort},
      {"--br", [](const std::string &value) { g_shareParameter.c_BaudRate = number(value); }},
      {"--db", [](const std::string &value) { g_shareParameter.c_DataBits = number(value); }},
@@ -56,32 +59,46 @@ const LinkCommand usartCommand = {
           g_shareParameter.c_autoConnectFlag = true;
           g_shareParameter.c_autoConnectOption = number(value);
       }}},
-    setRecordedLine, setRecordedBootSwitch, [](CBootLoader &) {}};
+    setRecordedLine,
+    setRecordedBootSwitch,
+    [](CBootLoader &) {}};
 
 const LinkCommand i2cCommand = {
-    "I2C Connect......", INTERFACE_I2C, INTERFACE_I2C, 5000,
+    "I2C Connect......",
+    INTERFACE_I2C,
+    INTERFACE_I2C,
+    5000,
     {{"--pn", readPort},
      {"--addr", [](const std::string &value) { g_shareParameter.addr = g_shareParameter.StringToUInt32(value, 16); }},
      {"--rate", [](const std::string &value) { g_shareParameter.rate = static_cast<unsigned int>(number(value)); }},
      {"--dc", [](const std::string &value) { g_shareParameter.dc = static_cast<unsigned int>(number(value)); }}},
-    setFixedLine, setManual,
+    setFixedLine,
+    setManual,
     [](CBootLoader &control) {
         control.SetI2CSettings(g_shareParameter.addr, g_shareParameter.rate, static_cast<BYTE>(g_shareParameter.dc));
     }};
 
 const LinkCommand canCommand = {
-    "CAN Connect......", INTERFACE_CAN, INTERFACE_CAN, 1000,
+    "CAN Connect......",
+    INTERFACE_CAN,
+    INTERFACE_CAN,
+    1000,
     {{"--pn", readPort},
      {"--speed",
       [](const std::string &value) { g_shareParameter.uiCANSpeed = static_cast<unsigned int>(number(value)); }}},
-    setFixedLine, setManual,
+    setFixedLine,
+    setManual,
     [](CBootLoader &control) { control.SetCANSettings(g_shareParameter.uiCANSpeed); }};
 
 const LinkCommand spiCommand = {
     // MEANT: the shared record holds CAN's number for SPI as well.
-    "SPI Connect......", INTERFACE_CAN, INTERFACE_SPI, 2000,
+    "SPI Connect......",
+    INTERFACE_CAN,
+    INTERFACE_SPI,
+    2000,
     {{"--pn", readPort},
      {"--speed",
       [](const std::string &value) { g_shareParameter.ulSPISpeed = static_cast<unsigned long>(number(value)); }}},
-    setFixedLine, setManual,
+    setFixedLine,
+    setManual,
     [](CBootLoader &control) { control.SetSPISettings(g_shareParameter.ulSPISpeed); }};

@@ -19,7 +19,7 @@ struct LinkCommand {
     char type;       // the interface type of the link
     int connectTime; // reply time limit of the connect, ms
     std::vector<Setting> settings;
-    void (*setLine)(CCom &);             // before the port opens
+    void (*setLine)(CCom &); // before the port opens
     void (*setBootSwitch)(CCom &);
     void (*setBootLoader)(CBootLoader &); // before the connect
 };

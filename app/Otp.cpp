@@ -41,29 +41,25 @@ const struct {
 };
 
 const OtpArea &areaOf(int family) {
-    for (const auto &row : areas) {
-        if (row.family == family) {
+    for (const auto &row : areas)
+        if (row.family == family)
             return row.area;
-        }
-    }
     return noArea;
 }
 
 // Empty for what is not a readable file.
 std::string readFile(const std::string &path) {
     std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) {
+    if (!std::filesystem::is_regular_file(path, ignored))
         return std::string();
-    }
     std::ifstream file(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
 OTP_CONFIG_INFO parseRecord(const BYTE *record) {
     OTP_CONFIG_INFO info;
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 4; ++i)
         info.PartAddress = info.PartAddress << 8 | record[i];
-    }
     std::copy_n(record + 4, blockLength, info.pData);
     info.LockFlag = record[36];
     info.WriteFlag = record[37];
@@ -92,9 +88,8 @@ bool takeFileName(SubOptionWalk &walk) {
 int program(CCom *obCCom) {
     InitOTPAndLOCKInfo();
     OTPProjectFileOpen(g_shareParameter.c_otpfilename);
-    if (!WriteOTPData(obCCom)) {
+    if (!WriteOTPData(obCCom))
         return OTP_FAILED;
-    }
     printLine("set OTP data to device successfully!");
     return OP_SUCCESS;
 }
@@ -113,45 +108,38 @@ int OTPProjectFileOpen(const std::string &FilePath) {
     m_listWriteOTPData.clear();
     const std::string content = readFile(FilePath);
     const BYTE *record = reinterpret_cast<const BYTE *>(content.data());
-    for (std::size_t count = content.size() / countLength; count > 0; --count, record += recordLength) {
+    for (std::size_t count = content.size() / countLength; count > 0; --count, record += recordLength)
         m_listWriteOTPData.append(parseRecord(record));
-    }
     return 1;
 }
 
 int WriteOTPData(CCom *obCCom) {
-    if (obCCom == nullptr) {
+    if (obCCom == nullptr)
         return 0;
-    }
-    for (OTP_CONFIG_INFO &info : m_listWriteOTPData) {
+    for (OTP_CONFIG_INFO &info : m_listWriteOTPData)
         if (info.WriteFlag == 0 &&
-            !write(obCCom, g_shareParameter.OTP_Data_Address + info.PartAddress, info.pData, blockLength)) {
+            !write(obCCom, g_shareParameter.OTP_Data_Address + info.PartAddress, info.pData, blockLength))
             return fail("Write OTP data failed!");
-        }
-    }
     // MEANT: the lock byte's place follows the record's place in the file, not its address.
     unsigned int lockAddress = g_shareParameter.OTP_Lock_Address;
     for (OTP_CONFIG_INFO &info : m_listWriteOTPData) {
-        if (info.LockFlag == 0 && !write(obCCom, lockAddress, &info.LockFlag, 1)) {
+        if (info.LockFlag == 0 && !write(obCCom, lockAddress, &info.LockFlag, 1))
             return fail("Write OTP lock failed!");
-        }
         ++lockAddress;
     }
     return 1;
 }
 
 int DownLoadOTPData(int argc, char **argv, int &arg_index, CCom *obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return OP_CONNECT_FAILD;
-    }
     SubOptionWalk walk(argc, argv, arg_index);
     while (walk.next()) {
         // MEANT: once per sub-option, whichever it is.
         printLine("Set OTP data to device");
         printLine("running...");
-        if (walk.word() == "--fn" && !takeFileName(walk)) {
+        if (walk.word() == "--fn" && !takeFileName(walk))
             return OP_SUCCESS;
-        }
     }
     if (walk.atBadWord()) {
         WriteInforAndWaitInput(argv[arg_index]); // MEANT: the word alone

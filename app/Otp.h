@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QList>
-
 #include <string>
+
+#include <QList>
 
 #include "app/FileNames.h"
 #include "foundation/ShareParameter.h"

@@ -70,23 +70,19 @@ bool hasPercent(OP_Type type) {
 
 void printInit(const CInitInfo &info) {
     printLine(GetOperatioStringName(info.m_emType));
-    if (hasFile(info.m_emType)) {
+    if (hasFile(info.m_emType))
         printLine(info.m_strFilePath + "     " + std::to_string(info.m_uiFileSize) + "B");
-    }
-    if (!hasPercent(info.m_emType)) {
+    if (!hasPercent(info.m_emType))
         printLine(CResult::GetInfoString(Info_Progress_Running));
-    }
     g_shareParameter.c_operationPersent = 0;
 }
 
 void printPercent(const CActionInfo &info) {
-    if (!hasPercent(info.m_emType) || info.m_iPercent == g_shareParameter.c_operationPersent) {
+    if (!hasPercent(info.m_emType) || info.m_iPercent == g_shareParameter.c_operationPersent)
         return;
-    }
     std::cout << "\r" << CResult::GetInfoString(Info_Progress_Running) << info.m_iPercent << "%" << std::flush;
-    if (info.m_iPercent == 100) {
+    if (info.m_iPercent == 100)
         printLine("");
-    }
     g_shareParameter.c_operationPersent = info.m_iPercent;
 }
 
@@ -108,26 +104,19 @@ std::string GetOperatioStringName(OP_Type type) {
 
 void *GetOperationInfo(InfoType Type, void *ob) {
     switch (Type) {
-    case INFO_TYPE_INIT:
-        printInit(*static_cast<const CInitInfo *>(ob));
-        break;
-    case INFO_TYPE_ACTION:
-        printPercent(*static_cast<const CActionInfo *>(ob));
-        break;
-    case INFO_TYPE_CANCEL:
-        endInFailure(CResult::GetInfoString(Info_Progress_Operation_Cancel));
-        break;
+    case INFO_TYPE_INIT: printInit(*static_cast<const CInitInfo *>(ob)); break;
+    case INFO_TYPE_ACTION: printPercent(*static_cast<const CActionInfo *>(ob)); break;
+    case INFO_TYPE_CANCEL: endInFailure(CResult::GetInfoString(Info_Progress_Operation_Cancel)); break;
     case INFO_TYPE_ABEND:
         printLine(""); // closes a percent line that may be open
-        endInFailure(CResult::GetInfoString(
-            CResult::GetInfoStringName(static_cast<const CAbendInfo *>(ob)->m_iResult)));
+        endInFailure(
+            CResult::GetInfoString(CResult::GetInfoStringName(static_cast<const CAbendInfo *>(ob)->m_iResult)));
         break;
     case INFO_TYPE_DONE:
         printLine(textOf(static_cast<const CBaseInfo *>(ob)->m_emType, successTexts, Info_Progress_Operation_Success));
         Stop();
         break;
-    case INFO_TYPE_INFO:
-        break;
+    case INFO_TYPE_INFO: break;
     }
     return nullptr;
 }
@@ -150,16 +139,14 @@ void Stop() {
     const std::lock_guard<std::mutex> lock(jobMutex);
     g_shareParameter.c_OperationFlag = false;
     const CCom *obCCom = g_shareParameter.c_obCCom;
-    if (obCCom != nullptr && obCCom->m_ObBootLoader != nullptr && jobOf(obCCom) != nullptr) {
+    if (obCCom != nullptr && obCCom->m_ObBootLoader != nullptr && jobOf(obCCom) != nullptr)
         jobOf(obCCom)->SetOperationInfoDelegate(nullptr);
-    }
     jobEnded.notify_all();
 }
 
 bool runJob(CCom *obCCom) {
-    if (jobOf(obCCom) == nullptr) {
+    if (jobOf(obCCom) == nullptr)
         return false; // nothing would end the wait
-    }
     {
         // Up before the job starts, so that an early end is not overwritten.
         const std::lock_guard<std::mutex> lock(jobMutex);

@@ -14,9 +14,8 @@
 namespace {
 
 // Families whose high level of access protection nothing can take back.
-const MCUSERIALS confirmedFamilies[] = {ZV32F425, ZV32F423, ZV32A423, ZV32L021, ZV32F405,
-                                        ZV32F402, ZV32F455, ZV32F456, ZV32F457, ZV32F490,
-                                        ZV32M412, ZV32M416, ZV32G412, ZV32F422, ZV32F426};
+const MCUSERIALS confirmedFamilies[] = {ZV32F425, ZV32F423, ZV32A423, ZV32L021, ZV32F405, ZV32F402, ZV32F455, ZV32F456,
+                                        ZV32F457, ZV32F490, ZV32M412, ZV32M416, ZV32G412, ZV32F422, ZV32F426};
 const char *const confirmText = "ZV32F425/F423/A423/L021/F405/F402/F455/F456/F457/F490/M412/M416/G412/F422/F426 need "
                                 "a parameter \"--y\" for operation \"--efap2\"!";
 
@@ -69,6 +68,7 @@ int disableEraseProgramProtection(SubOptionWalk &walk, CCom *&obCCom) {
     return runOr(OP_DEPP_FAILD, obCCom);
 }
 
+// clang-format off
 const SubOption<CCom *> words[] = {
     {"--efap", enableAccessProtection},       {"--erp", enableAccessProtection},
     {"--efap1", enableAccessProtection},      {"--efap2", enableHighAccessProtection},
@@ -76,13 +76,13 @@ const SubOption<CCom *> words[] = {
     {"--eepp", enableEraseProgramProtection}, {"--ewp", enableEraseProgramProtection},
     {"--depp", disableEraseProgramProtection}, {"--dwp", disableEraseProgramProtection},
 };
+// clang-format on
 
 } // namespace
 
 int Protection(int argc, char **argv, int &arg_index, CCom *obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return OP_CONNECT_FAILD;
-    }
     SubOptionWalk walk(argc, argv, arg_index);
     return runSubOptions(walk, words, obCCom, OP_BAD_PARAM);
 }

@@ -14,16 +14,14 @@ const CDevice *deviceOf(const CCom *obCCom) {
 }
 
 int flashSectors(const CDevice &device) {
-    if (device.m_ISectorSize == 0) {
+    if (device.m_ISectorSize == 0)
         return 0;
-    }
     return static_cast<int>((static_cast<unsigned int>(device.m_IFlashSize) << 10) / device.m_ISectorSize);
 }
 
 void appendNumbers(const SectorRange &range, QList<int> &sectors) {
-    for (qint64 sector = range.begin; sector <= range.end; ++sector) {
+    for (qint64 sector = range.begin; sector <= range.end; ++sector)
         sectors.append(static_cast<int>(sector));
-    }
 }
 
 } // namespace
@@ -42,12 +40,10 @@ int familyOf(const CCom *obCCom) {
 
 bool IsSectorsValid(int beginN, int endN, const CCom *obCCom) {
     const CDevice *device = deviceOf(obCCom);
-    if (beginN < 0 || endN < beginN || device == nullptr) {
+    if (beginN < 0 || endN < beginN || device == nullptr)
         return false;
-    }
-    if (!device->m_haveBank3) {
+    if (!device->m_haveBank3)
         return endN < flashSectors(*device);
-    }
     // MEANT: with SPIM enabled these four families take any number and all others none.
     const int iserial = familyOf(obCCom);
     return iserial == ZV32F403_2 || iserial == ZV32F413 || iserial == ZV32F403A || iserial == ZV32F407;
@@ -56,17 +52,15 @@ bool IsSectorsValid(int beginN, int endN, const CCom *obCCom) {
 bool appendSectors(const std::string &word, const CCom *obCCom, QList<int> &sectors) {
     const SectorRange range = parseSectorRange(word);
     const qint64 count = static_cast<qint64>(range.end) - range.begin + 1;
-    if (!IsSectorsValid(range.begin, range.end, obCCom) || sectors.size() + count > mostSectors) {
+    if (!IsSectorsValid(range.begin, range.end, obCCom) || sectors.size() + count > mostSectors)
         return false;
-    }
     appendNumbers(range, sectors);
     return true;
 }
 
 QList<int> GetAllSectors(const CCom *obCCom) {
     QList<int> sectors;
-    if (const CDevice *device = deviceOf(obCCom)) {
+    if (const CDevice *device = deviceOf(obCCom))
         appendNumbers({0, flashSectors(*device) - 1}, sectors);
-    }
     return sectors;
 }

@@ -1,8 +1,8 @@
 #include "app/Spim.h"
 
-#include <QString>
-
 #include <exception>
+
+#include <QString>
 
 #include "app/Memory.h"
 #include "app/Progress.h"
@@ -40,14 +40,12 @@ int setSize(SubOptionWalk &walk, CCom *&) {
 // Throws std::logic_error at the end of the line, its own or that of the scan.
 int setFlashDA(SubOptionWalk &walk, CCom *&) {
     g_shareParameter.c_SPIMDA = g_shareParameter.StringToUInt32(wordAt(walk.argc, walk.argv, walk.argIndex), 16);
-    if (g_shareParameter.c_SPIMDA != 0) {
+    if (g_shareParameter.c_SPIMDA != 0)
         GetUserSystemDataFile(walk.argc, walk.argv);
-    }
     return 0;
 }
 
-const SubOption<CCom *> words[] = {
-    {"--remap", setRemap}, {"--ft", setType}, {"--fs", setSize}, {"--fda", setFlashDA}};
+const SubOption<CCom *> words[] = {{"--remap", setRemap}, {"--ft", setType}, {"--fs", setSize}, {"--fda", setFlashDA}};
 
 bool readSettings(SubOptionWalk &walk, CCom *obCCom) {
     try {
@@ -74,24 +72,20 @@ BYTE spimTypeByte(BYTE type) {
 }
 
 bool EnableBank3(int argc, char **argv, int &arg_index, CCom *obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return false;
-    }
     SubOptionWalk walk(argc, argv, arg_index);
-    if (!readSettings(walk, obCCom)) {
+    if (!readSettings(walk, obCCom))
         return false;
-    }
     g_shareParameter.c_haveSPIM = true;
-    if (CDevice *device = obCCom->m_ObBootLoader->m_ObDevice) {
+    if (CDevice *device = obCCom->m_ObBootLoader->m_ObDevice)
         describeBank3(*device);
-    }
     return HandleEnSPIM(obCCom);
 }
 
 bool HandleEnSPIM(CCom *obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return false;
-    }
     EnBank3Param param;
     param.m_bRemapFlag = g_shareParameter.c_bRemapFlag;
     param.m_bNeedRemap = g_shareParameter.c_bNeedRemap;
@@ -100,9 +94,8 @@ bool HandleEnSPIM(CCom *obCCom) {
     param.m_uiFlashDA = g_shareParameter.c_SPIMDA;
     CBootLoader *control = obCCom->m_ObBootLoader;
     // MEANT: the scan never stores a name that passes here, so the file is not loaded.
-    if (g_shareParameter.c_SPIMDA != 0 && IsValidFileName(g_shareParameter.c_strFilePath)) {
+    if (g_shareParameter.c_SPIMDA != 0 && IsValidFileName(g_shareParameter.c_strFilePath))
         control->LoadUserSystemDataFromFileToDeviceExceptFAP(g_shareParameter.c_strFilePath);
-    }
     control->EnableBank3Func(param);
     return runJob(obCCom);
 }

@@ -7,9 +7,8 @@
 #include "link/CCom.h"
 
 std::string wordAt(int argc, char **argv, int index) {
-    if (index >= argc || argv[index] == nullptr) {
+    if (index >= argc || argv[index] == nullptr)
         throw std::logic_error("no word");
-    }
     return argv[index];
 }
 
@@ -17,17 +16,14 @@ SubOptionWalk::SubOptionWalk(int words, char **line, int &index, LastWord last)
     : argc(words), argv(line), argIndex(index), lastWord(last) {}
 
 bool SubOptionWalk::next() {
-    if (argIndex >= argc) {
+    if (argIndex >= argc)
         return false;
-    }
     ++argIndex;
-    if (argIndex >= argc || Is_Option(argv[argIndex])) {
+    if (argIndex >= argc || Is_Option(argv[argIndex]))
         return false;
-    }
     badWord = !Is_SubOption(argv[argIndex]);
-    if (badWord || (lastWord == LeavesLastWord && argIndex >= argc - 1)) {
+    if (badWord || (lastWord == LeavesLastWord && argIndex >= argc - 1))
         return false;
-    }
     ++argIndex;
     return true;
 }

@@ -47,7 +47,8 @@ private:
 };
 
 // One sub-option of a handler: its exact word and what it does, 0 or the exit status of its failure.
-template <typename Context> struct SubOption {
+template <typename Context>
+struct SubOption {
     const char *word;
     int (*run)(SubOptionWalk &, Context &);
 };
@@ -59,12 +60,10 @@ int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count],
     while (walk.next()) {
         const std::string word = walk.word();
         for (const SubOption<Context> &row : table) {
-            if (word != row.word) {
+            if (word != row.word)
                 continue;
-            }
-            if (const int status = row.run(walk, context)) {
+            if (const int status = row.run(walk, context))
                 return status;
-            }
             break;
         }
     }
@@ -73,12 +72,10 @@ int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count],
 
 // The same, with a word that is neither option nor sub-option reported and answered by its status.
 template <typename Context, std::size_t count>
-int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count], Context &context,
-                  int badWordStatus) {
+int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count], Context &context, int badWordStatus) {
     const int status = runSubOptions(walk, table, context);
-    if (!walk.atBadWord()) {
+    if (!walk.atBadWord())
         return status;
-    }
     walk.reportBadParameter();
     return badWordStatus;
 }

@@ -39,17 +39,14 @@ const SubOption<Request> words[] = {{"--sec", addSectors}, {"--fn", setFile}};
 } // namespace
 
 bool Upload(int argc, char **argv, int &arg_index, CCom *obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return false;
-    }
     Request request{obCCom, {}, {}};
     SubOptionWalk walk(argc, argv, arg_index);
-    if (runSubOptions(walk, words, request, OP_MCU_UPLOAD_FAILD) != 0) {
+    if (runSubOptions(walk, words, request, OP_MCU_UPLOAD_FAILD) != 0)
         return false;
-    }
-    if (request.aSectorIndexs.isEmpty()) {
+    if (request.aSectorIndexs.isEmpty())
         request.aSectorIndexs = GetAllSectors(obCCom);
-    }
     if (!IsValidFileName(request.upFileName)) {
         WriteInforAndWaitInput("Upload file name error.");
         return false;

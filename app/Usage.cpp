@@ -13,7 +13,8 @@ const char *const usageLines[] = {
     "     -?                     Show this help.",
     "     -dfu                   Establish connection to the DFU port. ",
     "     -com                   Establish connection to the COM port. ",
-    "       --pn  port_number    If OS is Windows, this is port number, e.g 1, 2... default 1. Else this is port name, e.g ttyACM0, ttyS0... ",
+    "       --pn  port_number    If OS is Windows, this is port number, e.g 1, 2... default 1. Else this is port name, "
+    "e.g ttyACM0, ttyS0... ",
     "       --br  baud_rate      E.g 256000, 128000, 115200, 57600 ..., default 115200 ",
     "       --db  data_bits      Value in {5,6,7,8} ..., default 8 ",
     "       --pr  parity         Value in {NONE,ODD,EVEN} ..., default EVEN ",
@@ -33,7 +34,8 @@ const char *const usageLines[] = {
     "                               11: RTS high level to reset, DTR low level to load bootloader.",
     "                               12: RTS high level to reset, DTR high level to load bootloader.",
     "     -i2c                   Establish connection to the I2C port. ",
-    "       --pn  port_number    If OS is Windows, this is port number, e.g 1, 2... default 1. Else this is port name, e.g ttyACM0, ttyS0... ",
+    "       --pn  port_number    If OS is Windows, this is port number, e.g 1, 2... default 1. Else this is port name, "
+    "e.g ttyACM0, ttyS0... ",
     "       --addr  address      I2C address, default 0x3C ",
     "       --rate  rate\t\t I2C rate, default 400000Hz ",
     "       --dc  duty cycle     E.g 2:1, 16:9 default 2:1 ",
@@ -49,16 +51,21 @@ const char *const usageLines[] = {
     "       --v                  Verify after download.",
     "       --o                  Optimize; removes FFs data.",
     "     -usd                   Set user system data to MCU.",
-    "       --get --fn file_name Get user system data from the device and write it to the specified file, full path name (bin/hex file,the file type is recognized by its extension).",
-    "       --set --fn file_name Load user system data from the specified file and write it to the device, full path name (bin/hex file,the file type is recognized by its extension).",
+    "       --get --fn file_name Get user system data from the device and write it to the specified file, full path "
+    "name (bin/hex file,the file type is recognized by its extension).",
+    "       --set --fn file_name Load user system data from the specified file and write it to the device, full path "
+    "name (bin/hex file,the file type is recognized by its extension).",
     "     -p                     Enable or disable protection.",
     "       --efap               Enable flash access protection, all options following this one will fail.",
     "       --dfap               Disable flash access protection.",
-    "       --eepp n-m           Enable erase and program protection for sector codes, begin_sector-end_sector, e.g 0-20.",
+    "       --eepp n-m           Enable erase and program protection for sector codes, begin_sector-end_sector, e.g "
+    "0-20.",
     "       --depp               Disable erase and program protection.",
     "       --efap1              Enable basic access protection, all options following this one will fail.",
     "       --efap2              Enable high level access protection, all options following this one will fail.",
-    "          --y               If the MCU is ZV32F425/F423/A423/L021/F405/F402/F455/F456/F457/F490/M412/M416/G412/F422/F426, you must enter \"--y\" for confirmation.",
+    "          --y               If the MCU is "
+    "ZV32F425/F423/A423/L021/F405/F402/F455/F456/F457/F490/M412/M416/G412/F422/F426, you must enter \"--y\" for "
+    "confirmation.",
     "     -r                     Run the flash code at the specified address.",
     "       --a address(hex)     Address, default 0x08000000.",
     "     -enspim                Enable to access SPIM.",
@@ -73,7 +80,6 @@ const char *const usageLines[] = {
 } // namespace
 
 void man() {
-    for (const char *line : usageLines) {
+    for (const char *line : usageLines)
         printLine(line);
-    }
 }

@@ -20,10 +20,17 @@ struct Transfer {
     int (CBootLoader::*run)(std::string);
 };
 
-const Transfer toFile = {OP_GET_USD_FAILD, false, "Get user system data to file", "Get user system data to file succeed!",
-                         "Get user system data to file failed!", &CBootLoader::SaveUserSystemDatatoFile};
-const Transfer toDevice = {OP_SET_USD_FAILD, true, "Set user system data to device",
-                           "Set user system data to device successfully!", "Set user system data to device failed!",
+const Transfer toFile = {OP_GET_USD_FAILD,
+                         false,
+                         "Get user system data to file",
+                         "Get user system data to file succeed!",
+                         "Get user system data to file failed!",
+                         &CBootLoader::SaveUserSystemDatatoFile};
+const Transfer toDevice = {OP_SET_USD_FAILD,
+                           true,
+                           "Set user system data to device",
+                           "Set user system data to device successfully!",
+                           "Set user system data to device failed!",
                            &CBootLoader::LoadUserSystemDataFromFileToDevice};
 
 int carryOut(const Transfer &transfer, const std::string &filename, CCom *obCCom) {
@@ -39,15 +46,13 @@ int carryOut(const Transfer &transfer, const std::string &filename, CCom *obCCom
 
 // The walk rests on the word behind "--get" or "--set", which has to be "--fn", with the path behind it.
 int transferFile(SubOptionWalk &walk, const Transfer &transfer, CCom *obCCom) {
-    if (!walk.hasValue()) {
+    if (!walk.hasValue())
         return 0;
-    }
     const bool named = walk.value() == "--fn";
     walk.advance();
     const std::string filename = walk.value();
-    if (named && transfer.keepsName) {
+    if (named && transfer.keepsName)
         g_shareParameter.c_filename = filename;
-    }
     if (!named || !IsValidFileName(filename)) {
         // MEANT: reported is the word where the path should stand, also when it is "--fn" that is missing.
         walk.reportBadParameter();
@@ -69,9 +74,8 @@ const SubOption<CCom *> words[] = {{"--get", get}, {"--set", set}};
 } // namespace
 
 int UserSystemData(int argc, char **argv, int &arg_index, CCom *obCCom) {
-    if (!hasBootLoader(obCCom)) {
+    if (!hasBootLoader(obCCom))
         return OP_CONNECT_FAILD;
-    }
     SubOptionWalk walk(argc, argv, arg_index);
     const int status = runSubOptions(walk, words, obCCom);
     if (walk.atBadWord()) {
@@ -102,9 +106,8 @@ int GetUserSystemDataFile(int argc, char **argv) {
         }
         ++i;
         const std::string word = wordAt(argc, argv, i);
-        if (word == "--fn") {
+        if (word == "--fn")
             g_shareParameter.c_strFilePath = word;
-        }
         return 1;
     }
     return 0;

@@ -30,15 +30,18 @@ int statusOf(bool succeeded, int failure) {
     return succeeded ? OP_SUCCESS : failure;
 }
 
-template <bool (*handler)(int, char **, int &, CCom *&)> int connectBy(Line &line) {
+template <bool (*handler)(int, char **, int &, CCom *&)>
+int connectBy(Line &line) {
     return statusOf(handler(line.argc, line.argv, line.index, m_obCCom), OP_CONNECT_FAILD);
 }
 
-template <int (*handler)(int, char **, int &, CCom *)> int act(Line &line) {
+template <int (*handler)(int, char **, int &, CCom *)>
+int act(Line &line) {
     return handler(line.argc, line.argv, line.index, m_obCCom);
 }
 
-template <bool (*handler)(int, char **, int &, CCom *), int failure> int act(Line &line) {
+template <bool (*handler)(int, char **, int &, CCom *), int failure>
+int act(Line &line) {
     return statusOf(handler(line.argc, line.argv, line.index, m_obCCom), failure);
 }
 
@@ -76,29 +79,25 @@ const Option options[] = {
 };
 
 int runOption(const std::string &word, Line &line) {
-    for (const Option &option : options) {
-        if (word == option.word) {
+    for (const Option &option : options)
+        if (word == option.word)
             return option.run(line);
-        }
-    }
     WriteInforAndWaitInput("bad parameter " + word);
     return OP_BAD_PARAM;
 }
 
 int refuseWord(const Line &line, const std::string &word) {
     // MEANT: silent on the last word, which is what a sub-option without its value at the end of the line is.
-    if (line.index < line.argc - 1) {
+    if (line.index < line.argc - 1)
         printLine("bad parameter " + word);
-    }
     return OP_BAD_PARAM;
 }
 
 } // namespace
 
 void closeLink(CCom *obCCom) {
-    if (obCCom != nullptr && obCCom->IsOpen()) {
+    if (obCCom != nullptr && obCCom->IsOpen())
         obCCom->Close();
-    }
 }
 
 int walkCommandLine(int argc, char **argv) {

@@ -7,14 +7,14 @@
 
 namespace {
 
-const char *const optionWords[] = {"-?", "-dfu", "-com", "-i2c", "-can", "-spi", "-e",     "-p",
+const char *const optionWords[] = {"-?", "-dfu", "-com", "-i2c", "-can", "-spi",    "-e",  "-p",
                                    "-d", "-u",   "-o",   "-usd", "-r",   "-enspim", "-otp"};
 
 // MEANT: "--a" is a word that no option knows, although the usage text promises it; it swallows its value.
-const char *const subOptionWords[] = {
-    "--pn",   "--br",   "--db",   "--pr",   "--to",   "--auto", "--all",   "--sec", "--erp", "--drp", "--ewp",
-    "--dwp",  "--efap", "--efap1", "--efap2", "--dfap", "--eepp", "--depp", "--a",   "--addr", "--rate", "--dc",
-    "--speed", "--fn",   "--v",    "--o",    "--get",  "--set",  "--ft",    "--fs",  "--fda", "--remap"};
+const char *const subOptionWords[] = {"--pn",   "--br",   "--db",  "--pr",   "--to",   "--auto",  "--all",   "--sec",
+                                      "--erp",  "--drp",  "--ewp", "--dwp",  "--efap", "--efap1", "--efap2", "--dfap",
+                                      "--eepp", "--depp", "--a",   "--addr", "--rate", "--dc",    "--speed", "--fn",
+                                      "--v",    "--o",    "--get", "--set",  "--ft",   "--fs",    "--fda",   "--remap"};
 
 } // namespace
 

@@ -1,9 +1,9 @@
-#include <QCoreApplication>
-
 #include <clocale>
 #include <csignal>
 #include <string>
 #include <vector>
+
+#include <QCoreApplication>
 
 #include "app/Report.h"
 #include "app/Usage.h"

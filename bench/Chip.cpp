@@ -3,14 +3,15 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
+
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace bench {
@@ -22,10 +23,10 @@ std::vector<std::string> portWords(Place place, const std::string &port) {
     switch (place) {
     case Place::usart: return {"--usart", port};
     case Place::slcan: return {"--slcan", port};
-    case Place::can:   return {"--can", "can0"};
-    case Place::i2c:   return {"--i2c", "i2c-1"};
-    case Place::spi:   return {"--spi", "spidev0.0"};
-    case Place::dfu:   return {"--dfu"};
+    case Place::can: return {"--can", "can0"};
+    case Place::i2c: return {"--i2c", "i2c-1"};
+    case Place::spi: return {"--spi", "spidev0.0"};
+    case Place::dfu: return {"--dfu"};
     }
     return {};
 }
@@ -54,8 +55,9 @@ Chip::Chip(Place place, const std::string &programs) : m_place(place), m_program
     if (m_place == Place::can) {
         // Opened for both directions, so that the bus never sees its end.
         ::mkfifo((m_dir + "/commands").c_str(), 0600);
-        m_bus = start({"sh", "-c", "exec \"$0\" \"$1\" 250000 <>\"$2\"", m_programs + "/doubles/can-bus", m_dir + "/can0",
-                       m_dir + "/commands"}, "/bus");
+        m_bus = start({"sh", "-c", "exec \"$0\" \"$1\" 250000 <>\"$2\"", m_programs + "/doubles/can-bus",
+                       m_dir + "/can0", m_dir + "/commands"},
+                      "/bus");
         while (contentOf(m_dir + "/bus").empty())
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }

@@ -84,13 +84,15 @@ void writeBinary(const std::string &path) {
 
 void writeScattered(const std::string &path) {
     HexWriter hex(path);
-    visitShuffled(ScatteredRuns, [&](std::size_t i) { hex.write(static_cast<std::uint32_t>(i * 256), ScatteredRunSize); });
+    visitShuffled(ScatteredRuns,
+                  [&](std::size_t i) { hex.write(static_cast<std::uint32_t>(i * 256), ScatteredRunSize); });
 }
 
 void writeShuffled(const std::string &path) {
     constexpr std::size_t Record = 16;
     HexWriter hex(path);
-    visitShuffled(ImageSize / Record, [&](std::size_t i) { hex.write(static_cast<std::uint32_t>(i * Record), Record); });
+    visitShuffled(ImageSize / Record,
+                  [&](std::size_t i) { hex.write(static_cast<std::uint32_t>(i * Record), Record); });
 }
 
 } // namespace bench

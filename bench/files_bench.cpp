@@ -33,10 +33,10 @@ struct Options {
 struct Case {
     const char *name;
     std::string input;
-    std::string suffix; // of the output
+    std::string suffix;                      // of the output
     std::vector<std::string> objcopyFormats; // empty: not compared
-    double goal;        // times as fast as objcopy, 0: none
-    double bareGoal;    // at most so many times the bare read and write, 0: none
+    double goal;                             // times as fast as objcopy, 0: none
+    double bareGoal;                         // at most so many times the bare read and write, 0: none
     double imageMegabytes;
 };
 
@@ -71,7 +71,8 @@ public:
 private:
     std::string file(const std::string &name) const { return m_dir + "/" + name; }
     void makeInputs() const;
-    std::vector<std::string> objcopyCommand(const std::vector<std::string> &formats, const std::string &in, const std::string &out) const;
+    std::vector<std::string> objcopyCommand(const std::vector<std::string> &formats, const std::string &in,
+                                            const std::string &out) const;
     Result measure(const Case &one) const;
     bool isRight(const Case &one, const std::string &ours, const std::string &theirs) const;
 
@@ -80,7 +81,8 @@ private:
     std::string m_programs;
 };
 
-std::vector<std::string> Bench::objcopyCommand(const std::vector<std::string> &formats, const std::string &in, const std::string &out) const {
+std::vector<std::string> Bench::objcopyCommand(const std::vector<std::string> &formats, const std::string &in,
+                                               const std::string &out) const {
     std::vector<std::string> command{m_options.objcopy, "--gap-fill", "0xFF"};
     command.insert(command.end(), formats.begin(), formats.end());
     command.push_back(in);
@@ -93,7 +95,8 @@ void Bench::makeInputs() const {
     bench::writeScattered(file("scattered.hex"));
     bench::writeShuffled(file("shuffled.hex"));
     for (const auto &[format, name] : {std::pair<std::string, std::string>{"ihex", "image.hex"}, {"srec", "image.s19"}})
-        bench::runProcess(objcopyCommand({"-I", "binary", "-O", format, "--change-addresses", "0x08000000"}, file("image.bin"), file(name)));
+        bench::runProcess(objcopyCommand({"-I", "binary", "-O", format, "--change-addresses", "0x08000000"},
+                                         file("image.bin"), file(name)));
 }
 
 Result Bench::measure(const Case &one) const {
@@ -109,7 +112,8 @@ Result Bench::measure(const Case &one) const {
         keepBest(result.ours, bench::runProcess({m_programs + "/zv32-imgconv", in, ours}));
         if (!one.objcopyFormats.empty())
             keepBest(result.objcopy, bench::runProcess(objcopyCommand(one.objcopyFormats, in, theirs)));
-        keepBest(result.bare, bench::runProcess({m_programs + "/bare-copy", in, bare, std::to_string(fs::file_size(ours))}));
+        keepBest(result.bare,
+                 bench::runProcess({m_programs + "/bare-copy", in, bare, std::to_string(fs::file_size(ours))}));
     }
     result.right = isRight(one, ours, theirs);
     return result;
@@ -135,12 +139,13 @@ void print(const Case &one, const Result &result) {
     if (one.objcopyFormats.empty())
         std::printf("  objcopy        -                ");
     else
-        std::printf("  objcopy %8.1f ms %5.1f x (%g)%s", result.objcopy.milliseconds, ratio, one.goal, verdict(one.goal, ratio >= one.goal));
+        std::printf("  objcopy %8.1f ms %5.1f x (%g)%s", result.objcopy.milliseconds, ratio, one.goal,
+                    verdict(one.goal, ratio >= one.goal));
     std::printf("  bare %6.1f ms %4.2f x", result.bare.milliseconds, overBare);
     if (one.bareGoal > 0)
         std::printf(" (%g)%s", one.bareGoal, verdict(one.bareGoal, overBare <= one.bareGoal));
-    std::printf("  peak %5.1f MB (%.1f)%s%s\n", result.ours.peakMegabytes, memory, verdict(memory, result.ours.peakMegabytes <= memory),
-                result.right ? "" : "  WRONG RESULT");
+    std::printf("  peak %5.1f MB (%.1f)%s%s\n", result.ours.peakMegabytes, memory,
+                verdict(memory, result.ours.peakMegabytes <= memory), result.right ? "" : "  WRONG RESULT");
     std::fflush(stdout);
 }
 

@@ -75,13 +75,11 @@ int measure(const Wishes &wishes) {
     const HANDLE link = connect(wishes);
     demand(ZVBL_ERASE(link, 0xFFFE, nullptr, 0), "ZVBL_ERASE");
     const auto length = static_cast<unsigned>(data.size());
-    const double download = bytesPerSecond(data.size(), [&] {
-        demand(ZVBL_DNLOAD(link, flash, data.data(), length, 0), "ZVBL_DNLOAD");
-    });
+    const double download =
+        bytesPerSecond(data.size(), [&] { demand(ZVBL_DNLOAD(link, flash, data.data(), length, 0), "ZVBL_DNLOAD"); });
     std::vector<unsigned char> back(data.size());
-    const double upload = bytesPerSecond(data.size(), [&] {
-        demand(ZVBL_UPLOAD(link, flash, back.data(), length), "ZVBL_UPLOAD");
-    });
+    const double upload =
+        bytesPerSecond(data.size(), [&] { demand(ZVBL_UPLOAD(link, flash, back.data(), length), "ZVBL_UPLOAD"); });
     demand(Interface_Close(link), "Interface_Close");
     std::printf("%.1f %.1f\n", download, upload);
     return back == data ? 0 : 1;

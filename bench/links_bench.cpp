@@ -11,8 +11,9 @@
 #include <exception>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
 #include <vector>
+
+#include <unistd.h>
 
 #include "bench/Ceiling.h"
 #include "bench/Chip.h"
@@ -33,13 +34,33 @@ struct Row {
 std::vector<Row> rows() {
     using namespace bench;
     return {
-        {"USART, 115,200 baud", Place::usart, {"0", "PORT", "115200", "0", "0", "64"}, usartCeiling(115200), 0.98, 0.98},
-        {"USART, 1,000,000 baud", Place::usart, {"0", "PORT", "1000000", "0", "0", "256"}, usartCeiling(1000000), 0.90, 0.94},
+        {"USART, 115,200 baud",
+         Place::usart,
+         {"0", "PORT", "115200", "0", "0", "64"},
+         usartCeiling(115200),
+         0.98,
+         0.98},
+        {"USART, 1,000,000 baud",
+         Place::usart,
+         {"0", "PORT", "1000000", "0", "0", "256"},
+         usartCeiling(1000000),
+         0.90,
+         0.94},
         {"I2C, 400,000 Hz", Place::i2c, {"2", "i2c-1", "115200", "0", "0", "64"}, i2cCeiling(400000), 0, 0},
         {"SPI, 150,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "0", "0", "32"}, spiCeiling(150000), 0, 0},
-        {"SPI, 1,000,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "1000000", "0", "128"}, spiCeiling(1000000), 0, 0},
+        {"SPI, 1,000,000 Hz",
+         Place::spi,
+         {"4", "spidev0.0", "115200", "1000000", "0", "128"},
+         spiCeiling(1000000),
+         0,
+         0},
         {"CAN adapter, 250,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "0", "32"}, canCeiling(250000), 0, 0},
-        {"CAN adapter, 1,000,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "1000000", "64"}, canCeiling(1000000), 0, 0},
+        {"CAN adapter, 1,000,000 bit/s",
+         Place::slcan,
+         {"3", "PORT", "115200", "2", "1000000", "64"},
+         canCeiling(1000000),
+         0,
+         0},
         {"SocketCAN, 250,000 bit/s", Place::can, {"3", "can0", "115200", "2", "0", "32"}, canCeiling(250000), 0, 0},
         {"USB DFU, full speed", Place::dfu, {"1", "-", "0", "0", "0", "512"}, dfuCeiling(), 0, 0},
     };

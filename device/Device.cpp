@@ -1,9 +1,10 @@
 #include "device/Device.h"
 
+#include <vector>
+
 #include <QDir>
 #include <QSettings>
 #include <QVariant>
-#include <vector>
 
 #include "foundation/ShareParameter.h"
 
@@ -30,9 +31,8 @@ FamilyFacts factsOf(const std::string &serial) {
 QStringList mapFiles() {
     const QStringList filter(QStringLiteral("*.ZVmap"));
     QStringList files;
-    for (const QString &name : QDir(mapDirectory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name)) {
+    for (const QString &name : QDir(mapDirectory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name))
         files.append(mapDirectory + name);
-    }
     return files;
 }
 
@@ -89,9 +89,8 @@ QString CZV32F4Device::matchingMapFile(const std::string &pid, const std::string
         // MEANT: substrings by exact case, so that one file may list several chips in one value; an empty
         // text matches every file, and the flash size plays no part.
         if (ZVmapReadValue(product, QStringLiteral("PID"), file).contains(QString::fromStdString(pid)) &&
-            ZVmapReadValue(product, QStringLiteral("Serial"), file).contains(QString::fromStdString(serial))) {
+            ZVmapReadValue(product, QStringLiteral("Serial"), file).contains(QString::fromStdString(serial)))
             return file;
-        }
     }
     return QString();
 }
@@ -116,11 +115,9 @@ CDeviceManager::~CDeviceManager() {
 }
 
 CDevice *CDeviceManager::GetDevice(std::string strPID, std::string strSerial, int iFlashSize) {
-    for (CDevice *known : m_lsCDevice) {
-        if (known->m_StrPID == strPID && known->m_IFlashSize == iFlashSize && known->m_StrSerial == strSerial) {
+    for (CDevice *known : m_lsCDevice)
+        if (known->m_StrPID == strPID && known->m_IFlashSize == iFlashSize && known->m_StrSerial == strSerial)
             return known;
-        }
-    }
     auto *device = new CZV32F4Device(strPID, strSerial, iFlashSize);
     if (!device->IsDevicePID(strPID, strSerial)) {
         delete device->m_CMapping;

@@ -1,17 +1,18 @@
 #pragma once
 
+#include <string>
+
 #include <QList>
 #include <QString>
-#include <string>
 
 #include "device/Mapping.h"
 
 // What the connected chip is: name, sizes, memory map and where its option data lies.
 class CDevice {
 public:
-    CMapping *m_CMapping;   // never destroyed with the description
-    std::string m_StrPID;   // as asked for
-    std::string m_StrSerial; // the family, two upper-case hexadecimal digits
+    CMapping *m_CMapping;     // never destroyed with the description
+    std::string m_StrPID;     // as asked for
+    std::string m_StrSerial;  // the family, two upper-case hexadecimal digits
     unsigned int m_BlockSize; // bytes; 0 where there is no block erase
     std::string m_StrBID;
     std::string m_StrName;

@@ -8,11 +8,11 @@
 #include "foundation/LibraryTypes.h"
 
 typedef struct {
-    char Name[256];         // null-terminated
+    char Name[256]; // null-terminated
     DWORD dwStartAddress;
     DWORD dwAliasedAddress;
     DWORD dwSectorIndex;
-    DWORD dwSectorSize;     // bytes
+    DWORD dwSectorSize; // bytes
     BYTE bSectorType;
     bool UseForOperation;
     bool UseForErase;
@@ -74,7 +74,7 @@ unsigned int FILES_SetImageElement(HANDLE image, unsigned int index, BYTE insert
 
 // Reads a ZVmap file. With a null mapping it sets the count, name and packet size only; with one whose
 // pSectors has room for that many it fills the records. 0 is success.
-unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name, short *packetSize,
-                                    PMAPPING mapping, BYTE *sectorsPerSector);
+unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name, short *packetSize, PMAPPING mapping,
+                                    BYTE *sectorsPerSector);
 }
 #pragma GCC visibility pop

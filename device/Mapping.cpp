@@ -1,10 +1,11 @@
 #include "device/Mapping.h"
 
-#include <QFile>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
+
+#include <QFile>
 
 namespace {
 
@@ -37,19 +38,16 @@ int CMapping::GetSectorNums() const {
 }
 
 int CMapping::GetSectorIndex(unsigned int uiAddress) const {
-    for (unsigned int i = 0; i < m_AMappingSectorNum; ++i) {
-        if (m_AMappingSector[i].dwStartAddress == uiAddress) {
+    for (unsigned int i = 0; i < m_AMappingSectorNum; ++i)
+        if (m_AMappingSector[i].dwStartAddress == uiAddress)
             return static_cast<int>(i);
-        }
-    }
     return -1;
 }
 
 void CMapping::MemoryMapping() {
     const std::string path = "./Map/" + m_StrMapFile;
-    if (m_ipMapping == nullptr || !QFile::exists(QString::fromStdString(path))) {
+    if (m_ipMapping == nullptr || !QFile::exists(QString::fromStdString(path)))
         return;
-    }
     std::vector<char> name(nameBufferSize, '\0');
     short count = 0;
     BYTE sectorsPerSector = 0;
@@ -59,13 +57,11 @@ void CMapping::MemoryMapping() {
     const unsigned int status =
         FILES_GetMemoryMapping(path.c_str(), &count, name.data(), &m_sPacketSize, m_ipMapping, &sectorsPerSector);
     // Here 0 is success, unlike in every other function of the library.
-    if (status != 0) {
+    if (status != 0)
         return;
-    }
     m_scMapping = *m_ipMapping;
-    if (m_scMapping.pSectors != nullptr) {
+    if (m_scMapping.pSectors != nullptr)
         std::memcpy(m_AMappingSector, m_scMapping.pSectors, static_cast<std::size_t>(room) * sizeof(MAPPINGSECTOR));
-    }
 }
 
 // Every record starts zeroed, so that a failing second read leaves nothing undefined.

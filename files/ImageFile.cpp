@@ -27,9 +27,8 @@ HANDLE duplicateImage(HANDLE source, const std::string &name) {
     HANDLE copy = nullptr;
     bool good = FILES_GetImageNbElement(source, &count) == CFiles::FILES_NOERROR &&
                 FILES_CreateImage(&copy, 1) == CFiles::FILES_NOERROR;
-    if (good) {
+    if (good)
         FILES_SetImageName(copy, name.c_str());
-    }
     for (unsigned int i = 0; good && i < count; ++i) {
         IMAGEELEMENT element = {};
         good = FILES_GetImageElement(source, i, &element) == CFiles::FILES_NOERROR;
@@ -69,15 +68,13 @@ void CFiles::copyFrom(const CFiles &other) {
     m_StrPath = other.m_StrPath;
     m_UiFileSize = other.m_UiFileSize;
     m_uiFileStatus = other.m_uiFileStatus;
-    if (other.m_pImage != nullptr) {
+    if (other.m_pImage != nullptr)
         m_pImage = duplicateImage(other.m_pImage, other.m_StrPath);
-    }
     for (IMAGEELEMENT element : other.m_lsElement) {
         const BYTE *bytes = element.Data;
         element.Data = bytes == nullptr ? nullptr : allocate(element.dwDataLength);
-        if (element.Data != nullptr) {
+        if (element.Data != nullptr)
             std::memcpy(element.Data, bytes, element.dwDataLength);
-        }
         m_lsElement.append(element);
     }
 }
@@ -95,24 +92,21 @@ bool CFiles::HasOpen() {
 }
 
 void CFiles::FreeImageElement() {
-    for (const IMAGEELEMENT &element : m_lsElement) {
+    for (const IMAGEELEMENT &element : m_lsElement)
         std::free(element.Data);
-    }
     m_lsElement.clear();
 }
 
 int CFiles::Open(std::string strPath, CDevice *) {
-    if (HasOpen()) {
+    if (HasOpen())
         Close();
-    }
     m_Type = ParseFileType(strPath);
     return CResult::SUCCESS;
 }
 
 int CFiles::Create(CDevice *) {
-    if (HasOpen()) {
+    if (HasOpen())
         Close();
-    }
     return CResult::SUCCESS;
 }
 
@@ -126,9 +120,8 @@ int CFiles::GetElementCount() {
 }
 
 PIMAGEELEMENT CFiles::GetElement() {
-    if (!HasOpen() || m_lsElement.isEmpty() || m_CurrentElementIndex + 1 >= m_lsElement.count()) {
+    if (!HasOpen() || m_lsElement.isEmpty() || m_CurrentElementIndex + 1 >= m_lsElement.count())
         return nullptr;
-    }
     ++m_CurrentElementIndex;
     IMAGEELEMENT &element = m_lsElement[m_CurrentElementIndex];
     m_uiFileStatus += static_cast<unsigned int>(element.dwDataLength);
@@ -136,12 +129,10 @@ PIMAGEELEMENT CFiles::GetElement() {
 }
 
 int CFiles::SetElement(bool bInsert) {
-    if (!HasOpen()) {
+    if (!HasOpen())
         return CResult::FILES_NOTOPEN;
-    }
-    if (m_CurrentElementIndex < 0 || m_CurrentElementIndex >= m_lsElement.count()) {
+    if (m_CurrentElementIndex < 0 || m_CurrentElementIndex >= m_lsElement.count())
         return CResult::SUCCESS;
-    }
     return CResult::Convert(FILES_SetImageElement(m_pImage, static_cast<unsigned int>(m_CurrentElementIndex),
                                                   bInsert ? 1 : 0, m_lsElement.at(m_CurrentElementIndex)));
 }
@@ -152,23 +143,19 @@ int CFiles::SetElement() {
 
 int CFiles::GetStartAddress(unsigned int *uiAddress) {
     *uiAddress = 0;
-    if (!HasOpen()) {
+    if (!HasOpen())
         return CResult::FILES_NOTOPEN;
-    }
-    if (!m_lsElement.isEmpty()) {
+    if (!m_lsElement.isEmpty())
         *uiAddress = static_cast<unsigned int>(m_lsElement.first().dwAddress);
-    }
     return CResult::SUCCESS;
 }
 
 int CFiles::Save(std::string strPath) {
-    if (!HasOpen()) {
+    if (!HasOpen())
         return CResult::FILES_NOTOPEN;
-    }
     const unsigned int status = FILES_ImageToFile(strPath.c_str(), m_pImage);
-    if (status == FILES_NOERROR) {
+    if (status == FILES_NOERROR)
         m_Type = ParseFileType(strPath);
-    }
     return CResult::Convert(status);
 }
 
@@ -184,20 +171,17 @@ void CFiles::Close() {
 
 Type CFiles::ParseFileType(std::string strPath) {
     const std::string path = ShareParameter::ToLower(strPath);
-    for (const Suffix &suffix : suffixes) {
-        if (path.find(suffix.text) != std::string::npos) {
+    for (const Suffix &suffix : suffixes)
+        if (path.find(suffix.text) != std::string::npos)
             return suffix.type;
-        }
-    }
     return UNKNOWN;
 }
 
 unsigned int CFiles::appendElement(unsigned int index) {
     IMAGEELEMENT element = {};
     unsigned int status = FILES_GetImageElement(m_pImage, index, &element);
-    if (status != FILES_NOERROR) {
+    if (status != FILES_NOERROR)
         return status;
-    }
     element.Data = allocate(element.dwDataLength);
     status = element.Data == nullptr ? FILES_UNEXPECTEDERROR : FILES_GetImageElement(m_pImage, index, &element);
     if (status != FILES_NOERROR) {

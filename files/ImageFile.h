@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QList>
 #include <string>
+
+#include <QList>
 
 #include "device/Device.h"
 #include "device/FilesInc.h"
@@ -38,13 +39,13 @@ public:
     static constexpr unsigned int STPRT_RETRYERROR = 0x1234500C;
     static constexpr unsigned int STPRT_UNSUPPORTEDFEATURE = 0x1234500D;
 
-    HANDLE m_pImage = nullptr;         // null when nothing is open
-    QList<IMAGEELEMENT> m_lsElement;   // each Data is a malloc block of the list's own
-    int m_CurrentElementIndex = -1;    // -1 before the first element
+    HANDLE m_pImage = nullptr;       // null when nothing is open
+    QList<IMAGEELEMENT> m_lsElement; // each Data is a malloc block of the list's own
+    int m_CurrentElementIndex = -1;  // -1 before the first element
     Type m_Type = UNKNOWN;
     std::string m_StrPath;
-    unsigned int m_UiFileSize = 0;     // bytes of all elements
-    unsigned int m_uiFileStatus = 0;   // bytes of the elements handed out so far
+    unsigned int m_UiFileSize = 0;   // bytes of all elements
+    unsigned int m_uiFileStatus = 0; // bytes of the elements handed out so far
 
     CFiles() = default;
     // A copy has an image and element bytes of its own. If the library gives it no image, it is closed.

@@ -15,8 +15,8 @@ bool hasMap(const CDevice *device) {
 // count as 2 KB.
 int flashSectorsOf(const CDevice &device) {
     const CMapping &map = *device.m_CMapping;
-    const bool oneKilobyte = map.m_AMappingSectorNum != 0 && map.m_AMappingSector != nullptr &&
-                             map.m_AMappingSector[0].dwSectorSize == 1024;
+    const bool oneKilobyte =
+        map.m_AMappingSectorNum != 0 && map.m_AMappingSector != nullptr && map.m_AMappingSector[0].dwSectorSize == 1024;
     return oneKilobyte ? device.m_IFlashSize : device.m_IFlashSize / 2;
 }
 
@@ -41,48 +41,39 @@ bool CProgramFile::IsCreateAllSectors() {
 
 int CProgramFile::Open(std::string strPath, CDevice *obDevice) {
     CFiles::Open(strPath, obDevice);
-    if (!hasMap(obDevice)) {
+    if (!hasMap(obDevice))
         return CResult::UNKNOWN_ERROR;
-    }
     unsigned int status = FILES_ImageFromFile(strPath.c_str(), &m_pImage, 1);
-    if (status != FILES_NOERROR) {
+    if (status != FILES_NOERROR)
         return CResult::Convert(status);
-    }
     status = FILES_SetImageName(m_pImage, strPath.c_str());
-    if (status != FILES_NOERROR) {
+    if (status != FILES_NOERROR)
         return CResult::Convert(status);
-    }
     // MEANT: an image that cannot be cut is used as it is.
     FILES_FilterImageForOperation(m_pImage, obDevice->m_CMapping->GetIpMapping(), 2, m_bOptimize ? 1 : 0);
     unsigned int count = 0;
     status = FILES_GetImageNbElement(m_pImage, &count);
-    if (status == FILES_NOERROR) {
+    if (status == FILES_NOERROR)
         status = collectAll(count);
-    }
-    if (status == FILES_NOERROR) {
+    if (status == FILES_NOERROR)
         m_StrPath = strPath;
-    }
     return CResult::Convert(status);
 }
 
 int CProgramFile::Create(CDevice *obDevice) {
     CFiles::Create(obDevice);
-    if (!hasMap(obDevice)) {
+    if (!hasMap(obDevice))
         return CResult::UNKNOWN_ERROR;
-    }
     unsigned int status = FILES_CreateImageFromMapping(&m_pImage, obDevice->m_CMapping->GetIpMapping(),
                                                        static_cast<unsigned int>(m_bank3SzieForCreate));
-    if (status != FILES_NOERROR) {
+    if (status != FILES_NOERROR)
         return CResult::Convert(status);
-    }
     unsigned int count = 0;
     status = FILES_GetImageNbElement(m_pImage, &count);
-    if (status != FILES_NOERROR) {
+    if (status != FILES_NOERROR)
         return CResult::Convert(status);
-    }
-    if (IsCreateAllSectors()) {
+    if (IsCreateAllSectors())
         return CResult::Convert(collectAll(count));
-    }
     status = collectChosen(count, flashSectorsOf(*obDevice));
     return CResult::Convert(status == FILES_NOERROR ? replaceImage() : status);
 }
@@ -93,9 +84,8 @@ int CProgramFile::SetElement() {
 
 unsigned int CProgramFile::collectAll(unsigned int count) {
     unsigned int status = FILES_NOERROR;
-    for (unsigned int i = 0; status == FILES_NOERROR && i < count; ++i) {
+    for (unsigned int i = 0; status == FILES_NOERROR && i < count; ++i)
         status = appendElement(i);
-    }
     return status;
 }
 

@@ -6,9 +6,9 @@
 class CProgramFile final : public CFiles {
 public:
     bool m_bOptimize = false;
-    QList<int> m_aSectorIndexs;    // sectors wanted by the next Create, in rising order; 32768 and up: SPIM
-    int m_iSectorNum = 0;          // how many of them count
-    int m_bank3SzieForCreate = 0;  // KB
+    QList<int> m_aSectorIndexs;   // sectors wanted by the next Create, in rising order; 32768 and up: SPIM
+    int m_iSectorNum = 0;         // how many of them count
+    int m_bank3SzieForCreate = 0; // KB
 
     // Whether Open takes out what is 0xFF.
     void SetOptimizeForOpen(bool bOptimize);

@@ -66,7 +66,8 @@ constexpr CodeMessage codeMessages[] = {
     {CResult::SLIB_ENABLE_NOTSETEOPB0_ERROR, ZV403A_EOPB0_Notset_Info},
 };
 
-template <typename Status> struct Fold {
+template <typename Status>
+struct Fold {
     Status status;
     int code;
 };
@@ -88,6 +89,7 @@ constexpr Fold<int> linkStatuses[] = {
     {0x23, CResult::PROGRAM_LIB_LOADING_ERROR},
 };
 
+// clang-format off
 constexpr Fold<unsigned int> fileStatuses[] = {
     {0x12340000, CResult::SUCCESS},
     {2, CResult::FILES_BADSUFFIX},
@@ -101,13 +103,13 @@ constexpr Fold<unsigned int> fileStatuses[] = {
     {14, CResult::FILES_NOTOPEN},
     {15, CResult::FILES_SETELEMENTFULL},
 };
+// clang-format on
 
-template <typename Status, std::size_t N> int lookUp(const Fold<Status> (&folds)[N], Status status) {
-    for (const auto &fold : folds) {
-        if (fold.status == status) {
+template <typename Status, std::size_t N>
+int lookUp(const Fold<Status> (&folds)[N], Status status) {
+    for (const auto &fold : folds)
+        if (fold.status == status)
             return fold.code;
-        }
-    }
     return CResult::UNKNOWN_ERROR;
 }
 
@@ -123,11 +125,9 @@ int CResult::Convert(unsigned int code) {
 }
 
 std::string CResult::GetInfoStringName(int code) {
-    for (const auto &row : codeMessages) {
-        if (row.code == code) {
+    for (const auto &row : codeMessages)
+        if (row.code == code)
             return row.message;
-        }
-    }
     return Info_UnknownError;
 }
 

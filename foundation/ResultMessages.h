@@ -13,11 +13,10 @@ inline constexpr char Info_Com_NotOpen[] = "Serial port hasn't been opened yet!"
 inline constexpr char Info_Com_AlreadyOpen[] = "Serial port already opened!";
 inline constexpr char Info_Com_CantOpen[] = "Failed to open serial port!";
 inline constexpr char Info_Com_SendFail[] = "send over serial port fail!";
-inline constexpr char Info_NoResponse[] =
-    "No response from the device...\n"
-    "Please verify the boot mode configuration.\n"
-    "Check the UART cable.\n"
-    "Reset the device then run again.";
+inline constexpr char Info_NoResponse[] = "No response from the device...\n"
+                                          "Please verify the boot mode configuration.\n"
+                                          "Check the UART cable.\n"
+                                          "Reset the device then run again.";
 inline constexpr char Info_UnRecognizedDevice[] = "Unrecognized device...\nPlease, reset your device then try again.";
 inline constexpr char Info_AccessProtection[] = "The device is access protection!";
 inline constexpr char Info_EraseProgramProtection[] = "The device is erase and program protection!";
@@ -101,10 +100,12 @@ inline constexpr char Info_Operation_RP_D_Message[] =
 inline constexpr char Info_Operation_WP_D_Message[] = "Are you sure to disable the erase and program protection?";
 inline constexpr char Info_Operation_RP_E_Message[] = "Are you sure to enable the access protection?";
 inline constexpr char Info_Operation_WP_E_Message[] = "Are you sure to enable the erase and program protection?";
-inline constexpr char Disconnect_Error_Info[] = "Device has disconnected" "\xA1\xA3";
-inline constexpr char No_Flash_Error_Info[] = "Can't get the info of flash" "\xA1\xA3";
-inline constexpr char Connt_OpenMapTable_Error_Info[] =
-    "Device is invalid or can't open the ZVmap table of device" "\xA1\xA3";
+inline constexpr char Disconnect_Error_Info[] = "Device has disconnected"
+                                                "\xA1\xA3";
+inline constexpr char No_Flash_Error_Info[] = "Can't get the info of flash"
+                                              "\xA1\xA3";
+inline constexpr char Connt_OpenMapTable_Error_Info[] = "Device is invalid or can't open the ZVmap table of device"
+                                                        "\xA1\xA3";
 inline constexpr char MultiPort_InitDevice_Info[] = "Initializing...";
 inline constexpr char Download_Erase_Block_Option_Info[] = "Erase the blocks of file size";
 inline constexpr char Download_Erase_No_Option_Info[] = "No Erase";
@@ -112,7 +113,8 @@ inline constexpr char Download_Erase_Global_Option_Info[] = "Global Erase";
 inline constexpr char Info_Operation_SRP_E_Warning_Message[] =
     "Are you sure to enable the senior access protection? This MCU can only be set once and will never be "
     "disabled after setting.";
-inline constexpr char Protection_Selection_Error_Info[] = "Selection error" "\xA3\xA1";
+inline constexpr char Protection_Selection_Error_Info[] = "Selection error"
+                                                          "\xA3\xA1";
 
 // Keys of result codes that print as themselves.
 TEXT_IS_KEY(Info_No_DFUDevice);

@@ -1,10 +1,11 @@
 #include "foundation/ShareParameter.h"
 
-#include <QString>
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <stdexcept>
+
+#include <QString>
 
 ShareParameter g_shareParameter;
 
@@ -23,18 +24,15 @@ int ShareParameter::IntParse(std::string value) {
 }
 
 std::string ShareParameter::FilePathLengthProcess(std::string filePath, int maxLen) {
-    if (filePath.empty()) {
+    if (filePath.empty())
         throw std::logic_error("an empty path has no short form");
-    }
     QString text = QString::fromStdString(filePath);
-    if (text.length() < maxLen) {
+    if (text.length() < maxLen)
         return filePath;
-    }
     QStringList parts = text.split('/');
     for (int n = 2; text.length() > maxLen; ++n) {
-        if (n > parts.count()) {
+        if (n > parts.count())
             throw std::out_of_range("no directory is left to shorten");
-        }
         if (n == parts.count()) {
             // MEANT: keeps as many characters as the path is too long by, and two, not what would fit.
             const qint64 kept = qint64(text.length()) - maxLen + 2;
@@ -50,19 +48,16 @@ std::string ShareParameter::FilePathLengthProcess(std::string filePath, int maxL
 QStringList ShareParameter::SplitLength(std::string sourceString, int length) {
     const QString text = QString::fromStdString(sourceString).trimmed();
     QStringList pieces;
-    if (length < 1) {
+    if (length < 1)
         return pieces;
-    }
-    for (int position = 0; position < text.length(); position += std::min(length, text.length() - position)) {
+    for (int position = 0; position < text.length(); position += std::min(length, text.length() - position))
         pieces.append(text.mid(position, length));
-    }
     return pieces;
 }
 
 int ShareParameter::ParityToInt(std::string parity) {
-    if (parity == "NONE") {
+    if (parity == "NONE")
         return 0;
-    }
     return parity == "ODD" ? 1 : 2;
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QList>
-#include <QStringList>
 #include <cstddef>
 #include <string>
+
+#include <QList>
+#include <QStringList>
 
 #include "foundation/LibraryTypes.h"
 
@@ -172,12 +173,12 @@ public:
     int c_timeout = 0; // seconds
     bool c_autoConnectFlag = false;
     int c_autoConnectOption = 0;
-    unsigned int addr = 0;         // I2C address
-    unsigned int rate = 0;         // I2C rate
-    unsigned int dc = 0;           // I2C duty cycle selector
-    unsigned int uiCANSpeed = 0;   // CAN speed
-    unsigned long ulSPISpeed = 0;  // SPI speed
-    unsigned int c_address = 0;    // for download or run
+    unsigned int addr = 0;        // I2C address
+    unsigned int rate = 0;        // I2C rate
+    unsigned int dc = 0;          // I2C duty cycle selector
+    unsigned int uiCANSpeed = 0;  // CAN speed
+    unsigned long ulSPISpeed = 0; // SPI speed
+    unsigned int c_address = 0;   // for download or run
     unsigned int c_size = 0;
     std::string c_filename;
     bool c_Verify = false;
@@ -192,8 +193,8 @@ public:
     unsigned int OTP_Data_Address = 0;
     int OTP_Data_Length = 0; // bytes
     unsigned int OTP_Lock_Address = 0;
-    int OTP_Lock_Length = 0; // bytes
-    CCom *c_obCCom = nullptr; // not owned
+    int OTP_Lock_Length = 0;             // bytes
+    CCom *c_obCCom = nullptr;            // not owned
     bool c_OperationFlag = false;        // a job is running
     bool c_OperationSucceedFlag = false; // the job that just ended succeeded
     int c_operationPersent = 0;          // last percentage printed

@@ -9,8 +9,7 @@
 static_assert(!std::is_polymorphic<CBootLoader>::value, "jobs take their port tag from the first word");
 
 CBootLoader::CBootLoader(CCom *hCCom, char typev)
-    : m_handle(hCCom->m_handle), m_pCmds(new Commands()), m_InterfaceType(typev), m_hCCOM(hCCom) {
-}
+    : m_handle(hCCom->m_handle), m_pCmds(new Commands()), m_InterfaceType(typev), m_hCCOM(hCCom) {}
 
 CBootLoader::~CBootLoader() {
     FreeOperation();

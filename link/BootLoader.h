@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QList>
-#include <QtGlobal>
 #include <string>
 #include <vector>
+
+#include <QList>
+#include <QtGlobal>
 
 #include "device/Device.h"
 #include "device/FilesInc.h"
@@ -30,19 +31,19 @@ struct EnableSlibParam;
 // word of the object.
 class CBootLoader {
 public:
-    HANDLE m_handle;                                        // copied from the link
-    Commands *m_pCmds;                                      // capability record, owned, filled by Connect
-    CDevice *m_ObDevice = nullptr;                          // owned by m_pDeviceManager, set by InitDevice
-    CUserSystemData *m_ObUserSystemData = nullptr;          // owned; null until the first read
-    CUserSystemDataFile *m_ObUserSystemDataFile = nullptr;  // owned; null until first used
-    COperation *m_ObOperation = nullptr;                    // owned: the current job
-    bool m_bHasJumpToUserProgram = false;                   // the chip left its bootloader by a jump
-    signed char m_InterfaceType;                            // as in CCom
-    int m_BID = 0;                                          // block identifier, BID byte high, reserve byte low
-    CCom *m_hCCOM;                                          // the link that owns this object
-    quint32 m_uiAddr = 0x3C;                                // I2C address
-    ulong m_ulRate = 400000;                                // I2C rate, Hz
-    BYTE m_bDutyCycle = 0;                                  // I2C duty cycle
+    HANDLE m_handle;                                       // copied from the link
+    Commands *m_pCmds;                                     // capability record, owned, filled by Connect
+    CDevice *m_ObDevice = nullptr;                         // owned by m_pDeviceManager, set by InitDevice
+    CUserSystemData *m_ObUserSystemData = nullptr;         // owned; null until the first read
+    CUserSystemDataFile *m_ObUserSystemDataFile = nullptr; // owned; null until first used
+    COperation *m_ObOperation = nullptr;                   // owned: the current job
+    bool m_bHasJumpToUserProgram = false;                  // the chip left its bootloader by a jump
+    signed char m_InterfaceType;                           // as in CCom
+    int m_BID = 0;                                         // block identifier, BID byte high, reserve byte low
+    CCom *m_hCCOM;                                         // the link that owns this object
+    quint32 m_uiAddr = 0x3C;                               // I2C address
+    ulong m_ulRate = 400000;                               // I2C rate, Hz
+    BYTE m_bDutyCycle = 0;                                 // I2C duty cycle
     quint32 m_uiCANSpeed = 2;
     ulong m_ulSPISpeed = 150000;
     CDeviceManager m_pDeviceManager;

@@ -16,6 +16,7 @@ struct AutoConnectRow {
 
 // How a board is wired: which line resets the chip, which one selects the bootloader, and the state in which
 // each does so. Row 0 moves no line and only waits.
+// clang-format off
 constexpr AutoConnectRow AutoConnectTable[] = {
     {BOOTOPTION_NONE, BOOTOPTION_NONE, LOW, HIGH},
     {BOOTOPTION_DTR, BOOTOPTION_NONE, LOW, HIGH},
@@ -31,6 +32,7 @@ constexpr AutoConnectRow AutoConnectTable[] = {
     {BOOTOPTION_RTS, BOOTOPTION_DTR, HIGH, LOW},
     {BOOTOPTION_RTS, BOOTOPTION_DTR, HIGH, HIGH},
 };
+// clang-format on
 constexpr unsigned int AutoConnectRows = sizeof AutoConnectTable / sizeof *AutoConnectTable;
 
 BootOptionState opposite(BootOptionState state) {
@@ -62,8 +64,7 @@ bool CCom::SetBootOption() {
     return SetBootOption(row.reset, row.bootSelection, row.resetState, row.bootSelectionState);
 }
 
-bool CCom::SetBootOption(BootOptionLine Reset, BootOptionLine BL, BootOptionState ResetState,
-                         BootOptionState BLState) {
+bool CCom::SetBootOption(BootOptionLine Reset, BootOptionLine BL, BootOptionState ResetState, BootOptionState BLState) {
     if (m_InterfaceType != INTERFACE_USART)
         return true;
     if (Reset == BOOTOPTION_NONE && BL != BOOTOPTION_NONE)

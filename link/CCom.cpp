@@ -99,8 +99,8 @@ void CCom::InitSupportTimeOut() {
 }
 
 bool CCom::hasLineSettings() const {
-    return m_InterfaceType == INTERFACE_USART || m_InterfaceType == INTERFACE_I2C ||
-           m_InterfaceType == INTERFACE_CAN || m_InterfaceType == INTERFACE_SPI;
+    return m_InterfaceType == INTERFACE_USART || m_InterfaceType == INTERFACE_I2C || m_InterfaceType == INTERFACE_CAN ||
+           m_InterfaceType == INTERFACE_SPI;
 }
 
 int CCom::SetSettings(int speedInBaud, int nbBit, int parity) {
@@ -116,11 +116,9 @@ int CCom::SetSettings(int speedInBaud, int nbBit, int parity) {
     return CResult::Convert(status);
 }
 
-void CCom::GetSetting(int, int, int) {
-}
+void CCom::GetSetting(int, int, int) {}
 
-void CCom::GetTimeOut(int) {
-}
+void CCom::GetTimeOut(int) {}
 
 int CCom::SetComTimeOut(int iTimeOut) {
     if (!hasLineSettings())

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QList>
 #include <string>
+
+#include <QList>
 
 #include "foundation/LibraryTypes.h"
 #include "link/BootOption.h"

@@ -15,14 +15,10 @@ int CBootLoader::Connect() {
 
 BYTE CBootLoader::startBootloader() {
     switch (m_InterfaceType) {
-    case INTERFACE_USART:
-        return startUsart();
-    case INTERFACE_I2C:
-        return ZVBL_Init_BL(m_handle, static_cast<unsigned short>(m_uiAddr), m_ulRate, m_bDutyCycle);
-    case INTERFACE_CAN:
-        return startCan();
-    case INTERFACE_SPI:
-        return ZVBL_Init_BL(m_handle, 0, m_ulSPISpeed, 0);
+    case INTERFACE_USART: return startUsart();
+    case INTERFACE_I2C: return ZVBL_Init_BL(m_handle, static_cast<unsigned short>(m_uiAddr), m_ulRate, m_bDutyCycle);
+    case INTERFACE_CAN: return startCan();
+    case INTERFACE_SPI: return ZVBL_Init_BL(m_handle, 0, m_ulSPISpeed, 0);
     default: // a USB DFU device is in its command state as soon as it is there
         return 0;
     }

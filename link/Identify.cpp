@@ -22,7 +22,7 @@ constexpr unsigned int UniqueIdLength = 12;
 
 constexpr int FlashSizeMask = 0x7C0;
 constexpr int FlashSizeShift = 6;
-constexpr int FlashSizes[] = {16,  24,  32,  48,   64,   72,   96,   128,  192, 256, 384, 512,
+constexpr int FlashSizes[] = {16,  24,   32,   48,   64,   72,   96,  128, 192,  256,  384, 512,
                               768, 1024, 1536, 2048, 4096, 5120, 192, 960, 1984, 4032, 448};
 constexpr int FlashSizeCount = sizeof FlashSizes / sizeof *FlashSizes;
 

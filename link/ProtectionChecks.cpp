@@ -1,7 +1,8 @@
 // What an action asks before it touches the chip. A check that cannot be made is never a "not protected".
 
-#include <QSet>
 #include <algorithm>
+
+#include <QSet>
 
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
@@ -34,8 +35,7 @@ bool coversOneOf(CUserSystemData &optionBytes, const QList<int> &sectors, bool h
     };
     if (!sectors.isEmpty())
         return std::any_of(sectors.begin(), sectors.end(), isProtected);
-    return std::any_of(items.begin(), items.end(),
-                       [=](int item) { return item < flashSectors || haveSpim; });
+    return std::any_of(items.begin(), items.end(), [=](int item) { return item < flashSectors || haveSpim; });
 }
 
 } // namespace
@@ -79,7 +79,7 @@ int CBootLoader::HasBeenEraseProgramProtect(QList<int> sectors) {
         return result;
     CUserSystemData optionBytes(familyNumber(), m_BID, m_ObDevice, block.data(), static_cast<quint32>(block.size()));
     return coversOneOf(optionBytes, sectors, m_ObDevice->m_haveBank3) ? CResult::SYS_ERASEPROGRAM_PROTECTION
-                                                                       : CResult::SUCCESS;
+                                                                      : CResult::SUCCESS;
 }
 
 int CBootLoader::ReadoutUnProtectNoThread() {

@@ -33,8 +33,8 @@ int CBootLoader::familyNumber() const {
 }
 
 int CBootLoader::readOptionBytes(std::vector<BYTE> &block) {
-    const int length = CUserSystemData::GetUserSystemDataLength(familyNumber(), m_BID,
-                                                                static_cast<int>(m_ObDevice->m_ISectorSize));
+    const int length =
+        CUserSystemData::GetUserSystemDataLength(familyNumber(), m_BID, static_cast<int>(m_ObDevice->m_ISectorSize));
     block.assign(static_cast<size_t>(length), 0xFF);
     const int status = TARGET_GetUserSystemData(m_handle, m_ObDevice->m_UiUserSystemDataAddress, block.data(),
                                                 static_cast<unsigned int>(length));

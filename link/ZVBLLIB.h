@@ -51,31 +51,32 @@ BYTE SetCOMSettings(HANDLE *link, int portNumber, const char *portName, int baud
                     float stopBits);
 BYTE Interface_Open(HANDLE link);
 BYTE Interface_Close(HANDLE link);
-int Interface_is_Open(HANDLE link);                     // 1: open
+int Interface_is_Open(HANDLE link);                      // 1: open
 BYTE SetTimeOut(HANDLE link, unsigned int milliseconds); // reply time limit of every later exchange
-BYTE SetPaketSize(HANDLE link, BYTE bytes);             // 0 stands for 256
+BYTE SetPaketSize(HANDLE link, BYTE bytes);              // 0 stands for 256
 BYTE ZVBL_SetDtr(HANDLE link, BYTE level);
 BYTE ZVBL_SetRts(HANDLE link, BYTE level);
-void TARGET_SetComIntType(BYTE interfaceType);          // process-wide: 0 USART, 1 USB DFU, 2 I2C, 3 CAN, 4 SPI
-BYTE ZVBL_GetZVDeviceList(signed char *count, unsigned short *vendorIds, unsigned short *productIds,
-                          TDeviceInfo *info);
+void TARGET_SetComIntType(BYTE interfaceType); // process-wide: 0 USART, 1 USB DFU, 2 I2C, 3 CAN, 4 SPI
+BYTE ZVBL_GetZVDeviceList(signed char *count, unsigned short *vendorIds, unsigned short *productIds, TDeviceInfo *info);
 
 // Bootloader.
 BYTE ZVBL_Init_BL(HANDLE link, unsigned short address, unsigned long rate, BYTE dutyCycle);
 BYTE ZVBL_SetSpeed(HANDLE link, unsigned long speed);
 BYTE ZVBL_GET(HANDLE link, BYTE *scratch, Commands *commands);
 BYTE ZVBL_GET_VER_ROPS(HANDLE link, BYTE *version, BYTE *bidReserve, BYTE *bid);
-BYTE ZVBL_GET_ID(HANDLE link, BYTE *length, BYTE *id);  // id null: length only
+BYTE ZVBL_GET_ID(HANDLE link, BYTE *length, BYTE *id); // id null: length only
 BYTE ZVBL_GO(HANDLE link, unsigned int address);
 BYTE ZVBL_ResetMCU(HANDLE link);
 BYTE ZVBL_UPLOAD(HANDLE link, unsigned int address, BYTE *data, unsigned int length);
 BYTE ZVBL_DNLOAD(HANDLE link, unsigned int address, BYTE *data, unsigned int length, BYTE optimise);
-BYTE ZVBL_VERIFY(HANDLE link, unsigned int address, BYTE *data, unsigned int length, BYTE optimise); // 19: the data differ
+BYTE ZVBL_VERIFY(HANDLE link, unsigned int address, BYTE *data, unsigned int length,
+                 BYTE optimise); // 19: the data differ
 // Selector 1: one sector, its index in two bytes, low byte first; 0xFFFE, 0xFFFD, 0xFFFC: bank 1,
 // bank 2, Bank 3, list null, size 0.
 BYTE ZVBL_ERASE(HANDLE link, unsigned short selector, BYTE *sectors, unsigned int sectorSize);
 BYTE ZVBL_BLOCK_ERASE(HANDLE link, unsigned short selector, unsigned int address); // selector 0xFFFB
-BYTE ZVBL_GetFirmwareCRC(HANDLE link, unsigned int address, unsigned short sectors, BYTE *crc); // four bytes, highest first
+BYTE ZVBL_GetFirmwareCRC(HANDLE link, unsigned int address, unsigned short sectors,
+                         BYTE *crc); // four bytes, highest first
 BYTE ZVBL_SPIMREMAP(HANDLE link, BYTE remap);
 BYTE ZVBL_EnableBank3(HANDLE link, BYTE flashType, unsigned int size, unsigned int flashAddress); // size in bytes
 BYTE TARGET_GetFlashSize(HANDLE link, unsigned int address, int *kilobytes);
@@ -91,7 +92,7 @@ BYTE ZVBL_ERASEPROGRAM_PERM_UNPROTECT(HANDLE link);
 BYTE ZVBL_EnableSlib(HANDLE link, unsigned int password, unsigned short startSector, unsigned short startDataSector,
                      unsigned short endSector);
 BYTE ZVBL_DisableSlib(HANDLE link, unsigned int password);
-BYTE ZVBL_GetSlibStatus(HANDLE link, BYTE *enabled);                    // 1: an area is enabled
+BYTE ZVBL_GetSlibStatus(HANDLE link, BYTE *enabled); // 1: an area is enabled
 BYTE ZVBL_GetSlibStatus_Ex(HANDLE link, BYTE *enabled, unsigned short *startSector, unsigned short *startDataSector,
                            unsigned short *endSector);
 BYTE ZVBL_ZV32ISP_TOOL(HANDLE link);

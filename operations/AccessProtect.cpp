@@ -26,25 +26,20 @@ int CAccessProtect::InitAction() {
 }
 
 int CAccessProtect::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     int result = send();
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     result = m_obBootLoader->Reconnect();
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     bool isProtected = false;
     result = m_obBootLoader->GetAccessProtectiosStatus(&isProtected);
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
-    if (!isProtected) {
+    if (!isProtected)
         return CResult::SYS_CMD_FAIL;
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;
@@ -53,17 +48,15 @@ int CAccessProtect::Action() {
 int CAccessProtect::send() {
     const Commands &can = *m_obBootLoader->m_pCmds;
     HANDLE link = m_obBootLoader->m_handle;
-    if (m_protectLevel > highLevel) {
+    if (m_protectLevel > highLevel)
         return CResult::PROGRAM_INPUT_PARAMS_ERROR;
-    }
     const bool plainWillDo = m_protectLevel == 0 && can.ACCESS_PROTECT_CMD == 1;
     if (can.ACCESS_LEVEL_PROTECT_CMD == 1 && !plainWillDo) {
         const BYTE level = std::max(m_protectLevel, basicLevel);
         return CResult::Convert(static_cast<int>(ZVBL_ACCESS_PROTECT_LEVEL(link, level)));
     }
     // A lower level must never stand in for the high one: the operator would take the chip for sealed.
-    if (m_protectLevel > basicLevel || can.ACCESS_PROTECT_CMD != 1) {
+    if (m_protectLevel > basicLevel || can.ACCESS_PROTECT_CMD != 1)
         return CResult::SYS_CMD_NOT_ALLOWED;
-    }
     return CResult::Convert(static_cast<int>(ZVBL_ACCESS_PROTECT(link)));
 }

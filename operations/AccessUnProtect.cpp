@@ -16,28 +16,23 @@ int CAccessUnProtect::InitAction() {
 }
 
 int CAccessUnProtect::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     HANDLE link = m_obBootLoader->m_handle;
     SetTimeOut(link, jobsteps::longTimeout);
     const int status = ZVBL_ACCESS_PERM_UNPROTECT(link);
     jobsteps::restoreTimeout(link);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     int result = m_obBootLoader->Reconnect();
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     bool isProtected = true;
     result = m_obBootLoader->GetAccessProtectiosStatus(&isProtected);
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
-    if (isProtected) {
+    if (isProtected)
         return CResult::SYS_CMD_FAIL;
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;

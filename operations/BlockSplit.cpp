@@ -40,8 +40,7 @@ BlockSplit splitIntoBlocks(const QList<int> &sectorIndex, uint BlockSize, uint s
         }
         run.append(sector);
     }
-    if (!run.isEmpty()) {
+    if (!run.isEmpty())
         splitRun(run, BlockSize, sectorSize, split);
-    }
     return split;
 }

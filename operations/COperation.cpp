@@ -15,9 +15,8 @@ void COperation::run() {
 
 int COperation::Start() {
     ChangeStatus(SRART);
-    if (IsSubOperation()) {
+    if (IsSubOperation())
         return Work();
-    }
     m_threadEnd = ThreadEnd();
     start(QThread::InheritPriority);
     return 0;
@@ -25,16 +24,14 @@ int COperation::Start() {
 
 int COperation::Work() {
     int result = InitAction();
-    if (result != 0) {
+    if (result != 0)
         return abend(result);
-    }
     Callback(INFO_TYPE_INIT);
     Callback(INFO_TYPE_ACTION);
     while (IsContinue()) {
         result = Action();
-        if (result != 0) {
+        if (result != 0)
             return abend(result);
-        }
         Callback(INFO_TYPE_ACTION);
     }
     return finish();
@@ -45,9 +42,8 @@ int COperation::finish() {
         Callback(INFO_TYPE_CANCEL);
     } else if (IsDone()) {
         const int result = ActionDone();
-        if (result != 0) {
+        if (result != 0)
             return abend(result);
-        }
         Callback(IsCancel() ? INFO_TYPE_CANCEL : INFO_TYPE_DONE);
     }
     // MEANT: a job that neither was cancelled nor is done ends without an end event.
@@ -105,9 +101,8 @@ bool COperation::IsSubOperation() const {
 }
 
 void COperation::Cancel() {
-    if (HasStart()) {
+    if (HasStart())
         CallCommand(COMMAND_CANCEL);
-    }
 }
 
 void COperation::Stop() {
@@ -120,9 +115,8 @@ bool COperation::HasStart() const {
 
 void COperation::WaitUntilEnded() {
     const bool wasStarted = isRunning() || isFinished();
-    if (wasStarted) {
+    if (wasStarted)
         m_threadEnd.wait();
-    }
 }
 
 void COperation::ChangeStatus(Status emStatus) {
@@ -146,31 +140,22 @@ bool COperation::IsDone() const {
 }
 
 void COperation::Callback(InfoType Type) {
-    if (!m_lpFunc) {
+    if (!m_lpFunc)
         return;
-    }
     // Only the top-level job ends the wait of its listener.
     const bool mayEnd = !IsSubOperation();
     switch (Type) {
-    case INFO_TYPE_INIT:
-        m_lpFunc(Type, &m_InitInfo);
-        break;
-    case INFO_TYPE_ACTION:
-        m_lpFunc(Type, &m_ActionInfo);
-        break;
-    case INFO_TYPE_INFO:
-        m_lpFunc(Type, &m_strInfoStringName);
-        break;
+    case INFO_TYPE_INIT: m_lpFunc(Type, &m_InitInfo); break;
+    case INFO_TYPE_ACTION: m_lpFunc(Type, &m_ActionInfo); break;
+    case INFO_TYPE_INFO: m_lpFunc(Type, &m_strInfoStringName); break;
     case INFO_TYPE_ABEND:
-        if (mayEnd) {
+        if (mayEnd)
             m_lpFunc(Type, &m_AbendInfo);
-        }
         break;
     case INFO_TYPE_CANCEL:
     case INFO_TYPE_DONE:
-        if (mayEnd) {
+        if (mayEnd)
             m_lpFunc(Type, &m_BaseInfo);
-        }
         break;
     }
 }

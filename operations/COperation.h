@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QObject>
-#include <QThread>
-
 #include <atomic>
 #include <string>
+
+#include <QObject>
+#include <QThread>
 
 #include "operations/OperationTypes.h"
 #include "operations/ThreadEnd.h"

@@ -25,24 +25,19 @@ int CDisableSlib::InitAction() {
 }
 
 int CDisableSlib::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
-    if (!jobsteps::isSlibPassword(m_uiPassword)) {
+    if (!jobsteps::isSlibPassword(m_uiPassword))
         return CResult::SLIB_DISABLE_PASSWORD_ERROR;
-    }
-    if (m_obBootLoader->m_pCmds->DISABLE_SLIB_CMD != 1) {
+    if (m_obBootLoader->m_pCmds->DISABLE_SLIB_CMD != 1)
         return CResult::SYS_CMD_NOT_ALLOWED;
-    }
     bool enabled = false;
     int result = readEnabled(enabled);
     // Without an area the chip is already as asked for, and would refuse every password.
-    if (result == 0 && enabled) {
+    if (result == 0 && enabled)
         result = disable();
-    }
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;
@@ -60,17 +55,14 @@ int CDisableSlib::disable() {
     SetTimeOut(link, jobsteps::longTimeout);
     const int status = ZVBL_DisableSlib(link, m_uiPassword);
     jobsteps::restoreTimeout(link);
-    if (status != 0) {
+    if (status != 0)
         return status == statusRefused ? CResult::SLIB_DISABLE_PASSWORD_ERROR : CResult::Convert(status);
-    }
     int result = m_obBootLoader->Reconnect();
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     bool enabled = true;
     result = readEnabled(enabled);
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     return enabled ? CResult::SYS_CMD_FAIL : 0;
 }

@@ -24,9 +24,8 @@ CDownload::CDownload(CBootLoader *obBootLoader)
       m_obEnBank3(new CEnBank3(obBootLoader)) {
     m_EmType = OP_DOWNLOAD;
     m_strName = CResult::GetInfoString(Info_Operation_Download);
-    for (COperation *job : subOperations()) {
+    for (COperation *job : subOperations())
         job->SetSubOperation(true);
-    }
 }
 
 CDownload::~CDownload() {
@@ -51,54 +50,43 @@ void CDownload::SetParameters(void *p) {
 
 void CDownload::SetOperationInfoDelegate(void *pFun) {
     COperation::SetOperationInfoDelegate(pFun);
-    for (COperation *job : subOperations()) {
-        if (job) {
+    for (COperation *job : subOperations())
+        if (job)
             job->SetOperationInfoDelegate(pFun);
-        }
-    }
 }
 
 void CDownload::Cancel() {
     COperation::Cancel();
-    for (COperation *job : subOperations()) {
-        if (job) {
+    for (COperation *job : subOperations())
+        if (job)
             job->Cancel();
-        }
-    }
 }
 
 int CDownload::InitAction() {
-    if (m_Parameters.m_strDownPathFile.isEmpty()) {
+    if (m_Parameters.m_strDownPathFile.isEmpty())
         return CResult::UNKNOWN_ERROR;
-    }
     std::string fileName;
     // MEANT: a path without "/" leaves the command unset, so the job does nothing and raises no end event.
-    if (!jobsteps::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName)) {
+    if (!jobsteps::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName))
         return 0;
-    }
     m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), fileName);
     COperation::InitAction();
     int result = OpenFile();
-    if (result == 0) {
+    if (result == 0)
         result = ConfirmAddressOffset();
-    }
-    if (result == 0) {
+    if (result == 0)
         result = checkSectors();
-    }
-    if (result == 0 && m_Parameters.m_bEnBank3) {
+    if (result == 0 && m_Parameters.m_bEnBank3)
         result = suboperations::prepareBank3(*this);
-    }
-    if (result != 0 || IsCancel()) {
+    if (result != 0 || IsCancel())
         return result;
-    }
     return prepareFlash();
 }
 
 // In every erase mode: a download that erases nothing writes all the same.
 int CDownload::checkSectors() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return 0;
-    }
     const QList<int> sectors = GetNecessarySectorIndex();
     return sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
 }
@@ -106,11 +94,10 @@ int CDownload::checkSectors() {
 int CDownload::prepareFlash() {
     int result = Erase(m_Parameters.m_enEraseMode);
     if (result == 0 && m_Parameters.m_bEnableSlib) {
-        result = EnableSlib(m_Parameters.m_uiPassword, m_Parameters.m_usStartSector,
-                            m_Parameters.m_usStartDataSector, m_Parameters.m_usEndSector);
-        if (result == 0 && IsCancel()) {
+        result = EnableSlib(m_Parameters.m_uiPassword, m_Parameters.m_usStartSector, m_Parameters.m_usStartDataSector,
+                            m_Parameters.m_usEndSector);
+        if (result == 0 && IsCancel())
             ResetMcuAfterEnableSlib();
-        }
     }
     return result;
 }
@@ -119,18 +106,16 @@ int CDownload::Action() {
     for (int i = 0; i < m_lsProgramFile.size(); ++i) {
         CProgramFile *file = m_lsProgramFile.at(i);
         // MEANT: without a "/" the command stays, so Work calls again from the first file.
-        if (i > 0 && !announce(*file)) {
+        if (i > 0 && !announce(*file))
             return 0;
-        }
         int result = Download(m_uiAddressOffset.at(i), file);
         if (result != 0 || IsCancel()) {
             ResetMcuAfterEnableSlib();
             return result;
         }
         result = restartFirst403();
-        if (result != 0) {
+        if (result != 0)
             return result;
-        }
         if (m_Parameters.m_bVerify) {
             result = Verify(m_uiAddressOffset.at(i), file);
             if (result != 0 || IsCancel()) {
@@ -147,9 +132,8 @@ bool CDownload::announce(const CProgramFile &file) {
     m_InitInfo.m_strFilePath = file.m_StrPath;
     m_InitInfo.m_uiFileSize = file.m_UiFileSize;
     std::string fileName;
-    if (!jobsteps::fileNameOf(file.m_StrPath, fileName)) {
+    if (!jobsteps::fileNameOf(file.m_StrPath, fileName))
         return false;
-    }
     m_InitInfo.m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), fileName);
     Callback(INFO_TYPE_INIT);
     return true;
@@ -158,9 +142,8 @@ bool CDownload::announce(const CProgramFile &file) {
 // The first two families read back what they hold only after a restart, which switches SPIM off.
 int CDownload::restartFirst403() {
     const int family = jobsteps::familyOf(m_obBootLoader);
-    if (family != ZV32F403_1 && family != ZV32F403_2) {
+    if (family != ZV32F403_1 && family != ZV32F403_2)
         return 0;
-    }
     const int result = ResetMcu403B();
     return result == 0 && m_Parameters.m_bEnBank3 ? EnBank3() : result;
 }
@@ -169,20 +152,17 @@ int CDownload::Download(uint uiAddressOffset, CProgramFile *tmpProgramFile) {
     const int elements = tmpProgramFile->GetElementCount();
     for (int i = 0; i < elements; ++i) {
         const PIMAGEELEMENT element = tmpProgramFile->GetElement();
-        if (!element) {
+        if (!element)
             continue;
-        }
-        const int status = ZVBL_DNLOAD(m_obBootLoader->m_handle,
-                                       static_cast<uint>(element->dwAddress) + uiAddressOffset, element->Data,
-                                       static_cast<uint>(element->dwDataLength), m_Parameters.m_bOptimize ? 1 : 0);
-        if (status != 0) {
+        const int status =
+            ZVBL_DNLOAD(m_obBootLoader->m_handle, static_cast<uint>(element->dwAddress) + uiAddressOffset,
+                        element->Data, static_cast<uint>(element->dwDataLength), m_Parameters.m_bOptimize ? 1 : 0);
+        if (status != 0)
             return CResult::Convert(status);
-        }
         CalculatePercent(tmpProgramFile);
         Callback(INFO_TYPE_ACTION);
-        if (IsCancel()) {
+        if (IsCancel())
             return 0;
-        }
     }
     return 0;
 }
@@ -198,8 +178,7 @@ int CDownload::ActionDone() {
         ResetMcuAfterEnableSlib();
         return result;
     }
-    if (m_Parameters.m_bJump) {
+    if (m_Parameters.m_bJump)
         return JumpToUserProgram(m_uiAddressOffset.first());
-    }
     return m_Parameters.m_bEnableSlib ? ResetMcu() : 0;
 }

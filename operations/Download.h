@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QList>
-
 #include <string>
+
+#include <QList>
 
 #include "foundation/LibraryTypes.h"
 #include "operations/COperation.h"
@@ -25,7 +25,7 @@ struct DownloadParam {
     bool m_bVerify = false;
     BYTE *m_UserSystemDataArray = nullptr; // from new[], or null; the job deletes it
     quint32 m_UserSystemDataLen = 0;       // bytes
-    bool m_bFAP = false; // access protection at the end
+    bool m_bFAP = false;                   // access protection at the end
     BYTE m_bFAPLevel = 0;
     bool m_bWriteSN = false;
     uint m_uiSNAddress = 0, m_uiSNNumber = 0, m_uiSNStep = 0;

@@ -31,9 +31,8 @@ QList<int> withoutRepeats(const QList<int> &sectors) {
 } // namespace
 
 void CDownload::dropFiles() {
-    if (m_obVerify) {
+    if (m_obVerify)
         m_obVerify->SetVerifyFile(nullptr); // it would delete the file that it was lent last
-    }
     qDeleteAll(m_lsProgramFile);
     m_lsProgramFile.clear();
 }
@@ -49,9 +48,8 @@ int CDownload::OpenFile() {
         m_lsProgramFile.append(file);
         file->SetOptimizeForOpen(m_Parameters.m_bOptimize);
         const int result = jobsteps::openImage(*file, path, jobsteps::deviceOf(m_obBootLoader));
-        if (result != 0) {
+        if (result != 0)
             return result;
-        }
     }
     if (!m_lsProgramFile.isEmpty()) {
         m_InitInfo.m_strFilePath = m_lsProgramFile.first()->m_StrPath;
@@ -61,17 +59,15 @@ int CDownload::OpenFile() {
 }
 
 int CDownload::ConfirmAddressOffset() {
-    if (m_lsProgramFile.isEmpty()) {
+    if (m_lsProgramFile.isEmpty())
         return CResult::UNKNOWN_ERROR;
-    }
     m_uiAddressOffset.clear();
     for (int i = 0; i < m_lsProgramFile.size(); ++i) {
         uint offset = 0;
         const int result =
             jobsteps::addressOffsetOf(*m_lsProgramFile.at(i), m_Parameters.m_uiStartAddress.value(i), offset);
-        if (result != 0) {
+        if (result != 0)
             return result;
-        }
         m_uiAddressOffset.append(offset);
     }
     return 0;
@@ -84,22 +80,19 @@ int CDownload::FlashGetSectorIndex(uint addr, int) {
 
 QList<int> CDownload::GetNecessarySectorIndex() {
     const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    if (m_lsProgramFile.isEmpty() || !device || !device->m_CMapping) {
+    if (m_lsProgramFile.isEmpty() || !device || !device->m_CMapping)
         return {};
-    }
     QList<int> sectors;
     for (int i = 0; i < m_lsProgramFile.size(); ++i) {
         CProgramFile &file = *m_lsProgramFile.at(i);
         const uint start = m_Parameters.m_uiStartAddress.value(i);
-        if (file.m_Type == BIN && start < jobsteps::spimBase) {
+        if (file.m_Type == BIN && start < jobsteps::spimBase)
             sectors += sectorsByCount(start, file.GetElementCount());
-        } else {
+        else
             sectors += sectorsByElement(file, file.m_Type == BIN ? m_uiAddressOffset.value(i) : 0);
-        }
     }
-    if (m_Parameters.m_bWriteSN) {
+    if (m_Parameters.m_bWriteSN)
         sectors.append(FlashGetSectorIndex(m_Parameters.m_uiSNAddress, device->m_IFlashSize));
-    }
     return withoutRepeats(sectors);
 }
 
@@ -107,9 +100,8 @@ QList<int> CDownload::GetNecessarySectorIndex() {
 QList<int> CDownload::sectorsByCount(uint startAddress, int count) {
     QList<int> sectors;
     const int first = FlashGetSectorIndex(startAddress, m_obBootLoader->m_ObDevice->m_IFlashSize);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         sectors.append(first + i);
-    }
     return sectors;
 }
 

@@ -27,9 +27,8 @@ CDownloadProject::CDownloadProject(CBootLoader *obBootLoader)
       m_obDisableSlib(new CDisableSlib(obBootLoader)) {
     m_EmType = OP_DOWNLOAD;
     m_strName = CResult::GetInfoString(Info_Operation_Download);
-    for (COperation *job : subOperations()) {
+    for (COperation *job : subOperations())
         job->SetSubOperation(true);
-    }
 }
 
 CDownloadProject::~CDownloadProject() {
@@ -49,75 +48,61 @@ void CDownloadProject::SetOperationInfoDelegate() {}
 
 void CDownloadProject::Cancel() {
     COperation::Cancel();
-    for (COperation *job : subOperations()) {
-        if (job) {
+    for (COperation *job : subOperations())
+        if (job)
             job->Cancel();
-        }
-    }
 }
 
 int CDownloadProject::InitAction() {
     int result = checkRecord();
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     const SFileInfo &first = m_Parameters.m_DownFileInfo.first();
     m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), first.LoadFileType);
     COperation::InitAction();
     m_InitInfo.m_strFilePath = first.FilePath;
     m_InitInfo.m_uiFileSize = static_cast<uint>(first.FileSize);
     result = unlock();
-    if (result == 0 && !IsCancel() && m_Parameters.m_bEnBank3) {
+    if (result == 0 && !IsCancel() && m_Parameters.m_bEnBank3)
         result = suboperations::prepareBank3(*this);
-    }
-    if (result != 0 || IsCancel()) {
+    if (result != 0 || IsCancel())
         return result;
-    }
     result = Erase(m_Parameters.m_enEraseMode);
-    if (result == 0 && m_Parameters.m_bEnableSlib) {
+    if (result == 0 && m_Parameters.m_bEnableSlib)
         result = EnableSlib(m_Parameters.m_uiEnablePassword, m_Parameters.m_usStartSector,
                             m_Parameters.m_usStartDataSector, m_Parameters.m_usEndSector);
-    }
-    if (result == 0 && !IsCancel()) {
+    if (result == 0 && !IsCancel())
         m_hasGetEraseProgramProtectStatus = false;
-    }
     return result;
 }
 
 int CDownloadProject::checkRecord() const {
-    if (m_Parameters.m_DownFileInfo.isEmpty() || !jobsteps::deviceOf(m_obBootLoader)) {
+    if (m_Parameters.m_DownFileInfo.isEmpty() || !jobsteps::deviceOf(m_obBootLoader))
         return CResult::UNKNOWN_ERROR;
-    }
-    for (const SFileInfo &file : m_Parameters.m_DownFileInfo) {
-        if (!std::all_of(file.partInfo.begin(), file.partInfo.end(), projectparts::isWhole)) {
+    for (const SFileInfo &file : m_Parameters.m_DownFileInfo)
+        if (!std::all_of(file.partInfo.begin(), file.partInfo.end(), projectparts::isWhole))
             return CResult::PROGRAM_INPUT_PARAMS_ERROR;
-        }
-    }
     return 0;
 }
 
 // Takes away what stands in the way of the download, and refuses what may not be taken away.
 int CDownloadProject::unlock() {
     int result = 0;
-    if (m_Parameters.m_bRDUP) {
+    if (m_Parameters.m_bRDUP)
         result = RDUP();
-    }
-    if (result == 0 && !IsCancel() && m_Parameters.m_bDisableSlib) {
+    if (result == 0 && !IsCancel() && m_Parameters.m_bDisableSlib)
         result = DisableSlib(m_Parameters.m_uiDisablePassword);
-    }
     // The families without an sLib area do not know the question.
-    if (result == 0 && !IsCancel() && m_obBootLoader->m_pCmds->GET_SLIB_STATUS_CMD == 1) {
+    if (result == 0 && !IsCancel() && m_obBootLoader->m_pCmds->GET_SLIB_STATUS_CMD == 1)
         result = DownloadFileInSlibCheck();
-    }
     return result;
 }
 
 int CDownloadProject::Action() {
     // MEANT: the check comes behind the erase.
     const int checked = checkSectors();
-    if (checked != 0) {
+    if (checked != 0)
         return checked;
-    }
     for (int i = 0; i < m_Parameters.m_DownFileInfo.size(); ++i) {
         const SFileInfo &file = m_Parameters.m_DownFileInfo.at(i);
         if (i > 0) {
@@ -125,28 +110,24 @@ int CDownloadProject::Action() {
             Callback(INFO_TYPE_INIT);
         }
         int result = Download(file);
-        if (result == 0 && !IsCancel() && m_Parameters.m_bVerify) {
+        if (result == 0 && !IsCancel() && m_Parameters.m_bVerify)
             result = Verify(file);
-        }
-        if (result != 0 || IsCancel()) {
+        if (result != 0 || IsCancel())
             return result;
-        }
     }
     CallCommand(COMMAND_DONE);
     return 0;
 }
 
 int CDownloadProject::checkSectors() {
-    if (m_hasGetEraseProgramProtectStatus) {
+    if (m_hasGetEraseProgramProtectStatus)
         return 0;
-    }
     if (m_obBootLoader) {
         const QList<int> sectors = GetNecessarySectorIndex();
         const int result =
             sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
-        if (result != 0) {
+        if (result != 0)
             return result;
-        }
     }
     m_hasGetEraseProgramProtectStatus = true;
     return 0;
@@ -155,8 +136,7 @@ int CDownloadProject::checkSectors() {
 void CDownloadProject::describe(const SFileInfo &file) {
     m_InitInfo.m_strFilePath = file.FilePath;
     m_InitInfo.m_uiFileSize = static_cast<uint>(file.FileSize);
-    m_InitInfo.m_strName =
-        jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), file.LoadFileType);
+    m_InitInfo.m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), file.LoadFileType);
 }
 
 int CDownloadProject::Download(SFileInfo tmpProgramFile) {
@@ -165,9 +145,8 @@ int CDownloadProject::Download(SFileInfo tmpProgramFile) {
     const QList<HEXFILEPARTINFO> &parts = tmpProgramFile.partInfo;
     for (const HEXFILEPARTINFO &part : parts) {
         const int result = downloadPart(part);
-        if (result != 0 || IsCancel()) {
+        if (result != 0 || IsCancel())
             return result;
-        }
     }
     return 0;
 }
@@ -178,14 +157,12 @@ int CDownloadProject::downloadPart(const HEXFILEPARTINFO &part) {
         const uint length = projectparts::copyChunk(part, offset, chunk);
         const int status = ZVBL_DNLOAD(m_obBootLoader->m_handle, part.PartStartAddress + offset, chunk, length,
                                        m_Parameters.m_bOptimize ? 1 : 0);
-        if (status != 0) {
+        if (status != 0)
             return CResult::Convert(status);
-        }
         CalculatePercent(static_cast<int>(length));
         Callback(INFO_TYPE_ACTION);
-        if (IsCancel()) {
+        if (IsCancel())
             return 0;
-        }
     }
     return 0;
 }
@@ -199,11 +176,9 @@ void CDownloadProject::CalculatePercent(int size) {
 int CDownloadProject::ActionDone() {
     m_hasGetEraseProgramProtectStatus = false;
     const int result = suboperations::finishDownload(*this);
-    if (result != 0 || IsCancel()) {
+    if (result != 0 || IsCancel())
         return result;
-    }
-    if (m_Parameters.m_bJump) {
+    if (m_Parameters.m_bJump)
         return JumpToUserProgram();
-    }
     return m_Parameters.m_bEnableSlib ? ResetMcu() : 0;
 }

@@ -25,9 +25,8 @@ void appendSpan(QList<int> &sectors, const HEXFILEPARTINFO &part, uint base, uin
     const uint begin = (part.PartStartAddress - base) / sectorSize;
     const quint64 bytes = static_cast<quint64>(part.PartStartAddress % sectorSize) + part.PartSize;
     const auto count = static_cast<int>((bytes + sectorSize - 1) / sectorSize);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         sectors.append(static_cast<int>(begin) + firstIndex + i);
-    }
 }
 
 } // namespace
@@ -38,29 +37,25 @@ int CDownloadProject::DownloadFileInSlibCheck() {
     ushort startData = 0;
     ushort end = 0;
     const int status = ZVBL_GetSlibStatus_Ex(m_obBootLoader->m_handle, &enabled, &start, &startData, &end);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     const QList<int> sectors = GetNecessarySectorIndex();
-    const bool touches = std::any_of(sectors.begin(), sectors.end(),
-                                     [&](int sector) { return sector >= start && sector <= end; });
+    const bool touches =
+        std::any_of(sectors.begin(), sectors.end(), [&](int sector) { return sector >= start && sector <= end; });
     return enabled == 1 && touches ? CResult::SLIB_DOWNLOADFILE_IN_SLIBSECTOR_ERROR : 0;
 }
 
 QList<int> CDownloadProject::GetNecessarySectorIndex() {
     QList<int> sectors;
     const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    if (!device || device->m_ISectorSize == 0) {
+    if (!device || device->m_ISectorSize == 0)
         return sectors;
-    }
     for (const SFileInfo &file : m_Parameters.m_DownFileInfo) {
-        for (const HEXFILEPARTINFO &part : file.partInfo) {
-            if (part.PartStartAddress < jobsteps::spimBase) {
+        for (const HEXFILEPARTINFO &part : file.partInfo)
+            if (part.PartStartAddress < jobsteps::spimBase)
                 appendSpan(sectors, part, jobsteps::flashBase, device->m_ISectorSize, 0);
-            } else if (part.PartStartAddress < firstAddressWithoutSectors) {
+            else if (part.PartStartAddress < firstAddressWithoutSectors)
                 appendSpan(sectors, part, jobsteps::spimBase, jobsteps::spimSectorSize, jobsteps::firstSpimSector);
-            }
-        }
     }
     return sectors;
 }
@@ -71,17 +66,14 @@ int CDownloadProject::FlashGetSectorIndex(uint addr, int) {
 }
 
 int CDownloadProject::Erase(EraseMode enEraseMode) {
-    if (!m_obErase) {
+    if (!m_obErase)
         return CResult::UNKNOWN_ERROR;
-    }
-    if (enEraseMode == ERASEMODE_NONE) {
+    if (enEraseMode == ERASEMODE_NONE)
         return 0;
-    }
     if (enEraseMode == NECESSARY) {
         const int result = SetEraseNecessary();
-        if (result != 0) {
+        if (result != 0)
             return result;
-        }
     } else {
         EraseParam wholeDevice;
         m_obErase->SetParameters(&wholeDevice);
@@ -92,17 +84,15 @@ int CDownloadProject::Erase(EraseMode enEraseMode) {
 int CDownloadProject::SetEraseNecessary() {
     EraseParam record;
     record.m_iSectorIndex = GetNecessarySectorIndex();
-    if (record.m_iSectorIndex.isEmpty() || !m_obErase) {
+    if (record.m_iSectorIndex.isEmpty() || !m_obErase)
         return CResult::UNKNOWN_ERROR;
-    }
     m_obErase->SetParameters(&record);
     return 0;
 }
 
 int CDownloadProject::Verify(SFileInfo tmpProgramFile) {
-    if (!m_obVerify) {
+    if (!m_obVerify)
         return CResult::UNKNOWN_ERROR;
-    }
     m_obVerify->SetVerifyFile(tmpProgramFile);
     m_obVerify->SetVerifyOptimize(m_Parameters.m_bOptimize);
     return m_obVerify->Start();
@@ -127,15 +117,13 @@ int CDownloadProject::RDUP() {
     return m_obRDUP ? m_obRDUP->Start() : CResult::UNKNOWN_ERROR;
 }
 
-int CDownloadProject::EnableSlib(uint uiPassword, ushort usStartSector, ushort usStartDataSector,
-                                 ushort usEndSector) {
+int CDownloadProject::EnableSlib(uint uiPassword, ushort usStartSector, ushort usStartDataSector, ushort usEndSector) {
     return suboperations::enableSlib(m_obEnableSlib, {uiPassword, usStartSector, usStartDataSector, usEndSector});
 }
 
 int CDownloadProject::DisableSlib(uint uiPassword) {
-    if (!m_obDisableSlib) {
+    if (!m_obDisableSlib)
         return CResult::UNKNOWN_ERROR;
-    }
     m_obDisableSlib->SetParameters(&uiPassword);
     return m_obDisableSlib->Start();
 }

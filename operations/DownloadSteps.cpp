@@ -14,12 +14,10 @@
 // The single steps of a download: its sub-operations, each with its record, and the restarts.
 
 int CDownload::Erase(EraseMode enEraseMode) {
-    if (!m_obErase) {
+    if (!m_obErase)
         return CResult::UNKNOWN_ERROR;
-    }
-    if (enEraseMode == ERASEMODE_NONE) {
+    if (enEraseMode == ERASEMODE_NONE)
         return 0;
-    }
     int result = 0;
     if (enEraseMode == NECESSARY) {
         const int family = jobsteps::familyOf(m_obBootLoader);
@@ -35,18 +33,16 @@ int CDownload::Erase(EraseMode enEraseMode) {
 int CDownload::SetEraseNecessary() {
     EraseParam record;
     record.m_iSectorIndex = GetNecessarySectorIndex();
-    if (record.m_iSectorIndex.isEmpty() || !m_obErase) {
+    if (record.m_iSectorIndex.isEmpty() || !m_obErase)
         return CResult::UNKNOWN_ERROR;
-    }
     m_obErase->SetParameters(&record);
     return 0;
 }
 
 int CDownload::SetEraseBlockNecessary() {
     const QList<int> sectors = GetNecessarySectorIndex();
-    if (sectors.isEmpty() || !m_obErase) {
+    if (sectors.isEmpty() || !m_obErase)
         return CResult::UNKNOWN_ERROR;
-    }
     QList<int> noutBlockIndex;
     QList<int> noutSectorIndex;
     const CDevice *device = m_obBootLoader->m_ObDevice;
@@ -54,18 +50,16 @@ int CDownload::SetEraseBlockNecessary() {
     // families that come here are programmed behind an erase step, without one of their own.
     GetNecessaryBlockIndexAndSectorIndex(sectors, noutSectorIndex, noutBlockIndex, device->m_BlockSize,
                                          device->m_ISectorSize);
-    if (noutSectorIndex.isEmpty() && noutBlockIndex.isEmpty()) {
+    if (noutSectorIndex.isEmpty() && noutBlockIndex.isEmpty())
         return CResult::UNKNOWN_ERROR;
-    }
     EraseParam record{noutSectorIndex, noutBlockIndex};
     m_obErase->SetParameters(&record);
     return 0;
 }
 
 int CDownload::Verify(uint uiAddressOffset, CProgramFile *tmpProgramFile) {
-    if (!m_obVerify) {
+    if (!m_obVerify)
         return CResult::UNKNOWN_ERROR;
-    }
     m_obVerify->SetVerifyFile(tmpProgramFile);
     m_obVerify->SetAddressOffset(uiAddressOffset);
     return m_obVerify->Start();
@@ -109,9 +103,8 @@ int CDownload::ResetMcuAfterEnableSlib() {
 }
 
 int CDownload::JumpToUserProgram(uint uiAddressOffset) {
-    if (m_lsProgramFile.isEmpty() || !m_obBootLoader) {
+    if (m_lsProgramFile.isEmpty() || !m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     uint address = 0;
     const int result = m_lsProgramFile.first()->GetStartAddress(&address);
     return result != 0 ? result : m_obBootLoader->JumpToUserProgram(address + uiAddressOffset);

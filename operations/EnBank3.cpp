@@ -35,26 +35,22 @@ int CEnBank3::InitAction() {
 }
 
 int CEnBank3::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     HANDLE link = m_obBootLoader->m_handle;
     if (m_Parameters.m_bNeedRemap) {
         const int status = ZVBL_SPIMREMAP(link, m_Parameters.m_bRemapFlag ? 1 : 0);
-        if (status != 0) {
+        if (status != 0)
             return CResult::Convert(status);
-        }
     }
     m_obBootLoader->GetUserSystemData(); // only one family needs it, and that one sees below whether it came
     uint address = 0;
     const int result = flashAddress(address);
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     const int status = ZVBL_EnableBank3(link, m_Parameters.m_bFlashType, m_Parameters.m_uiFlashSize << 10, address);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;
@@ -62,16 +58,13 @@ int CEnBank3::Action() {
 
 int CEnBank3::flashAddress(uint &address) const {
     address = m_Parameters.m_uiFlashDA;
-    if (jobsteps::familyOf(m_obBootLoader) != ZV32F413) {
+    if (jobsteps::familyOf(m_obBootLoader) != ZV32F413)
         return 0;
-    }
     const CUserSystemData *data = m_obBootLoader->m_ObUserSystemData;
-    if (!data) {
+    if (!data)
         return CResult::UNKNOWN_ERROR;
-    }
     // A bank whose keys are blank has no encrypted range.
-    if (keysAreBlank(*data)) {
+    if (keysAreBlank(*data))
         address = 0;
-    }
     return 0;
 }

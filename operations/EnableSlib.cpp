@@ -27,23 +27,18 @@ int CEnableSlib::InitAction() {
 
 int CEnableSlib::Action() {
     int result = checkRecord();
-    if (result == 0) {
+    if (result == 0)
         result = checkChip();
-    }
-    if (result == 0) {
+    if (result == 0)
         result = CResult::Convert(static_cast<int>(
             ZVBL_EnableSlib(m_obBootLoader->m_handle, m_Parameters.m_uiPassword, m_Parameters.m_usStartSector,
                             m_Parameters.m_usStartDataSector, m_Parameters.m_usEndSector)));
-    }
-    if (result == 0) {
+    if (result == 0)
         result = m_obBootLoader->Reconnect();
-    }
-    if (result == 0) {
+    if (result == 0)
         result = readBack();
-    }
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;
@@ -51,33 +46,27 @@ int CEnableSlib::Action() {
 
 int CEnableSlib::checkRecord() const {
     const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    if (!device || device->m_ISectorSize == 0) {
+    if (!device || device->m_ISectorSize == 0)
         return CResult::UNKNOWN_ERROR;
-    }
-    if (!jobsteps::isSlibPassword(m_Parameters.m_uiPassword)) {
+    if (!jobsteps::isSlibPassword(m_Parameters.m_uiPassword))
         return CResult::SLIB_PASSWORD_ERROR;
-    }
     const uint sectors = static_cast<uint>(device->m_IFlashSize) * 1024 / device->m_ISectorSize;
-    if (m_Parameters.m_usStartSector >= sectors) {
+    if (m_Parameters.m_usStartSector >= sectors)
         return CResult::SLIB_STARTSECTOR_ERROR;
-    }
-    if (m_Parameters.m_usEndSector >= sectors || m_Parameters.m_usEndSector < m_Parameters.m_usStartSector) {
+    if (m_Parameters.m_usEndSector >= sectors || m_Parameters.m_usEndSector < m_Parameters.m_usStartSector)
         return CResult::SLIB_ENDSECTOR_ERROR;
-    }
     const ushort data = m_Parameters.m_usStartDataSector;
     const bool inArea = data >= m_Parameters.m_usStartSector && data <= m_Parameters.m_usEndSector;
     return data == noDataPart || inArea ? 0 : CResult::SLIB_STARTDATASECTOR_ERROR;
 }
 
 int CEnableSlib::checkChip() {
-    if (m_obBootLoader->m_pCmds->ENABLE_SLIB_CMD != 1) {
+    if (m_obBootLoader->m_pCmds->ENABLE_SLIB_CMD != 1)
         return CResult::SYS_CMD_NOT_ALLOWED;
-    }
     BYTE enabled = 0;
     const int status = ZVBL_GetSlibStatus(m_obBootLoader->m_handle, &enabled);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     return enabled == 1 ? CResult::SLIB_HASBEEN_ENABLE_ERROR : 0;
 }
 
@@ -87,9 +76,8 @@ int CEnableSlib::readBack() {
     ushort startData = 0;
     ushort end = 0;
     const int status = ZVBL_GetSlibStatus_Ex(m_obBootLoader->m_handle, &enabled, &start, &startData, &end);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     const bool asAsked = enabled == 1 && start == m_Parameters.m_usStartSector &&
                          startData == m_Parameters.m_usStartDataSector && end == m_Parameters.m_usEndSector;
     return asAsked ? 0 : CResult::SYS_CMD_FAIL;

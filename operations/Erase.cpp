@@ -39,25 +39,20 @@ int CErase::Action() {
     m_iAllSectorNum = 0;
     m_iAddSectorNum = 0;
     const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    if (!device) {
+    if (!device)
         return CResult::UNKNOWN_ERROR;
-    }
     const QList<int> &blocks = m_parameters.m_iBlockIndex;
     const QList<int> &sectors = m_parameters.m_iSectorIndex;
     int result = 0;
-    if (!blocks.isEmpty()) {
-        result = refuseProtected(
-            GetNecessarySectorIndexFromBlockIndex(blocks, device->m_BlockSize, device->m_ISectorSize));
-    }
-    if (result == 0 && !sectors.isEmpty()) {
+    if (!blocks.isEmpty())
+        result =
+            refuseProtected(GetNecessarySectorIndexFromBlockIndex(blocks, device->m_BlockSize, device->m_ISectorSize));
+    if (result == 0 && !sectors.isEmpty())
         result = refuseProtected(sectors);
-    }
-    if (blocks.isEmpty() && sectors.isEmpty()) {
+    if (blocks.isEmpty() && sectors.isEmpty())
         result = refuseProtected({});
-    }
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     m_iAllSectorNum = blocks.size() + sectors.size();
     return Erase();
 }
@@ -68,36 +63,30 @@ int CErase::refuseProtected(const QList<int> &sectors) {
 
 QList<int> CErase::GetNecessarySectorIndexFromBlockIndex(QList<int> BlockIndex, uint BlockSize, uint sectorSize) {
     QList<int> sectors;
-    if (sectorSize == 0) {
+    if (sectorSize == 0)
         return sectors;
-    }
     for (const int block : BlockIndex) {
         const uint begin = static_cast<uint>(block) * BlockSize + jobsteps::flashBase;
         const uint end = (static_cast<uint>(block) + 1) * BlockSize + jobsteps::flashBase;
         // MEANT: a block at or beyond SPIM's base is dropped here, and erased all the same.
-        if (end >= jobsteps::spimBase) {
+        if (end >= jobsteps::spimBase)
             continue;
-        }
         const uint endSector = (end - jobsteps::flashBase) / sectorSize;
-        for (uint sector = (begin - jobsteps::flashBase) / sectorSize; sector < endSector; ++sector) {
+        for (uint sector = (begin - jobsteps::flashBase) / sectorSize; sector < endSector; ++sector)
             sectors.append(static_cast<int>(sector));
-        }
     }
     return sectors;
 }
 
 int CErase::Erase() {
-    if (m_parameters.m_iBlockIndex.isEmpty() && m_parameters.m_iSectorIndex.isEmpty()) {
+    if (m_parameters.m_iBlockIndex.isEmpty() && m_parameters.m_iSectorIndex.isEmpty())
         return eraseDevice();
-    }
     bool goOn = true;
     int result = eraseBlocks(goOn);
-    if (goOn) {
+    if (goOn)
         result = eraseSectors(goOn);
-    }
-    if (goOn) {
+    if (goOn)
         CallCommand(COMMAND_DONE);
-    }
     return result;
 }
 
@@ -106,9 +95,8 @@ int CErase::eraseDevice() {
     const int erased = eraseBanks();
     const int restored = SetTimeOut(m_obBootLoader->m_handle, saveTimeout * 1000);
     const int status = erased != 0 ? erased : restored;
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;
@@ -118,13 +106,11 @@ int CErase::eraseBanks() {
     const CDevice *device = m_obBootLoader->m_ObDevice;
     HANDLE link = m_obBootLoader->m_handle;
     int status = ZVBL_ERASE(link, bank1, nullptr, 0);
-    if (status == 0 && device->m_IFlashSize > bank1MaxKb) {
+    if (status == 0 && device->m_IFlashSize > bank1MaxKb)
         status = ZVBL_ERASE(link, bank2, nullptr, 0);
-    }
     // The sLib area lies in main flash, so on every family it has no say in how Bank 3 is erased.
-    if (status == 0 && device->m_haveBank3) {
+    if (status == 0 && device->m_haveBank3)
         status = ZVBL_ERASE(link, bank3, nullptr, 0);
-    }
     return status;
 }
 
@@ -133,9 +119,8 @@ int CErase::eraseBlocks(bool &goOn) {
     for (const int block : m_parameters.m_iBlockIndex) {
         const uint address = m_obBootLoader->m_ObDevice->m_BlockSize * static_cast<uint>(block) + jobsteps::flashBase;
         result = unitDone(ZVBL_BLOCK_ERASE(m_obBootLoader->m_handle, oneBlock, address), goOn);
-        if (!goOn) {
+        if (!goOn)
             break;
-        }
     }
     return result;
 }
@@ -148,9 +133,8 @@ int CErase::eraseSectors(bool &goOn) {
         const int status =
             ZVBL_ERASE(m_obBootLoader->m_handle, oneSector, bSectorIndex, m_obBootLoader->m_ObDevice->m_ISectorSize);
         result = unitDone(status, goOn);
-        if (!goOn) {
+        if (!goOn)
             break;
-        }
     }
     return result;
 }

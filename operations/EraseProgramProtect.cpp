@@ -25,27 +25,21 @@ int CEraseProgramProtect::InitAction() {
 }
 
 int CEraseProgramProtect::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     QList<int> protectedBefore;
     QList<int> asked;
     int result = protectionbits::readProtected(*m_obBootLoader, protectedBefore);
-    if (result == 0) {
+    if (result == 0)
         result = protectionbits::covering(*m_obBootLoader, m_iSectorIndex, asked);
-    }
-    if (result == 0) {
+    if (result == 0)
         result = send(protectedBefore, asked);
-    }
-    if (result == 0) {
+    if (result == 0)
         result = m_obBootLoader->Reconnect();
-    }
-    if (result == 0) {
+    if (result == 0)
         result = readBack(asked);
-    }
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;
@@ -55,9 +49,8 @@ int CEraseProgramProtect::Action() {
 // whole of its protection.
 int CEraseProgramProtect::send(const QList<int> &protectedBefore, const QList<int> &asked) {
     std::set<BYTE> bits;
-    for (const int bit : protectedBefore + asked) {
+    for (const int bit : protectedBefore + asked)
         bits.insert(static_cast<BYTE>(bit));
-    }
     std::vector<BYTE> list(bits.begin(), bits.end());
     return CResult::Convert(static_cast<int>(
         ZVBL_ERASEPROGRAM_PROTECT(m_obBootLoader->m_handle, static_cast<BYTE>(list.size()), list.data())));
@@ -66,9 +59,8 @@ int CEraseProgramProtect::send(const QList<int> &protectedBefore, const QList<in
 int CEraseProgramProtect::readBack(const QList<int> &asked) {
     QList<int> protectedNow;
     const int result = protectionbits::readProtected(*m_obBootLoader, protectedNow);
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     const bool all = std::all_of(asked.begin(), asked.end(), [&](int bit) { return protectedNow.contains(bit); });
     return all ? 0 : CResult::SYS_CMD_FAIL;
 }

@@ -18,25 +18,20 @@ int CEraseProgramUnProtect::InitAction() {
 }
 
 int CEraseProgramUnProtect::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     const int status = ZVBL_ERASEPROGRAM_PERM_UNPROTECT(m_obBootLoader->m_handle);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     int result = m_obBootLoader->Reconnect();
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     QList<int> protectedBits;
     result = protectionbits::readProtected(*m_obBootLoader, protectedBits);
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
-    if (!protectedBits.isEmpty()) {
+    if (!protectedBits.isEmpty())
         return CResult::SYS_CMD_FAIL;
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;

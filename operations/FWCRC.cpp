@@ -16,14 +16,12 @@ void CFWCRC::SetParameters(void *p) {
 }
 
 int CFWCRC::InitAction() {
-    if (m_Parameters.m_strDownPathFile.isEmpty()) {
+    if (m_Parameters.m_strDownPathFile.isEmpty())
         return CResult::UNKNOWN_ERROR;
-    }
     std::string fileName;
     // MEANT: a path without "/" ends the preparation before anything is opened.
-    if (!jobsteps::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName)) {
+    if (!jobsteps::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName))
         return 0;
-    }
     m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_FWCRC), fileName);
     COperation::InitAction();
     const int result = OpenFile();
@@ -36,9 +34,8 @@ int CFWCRC::OpenFile() {
         CProgramFile file;
         file.SetOptimizeForOpen(false);
         const int result = jobsteps::openImage(file, path, jobsteps::deviceOf(m_obBootLoader));
-        if (result != 0) {
+        if (result != 0)
             return result;
-        }
         m_obProgramFile.append(file);
     }
     if (!m_obProgramFile.isEmpty()) {
@@ -49,17 +46,15 @@ int CFWCRC::OpenFile() {
 }
 
 int CFWCRC::ConfirmAddressOffset() {
-    if (m_obProgramFile.isEmpty()) {
+    if (m_obProgramFile.isEmpty())
         return CResult::UNKNOWN_ERROR;
-    }
     m_uiAddressOffset.clear();
     for (int i = 0; i < m_obProgramFile.size(); ++i) {
         uint offset = 0;
         const int result =
             jobsteps::addressOffsetOf(m_obProgramFile[i], m_Parameters.m_uiStartAddress.value(i), offset);
-        if (result != 0) {
+        if (result != 0)
             return result;
-        }
         m_uiAddressOffset.append(offset);
     }
     return 0;
@@ -74,27 +69,24 @@ int CFWCRC::Action() {
             m_InitInfo.m_uiFileSize = m_obProgramFile.at(i).m_UiFileSize;
             std::string fileName;
             // MEANT: the command stays, so Work calls again from the first file.
-            if (!jobsteps::fileNameOf(m_obProgramFile.at(i).m_StrPath, fileName)) {
+            if (!jobsteps::fileNameOf(m_obProgramFile.at(i).m_StrPath, fileName))
                 return 0;
-            }
             m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_FWCRC), fileName);
             Callback(INFO_TYPE_INIT);
         }
         const uint offset = m_uiAddressOffset.at(i);
-        const int result = first403 ? GetFWCRCCode(m_obProgramFile.at(i), offset)
-                                    : GetFWCRCCode_413(m_obProgramFile.at(i), offset);
-        if (result != 0 || IsCancel()) {
+        const int result =
+            first403 ? GetFWCRCCode(m_obProgramFile.at(i), offset) : GetFWCRCCode_413(m_obProgramFile.at(i), offset);
+        if (result != 0 || IsCancel())
             return result;
-        }
     }
     CallCommand(COMMAND_DONE);
     return 0;
 }
 
 int CFWCRC::GetFWCRCCode(CProgramFile tmpProgramFile, uint) {
-    if (tmpProgramFile.GetElementCount() == 0) {
+    if (tmpProgramFile.GetElementCount() == 0)
         return CResult::FILES_EMPTY;
-    }
     m_iAllElementNum = tmpProgramFile.GetElementCount();
     m_iCurrentElementNum = 0;
     m_iCurrentSzie = 0;
@@ -103,9 +95,8 @@ int CFWCRC::GetFWCRCCode(CProgramFile tmpProgramFile, uint) {
 
 int CFWCRC::GetFWCRCCode_413(CProgramFile tmpProgramFile, uint uiAddressOffset) {
     const int result = GetFWCRCCode(tmpProgramFile, uiAddressOffset);
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     uint startAddress = 0;
     tmpProgramFile.GetStartAddress(&startAddress); // MEANT: nothing uses it
     tmpProgramFile.ResetElement();

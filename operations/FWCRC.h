@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QList>
-
 #include <string>
+
+#include <QList>
 
 #include "files/CFiles.h"
 #include "foundation/LibraryTypes.h"

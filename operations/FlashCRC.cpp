@@ -28,9 +28,8 @@ int CFlashCRC::InitAction() {
 }
 
 int CFlashCRC::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     HANDLE link = m_obBootLoader->m_handle;
     SetTimeOut(link, jobsteps::longTimeout);
     QThread::msleep(settleMs);
@@ -39,11 +38,10 @@ int CFlashCRC::Action() {
     const int status = ZVBL_GetFirmwareCRC(link, m_Parameters.m_uiStartAddress,
                                            static_cast<unsigned short>(m_Parameters.m_uiSectorNumbers), crc);
     const int restored = jobsteps::restoreTimeout(link);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
-    m_CRCValue = static_cast<uint>(crc[0]) << 24 | static_cast<uint>(crc[1]) << 16 |
-                 static_cast<uint>(crc[2]) << 8 | static_cast<uint>(crc[3]);
+    m_CRCValue = static_cast<uint>(crc[0]) << 24 | static_cast<uint>(crc[1]) << 16 | static_cast<uint>(crc[2]) << 8 |
+                 static_cast<uint>(crc[3]);
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return restored; // MEANT: the bare status byte

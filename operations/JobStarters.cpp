@@ -10,17 +10,15 @@ template <class Job>
 void replaceJob(CBootLoader *control, void *parameters = nullptr) {
     control->FreeOperation();
     control->m_ObOperation = new Job(control);
-    if (parameters) {
+    if (parameters)
         control->m_ObOperation->SetParameters(parameters);
-    }
 }
 
 } // namespace
 
 void CBootLoader::FreeOperation() {
-    if (!m_ObOperation) {
+    if (!m_ObOperation)
         return;
-    }
     // The job's last event comes from its thread, so the thread may still be on its way out.
     m_ObOperation->WaitUntilEnded();
     delete m_ObOperation;

@@ -23,9 +23,8 @@ std::string titleWithFile(const std::string &title, const std::string &fileName)
 
 bool fileNameOf(const std::string &path, std::string &fileName) {
     const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) {
+    if (slash == std::string::npos)
         return false;
-    }
     fileName = path.substr(slash + 1);
     return true;
 }
@@ -44,12 +43,10 @@ int familyOf(const CBootLoader *control) {
 }
 
 int sectorOf(uint address, uint flashSectorSize) {
-    if (address >= spimBase) {
+    if (address >= spimBase)
         return static_cast<int>(address - spimBase) / static_cast<int>(spimSectorSize) + firstSpimSector;
-    }
-    if (address < flashBase || flashSectorSize == 0) {
+    if (address < flashBase || flashSectorSize == 0)
         return -1;
-    }
     return static_cast<int>(address - flashBase) / static_cast<int>(flashSectorSize);
 }
 
@@ -58,9 +55,8 @@ int openImage(CProgramFile &file, const std::string &path, CDevice *device) {
     // Another program may still be writing the file.
     for (int attempt = 0; attempt < openAttempts; ++attempt) {
         result = file.Open(path, device);
-        if (result == 0) {
+        if (result == 0)
             return file.GetElementCount() == 0 ? CResult::FILES_EMPTY : 0;
-        }
         QThread::msleep(msBetweenAttempts);
     }
     return result;
@@ -68,12 +64,10 @@ int openImage(CProgramFile &file, const std::string &path, CDevice *device) {
 
 int addressOffsetOf(CProgramFile &file, uint startAddress, uint &offset) {
     offset = 0;
-    if (file.m_Type == UNKNOWN) {
+    if (file.m_Type == UNKNOWN)
         return CResult::UNKNOWN_ERROR;
-    }
-    if (file.m_Type != BIN) {
+    if (file.m_Type != BIN)
         return 0;
-    }
     uint imageAddress = 0;
     const int result = file.GetStartAddress(&imageAddress);
     offset = startAddress - imageAddress;

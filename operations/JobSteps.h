@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
-
 #include <string>
+
+#include <QtGlobal>
 
 #include "foundation/LibraryTypes.h"
 #include "foundation/ShareParameter.h"

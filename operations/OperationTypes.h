@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
-
 #include <string>
+
+#include <QtGlobal>
 
 // What a job and its listener exchange: the kinds of jobs and events, and the record of each event.
 
@@ -73,7 +73,7 @@ struct CBaseInfo {
 struct CInitInfo {
     int m_nPortNum = 0;
     OP_Type m_emType = OP_ERASE;
-    std::string m_strName;     // display name, the file in it where there is one
+    std::string m_strName; // display name, the file in it where there is one
     bool m_bSubOperation = false;
     std::string m_strFilePath; // empty where the job has no file
     uint m_uiFileSize = 0;     // bytes; 0 where the job has no file

@@ -18,25 +18,22 @@ bool isShortLayout(const CUserSystemData &data) {
 }
 
 bool covers(CUserSystemData &data, int bit) {
-    if (isShortLayout(data) && bit == lastBitOfShortLayout) {
+    if (isShortLayout(data) && bit == lastBitOfShortLayout)
         return true;
-    }
     int used = 0;
     return data.IsEPPnUsed(bit / 8, &used) && bit % 8 < used;
 }
 
 bool isOnChip(const CUserSystemData &data, int sector) {
-    if (sector >= jobsteps::firstSpimSector) {
+    if (sector >= jobsteps::firstSpimSector)
         return isShortLayout(data); // the long layout has no bit for SPIM
-    }
     return sector >= 0 && sector < data.m_nSectorNums;
 }
 
 QList<int> allSectors(const CUserSystemData &data) {
     QList<int> sectors;
-    for (int sector = 0; sector < data.m_nSectorNums; ++sector) {
+    for (int sector = 0; sector < data.m_nSectorNums; ++sector)
         sectors.append(sector);
-    }
     return sectors;
 }
 
@@ -45,18 +42,15 @@ QList<int> allSectors(const CUserSystemData &data) {
 int readProtected(CBootLoader &control, QList<int> &bits) {
     bits.clear();
     const int result = control.GetUserSystemData();
-    if (result != 0) {
+    if (result != 0)
         return result == CResult::SYS_CMD_NOT_ALLOWED ? CResult::SYS_ACCESS_PROTECTION : result;
-    }
     CUserSystemData *data = control.m_ObUserSystemData;
-    if (!data) {
+    if (!data)
         return CResult::UNKNOWN_ERROR;
-    }
     for (int bit = 0; bit < data->m_iEppLen * 8; ++bit) {
         const bool isClear = (data->EPP[bit / 8] >> (bit % 8) & 1) == 0;
-        if (isClear && covers(*data, bit)) {
+        if (isClear && covers(*data, bit))
             bits.append(bit);
-        }
     }
     return 0;
 }
@@ -64,25 +58,20 @@ int readProtected(CBootLoader &control, QList<int> &bits) {
 int covering(const CBootLoader &control, const QList<int> &sectors, QList<int> &bits) {
     bits.clear();
     CUserSystemData *data = control.m_ObUserSystemData;
-    if (!data) {
+    if (!data)
         return CResult::UNKNOWN_ERROR;
-    }
     // The filter ends at the first sector behind those of bit 31, which bit 31 covers all the same.
     const int lastShortSector = lastBitOfShortLayout * data->m_bSectorsPerBit;
     QList<int> wanted = sectors.isEmpty() ? allSectors(*data) : sectors;
     for (int &sector : wanted) {
-        if (!isOnChip(*data, sector)) {
+        if (!isOnChip(*data, sector))
             return CResult::PROGRAM_INPUT_PARAMS_ERROR;
-        }
-        if (isShortLayout(*data) && sector < jobsteps::firstSpimSector) {
+        if (isShortLayout(*data) && sector < jobsteps::firstSpimSector)
             sector = std::min(sector, lastShortSector);
-        }
     }
-    for (const int bit : data->FilterEPPSectorIndexForEraseProgramProtect(wanted)) {
-        if (!bits.contains(bit)) {
+    for (const int bit : data->FilterEPPSectorIndexForEraseProgramProtect(wanted))
+        if (!bits.contains(bit))
             bits.append(bit);
-        }
-    }
     return bits.isEmpty() ? CResult::PROGRAM_INPUT_PARAMS_ERROR : 0;
 }
 

@@ -18,9 +18,8 @@ constexpr BYTE protectionOff = 0xA5;
 constexpr quint32 pairLength = 2;
 
 int startWith(COperation *job, void *record) {
-    if (!job) {
+    if (!job)
         return CResult::UNKNOWN_ERROR;
-    }
     job->SetParameters(record);
     return job->Start();
 }
@@ -41,16 +40,14 @@ int protectAccess(CAccessProtect *job, BYTE level) {
 
 int writeSerialNumber(CWriteSN *job, WriteSN_Param &record) {
     const int result = startWith(job, &record);
-    if (result == 0) {
+    if (result == 0)
         record = job->m_Parameters;
-    }
     return result;
 }
 
 int writeUserSystemData(CWriteUserSystemData *job, BYTE *data, quint32 length, bool protectionFollows) {
-    if (!job) {
+    if (!job)
         return CResult::UNKNOWN_ERROR;
-    }
     std::vector<BYTE> bytes(data, data + length);
     if (protectionFollows && length >= pairLength) {
         bytes[0] = protectionOff;

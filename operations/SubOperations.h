@@ -37,9 +37,8 @@ int prepareBank3(Download &job) {
     if (job.m_obBootLoader && asked.m_uiFlashDA != 0 && asked.m_UserSystemDataArray) {
         const int result = job.m_obBootLoader->LoadUserSystemDataToDeviceExceptFAP(asked.m_UserSystemDataArray,
                                                                                    asked.m_UserSystemDataLen);
-        if (result != 0) {
+        if (result != 0)
             return CResult::Convert(result);
-        }
     }
     return job.EnBank3();
 }
@@ -50,15 +49,12 @@ template <class Download>
 int finishDownload(Download &job) {
     const auto &asked = job.m_Parameters;
     int result = 0;
-    if (asked.m_bWriteSN) {
+    if (asked.m_bWriteSN)
         result = job.WriteSN(asked.m_uiSNAddress, asked.m_uiSNNumber, asked.m_uiSNStep);
-    }
-    if (result == 0 && !job.IsCancel() && asked.m_UserSystemDataArray) {
+    if (result == 0 && !job.IsCancel() && asked.m_UserSystemDataArray)
         result = job.ApplyUserSystemData(asked.m_UserSystemDataArray, asked.m_UserSystemDataLen);
-    }
-    if (result == 0 && !job.IsCancel() && asked.m_bFAP) {
+    if (result == 0 && !job.IsCancel() && asked.m_bFAP)
         result = job.FAP();
-    }
     return result;
 }
 

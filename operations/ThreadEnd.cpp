@@ -32,9 +32,8 @@ void ThreadEnd::Watch::end(void *self) {
     auto *watch = static_cast<Watch *>(self);
     if (!watch->othersHaveEnded) {
         watch->othersHaveEnded = true;
-        if (pthread_setspecific(key(), watch) == 0) {
+        if (pthread_setspecific(key(), watch) == 0)
             return;
-        }
     }
     watch->signal->raise();
     delete watch;
@@ -42,9 +41,8 @@ void ThreadEnd::Watch::end(void *self) {
 
 void ThreadEnd::watchThisThread() {
     auto *watch = new Watch{signal};
-    if (pthread_setspecific(Watch::key(), watch) != 0) {
+    if (pthread_setspecific(Watch::key(), watch) != 0)
         Watch::end(watch);
-    }
 }
 
 void ThreadEnd::wait() {

@@ -22,15 +22,13 @@ void CUpload::SetParameters(void *p) {
 
 int CUpload::InitAction() {
     COperation::InitAction();
-    if (!m_obProgramFile) {
+    if (!m_obProgramFile)
         m_obProgramFile = new CProgramFile;
-    }
     m_obProgramFile->SetSectorIndexsForCreate(m_Parameters.m_aSectorIndexs, m_Parameters.m_aSectorIndexs.size());
     m_obProgramFile->SetBank3SizeForCreate(m_Parameters.m_bank3Size);
     const int result = m_obProgramFile->Create(jobsteps::deviceOf(m_obBootLoader));
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     m_InitInfo.m_strFilePath = m_Parameters.m_strUploadPathFile.toStdString();
     m_InitInfo.m_uiFileSize = m_obProgramFile->m_UiFileSize;
     return 0;
@@ -40,20 +38,17 @@ int CUpload::Action() {
     const PIMAGEELEMENT element = m_obProgramFile->GetElement();
     if (!element) {
         const int result = m_obProgramFile->Save(m_Parameters.m_strUploadPathFile.toStdString());
-        if (result == 0) {
+        if (result == 0)
             CallCommand(COMMAND_DONE);
-        }
         return result;
     }
     const int status = ZVBL_UPLOAD(m_obBootLoader->m_handle, static_cast<uint>(element->dwAddress), element->Data,
                                    static_cast<uint>(element->dwDataLength));
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(status);
-    }
     const int result = m_obProgramFile->SetElement();
-    if (result == 0) {
+    if (result == 0)
         CalculatePercent();
-    }
     return result;
 }
 

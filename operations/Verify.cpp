@@ -27,14 +27,12 @@ void CVerify::SetAddressOffset(uint uiAddressOffset) {
 }
 
 int CVerify::InitAction() {
-    if (!m_obProgramFile) {
+    if (!m_obProgramFile)
         return CResult::UNKNOWN_ERROR;
-    }
     std::string fileName;
     // MEANT: a path without "/" leaves the command as the last run left it.
-    if (!jobsteps::fileNameOf(m_obProgramFile->m_StrPath, fileName)) {
+    if (!jobsteps::fileNameOf(m_obProgramFile->m_StrPath, fileName))
         return 0;
-    }
     m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Verify), fileName);
     COperation::InitAction();
     m_obProgramFile->ResetElement();
@@ -44,20 +42,18 @@ int CVerify::InitAction() {
 }
 
 int CVerify::Action() {
-    if (!m_obProgramFile) {
+    if (!m_obProgramFile)
         return CResult::UNKNOWN_ERROR;
-    }
     const PIMAGEELEMENT element = m_obProgramFile->GetElement();
     if (!element) {
         CallCommand(COMMAND_DONE);
         return 0;
     }
     const BYTE status =
-        ZVBL_VERIFY(m_obBootLoader->m_handle, static_cast<uint>(element->dwAddress) + m_uiAddressOffset,
-                    element->Data, static_cast<uint>(element->dwDataLength), m_obProgramFile->m_bOptimize ? 1 : 0);
-    if (status != 0) {
+        ZVBL_VERIFY(m_obBootLoader->m_handle, static_cast<uint>(element->dwAddress) + m_uiAddressOffset, element->Data,
+                    static_cast<uint>(element->dwDataLength), m_obProgramFile->m_bOptimize ? 1 : 0);
+    if (status != 0)
         return jobsteps::verifyResult(status);
-    }
     CalculatePercent();
     return 0;
 }

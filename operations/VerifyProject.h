@@ -11,7 +11,7 @@ public:
     int InitAction() override;
     int Action() override;
     using COperation::CalculatePercent;
-    void CalculatePercent(int size); // bytes just compared
+    void CalculatePercent(int size);      // bytes just compared
     void SetParameters(void *p) override; // without effect
 
     void SetVerifyFile(SFileInfo obProgramFile);

@@ -23,27 +23,23 @@ int CWriteSN::InitAction() {
 
 int CWriteSN::Action() {
     const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    if (!device) {
+    if (!device)
         return CResult::UNKNOWN_ERROR;
-    }
     const uint address = m_Parameters.m_uiSNAddress;
     const int result = m_obBootLoader->HasBeenEraseProgramProtect(
         {jobsteps::sectorOf(address, device->m_ISectorSize), jobsteps::sectorOf(address + 3, device->m_ISectorSize)});
-    if (result != 0) {
+    if (result != 0)
         return result;
-    }
     const uint number = m_Parameters.m_uiSNNumber;
     BYTE bytes[4] = {static_cast<BYTE>(number), static_cast<BYTE>(number >> 8), static_cast<BYTE>(number >> 16),
                      static_cast<BYTE>(number >> 24)};
     // Without the optimise flag: a number of 0xFFFFFFFF is data like any other.
     BYTE status = ZVBL_DNLOAD(m_obBootLoader->m_handle, address, bytes, sizeof bytes, 0);
-    if (status != 0) {
+    if (status != 0)
         return CResult::Convert(static_cast<int>(status));
-    }
     status = ZVBL_VERIFY(m_obBootLoader->m_handle, address, bytes, sizeof bytes, 0);
-    if (status != 0) {
+    if (status != 0)
         return jobsteps::verifyResult(status);
-    }
     m_Parameters.m_uiSNNumber += m_Parameters.m_uiSNStep;
     CalculatePercent();
     CallCommand(COMMAND_DONE);

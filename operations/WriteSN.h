@@ -5,7 +5,7 @@
 struct WriteSN_Param {
     uint m_uiSNAddress = 0; // target address
     uint m_uiSNNumber = 0;
-    uint m_uiSNStep = 0;    // from this chip's number to the next one's
+    uint m_uiSNStep = 0; // from this chip's number to the next one's
 };
 typedef WriteSN_Param WRITESN_PARAM;
 

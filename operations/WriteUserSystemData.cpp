@@ -27,13 +27,11 @@ int CWriteUserSystemData::InitAction() {
 }
 
 int CWriteUserSystemData::Action() {
-    if (!m_obBootLoader) {
+    if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    }
     const int result = m_obBootLoader->LoadUserSystemDataToDevice(m_UserSystemData, m_UserSystemDataLen);
-    if (result != 0) {
+    if (result != 0)
         return CResult::Convert(result);
-    }
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;

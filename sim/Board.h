@@ -1,9 +1,9 @@
 #pragma once
 
-#include "sim/Bootloader.h"
-
 #include <optional>
 #include <string>
+
+#include "sim/Bootloader.h"
 
 namespace sim {
 

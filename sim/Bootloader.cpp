@@ -1,11 +1,11 @@
 #include "sim/Bootloader.h"
 
-#include "libs/zvbl/wire/Wire.h"
-#include "sim/Groups.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <utility>
+
+#include "libs/zvbl/wire/Wire.h"
+#include "sim/Groups.h"
 
 namespace sim {
 
@@ -19,9 +19,8 @@ std::string hex(std::uint32_t value, int digits) {
 
 Bytes opcodesIn(const CommandTable *table) {
     Bytes opcodes;
-    for (std::size_t i = 0; table != nullptr && i < table->size(); ++i) {
+    for (std::size_t i = 0; table != nullptr && i < table->size(); ++i)
         opcodes.push_back((*table)[i].opcode);
-    }
     return opcodes;
 }
 
@@ -30,9 +29,8 @@ std::optional<std::vector<Bytes>> cut(const std::vector<Step> &steps, Bytes grou
     std::vector<Bytes> parts;
     for (const Step &step : steps) {
         const std::size_t length = step.length(groups);
-        if (length > groups.size()) {
+        if (length > groups.size())
             return std::nullopt;
-        }
         const auto end = groups.begin() + static_cast<std::ptrdiff_t>(length);
         parts.emplace_back(groups.begin(), end);
         groups.erase(groups.begin(), end);
@@ -50,9 +48,13 @@ void Exchange::begin(const CommandRow &opened) {
     outcome_ = {};
 }
 
-void Exchange::answer(std::uint8_t byte) { out_.push_back({{byte}, now}); }
+void Exchange::answer(std::uint8_t byte) {
+    out_.push_back({{byte}, now});
+}
 
-void Exchange::send(const Bytes &bytes) { out_.push_back({bytes, now, true}); }
+void Exchange::send(const Bytes &bytes) {
+    out_.push_back({bytes, now, true});
+}
 
 void Exchange::sendChecked(Bytes bytes) {
     appendXor(bytes);
@@ -64,7 +66,9 @@ void Exchange::expect(std::size_t length, const Bytes &told) {
     told_ = told;
 }
 
-void Exchange::changeLinkSpeed(unsigned speed) { out_.back().linkSpeed = speed; }
+void Exchange::changeLinkSpeed(unsigned speed) {
+    out_.back().linkSpeed = speed;
+}
 
 Next Exchange::accept(Next next) {
     answer(wire::ack);
@@ -82,35 +86,38 @@ Next Exchange::goOn(const Outcome &outcome) {
     return outcome.done() ? accept(Next::nextGroup) : refuse(outcome.why);
 }
 
-Next awaitGroups(Exchange &exchange) { return exchange.goOn(); }
+Next awaitGroups(Exchange &exchange) {
+    return exchange.goOn();
+}
 
 Next Exchange::conclude(const Outcome &outcome, Next next) {
     now += chip.takeTime();
     outcome_ = outcome;
-    if (outcome.kind == Outcome::Kind::powerLost) {
+    if (outcome.kind == Outcome::Kind::powerLost)
         return Next::powerLost;
-    }
     return outcome.done() ? accept(next) : refuse(outcome.why);
 }
 
-bool Exchange::refusedByFault() { return faults_.refuses(answers_++); }
+bool Exchange::refusedByFault() {
+    return faults_.refuses(answers_++);
+}
 
-Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants, const CommandTable *additions)
+Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants,
+                       const CommandTable *additions)
     : chip_(chip), faults_(faults), log_(log), variants_(variants), additions_(additions),
       exchange_(chip, supported_, faults, log, out_), supported_(opcodesOf(chip.facts(), opcodesIn(additions))) {}
 
-bool Bootloader::listening(Nanoseconds now) const { return !held_ && !gone_ && !silent_ && now >= listensFrom_; }
+bool Bootloader::listening(Nanoseconds now) const {
+    return !held_ && !gone_ && !silent_ && now >= listensFrom_;
+}
 
 const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
-    if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end()) {
+    if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end())
         return nullptr;
-    }
     for (const CommandTable *table : {variants_, additions_, &fixedCommands(), &ownCommands()}) {
-        for (std::size_t i = 0; table != nullptr && i < table->size(); ++i) {
-            if ((*table)[i].opcode == opcode) {
+        for (std::size_t i = 0; table != nullptr && i < table->size(); ++i)
+            if ((*table)[i].opcode == opcode)
                 return &(*table)[i];
-            }
-        }
     }
     return nullptr;
 }
@@ -135,25 +142,22 @@ bool Bootloader::admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds n
     log_.note(std::string("command: ") + row->name);
     exchange_.now = now;
     exchange_.begin(*row);
-    if (exchange_.refusedByFault()) {
+    if (exchange_.refusedByFault())
         follow(exchange_.refuse("fault"));
-    } else if (guarded(*row)) {
+    else if (guarded(*row))
         follow(exchange_.refuse("the chip is access-protected"));
-    }
     return !idle();
 }
 
 void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
-    if (admit(opcode, rowOf(opcode), now)) {
+    if (admit(opcode, rowOf(opcode), now))
         follow(exchange_.row->begin(exchange_));
-    }
 }
 
 void Bootloader::feed(std::uint8_t byte, Nanoseconds now) {
     group_.push_back(byte);
-    if (group_.size() < lengthOf(group_)) {
+    if (group_.size() < lengthOf(group_))
         return;
-    }
     take(std::exchange(group_, {}), now);
 }
 
@@ -161,13 +165,12 @@ void Bootloader::take(const Bytes &group, Nanoseconds now) {
     const Step &step = exchange_.row->steps[exchange_.step];
     ++exchange_.step;
     exchange_.now = now;
-    if (exchange_.refusedByFault()) {
+    if (exchange_.refusedByFault())
         follow(exchange_.refuse("fault"));
-    } else if (!step.sound(group)) {
+    else if (!step.sound(group))
         follow(exchange_.refuse("wrong checksum"));
-    } else {
+    else
         follow(step.act(exchange_, group));
-    }
 }
 
 std::size_t Bootloader::groupLength(const Bytes &more) const {
@@ -188,15 +191,13 @@ void Bootloader::refuseGroup(const std::string &why, Nanoseconds now) {
 }
 
 void Bootloader::whole(std::uint8_t opcode, const Bytes &groups, Nanoseconds now) {
-    if (admit(opcode, rowOf(opcode), now)) {
+    if (admit(opcode, rowOf(opcode), now))
         wholeBehindOpcode(groups);
-    }
 }
 
 void Bootloader::whole(const CommandRow &row, const Bytes &groups, Nanoseconds now) {
-    if (admit(row.opcode, &row, now)) {
+    if (admit(row.opcode, &row, now))
         wholeBehindOpcode(groups);
-    }
 }
 
 void Bootloader::wholeBehindOpcode(const Bytes &groups) {
@@ -207,38 +208,35 @@ void Bootloader::wholeBehindOpcode(const Bytes &groups) {
         return;
     }
     follow(exchange_.row->begin(exchange_));
-    for (const Bytes &part : *parts) {
-        if (!idle()) {
+    for (const Bytes &part : *parts)
+        if (!idle())
             take(part, busyUntil_);
-        }
-    }
 }
 
 void Bootloader::follow(Next next) {
     busyUntil_ = exchange_.now;
-    if (next == Next::nextGroup) {
+    if (next == Next::nextGroup)
         return;
-    }
     exchange_.row = nullptr;
     ended_ = next;
-    if (next == Next::reset) {
+    if (next == Next::reset)
         reset(exchange_.now);
-    } else if (next == Next::powerLost) {
+    else if (next == Next::powerLost)
         losePower(exchange_.now);
-    } else if (next == Next::leave) {
+    else if (next == Next::leave)
         leave();
-    }
 }
 
 void Bootloader::drop(const std::string &why) {
-    if (exchange_.row != nullptr) {
+    if (exchange_.row != nullptr)
         log_.refused(std::string(exchange_.row->name) + ": " + why);
-    }
     exchange_.row = nullptr;
     group_.clear();
 }
 
-void Bootloader::answer(std::uint8_t byte, Nanoseconds now) { out_.push_back({{byte}, now}); }
+void Bootloader::answer(std::uint8_t byte, Nanoseconds now) {
+    out_.push_back({{byte}, now});
+}
 
 void Bootloader::refuse(const std::string &why, Nanoseconds now) {
     log_.refused(why);
@@ -252,9 +250,8 @@ void Bootloader::start(Nanoseconds now) {
     silent_ = false;
     listensFrom_ = now + startTime;
     busyUntil_ = now;
-    if (selected_ == Start::application && !held_) {
+    if (selected_ == Start::application && !held_)
         leave();
-    }
 }
 
 void Bootloader::leave() {
@@ -287,6 +284,8 @@ void Bootloader::release(Nanoseconds now) {
     start(now);
 }
 
-std::vector<Output> Bootloader::takeOutput() { return std::exchange(out_, {}); }
+std::vector<Output> Bootloader::takeOutput() {
+    return std::exchange(out_, {});
+}
 
 } // namespace sim

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "sim/Chip.h"
-#include "sim/Log.h"
-
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "sim/Chip.h"
+#include "sim/Log.h"
 
 namespace sim {
 

@@ -1,10 +1,10 @@
 #include "sim/Chip.h"
 
-#include "libs/zvbl/wire/Wire.h"
-#include "sim/Crc32.h"
-
 #include <algorithm>
 #include <utility>
+
+#include "libs/zvbl/wire/Wire.h"
+#include "sim/Crc32.h"
 
 namespace sim {
 
@@ -19,9 +19,8 @@ Bytes uniqueIdOf(const ChipFacts &chip, unsigned number) {
     std::uint32_t word = number;
     while (id.size() < length) {
         word = crc32(reinterpret_cast<const std::uint8_t *>(chip.name.data()), chip.name.size(), word);
-        for (unsigned shift = 0; shift < 32; shift += 8) {
+        for (unsigned shift = 0; shift < 32; shift += 8)
             id.push_back(static_cast<std::uint8_t>(word >> shift));
-        }
     }
     return id;
 }
@@ -70,7 +69,9 @@ void Chip::layOutMemory(unsigned number) {
 
 void Chip::addIdentification(unsigned number) {
     const auto fixed = [this](std::uint32_t base, const Bytes &content) {
-        regions_.push_back({base, content.size(), 1,
+        regions_.push_back({base,
+                            content.size(),
+                            1,
                             [content](std::size_t offset, std::size_t length) {
                                 const auto first = content.begin() + static_cast<std::ptrdiff_t>(offset);
                                 return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
@@ -97,9 +98,8 @@ void Chip::losePower() {
 const Chip::Region *Chip::regionAt(std::uint32_t address, std::size_t length) const {
     for (const Region &region : regions_) {
         const std::size_t size = region.base == wire::spimBase ? spim_.enabledSize() : region.size;
-        if (address >= region.base && length <= size && address - region.base <= size - length) {
+        if (address >= region.base && length <= size && address - region.base <= size - length)
             return &region;
-        }
     }
     return nullptr;
 }
@@ -110,12 +110,10 @@ Outcome Chip::checkRead(std::uint32_t address, std::size_t length) const {
 
 Outcome Chip::checkWrite(std::uint32_t address, std::size_t length) const {
     const Region *region = regionAt(address, length);
-    if (region == nullptr) {
+    if (region == nullptr)
         return Outcome::refuse("not inside a memory of this chip");
-    }
-    if (!region->write) {
+    if (!region->write)
         return Outcome::refuse("this memory cannot be written");
-    }
     return address % region->granularity == 0 ? Outcome{} : Outcome::refuse("address is not a multiple of 4");
 }
 
@@ -130,13 +128,11 @@ Outcome Chip::read(std::uint32_t address, std::size_t length, Bytes &bytes) cons
 
 Outcome Chip::write(std::uint32_t address, const Bytes &bytes) {
     const Outcome outcome = checkWrite(address, bytes.size());
-    if (!outcome.done()) {
+    if (!outcome.done())
         return outcome;
-    }
     const Region *region = regionAt(address, bytes.size());
-    if (bytes.size() % region->granularity != 0) {
+    if (bytes.size() % region->granularity != 0)
         return Outcome::refuse("length is not a multiple of 4");
-    }
     return region->write(address - region->base, bytes);
 }
 
@@ -154,11 +150,9 @@ bool Chip::goResets(std::uint32_t address) const {
 
 Bytes Chip::readFlash(std::size_t offset, std::size_t length) const {
     Bytes bytes = flash_.read(offset, length);
-    for (std::size_t i = 0; i < length; ++i) {
-        if (slib_.hides(static_cast<unsigned>((offset + i) / facts_.sectorSize))) {
+    for (std::size_t i = 0; i < length; ++i)
+        if (slib_.hides(static_cast<unsigned>((offset + i) / facts_.sectorSize)))
             bytes[i] = blank;
-        }
-    }
     return bytes;
 }
 
@@ -166,24 +160,20 @@ Outcome Chip::writeFlash(std::size_t offset, const Bytes &bytes) {
     const std::size_t last = (offset + bytes.size() - 1) / facts_.sectorSize;
     for (std::size_t sector = offset / facts_.sectorSize; sector <= last; ++sector) {
         const auto number = static_cast<unsigned>(sector);
-        if (protection_.sectorProtected(number) || slib_.covers(number)) {
+        if (protection_.sectorProtected(number) || slib_.covers(number))
             return Outcome::refuse("sector " + std::to_string(number) + " is protected");
-        }
     }
-    if (!flash_.canProgram(offset, bytes)) {
+    if (!flash_.canProgram(offset, bytes))
         return Outcome::refuseNotErased("cell not erased");
-    }
     spendProgramming(bytes.size());
     return flash_.program(offset, bytes) ? Outcome{} : Outcome::powerLost();
 }
 
 Outcome Chip::writeSpim(std::size_t offset, const Bytes &bytes) {
-    if (protection_.spimProtected()) {
+    if (protection_.spimProtected())
         return Outcome::refuse("SPIM is protected");
-    }
-    if (!spim_.cells().canProgram(offset, bytes)) {
+    if (!spim_.cells().canProgram(offset, bytes))
         return Outcome::refuseNotErased("cell not erased");
-    }
     spendProgramming(bytes.size());
     return spim_.cells().program(offset, bytes) ? Outcome{} : Outcome::powerLost();
 }
@@ -193,7 +183,9 @@ void Chip::spendProgramming(std::size_t bytes) {
     time_ += flashTime_.program256 * static_cast<Nanoseconds>(bytes) / page;
 }
 
-Nanoseconds Chip::takeTime() { return std::exchange(time_, 0); }
+Nanoseconds Chip::takeTime() {
+    return std::exchange(time_, 0);
+}
 
 std::vector<Chip::Section> Chip::sections() {
     return {{"flash", &flash_},
@@ -205,9 +197,8 @@ std::vector<Chip::Section> Chip::sections() {
 
 std::uint64_t Chip::changes() {
     std::uint64_t sum = slib_.changes();
-    for (const Section &section : sections()) {
+    for (const Section &section : sections())
         sum += section.cells->changes();
-    }
     return sum;
 }
 

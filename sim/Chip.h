@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "sim/ChipTable.h"
 #include "sim/Time.h"
 #include "sim/memory/OptionBytes.h"
@@ -7,8 +9,6 @@
 #include "sim/memory/Protection.h"
 #include "sim/memory/Slib.h"
 #include "sim/memory/Spim.h"
-
-#include <functional>
 
 namespace sim {
 

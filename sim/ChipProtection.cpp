@@ -12,9 +12,8 @@ Outcome Chip::programOptions(const Bytes &compact) {
 }
 
 Outcome Chip::writeUserData(const Bytes &compact) {
-    if (compact.size() != facts_.userDataLength) {
+    if (compact.size() != facts_.userDataLength)
         return Outcome::refuse("the user system data has " + std::to_string(facts_.userDataLength) + " bytes");
-    }
     return programOptions(compact);
 }
 
@@ -36,28 +35,28 @@ Outcome Chip::unprotectAccess() {
 }
 
 Outcome Chip::protectGroups(const Bytes &groups) {
-    for (const unsigned group : groups) {
-        if (group >= protection_.groups()) {
+    for (const unsigned group : groups)
+        if (group >= protection_.groups())
             return Outcome::refuse("there is no protection bit " + std::to_string(group));
-        }
-    }
     return programOptions(protection_.withGroupsProtected(groups));
 }
 
-Outcome Chip::unprotectGroups() { return programOptions(protection_.withGroupsOpen()); }
+Outcome Chip::unprotectGroups() {
+    return programOptions(protection_.withGroupsOpen());
+}
 
-Outcome Chip::enableSlib(const Slib::Area &wanted) { return slib_.enable(wanted, flashSectors()); }
+Outcome Chip::enableSlib(const Slib::Area &wanted) {
+    return slib_.enable(wanted, flashSectors());
+}
 
 Outcome Chip::disableSlib(std::uint32_t password) {
     Outcome outcome = slib_.checkPassword(password);
-    if (!outcome.done()) {
+    if (!outcome.done())
         return outcome;
-    }
     const Slib::Area &area = slib_.area();
     outcome = erase({{false, area.start, area.end - area.start + 1U}}, false);
-    if (outcome.done()) {
+    if (outcome.done())
         slib_.clear();
-    }
     return outcome;
 }
 

@@ -1,8 +1,8 @@
 #include "sim/ChipTable.h"
 
-#include "libs/zvbl/wire/Wire.h"
-
 #include <algorithm>
+
+#include "libs/zvbl/wire/Wire.h"
 
 namespace sim {
 
@@ -10,13 +10,13 @@ namespace {
 
 std::vector<std::size_t> wideEpp() {
     std::vector<std::size_t> bytes = {4, 5, 6, 7};
-    for (std::size_t i = 10; i <= 25; ++i) {
+    for (std::size_t i = 10; i <= 25; ++i)
         bytes.push_back(i);
-    }
     return bytes;
 }
 
 const std::vector<OptionLayout> &layouts() {
+    // clang-format off
     static const std::vector<OptionLayout> rows = {
         //     address     access  protection    wide   resets
         {'A', 0x1FFFF800, 0, {4, 5, 6, 7}, false, true},
@@ -26,6 +26,7 @@ const std::vector<OptionLayout> &layouts() {
         {'E', 0x1FFFC000, 0, wideEpp(), true, false},
         {'F', 0x1FFFF800, 0, {4, 5, 6, 7}, false, true},
     };
+    // clang-format on
     return rows;
 }
 
@@ -35,6 +36,7 @@ constexpr bool no = false;
 } // namespace
 
 const std::vector<ChipFacts> &chipTable() {
+    // clang-format off
     // clang-format off
     static const std::vector<ChipFacts> rows = {
         // name               series pid        id KB    sector grp lay  len   ver   bid   res   RAM  spim lvl  goEnd old  OTP
@@ -114,15 +116,14 @@ const std::vector<ChipFacts> &chipTable() {
         {"ZV32F426_32K",      0x20, 0x500820A1, 5, 32,   1024, 4, 'F', 256,  0x20, 0x42, 0x06, 16,  no,  yes, no,  no,  0x1FFFF000, 1024},
     };
     // clang-format on
+    // clang-format on
     return rows;
 }
 
 const ChipFacts *findChip(std::string_view name) {
-    for (const ChipFacts &chip : chipTable()) {
-        if (chip.name == name) {
+    for (const ChipFacts &chip : chipTable())
+        if (chip.name == name)
             return &chip;
-        }
-    }
     return nullptr;
 }
 
@@ -134,20 +135,24 @@ const OptionLayout &layoutOf(const ChipFacts &chip) {
 Bytes opcodesOf(const ChipFacts &chip, Bytes further) {
     using namespace wire;
     // Clients of the fixed convention read these eleven by their position.
-    Bytes list = {opGet,      opGetVerRops,  opGetId,          opRead,
-                  opGo,       opWrite,       chip.oldest ? opErase : opEraseExt,
-                  opEppProtect, opEppUnprotect, opAccessProtect, opAccessUnprotect};
+    Bytes list = {opGet,
+                  opGetVerRops,
+                  opGetId,
+                  opRead,
+                  opGo,
+                  opWrite,
+                  chip.oldest ? opErase : opEraseExt,
+                  opEppProtect,
+                  opEppUnprotect,
+                  opAccessProtect,
+                  opAccessUnprotect};
     further.insert(further.end(), {opReset, opUserDataRead, opUserDataWrite});
-    if (!chip.oldest) {
-        further.insert(further.end(),
-                       {opToolExchange, opFirmwareCrc, opEnableSlib, opDisableSlib, opSlibStatus});
-    }
-    if (chip.levels) {
+    if (!chip.oldest)
+        further.insert(further.end(), {opToolExchange, opFirmwareCrc, opEnableSlib, opDisableSlib, opSlibStatus});
+    if (chip.levels)
         further.push_back(opAccessProtectLevel);
-    }
-    if (chip.spim) {
+    if (chip.spim)
         further.insert(further.end(), {opEnableBank3, opRemap});
-    }
     std::sort(further.begin(), further.end());
     list.insert(list.end(), further.begin(), further.end());
     return list;
@@ -155,9 +160,8 @@ Bytes opcodesOf(const ChipFacts &chip, Bytes further) {
 
 Bytes identifierOf(const ChipFacts &chip) {
     const auto byte = [&](unsigned shift) { return static_cast<std::uint8_t>(chip.pid >> shift); };
-    if (chip.idLength == 2) {
+    if (chip.idLength == 2)
         return {byte(8), byte(0)};
-    }
     return {byte(8), byte(0), byte(24), byte(16), chip.series};
 }
 

@@ -12,11 +12,11 @@ using Bytes = std::vector<std::uint8_t>;
 // Where a family keeps what protects it, counted in bytes of the compact form.
 struct OptionLayout {
     char name;
-    std::uint32_t address;      // of the option bytes in the chip's memory
-    std::size_t accessByte;     // flash access protection
+    std::uint32_t address;             // of the option bytes in the chip's memory
+    std::size_t accessByte;            // flash access protection
     std::vector<std::size_t> eppBytes; // erase and program protection, bit 0 of the first one is group 0
-    bool wideGroups;            // groups from 32 up cover 128 KiB each; SPIM has no group
-    bool resetsAfterWrite;      // the chip resets by itself behind a write of its option bytes
+    bool wideGroups;                   // groups from 32 up cover 128 KiB each; SPIM has no group
+    bool resetsAfterWrite;             // the chip resets by itself behind a write of its option bytes
 };
 
 // What one chip is. The simulator's own data: never read from the programmer's map files.
@@ -24,10 +24,10 @@ struct ChipFacts {
     std::string_view name;
     std::uint8_t series;
     std::uint32_t pid;
-    std::size_t idLength;       // 2 or 5 bytes travel
+    std::size_t idLength; // 2 or 5 bytes travel
     unsigned flashKb;
     unsigned sectorSize;
-    unsigned sectorsPerGroup;   // of one erase/program protection bit
+    unsigned sectorsPerGroup; // of one erase/program protection bit
     char layout;
     std::size_t userDataLength; // compact option bytes
     std::uint8_t version;
@@ -35,10 +35,10 @@ struct ChipFacts {
     std::uint8_t bidReserve;
     unsigned ramKb;
     bool spim;
-    bool levels;                // knows protection levels, and the one that cannot be undone
-    bool goToEndResets;         // GO to the last word of flash resets
-    bool oldest;                // the first bootloader: one-byte sector numbers, few of the later commands
-    std::uint32_t otpAddress;   // 0: no OTP area
+    bool levels;              // knows protection levels, and the one that cannot be undone
+    bool goToEndResets;       // GO to the last word of flash resets
+    bool oldest;              // the first bootloader: one-byte sector numbers, few of the later commands
+    std::uint32_t otpAddress; // 0: no OTP area
     std::size_t otpLength;
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "sim/Time.h"
-
 #include <ctime>
+
+#include "sim/Time.h"
 
 namespace sim {
 

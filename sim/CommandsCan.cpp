@@ -1,8 +1,7 @@
 // The commands that there are on CAN alone.
 
-#include "sim/Bootloader.h"
-
 #include "libs/zvbl/wire/Wire.h"
+#include "sim/Bootloader.h"
 #include "sim/Groups.h"
 
 namespace sim {
@@ -14,9 +13,8 @@ constexpr unsigned speeds[] = {125000, 250000, 500000, 1000000, 100000, 50000, 2
 Next setSpeed(Exchange &x, const Bytes &group) {
     constexpr unsigned firstCode = 1;
     const unsigned index = group[0] - firstCode;
-    if (index >= sizeof speeds / sizeof speeds[0]) {
+    if (index >= sizeof speeds / sizeof speeds[0])
         return x.refuse("there is no such speed");
-    }
     const Next next = x.accept();
     x.changeLinkSpeed(speeds[index]);
     return next;

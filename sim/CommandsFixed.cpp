@@ -1,15 +1,16 @@
 // The commands of the fixed convention.
 
-#include "sim/Bootloader.h"
-
 #include "libs/zvbl/wire/Wire.h"
+#include "sim/Bootloader.h"
 #include "sim/Groups.h"
 
 namespace sim {
 
 namespace {
 
-std::uint8_t countByte(std::size_t value) { return static_cast<std::uint8_t>(value); }
+std::uint8_t countByte(std::size_t value) {
+    return static_cast<std::uint8_t>(value);
+}
 
 // ---- GET, GET_VER_ROPS, GET_ID
 
@@ -46,9 +47,8 @@ Next readAddress(Exchange &x, const Bytes &group) {
 Next readLength(Exchange &x, const Bytes &group) {
     Bytes bytes;
     const Outcome outcome = x.chip.read(x.address(), group[0] + std::size_t{1}, bytes);
-    if (!outcome.done()) {
+    if (!outcome.done())
         return x.refuse(outcome.why);
-    }
     x.accept();
     x.send(bytes);
     return Next::end;
@@ -59,14 +59,15 @@ Next writeAddress(Exchange &x, const Bytes &group) {
     return x.goOn(x.chip.checkWrite(x.address(), 1));
 }
 
-Next writeData(Exchange &x, const Bytes &group) { return x.conclude(x.chip.write(x.address(), payload(group, 1))); }
+Next writeData(Exchange &x, const Bytes &group) {
+    return x.conclude(x.chip.write(x.address(), payload(group, 1)));
+}
 
 Next go(Exchange &x, const Bytes &group) {
     x.setAddress(number32(group, 0));
     const Outcome outcome = x.chip.checkGo(x.address());
-    if (!outcome.done()) {
+    if (!outcome.done())
         return x.refuse(outcome.why);
-    }
     return x.accept(x.chip.goResets(x.address()) ? Next::reset : Next::leave);
 }
 
@@ -83,40 +84,31 @@ bool eraseSound(const Bytes &group) {
 }
 
 Next erase(Exchange &x, const Bytes &group) {
-    if (group[0] == eraseAll) {
+    if (group[0] == eraseAll)
         return x.conclude(x.chip.eraseBank(Bank::oneAndTwo));
-    }
     const Bytes numbers = payload(group, 1);
     return x.conclude(x.chip.eraseSectors({numbers.begin(), numbers.end()}));
 }
 
 std::size_t eraseExtLength(const Bytes &arrived) {
-    if (arrived.size() < 2) {
+    if (arrived.size() < 2)
         return 2;
-    }
     const std::size_t count = number16(arrived, 0);
     return count >= wire::eraseBlock ? 3 : 2 + (count + 1) * 2 + 1;
 }
 
 Next eraseExt(Exchange &x, const Bytes &group) {
     switch (number16(group, 0)) {
-    case wire::eraseEverything:
-        return x.conclude(x.chip.eraseBank(Bank::oneAndTwo));
-    case wire::eraseBank1:
-        return x.conclude(x.chip.eraseBank(Bank::one));
-    case wire::eraseBank2:
-        return x.conclude(x.chip.eraseBank(Bank::two));
-    case wire::eraseBank3:
-        return x.conclude(x.chip.eraseBank(Bank::three));
-    case wire::eraseBlock:
-        return x.goOn();
-    default:
-        break;
+    case wire::eraseEverything: return x.conclude(x.chip.eraseBank(Bank::oneAndTwo));
+    case wire::eraseBank1: return x.conclude(x.chip.eraseBank(Bank::one));
+    case wire::eraseBank2: return x.conclude(x.chip.eraseBank(Bank::two));
+    case wire::eraseBank3: return x.conclude(x.chip.eraseBank(Bank::three));
+    case wire::eraseBlock: return x.goOn();
+    default: break;
     }
     std::vector<unsigned> sectors;
-    for (std::size_t i = 2; i + 2 < group.size(); i += 2) {
+    for (std::size_t i = 2; i + 2 < group.size(); i += 2)
         sectors.push_back(number16(group, i));
-    }
     return x.conclude(x.chip.eraseSectors(sectors));
 }
 
@@ -138,9 +130,15 @@ Next ackThenWork(Exchange &x) {
     return x.refusedByFault() ? x.refuse("fault") : x.conclude(Work(x.chip), Next::reset);
 }
 
-Outcome unprotectGroups(Chip &chip) { return chip.unprotectGroups(); }
-Outcome protectAccess(Chip &chip) { return chip.protectAccess(AccessLevel::low); }
-Outcome unprotectAccess(Chip &chip) { return chip.unprotectAccess(); }
+Outcome unprotectGroups(Chip &chip) {
+    return chip.unprotectGroups();
+}
+Outcome protectAccess(Chip &chip) {
+    return chip.protectAccess(AccessLevel::low);
+}
+Outcome unprotectAccess(Chip &chip) {
+    return chip.unprotectAccess();
+}
 
 } // namespace
 
@@ -150,13 +148,22 @@ const CommandTable &fixedCommands() {
         {opGet, "GET", Guard::none, get, {}},
         {opGetVerRops, "GET_VER_ROPS", Guard::none, getVersion, {}},
         {opGetId, "GET_ID", Guard::none, getId, {}},
-        {opRead, "READ", Guard::access, awaitGroups,
+        {opRead,
+         "READ",
+         Guard::access,
+         awaitGroups,
          {{exactly<5>, xorSound, readAddress}, {exactly<2>, complementSound, readLength}}},
         {opGo, "GO", Guard::access, awaitGroups, {{exactly<5>, xorSound, go}}},
-        {opWrite, "WRITE", Guard::access, awaitGroups,
+        {opWrite,
+         "WRITE",
+         Guard::access,
+         awaitGroups,
          {{exactly<5>, xorSound, writeAddress}, {countedByByte, xorSound, writeData}}},
         {opErase, "ERASE", Guard::access, awaitGroups, {{eraseLength, eraseSound, erase}}},
-        {opEraseExt, "ERASE_EXT", Guard::access, awaitGroups,
+        {opEraseExt,
+         "ERASE_EXT",
+         Guard::access,
+         awaitGroups,
          {{eraseExtLength, xorSound, eraseExt}, {exactly<5>, xorSound, eraseBlock}}},
         {opEppProtect, "ERASEPROGRAM_PROTECT", Guard::access, awaitGroups, {{countedByByte, xorSound, protectGroups}}},
         {opEppUnprotect, "ERASEPROGRAM_PERM_UNPROTECT", Guard::access, ackThenWork<unprotectGroups>, {}},

@@ -1,11 +1,10 @@
 // The commands that have other groups on I2C.
 
-#include "sim/Bootloader.h"
+#include <algorithm>
 
 #include "libs/zvbl/wire/Wire.h"
+#include "sim/Bootloader.h"
 #include "sim/Groups.h"
-
-#include <algorithm>
 
 namespace sim {
 
@@ -13,7 +12,8 @@ namespace {
 
 const CommandRow &usualEraseExt() {
     const CommandTable &rows = fixedCommands();
-    return *std::find_if(rows.begin(), rows.end(), [](const CommandRow &row) { return row.opcode == wire::opEraseExt; });
+    return *std::find_if(rows.begin(), rows.end(),
+                         [](const CommandRow &row) { return row.opcode == wire::opEraseExt; });
 }
 
 // The count, or a special code, which stands alone as it does elsewhere.
@@ -30,20 +30,24 @@ Next countOrCode(Exchange &x, const Bytes &group) {
 // The numbers, or behind the code of a block its address.
 Next numbersOrBlock(Exchange &x, const Bytes &group) {
     Bytes whole = x.told();
-    if (number16(whole, 0) == wire::eraseBlock) {
+    if (number16(whole, 0) == wire::eraseBlock)
         return usualEraseExt().steps[1].act(x, group);
-    }
     whole.insert(whole.end(), group.begin(), group.end());
     return usualEraseExt().steps[0].act(x, whole);
 }
 
-std::size_t asTold(const Bytes &) { return 0; }
+std::size_t asTold(const Bytes &) {
+    return 0;
+}
 
 } // namespace
 
 const CommandTable &i2cCommands() {
     static const CommandTable rows = {
-        {wire::opEraseExt, "ERASE_EXT", Guard::access, awaitGroups,
+        {wire::opEraseExt,
+         "ERASE_EXT",
+         Guard::access,
+         awaitGroups,
          {{exactly<3>, xorSound, countOrCode}, {asTold, xorSound, numbersOrBlock}}},
     };
     return rows;

@@ -11,8 +11,8 @@ struct FaultName {
     std::string_view name;
     FaultKind kind;
     Direction direction;
-    std::uint64_t first;      // the lowest number that may stand behind the @
-    const char *parameters;   // what may follow it, as `--help` writes it
+    std::uint64_t first;    // the lowest number that may stand behind the @
+    const char *parameters; // what may follow it, as `--help` writes it
 };
 
 constexpr FaultName names[] = {
@@ -43,18 +43,16 @@ std::vector<std::string_view> split(std::string_view text) {
     for (;;) {
         const std::size_t colon = text.find(':');
         parts.push_back(text.substr(0, colon));
-        if (colon == std::string_view::npos) {
+        if (colon == std::string_view::npos)
             return parts;
-        }
         text.remove_prefix(colon + 1);
     }
 }
 
 bool parseValue(std::string_view text, int base, unsigned limit, Fault &fault) {
     unsigned value = 0;
-    if (!parseNumber(text, base, value) || value > limit) {
+    if (!parseNumber(text, base, value) || value > limit)
         return false;
-    }
     fault.value = value;
     return true;
 }
@@ -62,20 +60,18 @@ bool parseValue(std::string_view text, int base, unsigned limit, Fault &fault) {
 bool parseNack(const std::vector<std::string_view> &parts, Fault &fault) {
     if (parts.size() > 1 && parts[1] != "any") {
         std::uint8_t opcode = 0;
-        if (!parseNumber(parts[1], 16, opcode)) {
+        if (!parseNumber(parts[1], 16, opcode))
             return false;
-        }
         fault.opcode = opcode;
     }
     return parts.size() < 3 || parseValue(parts[2], 10, 9, fault);
 }
 
 bool parseCells(std::string_view text, Fault &fault) {
-    if (text == "flash") {
+    if (text == "flash")
         fault.cells = CellKind::flash;
-    } else if (text == "options") {
+    else if (text == "options")
         fault.cells = CellKind::options;
-    }
     return fault.cells.has_value();
 }
 
@@ -84,34 +80,32 @@ bool parseParameters(const std::vector<std::string_view> &parts, Fault &fault) {
     constexpr unsigned longestMs = 3600000;
     const std::size_t given = parts.size() - 1;
     switch (fault.kind) {
-    case FaultKind::nack:
-        return given <= 2 && parseNack(parts, fault);
-    case FaultKind::late:
-        return given == 1 && parseValue(parts[1], 10, longestMs, fault);
-    case FaultKind::hangup:
-        return given == 0 || (given == 1 && parseValue(parts[1], 10, longestMs, fault));
+    case FaultKind::nack: return given <= 2 && parseNack(parts, fault);
+    case FaultKind::late: return given == 1 && parseValue(parts[1], 10, longestMs, fault);
+    case FaultKind::hangup: return given == 0 || (given == 1 && parseValue(parts[1], 10, longestMs, fault));
     case FaultKind::damage:
         return given == 0 || (given == 1 && parseValue(parts[1], 16, 0xFF, fault) && fault.value != 0U);
-    case FaultKind::powerCut:
-        return given == 0 || (given == 1 && parseCells(parts[1], fault));
+    case FaultKind::powerCut: return given == 0 || (given == 1 && parseCells(parts[1], fault));
     case FaultKind::silence:
     case FaultKind::lost:
-    case FaultKind::doubled:
-        break;
+    case FaultKind::doubled: break;
     }
     return given == 0;
 }
 
 std::string knownFaults() {
     std::string text;
-    for (const FaultName &row : names) {
+    for (const FaultName &row : names)
         text += "\n  " + std::string(row.name) + "@N" + row.parameters;
-    }
     return text;
 }
 
-std::size_t index(Direction direction) { return direction == Direction::rx ? 0 : 1; }
-std::size_t index(CellKind cells) { return cells == CellKind::flash ? 0 : 1; }
+std::size_t index(Direction direction) {
+    return direction == Direction::rx ? 0 : 1;
+}
+std::size_t index(CellKind cells) {
+    return cells == CellKind::flash ? 0 : 1;
+}
 
 void apply(const Fault &fault, ByteEffect &effect) {
     constexpr unsigned defaultMask = 0x10;
@@ -139,9 +133,8 @@ bool Faults::add(const std::string &spec, std::string &error) {
     const std::string_view text = spec;
     const std::size_t at = text.find('@');
     for (const FaultName &row : names) {
-        if (at == std::string_view::npos || row.name != text.substr(0, at)) {
+        if (at == std::string_view::npos || row.name != text.substr(0, at))
             continue;
-        }
         Fault fault;
         fault.kind = row.kind;
         fault.direction = row.direction;
@@ -160,9 +153,8 @@ bool Faults::add(const std::string &spec, std::string &error) {
 
 void Faults::happens(Fault &fault) {
     fault.spent = true;
-    if (listener_) {
+    if (listener_)
         listener_(fault.spec);
-    }
 }
 
 ByteEffect Faults::byte(Direction direction) {
@@ -184,26 +176,25 @@ bool Faults::frame(std::uint8_t opcode) {
     bool answers = true;
     for (Fault &fault : faults_) {
         const bool here = fault.opcode ? fault.opcode == opcode && fault.at == ofOpcode : fault.at == frames_;
-        if (fault.spent || !here || (fault.kind != FaultKind::nack && fault.kind != FaultKind::silence)) {
+        if (fault.spent || !here || (fault.kind != FaultKind::nack && fault.kind != FaultKind::silence))
             continue;
-        }
         happens(fault);
-        if (fault.kind == FaultKind::silence) {
+        if (fault.kind == FaultKind::silence)
             answers = false;
-        } else {
+        else
             refusedAnswer_ = fault.value.value_or(0);
-        }
     }
     return answers;
 }
 
-bool Faults::refuses(unsigned answer) { return refusedAnswer_ == answer; }
+bool Faults::refuses(unsigned answer) {
+    return refusedAnswer_ == answer;
+}
 
 bool Faults::powerFails(CellKind cells) {
     for (Fault &fault : faults_) {
-        if (fault.spent || fault.kind != FaultKind::powerCut || (fault.cells && fault.cells != cells)) {
+        if (fault.spent || fault.kind != FaultKind::powerCut || (fault.cells && fault.cells != cells))
             continue;
-        }
         if (fault.at == (fault.cells ? steps_[index(cells)] : steps_[0] + steps_[1])) {
             happens(fault);
             return true;

@@ -21,11 +21,11 @@ enum class FaultKind { nack, silence, lost, late, doubled, damage, hangup, power
 struct Fault {
     FaultKind kind = FaultKind::nack;
     Direction direction = Direction::rx;
-    std::uint64_t at = 0;              // counts bytes, frames or programming steps
-    std::optional<unsigned> value;     // milliseconds, damage mask or answer number
+    std::uint64_t at = 0;          // counts bytes, frames or programming steps
+    std::optional<unsigned> value; // milliseconds, damage mask or answer number
     std::optional<std::uint8_t> opcode;
     std::optional<CellKind> cells;
-    std::string spec;                  // as it was told
+    std::string spec; // as it was told
     bool spent = false;
 };
 
@@ -34,9 +34,9 @@ struct ByteEffect {
     bool lost = false;
     bool doubled = false;
     unsigned lateMs = 0;
-    std::uint8_t damage = 0;           // XORed into the byte
+    std::uint8_t damage = 0; // XORed into the byte
     bool hangup = false;
-    std::optional<unsigned> replugMs;  // behind a hang-up: plugged in again after that time
+    std::optional<unsigned> replugMs; // behind a hang-up: plugged in again after that time
 };
 
 // The faults of one run, and the counters that they wait for.

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "sim/Chip.h"
-#include "sim/Log.h"
-
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "sim/Chip.h"
+#include "sim/Log.h"
 
 namespace sim {
 

@@ -21,9 +21,13 @@ std::size_t countedByTwo(const Bytes &arrived) {
     return arrived.size() < 2 ? 2 : number16(arrived, 0) + std::size_t{1} + frame;
 }
 
-bool xorSound(const Bytes &group) { return xorOf(group) == 0; }
+bool xorSound(const Bytes &group) {
+    return xorOf(group) == 0;
+}
 
-bool complementSound(const Bytes &group) { return (group[0] ^ group[1]) == 0xFF; }
+bool complementSound(const Bytes &group) {
+    return (group[0] ^ group[1]) == 0xFF;
+}
 
 std::uint16_t number16(const Bytes &group, std::size_t at) {
     return static_cast<std::uint16_t>(group[at] << 8 | group[at + 1]);
@@ -43,7 +47,9 @@ void append32(Bytes &bytes, std::uint32_t value) {
     append16(bytes, static_cast<std::uint16_t>(value));
 }
 
-void appendXor(Bytes &bytes) { bytes.push_back(xorOf(bytes)); }
+void appendXor(Bytes &bytes) {
+    bytes.push_back(xorOf(bytes));
+}
 
 Bytes payload(const Bytes &group, std::size_t head) {
     return Bytes(group.begin() + static_cast<std::ptrdiff_t>(head), group.end() - 1);

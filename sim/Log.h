@@ -15,9 +15,8 @@ public:
     void ignored(const std::string &text) { out_ << "ignored: " << text << std::endl; }
     void fault(const std::string &text) { out_ << "fault: " << text << std::endl; }
     void note(const std::string &text) {
-        if (verbose_) {
+        if (verbose_)
             out_ << text << std::endl;
-        }
     }
 
 private:

@@ -94,16 +94,19 @@ bool setFlashTime(Options &options, const char *value, std::string &error) {
     unsigned programUs = 0;
     error = "--flash-time takes ERASE_MS,PROGRAM_US, not \"" + std::string(text) + "\"";
     if (comma == std::string_view::npos || !parseNumber(text.substr(0, comma), longestTime, eraseMs) ||
-        !parseNumber(text.substr(comma + 1), longestTime, programUs)) {
+        !parseNumber(text.substr(comma + 1), longestTime, programUs))
         return false;
-    }
     options.flashTime = {eraseMs * millisecond, programUs * microsecond};
     return true;
 }
 
-bool setWiring(Options &options, const char *value, std::string &error) { return parseWiring(value, options.wiring, error); }
+bool setWiring(Options &options, const char *value, std::string &error) {
+    return parseWiring(value, options.wiring, error);
+}
 
-bool setFault(Options &options, const char *value, std::string &error) { return options.faults.add(value, error); }
+bool setFault(Options &options, const char *value, std::string &error) {
+    return options.faults.add(value, error);
+}
 
 template <std::string Options::*Member>
 bool setText(Options &options, const char *value, std::string &error) {
@@ -147,9 +150,8 @@ constexpr OptionRow rows[] = {
 // The words of the table, and behind them those of the fronts.
 std::vector<struct option> longOptions(const FrontTable &fronts) {
     std::vector<struct option> list;
-    for (const OptionRow &row : rows) {
+    for (const OptionRow &row : rows)
         list.push_back({row.name, row.argument, nullptr, 0});
-    }
     for (const Front &front : fronts) {
         const int valued = front.usual != nullptr ? optional_argument : required_argument;
         list.push_back({front.option, front.argument != nullptr ? valued : no_argument, nullptr, 0});
@@ -177,25 +179,22 @@ const char *valueOf(const Front &front, int argc, char **argv) {
 
 std::string namesOf(const FrontTable &fronts) {
     std::string names;
-    for (const Front &front : fronts) {
+    for (const Front &front : fronts)
         names += std::string(names.empty() ? "--" : ", --") + front.option;
-    }
     return names;
 }
 
 bool complete(const Options &options, const FrontTable &fronts, std::string &error) {
-    if (options.task != Options::Task::serve) {
+    if (options.task != Options::Task::serve)
         return true;
-    }
-    if (options.chip == nullptr) {
+    if (options.chip == nullptr)
         error = "--chip is missing";
-    } else if (options.front == nullptr) {
+    else if (options.front == nullptr)
         error = "the port is missing: " + namesOf(fronts);
-    } else if (options.beside != 0 && !options.front->several) {
+    else if (options.beside != 0 && !options.front->several)
         error = std::string("--beside is not for --") + options.front->option;
-    } else if (!options.front->lines && (options.wiring.reset || options.wiring.boot)) {
+    else if (!options.front->lines && (options.wiring.reset || options.wiring.boot))
         error = std::string("--") + options.front->option + " has no control lines for --wiring";
-    }
     return error.empty();
 }
 
@@ -209,9 +208,8 @@ bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &opti
         int index = -1;
         const int at = optind;
         const int found = getopt_long(argc, argv, ":", list.data(), &index);
-        if (found == -1) {
+        if (found == -1)
             break;
-        }
         if (found != 0 || index < 0) {
             error = std::string(found == ':' ? "a value is missing behind " : "unknown option ") + argv[at];
             return false;
@@ -219,9 +217,8 @@ bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &opti
         const auto known = static_cast<int>(std::size(rows));
         const Front *front = index < known ? nullptr : &fronts[static_cast<std::size_t>(index - known)];
         if (!(front == nullptr ? rows[index].set(options, optarg, error)
-                               : setFront(options, *front, valueOf(*front, argc, argv), error))) {
+                               : setFront(options, *front, valueOf(*front, argc, argv), error)))
             return false;
-        }
         error.clear();
     }
     if (optind < argc) {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "sim/Board.h"
 #include "sim/Chip.h"
 #include "sim/Fronts.h"
-
-#include <string>
-#include <vector>
 
 namespace sim {
 
@@ -16,9 +16,9 @@ struct Options {
     Task task = Task::serve;
     const ChipFacts *chip = nullptr;
     const Front *front = nullptr;
-    std::string port;    // the value of the front's option
-    std::string state;   // empty: the chip is new in every run
-    std::string log;     // empty: standard error
+    std::string port;  // the value of the front's option
+    std::string state; // empty: the chip is new in every run
+    std::string log;   // empty: standard error
     unsigned spimMb = 16;
     unsigned beside = 0; // further chips of the same kind
     Wiring wiring;       // of the board

@@ -1,7 +1,3 @@
-#include "sim/Options.h"
-#include "sim/Signals.h"
-#include "sim/State.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -10,7 +6,12 @@
 #include <fstream>
 #include <iostream>
 #include <optional>
+
 #include <unistd.h>
+
+#include "sim/Options.h"
+#include "sim/Signals.h"
+#include "sim/State.h"
 
 namespace sim {
 
@@ -26,11 +27,10 @@ int complain(const std::string &error, ExitStatus status) {
 }
 
 int list() {
-    for (const ChipFacts &chip : chipTable()) {
+    for (const ChipFacts &chip : chipTable())
         std::printf("%-18s %02X  %0*X %*s%4u KB  %u\n", chip.name.data(), static_cast<unsigned>(chip.series),
                     chip.idLength == 2 ? 4 : 8, static_cast<unsigned>(chip.pid), chip.idLength == 2 ? 4 : 0, "",
                     chip.flashKb, chip.sectorSize);
-    }
     return ended;
 }
 
@@ -56,19 +56,16 @@ int serve(Options &options, std::ostream &out) {
     std::string error;
     if (!options.state.empty()) {
         state.emplace(options.state, chip);
-        if (!state->load(error) || !state->save(error)) {
+        if (!state->load(error) || !state->save(error))
             return complain(error, failed);
-        }
     }
     const auto save = [&] {
-        if (state && !state->save(error)) {
+        if (state && !state->save(error))
             complain(error, failed);
-        }
     };
     Machine machine{options, chip, options.faults, log, save, signals};
-    if (!options.front->serve(machine, options.port, error)) {
+    if (!options.front->serve(machine, options.port, error))
         return complain(error, failed);
-    }
     log.note("bytes: " + std::to_string(options.faults.bytes(Direction::rx)) + " from the host, " +
              std::to_string(options.faults.bytes(Direction::tx)) + " to it");
     error.clear();
@@ -81,22 +78,18 @@ int serve(Options &options, std::ostream &out) {
 int run(int argc, char **argv, const FrontTable &fronts) {
     Options options;
     std::string error;
-    if (!parseOptions(argc, argv, fronts, options, error)) {
+    if (!parseOptions(argc, argv, fronts, options, error))
         return complain(error + "\nTry zv32-sim --help", badCommandLine);
-    }
     if (options.task == Options::Task::help) {
         std::fputs(helpText, stdout);
         return ended;
     }
-    if (options.task == Options::Task::list) {
+    if (options.task == Options::Task::list)
         return list();
-    }
-    if (options.front->program != nullptr) {
+    if (options.front->program != nullptr)
         return runBeside(argv, options.front->program);
-    }
-    if (options.log.empty()) {
+    if (options.log.empty())
         return serve(options, std::cerr);
-    }
     std::ofstream file(options.log, std::ios::app);
     return file ? serve(options, file) : complain("cannot write \"" + options.log + "\"", failed);
 }

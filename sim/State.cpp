@@ -1,14 +1,15 @@
 #include "sim/State.h"
 
-#include "sim/Crc32.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "sim/Crc32.h"
 
 namespace sim {
 
@@ -20,9 +21,8 @@ constexpr std::size_t worthSkipping = 64; // a shorter run of FF costs less than
 constexpr std::size_t crcLength = 4;
 
 void put32(Bytes &out, std::uint32_t value) {
-    for (unsigned shift = 0; shift < 32; shift += 8) {
+    for (unsigned shift = 0; shift < 32; shift += 8)
         out.push_back(static_cast<std::uint8_t>(value >> shift));
-    }
 }
 
 void putText(Bytes &out, std::string_view text) {
@@ -34,12 +34,10 @@ void putText(Bytes &out, std::string_view text) {
 std::size_t blankRun(const std::uint8_t *data, std::size_t at, std::size_t end) {
     std::size_t i = at;
     std::uint64_t word = 0;
-    while (i + sizeof word <= end && (std::memcpy(&word, data + i, sizeof word), word == ~std::uint64_t{0})) {
+    while (i + sizeof word <= end && (std::memcpy(&word, data + i, sizeof word), word == ~std::uint64_t{0}))
         i += sizeof word;
-    }
-    while (i < end && data[i] == blank) {
+    while (i < end && data[i] == blank)
         ++i;
-    }
     return i - at;
 }
 
@@ -47,9 +45,8 @@ std::size_t blankRun(const std::uint8_t *data, std::size_t at, std::size_t end) 
 std::size_t contentEnd(const std::uint8_t *data, std::size_t at, std::size_t end) {
     while (at < end) {
         const std::size_t run = data[at] == blank ? blankRun(data, at, end) : 0;
-        if (run >= worthSkipping || at + run == end) {
+        if (run >= worthSkipping || at + run == end)
             return at;
-        }
         at += std::max<std::size_t>(run, 1);
     }
     return end;
@@ -93,9 +90,8 @@ public:
     std::uint32_t number() {
         const std::uint8_t *bytes = take(4);
         std::uint32_t value = 0;
-        for (unsigned i = 0; bytes != nullptr && i < 4; ++i) {
+        for (unsigned i = 0; bytes != nullptr && i < 4; ++i)
             value |= static_cast<std::uint32_t>(bytes[i]) << (8 * i);
-        }
         return value;
     }
 
@@ -114,17 +110,15 @@ private:
 
 // Fills the cells; false for another size or a run outside of it.
 bool takeCells(Reader &in, Cells &cells) {
-    if (in.number() != cells.size() || !in.good) {
+    if (in.number() != cells.size() || !in.good)
         return false;
-    }
     std::fill_n(cells.raw(), cells.size(), blank);
     for (std::uint32_t runs = in.number(); in.good && runs > 0; --runs) {
         const std::size_t at = in.number();
         const std::size_t length = in.number();
         const std::uint8_t *bytes = in.take(length);
-        if (bytes == nullptr || at > cells.size() || length > cells.size() - at) {
+        if (bytes == nullptr || at > cells.size() || length > cells.size() - at)
             return false;
-        }
         std::copy(bytes, bytes + length, cells.raw() + at);
     }
     return in.good;
@@ -143,17 +137,15 @@ Slib::Area takeArea(Reader &in) {
 bool readAll(std::FILE *in, Bytes &file) {
     std::uint8_t piece[65536];
     std::size_t length = 0;
-    while ((length = std::fread(piece, 1, sizeof piece, in)) > 0) {
+    while ((length = std::fread(piece, 1, sizeof piece, in)) > 0)
         file.insert(file.end(), piece, piece + length);
-    }
     return std::ferror(in) == 0;
 }
 
 bool soundFile(const Bytes &file) {
     constexpr std::size_t magicLength = sizeof magic - 1;
-    if (file.size() < magicLength + crcLength || std::memcmp(file.data(), magic, magicLength) != 0) {
+    if (file.size() < magicLength + crcLength || std::memcmp(file.data(), magic, magicLength) != 0)
         return false;
-    }
     Bytes crc;
     put32(crc, crc32(file.data(), file.size() - crcLength));
     return std::equal(crc.begin(), crc.end(), file.end() - static_cast<std::ptrdiff_t>(crcLength));
@@ -164,15 +156,12 @@ bool soundFile(const Bytes &file) {
 Bytes StateFile::encode() const {
     Bytes out(magic, magic + sizeof magic - 1);
     putText(out, chip_.facts().name);
-    for (const Chip::Section &section : chip_.sections()) {
+    for (const Chip::Section &section : chip_.sections())
         putCells(out, *section.cells);
-    }
     const Slib::Area &area = chip_.slib();
-    for (const std::uint32_t value :
-         {std::uint32_t{area.enabled}, area.password, std::uint32_t{area.start}, std::uint32_t{area.dataStart},
-          std::uint32_t{area.end}}) {
+    for (const std::uint32_t value : {std::uint32_t{area.enabled}, area.password, std::uint32_t{area.start},
+                                      std::uint32_t{area.dataStart}, std::uint32_t{area.end}})
         put32(out, value);
-    }
     put32(out, crc32(out.data(), out.size()));
     return out;
 }
@@ -197,17 +186,15 @@ bool StateFile::decode(const Bytes &file, std::string &error) {
         }
     }
     chip_.restoreSlib(takeArea(in));
-    if (!in.atEnd()) {
+    if (!in.atEnd())
         error = "\"" + path_ + "\" is no state file, or a damaged one";
-    }
     return in.atEnd();
 }
 
 bool StateFile::load(std::string &error) {
     struct stat info {};
-    if (stat(path_.c_str(), &info) != 0 && errno == ENOENT) {
+    if (stat(path_.c_str(), &info) != 0 && errno == ENOENT)
         return true;
-    }
     if (info.st_mode != 0 && !S_ISREG(info.st_mode)) {
         error = "\"" + path_ + "\" is not a file"; // a pipe or a device would never end
         return false;
@@ -218,9 +205,8 @@ bool StateFile::load(std::string &error) {
         error = "cannot read \"" + path_ + "\": " + std::strerror(errno);
         return false;
     }
-    if (!decode(file, error)) {
+    if (!decode(file, error))
         return false;
-    }
     chip_.reset(); // what the option bytes protect holds from power on
     everSaved_ = true;
     savedChanges_ = chip_.changes();
@@ -229,18 +215,16 @@ bool StateFile::load(std::string &error) {
 
 bool StateFile::writeBeside(const Bytes &file, const std::string &temporary) const {
     std::unique_ptr<std::FILE, int (*)(std::FILE *)> out(std::fopen(temporary.c_str(), "wb"), std::fclose);
-    if (!out) {
+    if (!out)
         return false;
-    }
     const bool written = std::fwrite(file.data(), 1, file.size(), out.get()) == file.size();
     return std::fclose(out.release()) == 0 && written;
 }
 
 bool StateFile::save(std::string &error) {
     const std::uint64_t changes = chip_.changes();
-    if (everSaved_ && changes == savedChanges_) {
+    if (everSaved_ && changes == savedChanges_)
         return true;
-    }
     const std::string temporary = path_ + "." + std::to_string(getpid());
     if (!writeBeside(encode(), temporary) || std::rename(temporary.c_str(), path_.c_str()) != 0) {
         error = "cannot write \"" + path_ + "\": " + std::strerror(errno);

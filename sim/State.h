@@ -1,8 +1,8 @@
 #pragma once
 
-#include "sim/Chip.h"
-
 #include <string>
+
+#include "sim/Chip.h"
 
 namespace sim {
 

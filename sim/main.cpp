@@ -1,3 +1,5 @@
 #include "sim/Fronts.h"
 
-int main(int argc, char **argv) { return sim::run(argc, argv, sim::simFronts()); }
+int main(int argc, char **argv) {
+    return sim::run(argc, argv, sim::simFronts());
+}

@@ -24,11 +24,9 @@ constexpr SectorsPerBit fixedSectorsPerBit[] = {
 };
 
 BYTE sectorsPerBit(int family, const CDevice *device) {
-    for (const SectorsPerBit &row : fixedSectorsPerBit) {
-        if (row.family == family) {
+    for (const SectorsPerBit &row : fixedSectorsPerBit)
+        if (row.family == family)
             return row.sectors;
-        }
-    }
     return device == nullptr ? BYTE{0} : device->m_BSectorsPerBit;
 }
 
@@ -82,18 +80,16 @@ quint32 CUserSystemData::Get(BYTE *&optinByte) {
 }
 
 void CUserSystemData::Set(BYTE *optinByte, quint32 optinLen) {
-    if (optinByte == nullptr || optinLen < static_cast<quint32>(m_nUserSystemDataLen)) {
+    if (optinByte == nullptr || optinLen < static_cast<quint32>(m_nUserSystemDataLen))
         return;
-    }
     forEachOptionByte(*this, [&](int at, BYTE &value) { value = optinByte[at]; });
     decodeSwitches(*this);
 }
 
 quint32 CUserSystemData::GetElementData(BYTE *&optinByte) {
     optinByte = new BYTE[elementLength];
-    for (quint32 i = 0; i < elementLength; ++i) {
+    for (quint32 i = 0; i < elementLength; ++i)
         optinByte[i] = i % 2 == 0 ? 0xFF : 0x00;
-    }
     forEachOptionByte(*this, [&](int at, const BYTE &value) {
         optinByte[2 * at] = value;
         optinByte[2 * at + 1] = static_cast<BYTE>(~value);
@@ -103,22 +99,19 @@ quint32 CUserSystemData::GetElementData(BYTE *&optinByte) {
 
 bool CUserSystemData::SetElementData(PIMAGEELEMENT obElement) {
     if (obElement == nullptr || obElement->Data == nullptr ||
-        obElement->dwDataLength < static_cast<DWORD>(m_nUserSystemDataLen) * 2) {
+        obElement->dwDataLength < static_cast<DWORD>(m_nUserSystemDataLen) * 2)
         return false;
-    }
     SetElementData(obElement->Data, static_cast<quint32>(std::min<DWORD>(obElement->dwDataLength, UINT32_MAX)));
     return true;
 }
 
 // MEANT: the complements are not compared, so a file with wrong ones is accepted.
 void CUserSystemData::SetElementData(BYTE *otp2data, quint32 otp2Len) {
-    if (otp2data == nullptr || otp2Len < static_cast<quint32>(m_nUserSystemDataLen) * 2) {
+    if (otp2data == nullptr || otp2Len < static_cast<quint32>(m_nUserSystemDataLen) * 2)
         return;
-    }
     std::vector<BYTE> compact(static_cast<std::size_t>(m_nUserSystemDataLen));
-    for (std::size_t i = 0; i < compact.size(); ++i) {
+    for (std::size_t i = 0; i < compact.size(); ++i)
         compact[i] = otp2data[2 * i];
-    }
     Set(compact.data(), static_cast<quint32>(compact.size()));
 }
 
@@ -136,9 +129,8 @@ void CUserSystemData::SetSSB(bool bnWDT_ATO_EN, bool bnDEPSLP_RST, bool bnSTDBY_
 
 void CUserSystemData::SetData(BYTE *bData, BYTE len) {
     const int length = GetUserSystemDataDATALength(m_MCUSerials, m_BIDVersion, m_SectorSize);
-    if (DATA != nullptr && bData != nullptr && len >= length) {
+    if (DATA != nullptr && bData != nullptr && len >= length)
         std::copy_n(bData, length, DATA);
-    }
 }
 
 void CUserSystemData::SetFAP(BYTE FAPValue) {

@@ -49,12 +49,12 @@ public:
     static constexpr int OTP2_EPP_LENGTH_ZV32F435F437 = 20;
 
     // Until a block is read the option bytes are as erased, 0xFF.
-    BYTE FAP = 0xFF;  // flash access protection, 0xA5 for off
-    BYTE SSB = 0xFF;  // switches, decoded into the booleans below
-    BYTE SSB1 = 0xFF; // ZV32F422 and ZV32F426 only
-    BYTE *DATA = nullptr; // owned
+    BYTE FAP = 0xFF;              // flash access protection, 0xA5 for off
+    BYTE SSB = 0xFF;              // switches, decoded into the booleans below
+    BYTE SSB1 = 0xFF;             // ZV32F422 and ZV32F426 only
+    BYTE *DATA = nullptr;         // owned
     int m_nUserSystemDataLen = 0; // bytes of the compact form
-    BYTE *EPP = nullptr; // owned; a clear bit protects its sectors
+    BYTE *EPP = nullptr;          // owned; a clear bit protects its sectors
     int m_iEppLen = 0;
     bool m_SRAM_Parity = false;
     bool m_BnWDT_STDBY = false;
@@ -81,7 +81,7 @@ public:
     int m_nSectorNums = 0;
     int m_MCUSerials = 0; // a MCUSERIALS value
     int m_BIDVersion = 0;
-    int m_SectorSize = 0; // bytes
+    int m_SectorSize = 0;          // bytes
     CDevice *m_ObDevice = nullptr; // not owned
 
     CUserSystemData();
@@ -109,8 +109,8 @@ public:
     void SetElementData(BYTE *otp2data, quint32 otp2Len);
 
     // Stores the switches and encodes those that the family has into SSB.
-    void SetSSB(bool bnWDT_ATO_EN, bool bnDEPSLP_RST, bool bnSTDBY_RST, bool bBFB2, bool bnWDT_DEPSLP,
-                bool bnWDT_STDBY, bool bSRAM_Parity);
+    void SetSSB(bool bnWDT_ATO_EN, bool bnDEPSLP_RST, bool bnSTDBY_RST, bool bBFB2, bool bnWDT_DEPSLP, bool bnWDT_STDBY,
+                bool bSRAM_Parity);
 
     // Replaces DATA from at least as many bytes. MEANT: the length is one byte wide, so a DATA longer
     // than 255 bytes is never replaced.

@@ -7,6 +7,7 @@
 namespace {
 
 // item, first byte, bytes, first index of the item. A byte that no row names is a gap.
+// clang-format off
 constexpr LayoutRow layoutA[] = {
     {OptionItem::Fap, 0, 1, 0},
     {OptionItem::Ssb, 1, 1, 0},
@@ -17,7 +18,9 @@ constexpr LayoutRow layoutA[] = {
     {OptionItem::Data, 10, 6, 2},
     {OptionItem::Bank3Key, 16, 8, 0},
 };
+// clang-format on
 
+// clang-format off
 constexpr LayoutRow layoutBC[] = {
     {OptionItem::Fap, 0, 1, 0},
     {OptionItem::Ssb, 1, 1, 0},
@@ -25,7 +28,9 @@ constexpr LayoutRow layoutBC[] = {
     {OptionItem::Epp, 4, 4, 0},
     {OptionItem::Data, 8, toTheEnd, 2},
 };
+// clang-format on
 
+// clang-format off
 constexpr LayoutRow layoutD[] = {
     {OptionItem::Fap, 0, 1, 0},
     {OptionItem::Ssb, 1, 1, 0},
@@ -34,7 +39,9 @@ constexpr LayoutRow layoutD[] = {
     {OptionItem::Bank3Key, 26, 4, 0},
     {OptionItem::Data, 38, toTheEnd, 2},
 };
+// clang-format on
 
+// clang-format off
 constexpr LayoutRow layoutE[] = {
     {OptionItem::Fap, 0, 1, 0},
     {OptionItem::Ssb, 1, 1, 0},
@@ -46,7 +53,9 @@ constexpr LayoutRow layoutE[] = {
     {OptionItem::Bank3Key, 26, 8, 0},
     {OptionItem::Data, 38, toTheEnd, 2},
 };
+// clang-format on
 
+// clang-format off
 constexpr LayoutRow layoutF[] = {
     {OptionItem::Fap, 0, 1, 0},
     {OptionItem::Ssb, 1, 1, 0},
@@ -55,15 +64,18 @@ constexpr LayoutRow layoutF[] = {
     {OptionItem::Epp, 4, 4, 0},
     {OptionItem::Data, 8, toTheEnd, 1},
 };
+// clang-format on
 
 enum Layout { A, B, C, D, E, F };
 
 // In the order of Layout.
+// clang-format off
 constexpr OptionLayout layouts[] = {
     {std::begin(layoutA), std::end(layoutA)},   {std::begin(layoutBC), std::end(layoutBC)},
     {std::begin(layoutBC), std::end(layoutBC)}, {std::begin(layoutD), std::end(layoutD)},
     {std::begin(layoutE), std::end(layoutE)},   {std::begin(layoutF), std::end(layoutF)},
 };
+// clang-format on
 
 struct FamilyRow {
     int family;
@@ -71,6 +83,7 @@ struct FamilyRow {
 };
 
 // A family that is not here has layout A.
+// clang-format off
 constexpr FamilyRow families[] = {
     {ZV32F403_1, A}, {ZV32F403_2, A}, {ZV32F413, A},  {ZV32F403A, A}, {ZV32F407, A}, {ZV32A403A, A},
     {ZV32F415, B},   {ZV32WB415, B},  {ZV32F421, C},  {ZV32F425, C},  {ZV32L021, C}, {ZV32F423, C},
@@ -78,6 +91,7 @@ constexpr FamilyRow families[] = {
     {ZV32F455, D},   {ZV32F456, D},   {ZV32F457, D},  {ZV32F490, D},  {ZV32F435, E}, {ZV32F437, E},
     {ZV32F422, F},   {ZV32F426, F},
 };
+// clang-format on
 
 enum class When { Always, BidAbove4601, Sectors4096 };
 
@@ -92,30 +106,28 @@ using U = CUserSystemData;
 // The first row that holds wins.
 constexpr LengthRow lengthRows[] = {
     {A, When::Always, {U::OTP2_LENGTH_ZV32, U::OTP2_DATA_LENGTH_ZV32, U::OTP2_EPP_LENGTH_ZV32}},
-    {B, When::BidAbove4601,
-     {U::OTP2_LENGTH_ZV32F415_B, U::OTP2_DATA_LENGTH_ZV32F415_B, U::OTP2_EPP_LENGTH_ZV32}},
+    {B, When::BidAbove4601, {U::OTP2_LENGTH_ZV32F415_B, U::OTP2_DATA_LENGTH_ZV32F415_B, U::OTP2_EPP_LENGTH_ZV32}},
     {B, When::Always, {U::OTP2_LENGTH_ZV32F415_A, U::OTP2_DATA_LENGTH_ZV32F415_A, U::OTP2_EPP_LENGTH_ZV32}},
     {C, When::Always, {U::OTP2_LENGTH_ZV32F421, U::OTP2_DATA_LENGTH_ZV32F421, U::OTP2_EPP_LENGTH_ZV32}},
     {D, When::Always, {U::OTP2_LENGTH_ZV32F405_402, U::OTP2_DATA_LENGTH_ZV32F405_402, U::OTP2_EPP_LENGTH_ZV32}},
-    {E, When::Sectors4096,
+    {E,
+     When::Sectors4096,
      {U::OTP2_LENGTH_ZV32F435F437_2, U::OTP2_DATA_LENGTH_ZV32F435F437_2, U::OTP2_EPP_LENGTH_ZV32F435F437}},
-    {E, When::Always,
+    {E,
+     When::Always,
      {U::OTP2_LENGTH_ZV32F435F437_1, U::OTP2_DATA_LENGTH_ZV32F435F437_1, U::OTP2_EPP_LENGTH_ZV32F435F437}},
     {F, When::Always, {U::OTP2_LENGTH_ZV32F422_426, U::OTP2_DATA_LENGTH_ZV32F422_426, U::OTP2_EPP_LENGTH_ZV32}},
 };
 
 constexpr BYTE CUserSystemData::*bank3Keys[] = {
-    &CUserSystemData::BANK3KEY0, &CUserSystemData::BANK3KEY1, &CUserSystemData::BANK3KEY2,
-    &CUserSystemData::BANK3KEY3, &CUserSystemData::BANK3KEY4, &CUserSystemData::BANK3KEY5,
-    &CUserSystemData::BANK3KEY6, &CUserSystemData::BANK3KEY7,
+    &CUserSystemData::BANK3KEY0, &CUserSystemData::BANK3KEY1, &CUserSystemData::BANK3KEY2, &CUserSystemData::BANK3KEY3,
+    &CUserSystemData::BANK3KEY4, &CUserSystemData::BANK3KEY5, &CUserSystemData::BANK3KEY6, &CUserSystemData::BANK3KEY7,
 };
 
 Layout layoutOf(int family) {
-    for (const FamilyRow &row : families) {
-        if (row.family == family) {
+    for (const FamilyRow &row : families)
+        if (row.family == family)
             return row.layout;
-        }
-    }
     return A;
 }
 
@@ -132,32 +144,22 @@ OptionLayout optionLayout(int family) {
 
 OptionLengths optionLengths(int family, int bidVersion, int sectorSize) {
     const Layout layout = layoutOf(family);
-    for (const LengthRow &row : lengthRows) {
-        if (row.layout == layout && holds(row.when, bidVersion, sectorSize)) {
+    for (const LengthRow &row : lengthRows)
+        if (row.layout == layout && holds(row.when, bidVersion, sectorSize))
             return row.lengths;
-        }
-    }
     return lengthRows[0].lengths;
 }
 
 BYTE &optionByte(CUserSystemData &data, OptionItem item, int index) {
     switch (item) {
-    case OptionItem::Fap:
-        return data.FAP;
-    case OptionItem::Ssb:
-        return data.SSB;
-    case OptionItem::Ssb1:
-        return data.SSB1;
-    case OptionItem::Data:
-        return data.DATA[index];
-    case OptionItem::Epp:
-        return data.EPP[index];
-    case OptionItem::Eopb0:
-        return data.EOPB0;
-    case OptionItem::Res1:
-        return data.RES1;
-    case OptionItem::Bank3Key:
-        break;
+    case OptionItem::Fap: return data.FAP;
+    case OptionItem::Ssb: return data.SSB;
+    case OptionItem::Ssb1: return data.SSB1;
+    case OptionItem::Data: return data.DATA[index];
+    case OptionItem::Epp: return data.EPP[index];
+    case OptionItem::Eopb0: return data.EOPB0;
+    case OptionItem::Res1: return data.RES1;
+    case OptionItem::Bank3Key: break;
     }
     return data.*bank3Keys[index];
 }

@@ -46,9 +46,8 @@ int bitOfSector(const CUserSystemData &data, int sector) {
 }
 
 void appendRange(QList<int> &list, int first, int end) {
-    for (int sector = first; sector < end; ++sector) {
+    for (int sector = first; sector < end; ++sector)
         list.append(sector);
-    }
 }
 
 // Appends the sectors of one bit below the limit.
@@ -70,9 +69,8 @@ bool isProtected(const CUserSystemData &data, int bit) {
 }
 
 void applyBit(CUserSystemData &data, int bit, bool protect) {
-    if (bit < 0 || bit / 8 >= data.m_iEppLen) {
+    if (bit < 0 || bit / 8 >= data.m_iEppLen)
         return;
-    }
     const int mask = 1 << bit % 8;
     BYTE &byte = data.EPP[bit / 8];
     byte = static_cast<BYTE>(protect ? byte & ~mask : byte | mask);
@@ -96,11 +94,10 @@ bool CUserSystemData::IsEPPnUsed(int EPPn, int *nBitNum) {
     const int bits =
         counted ? roundedUp(m_nSectorNums, m_bSectorsPerBit) : roundedUp(m_nSectorNums - boundary, boundary);
     const int fullBytes = bits / 8 + (counted ? 0 : lastByte + 1);
-    if (EPPn < fullBytes) {
+    if (EPPn < fullBytes)
         *nBitNum = 8;
-    } else if (EPPn == fullBytes) {
+    else if (EPPn == fullBytes)
         *nBitNum = bits % 8;
-    }
     return *nBitNum != 0;
 }
 
@@ -118,20 +115,17 @@ void CUserSystemData::SetEPP(int nSectorIndex, bool bEnable) {
 void CUserSystemData::SetEPP(bool bEnableAll, bool bank3Flag) {
     for (int i = 0; i < m_iEppLen; ++i) {
         const BYTE bits = bitsOfEverything(*this, i, bank3Flag);
-        if (!bEnableAll) {
+        if (!bEnableAll)
             EPP[i] = 0xFF;
-        } else if (bits != 0) {
+        else if (bits != 0)
             EPP[i] = static_cast<BYTE>(~bits);
-        }
     }
 }
 
 bool CUserSystemData::GetAllSectorsISEPPStatus(bool bank3Flag) {
-    for (int i = 0; i < m_iEppLen; ++i) {
-        if ((EPP[i] & bitsOfEverything(*this, i, bank3Flag)) != 0) {
+    for (int i = 0; i < m_iEppLen; ++i)
+        if ((EPP[i] & bitsOfEverything(*this, i, bank3Flag)) != 0)
             return false;
-        }
-    }
     return true;
 }
 
@@ -139,9 +133,8 @@ QList<int> CUserSystemData::GetEPPMapSectorIndex(int actualItemsNum) {
     QList<int> sectors;
     const bool groups = hasGroups(*this);
     for (int bit = 0; bit < m_iEppLen * 8; ++bit) {
-        if (!isProtected(*this, bit)) {
+        if (!isProtected(*this, bit))
             continue;
-        }
         if (groups || bit != lastBit) {
             appendSectorsOfBit(*this, bit, m_nSectorNums, sectors);
             continue;
@@ -156,9 +149,8 @@ QList<int> CUserSystemData::GetEPPMapSectorIndex(int nSectorIndex, int actualIte
     QList<int> sectors;
     const int bit = bitOfSector(*this, nSectorIndex);
     if (hasGroups(*this)) {
-        if (bit >= 0) {
+        if (bit >= 0)
             appendSectorsOfBit(*this, bit, m_nSectorNums, sectors);
-        }
         return sectors;
     }
     const int lastRange = m_bSectorsPerBit * lastBit;
@@ -182,21 +174,18 @@ QList<int> CUserSystemData::FilterEPPSectorIndexForEraseProgramProtect(QList<int
     qint64 previous = -1;
     for (const int sector : aSectorIndexs) {
         if (!groups && sector >= spimSectors) {
-            if (!bits.contains(lastBit)) {
+            if (!bits.contains(lastBit))
                 bits.append(lastBit);
-            }
             continue;
         }
         const qint64 kilobytes = qint64(m_SectorSize / 1024) * sector;
         const bool grouped = groups && kilobytes >= 128;
-        if (sector < 0 || (!grouped && m_bSectorsPerBit == 0)) {
+        if (sector < 0 || (!grouped && m_bSectorsPerBit == 0))
             continue;
-        }
         const qint64 bit = grouped ? (kilobytes - 128) / 128 + firstGroupBit : sector / m_bSectorsPerBit;
         // MEANT: what stands behind it in the list is lost, and below only neighbours are compared.
-        if (!groups && bit > lastBit) {
+        if (!groups && bit > lastBit)
             return bits;
-        }
         if (bit != previous) {
             bits.append(static_cast<int>(bit));
             previous = bit;

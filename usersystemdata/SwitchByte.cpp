@@ -40,19 +40,19 @@ struct FamilySwitches {
     const Switches *switches;
 };
 
+// clang-format off
 constexpr FamilySwitches families[] = {
     {ZV32F421, &f421}, {ZV32F425, &f425}, {ZV32F423, &f425}, {ZV32A423, &f425}, {ZV32M412, &f425},
     {ZV32M416, &f425}, {ZV32G412, &f425}, {ZV32L021, &l021}, {ZV32F405, &l021}, {ZV32F402, &l021},
     {ZV32F455, &l021}, {ZV32F456, &l021}, {ZV32F457, &l021}, {ZV32F490, &l021}, {ZV32F435, &f435},
     {ZV32F437, &f435}, {ZV32F422, &f422}, {ZV32F426, &f422},
 };
+// clang-format on
 
 const Switches &switchesOf(int family) {
-    for (const FamilySwitches &row : families) {
-        if (row.family == family) {
+    for (const FamilySwitches &row : families)
+        if (row.family == family)
             return *row.switches;
-        }
-    }
     return others;
 }
 
@@ -61,9 +61,8 @@ bool bitOf(BYTE value, int bit) {
 }
 
 void setBit(BYTE &value, int bit, bool on) {
-    if (on) {
+    if (on)
         value = static_cast<BYTE>(value | 1 << bit);
-    }
 }
 
 } // namespace
@@ -76,9 +75,8 @@ void decodeSwitches(CUserSystemData &data) {
     data.m_BBFB2 = bitOf(data.SSB, switches.readBootBit);
     data.m_BnWDT_DEPSLP = switches.readsWatchdogs && bitOf(data.SSB, watchdogDeepSleepBit);
     data.m_BnWDT_STDBY = switches.readsWatchdogs && bitOf(data.SSB, watchdogStandbyBit);
-    if (switches.parity != Parity::Kept) {
+    if (switches.parity != Parity::Kept)
         data.m_SRAM_Parity = switches.parity == Parity::Read && bitOf(data.SSB, parityBit);
-    }
 }
 
 void encodeSwitches(CUserSystemData &data) {

@@ -161,7 +161,8 @@ void AtomicFile::put(const unsigned char *bytes, std::size_t length) {
         if (m_written - m_started < WritebackSize)
             continue;
         // The disk gets to work while the next part is made; what it did not begin, fsync does.
-        (void)::sync_file_range(m_fd, static_cast<off_t>(m_started), static_cast<off_t>(m_written - m_started), SYNC_FILE_RANGE_WRITE);
+        (void)::sync_file_range(m_fd, static_cast<off_t>(m_started), static_cast<off_t>(m_written - m_started),
+                                SYNC_FILE_RANGE_WRITE);
         m_started = m_written;
     }
 }

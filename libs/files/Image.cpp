@@ -34,7 +34,8 @@ Status Image::check(const IMAGEELEMENT &source, std::size_t replaced) const {
         return Status::BadParameter;
     if (source.dwAddress >= AddressSpace || source.dwDataLength > AddressSpace - source.dwAddress)
         return Status::BadAddressRange;
-    if (source.dwDataLength > MaxImageSize || m_inserted - std::min(m_inserted, replaced) > MaxImageSize - source.dwDataLength)
+    if (source.dwDataLength > MaxImageSize ||
+        m_inserted - std::min(m_inserted, replaced) > MaxImageSize - source.dwDataLength)
         return Status::ElementsFull;
     return Status::Ok;
 }

@@ -54,7 +54,7 @@ private:
 
     ByteBuffer m_bytes;
     std::vector<Run> m_runs;
-    std::size_t m_settledBytes = 0; // so many bytes lie in the order of their addresses
+    std::size_t m_settledBytes = 0;      // so many bytes lie in the order of their addresses
     std::size_t m_runLimit = MinRunStep; // settle() when there are more
     std::size_t m_byteLimit = MinByteStep;
 };

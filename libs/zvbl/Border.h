@@ -13,17 +13,17 @@ constexpr BYTE outOfMemory = 0x22;
 
 constexpr BYTE statusByte(Status status) {
     switch (status) {
-    case Status::ok:             return 0;
-    case Status::notOpen:        return 1;
-    case Status::cantOpen:       return 3;
-    case Status::gone:           return 4;
-    case Status::noAnswer:       return 5;
-    case Status::outOfStep:      return 5;
-    case Status::noStart:        return 0x11;
+    case Status::ok: return 0;
+    case Status::notOpen: return 1;
+    case Status::cantOpen: return 3;
+    case Status::gone: return 4;
+    case Status::noAnswer: return 5;
+    case Status::outOfStep: return 5;
+    case Status::noStart: return 0x11;
     case Status::refusedCommand: return 0x13;
-    case Status::differs:        return 0x13;
-    case Status::refused:        return 0x14;
-    case Status::badArgument:    return 0x21;
+    case Status::differs: return 0x13;
+    case Status::refused: return 0x14;
+    case Status::badArgument: return 0x21;
     }
     return 0x21;
 }

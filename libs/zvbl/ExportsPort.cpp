@@ -31,8 +31,7 @@ BYTE SetCOMSettings(HANDLE *link, int portNumber, const char *portName, int baud
             session = std::make_shared<Session>();
             *link = addLink(session);
         }
-        return session->configure(linkType(),
-                                  {portNumber, portName ? portName : "", baud, dataBits, parity, stopBits});
+        return session->configure(linkType(), {portNumber, portName ? portName : "", baud, dataBits, parity, stopBits});
     });
 }
 
@@ -53,7 +52,8 @@ int Interface_is_Open(HANDLE link) {
 }
 
 BYTE SetTimeOut(HANDLE link, unsigned int milliseconds) {
-    return withLink(link, [&](Session &session) { return session.setTimeout(std::chrono::milliseconds(milliseconds)); });
+    return withLink(link,
+                    [&](Session &session) { return session.setTimeout(std::chrono::milliseconds(milliseconds)); });
 }
 
 BYTE SetPaketSize(HANDLE link, BYTE bytes) {

@@ -52,6 +52,7 @@ bool isAnySetting(const LinkSettings &) {
     return true;
 }
 
+// clang-format off
 constexpr LinkKind kinds[] = {
     {linkUsart, isSerialSetting, make<SerialPort, UsartFraming>},
     {linkUsbDfu, isUsbSetting, make<UsbPort, DfuFraming>},
@@ -59,14 +60,14 @@ constexpr LinkKind kinds[] = {
     {linkCan, isCanSetting, makeCan},
     {linkSpi, isAnySetting, make<SpiPort, SpiFraming>},
 };
+// clang-format on
 
 } // namespace
 
 const LinkKind *findLinkKind(std::uint8_t type) {
-    for (const LinkKind &kind : kinds) {
+    for (const LinkKind &kind : kinds)
         if (kind.type == type)
             return &kind;
-    }
     return nullptr;
 }
 

@@ -59,10 +59,9 @@ std::shared_ptr<Session> findLink(HANDLE handle) {
 void addDeviceLinks(std::size_t count) {
     Links &all = links();
     const std::lock_guard<std::mutex> lock(all.mutex);
-    for (std::size_t i = 0; i < count && i < mostUsbDevices; ++i) {
+    for (std::size_t i = 0; i < count && i < mostUsbDevices; ++i)
         if (!all.byDevice[i])
             all.byDevice[i] = makeDeviceLink(i);
-    }
 }
 
 bool isDeviceNumber(HANDLE handle) {

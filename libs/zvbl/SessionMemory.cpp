@@ -35,12 +35,11 @@ Cells judgeCells(Block &block, const Bytes &now) {
         return Cells::canBeWritten;
     if (!isFlash(block.address))
         return Cells::areSpoiled; // OTP is never written twice
-    for (std::size_t i = 0; i < now.size(); ++i) {
+    for (std::size_t i = 0; i < now.size(); ++i)
         if (block.data[i] == now[i])
             block.data[i] = blank;
         else if (block.data[i] != blank && now[i] != blank)
             return Cells::areSpoiled;
-    }
     return isBlank(block.data.data(), block.data.size()) ? Cells::holdTheData : Cells::canBeWritten;
 }
 

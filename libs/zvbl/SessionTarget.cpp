@@ -1,8 +1,8 @@
 // Everything else that a chip can be told: erase, checksum, SPIM, user system data, protection, running.
 
-#include "libs/zvbl/Session.h"
-
 #include <algorithm>
+
+#include "libs/zvbl/Session.h"
 
 namespace zvbl {
 namespace {

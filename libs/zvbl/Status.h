@@ -5,7 +5,7 @@
 namespace zvbl {
 
 // How a call of the library ended. It becomes a status byte once, in Border.h.
-enum class [[nodiscard]] Status {
+enum class [[nodiscard]] Status{
     ok,
     notOpen,        // the link is not open, or there is no such link
     cantOpen,       // the port is absent, busy or forbidden, or this library has no such link

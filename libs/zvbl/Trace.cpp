@@ -3,9 +3,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <utility>
+
 #include <fcntl.h>
 #include <unistd.h>
-#include <utility>
 
 namespace zvbl {
 namespace {

@@ -1,12 +1,12 @@
 #include "sim/dev/DfuFront.h"
 
+#include <algorithm>
+
 #include "sim/Clock.h"
 #include "sim/Options.h"
 #include "sim/dev/UsbPort.h"
 #include "sim/usb/DfuDevice.h"
 #include "sim/usb/UsbCable.h"
-
-#include <algorithm>
 
 namespace sim {
 
@@ -62,18 +62,15 @@ DfuFront::DfuFront(Machine &machine)
 bool DfuFront::plugIn(DeviceLoop &loop, std::string &error) {
     loop_ = &loop;
     bool came = true;
-    for (UsbPort &port : ports_) {
-        if (!port.follow(loop, clockNow(), came, error)) {
+    for (UsbPort &port : ports_)
+        if (!port.follow(loop, clockNow(), came, error))
             return false;
-        }
-    }
     return true;
 }
 
 void DfuFront::unplug(DeviceLoop &loop) {
-    for (UsbPort &port : ports_) {
+    for (UsbPort &port : ports_)
         port.unplug(loop, clockNow());
-    }
 }
 
 void DfuFront::work(Nanoseconds now) {
@@ -84,13 +81,11 @@ void DfuFront::work(Nanoseconds now) {
             log_.fault(error);
             loop_->end();
         }
-        if (came) {
+        if (came)
             loop_->ready();
-        }
     }
-    if (cable_.presence(now).forGood) {
+    if (cable_.presence(now).forGood)
         loop_->end();
-    }
 }
 
 std::optional<Nanoseconds> DfuFront::due() const {

@@ -1,17 +1,18 @@
 #include "sim/dev/I2cFront.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <regex>
+
+#include <linux/i2c-dev.h>
+#include <linux/i2c.h>
+
 #include "libs/zvbl/wire/Wire.h"
 #include "sim/Clock.h"
 #include "sim/Options.h"
 #include "sim/dev/Serve.h"
 #include "sim/fronts/I2cProtocol.h"
-
-#include <algorithm>
-#include <cerrno>
-#include <cstddef>
-#include <linux/i2c-dev.h>
-#include <linux/i2c.h>
-#include <regex>
 
 namespace sim {
 
@@ -64,16 +65,16 @@ bool I2cBus::plugIn(DeviceLoop &loop, std::string &error) {
                                     "\nE: SUBSYSTEM=i2c-dev\nE: MAJOR=89\nE: MINOR=" + number +
                                     "\nA: name=zv32-sim\\n\n";
     return loop.testbed().add(description, error) &&
-           loop.testbed().attach(nodePath(), [this](DeviceCall &call) { return serve(call); }, error);
+           loop.testbed().attach(
+               nodePath(), [this](DeviceCall &call) { return serve(call); }, error);
 }
 
 // Every call takes the time that it takes on the bus, and the client gets its answer then.
 DeviceAnswer I2cBus::serve(DeviceCall &call) {
     busTime_ = clockNow();
     const DeviceAnswer answer = call.kind == DeviceCall::Kind::ioctl ? ioctl(call) : plain(call);
-    if (chip_.hangup()) {
+    if (chip_.hangup())
         loop_->hangUp(chip_.hangup()->replugMs);
-    }
     waitUntil(busTime_);
     loop_->traffic();
     return answer;
@@ -81,40 +82,32 @@ DeviceAnswer I2cBus::serve(DeviceCall &call) {
 
 DeviceAnswer I2cBus::ioctl(DeviceCall &call) {
     switch (call.request()) {
-    case I2C_FUNCS:
-        return tellFunctions(call);
+    case I2C_FUNCS: return tellFunctions(call);
     case I2C_SLAVE:
-    case I2C_SLAVE_FORCE:
-        return selectTarget(call);
-    case I2C_RDWR:
-        return transferAll(call);
-    case I2C_SMBUS:
-        return smbus(call);
+    case I2C_SLAVE_FORCE: return selectTarget(call);
+    case I2C_RDWR: return transferAll(call);
+    case I2C_SMBUS: return smbus(call);
     case I2C_TENBIT:
         return call.number() == 0 ? DeviceAnswer{} : DeviceAnswer::fail(EINVAL); // as on a bus that has none
     case I2C_PEC:
     case I2C_RETRIES:
-    case I2C_TIMEOUT:
-        return {};
-    default:
-        return DeviceAnswer::fail(ENOTTY);
+    case I2C_TIMEOUT: return {};
+    default: return DeviceAnswer::fail(ENOTTY);
     }
 }
 
 DeviceAnswer I2cBus::tellFunctions(const DeviceCall &call) {
     const ClientMemory functions = call.memory(sizeof busFunctions);
-    if (!functions) {
+    if (!functions)
         return DeviceAnswer::fail(EFAULT);
-    }
     functions.set(busFunctions);
     return {};
 }
 
 DeviceAnswer I2cBus::selectTarget(DeviceCall &call) {
     constexpr unsigned long last = 0x7F;
-    if (call.number() > last) {
+    if (call.number() > last)
         return DeviceAnswer::fail(EINVAL);
-    }
     call.settings[address] = call.number();
     return {};
 }
@@ -123,9 +116,8 @@ DeviceAnswer I2cBus::selectTarget(DeviceCall &call) {
 DeviceAnswer I2cBus::transfer(unsigned target, bool read, std::uint8_t *bytes, std::size_t length) {
     constexpr std::size_t bitsOfByte = 9; // with the acknowledgement
     spend(1 + bitsOfByte);
-    if (target != wire::i2cAddress || !chip_.acknowledges(read, busTime_)) {
+    if (target != wire::i2cAddress || !chip_.acknowledges(read, busTime_))
         return DeviceAnswer::fail(ENXIO);
-    }
     if (read) {
         const I2cProtocol::Read answer = chip_.read(length, busTime_);
         std::copy(answer.bytes.begin(), answer.bytes.end(), bytes);
@@ -141,20 +133,17 @@ DeviceAnswer I2cBus::transfer(unsigned target, bool read, std::uint8_t *bytes, s
 DeviceAnswer I2cBus::transferAll(const DeviceCall &call) {
     const ClientMemory request = call.memory(sizeof(i2c_rdwr_ioctl_data));
     const auto asked = request ? request.get<i2c_rdwr_ioctl_data>() : i2c_rdwr_ioctl_data{};
-    if (asked.nmsgs == 0 || asked.nmsgs > I2C_RDWR_IOCTL_MAX_MSGS) {
+    if (asked.nmsgs == 0 || asked.nmsgs > I2C_RDWR_IOCTL_MAX_MSGS)
         return DeviceAnswer::fail(EINVAL);
-    }
     const ClientMemory messages = request.behind(offsetof(i2c_rdwr_ioctl_data, msgs), asked.nmsgs * sizeof(i2c_msg));
     DeviceAnswer answer;
     for (std::size_t at = 0; at < messages.size() && answer.error == 0; at += sizeof(i2c_msg)) {
         const auto message = messages.get<i2c_msg>(at);
-        if ((message.flags & ~I2C_M_RD) != 0 || message.len > longestMessage) {
+        if ((message.flags & ~I2C_M_RD) != 0 || message.len > longestMessage)
             return DeviceAnswer::fail(EINVAL);
-        }
         const ClientMemory buffer = messages.behind(at + offsetof(i2c_msg, buf), message.len);
-        if (message.len != buffer.size()) {
+        if (message.len != buffer.size())
             return DeviceAnswer::fail(EFAULT);
-        }
         answer = transfer(message.addr, (message.flags & I2C_M_RD) != 0, buffer.bytes(), message.len);
     }
     spend(1); // the stop
@@ -168,18 +157,16 @@ DeviceAnswer I2cBus::smbus(const DeviceCall &call) {
     const auto asked = request ? request.get<i2c_smbus_ioctl_data>() : i2c_smbus_ioctl_data{};
     const bool read = asked.read_write == I2C_SMBUS_READ;
     const std::size_t length = asked.size == I2C_SMBUS_BYTE ? 1 : 0;
-    if (asked.size != I2C_SMBUS_BYTE && asked.size != I2C_SMBUS_QUICK) {
+    if (asked.size != I2C_SMBUS_BYTE && asked.size != I2C_SMBUS_QUICK)
         return DeviceAnswer::fail(EOPNOTSUPP);
-    }
     std::uint8_t byte = asked.command;
     const auto target = static_cast<unsigned>(call.settings[address]);
     const DeviceAnswer answer = transfer(target, read, &byte, length);
     spend(1);
     if (read && length != 0 && answer.error == 0) {
         const ClientMemory data = request.behind(offsetof(i2c_smbus_ioctl_data, data), 1);
-        if (!data) {
+        if (!data)
             return DeviceAnswer::fail(EFAULT);
-        }
         data.set(byte);
     }
     return answer;

@@ -1,14 +1,15 @@
 #include "sim/dev/Serve.h"
 
-#include "sim/Clock.h"
-
 #include <algorithm>
 #include <cstdio>
-#include <poll.h>
 #include <stdexcept>
+
+#include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/prctl.h>
 #include <unistd.h>
+
+#include "sim/Clock.h"
 
 namespace sim {
 
@@ -19,9 +20,13 @@ constexpr Nanoseconds quiet = 20 * millisecond; // the device rests: time for th
 DeviceLoop::DeviceLoop(Machine &machine, Device &device)
     : machine_(machine), device_(device), wake_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 
-DeviceLoop::~DeviceLoop() { close(wake_); }
+DeviceLoop::~DeviceLoop() {
+    close(wake_);
+}
 
-void DeviceLoop::wake() { eventfd_write(wake_, 1); }
+void DeviceLoop::wake() {
+    eventfd_write(wake_, 1);
+}
 
 void DeviceLoop::traffic() {
     lastTraffic_ = clockNow();
@@ -51,9 +56,8 @@ void DeviceLoop::hangUp(std::optional<unsigned> replugMs) {
 bool DeviceLoop::plugIn(std::string &error) {
     const std::unique_lock<std::mutex> lock = testbed_.lock();
     plugged_ = device_.plugIn(*this, error);
-    if (plugged_) {
+    if (plugged_)
         ready();
-    }
     return plugged_;
 }
 
@@ -62,9 +66,8 @@ bool DeviceLoop::serve(std::string &error) {
     while (good) {
         wait();
         const Turn next = turn();
-        if (next == Turn::end || (next == Turn::absent && stayAway() == Wish::end)) {
+        if (next == Turn::end || (next == Turn::absent && stayAway() == Wish::end))
             break;
-        }
         good = next != Turn::absent || plugIn(error);
     }
     leave();
@@ -91,9 +94,8 @@ Wish DeviceLoop::stayAway() {
 void DeviceLoop::leave() {
     {
         const std::unique_lock<std::mutex> lock = testbed_.lock();
-        if (plugged_) {
+        if (plugged_)
             device_.unplug(*this);
-        }
         machine_.idle();
     }
     testbed_.awaitClients();
@@ -107,15 +109,13 @@ void DeviceLoop::wait() {
         const std::unique_lock<std::mutex> lock = testbed_.lock();
         due = device_.due();
         fd = device_.fd();
-        if (!rested_) {
+        if (!rested_)
             due = std::min(due.value_or(lastTraffic_ + quiet), lastTraffic_ + quiet);
-        }
     }
     struct pollfd fds[] = {{machine_.signals, POLLIN, 0}, {wake_, POLLIN, 0}, {fd, POLLIN, 0}};
     struct timespec left {};
-    if (due) {
+    if (due)
         left = timespecOf(std::max<Nanoseconds>(*due - clockNow(), 0));
-    }
     ppoll(fds, 3, due ? &left : nullptr, nullptr);
     eventfd_t turns = 0;
     eventfd_read(wake_, &turns);
@@ -124,16 +124,13 @@ void DeviceLoop::wait() {
 DeviceLoop::Turn DeviceLoop::turn() {
     const std::unique_lock<std::mutex> lock = testbed_.lock();
     Wish wish = nextWish(machine_.signals);
-    for (; wish == Wish::reset; wish = nextWish(machine_.signals)) {
+    for (; wish == Wish::reset; wish = nextWish(machine_.signals))
         device_.reset(clockNow());
-    }
-    if (wish != Wish::end && !ended_ && !replugMs_) {
+    if (wish != Wish::end && !ended_ && !replugMs_)
         device_.work(clockNow());
-    }
     restIfIdle();
-    if (wish == Wish::end || ended_) {
+    if (wish == Wish::end || ended_)
         return Turn::end;
-    }
     return replugMs_ ? Turn::absent : Turn::goOn;
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "sim/Fronts.h"
 #include "sim/Signals.h"
 #include "sim/dev/Testbed.h"
-
-#include <optional>
-#include <string>
 
 namespace sim {
 

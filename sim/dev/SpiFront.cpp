@@ -1,14 +1,15 @@
 #include "sim/dev/SpiFront.h"
 
+#include <cerrno>
+#include <cstddef>
+#include <regex>
+
+#include <linux/spi/spidev.h>
+
 #include "sim/Clock.h"
 #include "sim/Options.h"
 #include "sim/dev/Serve.h"
 #include "sim/fronts/SpiProtocol.h"
-
-#include <cerrno>
-#include <cstddef>
-#include <linux/spi/spidev.h>
-#include <regex>
 
 namespace sim {
 
@@ -64,7 +65,8 @@ bool SpiBus::plugIn(DeviceLoop &loop, std::string &error) {
     const std::string description = "P: " + devicePath() + "\nN: " + name_ + "=00\nE: DEVNAME=" + nodePath() +
                                     "\nE: SUBSYSTEM=spidev\nE: MAJOR=153\nE: MINOR=0\n";
     return loop.testbed().add(description, error) &&
-           loop.testbed().attach(nodePath(), [this](DeviceCall &call) { return serve(call); }, error);
+           loop.testbed().attach(
+               nodePath(), [this](DeviceCall &call) { return serve(call); }, error);
 }
 
 void SpiBus::losePower(Nanoseconds now) {
@@ -77,9 +79,8 @@ void SpiBus::losePower(Nanoseconds now) {
 DeviceAnswer SpiBus::serve(DeviceCall &call) {
     busTime_ = clockNow();
     const DeviceAnswer answer = call.kind == DeviceCall::Kind::ioctl ? ioctl(call) : plain(call);
-    if (chip_.hangup()) {
+    if (chip_.hangup())
         loop_->hangUp(chip_.hangup()->replugMs);
-    }
     waitUntil(busTime_);
     loop_->traffic();
     return answer;
@@ -89,41 +90,29 @@ DeviceAnswer SpiBus::ioctl(const DeviceCall &call) {
     const unsigned long request = call.request();
     switch (request) {
     case SPI_IOC_RD_MODE:
-    case SPI_IOC_RD_LSB_FIRST:
-        return tell<std::uint8_t>(call, 0);
-    case SPI_IOC_RD_MODE32:
-        return tell<std::uint32_t>(call, 0);
-    case SPI_IOC_RD_BITS_PER_WORD:
-        return tell<std::uint8_t>(call, wordBits);
-    case SPI_IOC_RD_MAX_SPEED_HZ:
-        return tell<std::uint32_t>(call, speed_);
-    case SPI_IOC_WR_MODE:
-        return demand<std::uint8_t>(call, 0, "mode");
-    case SPI_IOC_WR_MODE32:
-        return demand<std::uint32_t>(call, 0, "mode");
-    case SPI_IOC_WR_LSB_FIRST:
-        return demand<std::uint8_t>(call, 0, "lowest bit first");
-    case SPI_IOC_WR_BITS_PER_WORD:
-        return setBits(call);
-    case SPI_IOC_WR_MAX_SPEED_HZ:
-        return setSpeed(call);
-    default:
-        break;
+    case SPI_IOC_RD_LSB_FIRST: return tell<std::uint8_t>(call, 0);
+    case SPI_IOC_RD_MODE32: return tell<std::uint32_t>(call, 0);
+    case SPI_IOC_RD_BITS_PER_WORD: return tell<std::uint8_t>(call, wordBits);
+    case SPI_IOC_RD_MAX_SPEED_HZ: return tell<std::uint32_t>(call, speed_);
+    case SPI_IOC_WR_MODE: return demand<std::uint8_t>(call, 0, "mode");
+    case SPI_IOC_WR_MODE32: return demand<std::uint32_t>(call, 0, "mode");
+    case SPI_IOC_WR_LSB_FIRST: return demand<std::uint8_t>(call, 0, "lowest bit first");
+    case SPI_IOC_WR_BITS_PER_WORD: return setBits(call);
+    case SPI_IOC_WR_MAX_SPEED_HZ: return setSpeed(call);
+    default: break;
     }
     // The size of the request is that of its transfers.
     const std::size_t size = _IOC_SIZE(request);
-    if (request != _IOC(_IOC_WRITE, SPI_IOC_MAGIC, 0, size) || size % sizeof(spi_ioc_transfer) != 0) {
+    if (request != _IOC(_IOC_WRITE, SPI_IOC_MAGIC, 0, size) || size % sizeof(spi_ioc_transfer) != 0)
         return DeviceAnswer::fail(ENOTTY);
-    }
     return size == 0 ? DeviceAnswer{} : transferAll(call.memory(size));
 }
 
 template <typename Number>
 DeviceAnswer SpiBus::tell(const DeviceCall &call, std::uint32_t value) {
     const ClientMemory place = call.memory(sizeof(Number));
-    if (!place) {
+    if (!place)
         return DeviceAnswer::fail(EFAULT);
-    }
     place.set(static_cast<Number>(value));
     return {};
 }
@@ -132,13 +121,11 @@ DeviceAnswer SpiBus::tell(const DeviceCall &call, std::uint32_t value) {
 template <typename Number>
 DeviceAnswer SpiBus::demand(const DeviceCall &call, std::uint32_t only, const char *what) {
     const ClientMemory place = call.memory(sizeof(Number));
-    if (!place) {
+    if (!place)
         return DeviceAnswer::fail(EFAULT);
-    }
     select(false);
-    if (place.get<Number>() == only) {
+    if (place.get<Number>() == only)
         return {};
-    }
     log_.refused(std::string("SPI: ") + what + " " + std::to_string(place.get<Number>()));
     return DeviceAnswer::fail(EINVAL);
 }
@@ -151,9 +138,8 @@ DeviceAnswer SpiBus::setBits(const DeviceCall &call) {
 
 DeviceAnswer SpiBus::setSpeed(const DeviceCall &call) {
     const ClientMemory place = call.memory(sizeof speed_);
-    if (!place) {
+    if (!place)
         return DeviceAnswer::fail(EFAULT);
-    }
     const auto speed = place.get<std::uint32_t>();
     speed_ = speed != 0 ? speed : usualSpeed;
     return {};
@@ -163,9 +149,8 @@ bool SpiBus::wellFormed(const spi_ioc_transfer &transfer) {
     constexpr unsigned oneLine = 1;
     const bool good = (transfer.bits_per_word == 0 || transfer.bits_per_word == wordBits) &&
                       transfer.tx_nbits <= oneLine && transfer.rx_nbits <= oneLine;
-    if (!good) {
+    if (!good)
         log_.refused("SPI: a transfer with other than 8 bits per word, or on more than one line");
-    }
     return good;
 }
 
@@ -179,18 +164,15 @@ DeviceAnswer SpiBus::transferAll(const ClientMemory &transfers) {
         out += one.tx_buf != 0 ? std::size_t{one.len} : 0;
         in += one.rx_buf != 0 ? std::size_t{one.len} : 0;
         total += one.len;
-        if (!wellFormed(one)) {
+        if (!wellFormed(one))
             return DeviceAnswer::fail(EINVAL);
-        }
     }
-    if (out > bufferSize || in > bufferSize || total > 2 * bufferSize) {
+    if (out > bufferSize || in > bufferSize || total > 2 * bufferSize)
         return DeviceAnswer::fail(EMSGSIZE);
-    }
     for (std::size_t at = 0; at < transfers.size(); at += sizeof(spi_ioc_transfer)) {
         const DeviceAnswer answer = transfer(transfers, at, at + sizeof(spi_ioc_transfer) == transfers.size());
-        if (answer.error != 0) {
+        if (answer.error != 0)
             return answer;
-        }
     }
     return {static_cast<long>(total), 0};
 }
@@ -200,9 +182,8 @@ DeviceAnswer SpiBus::transferAll(const ClientMemory &transfers) {
 DeviceAnswer SpiBus::transfer(const ClientMemory &transfers, std::size_t at, bool last) {
     const auto asked = transfers.get<spi_ioc_transfer>(at);
     const ClientMemory out = transfers.behind(at + offsetof(spi_ioc_transfer, tx_buf), asked.len);
-    const ClientMemory in = asked.rx_buf == asked.tx_buf
-                                ? out
-                                : transfers.behind(at + offsetof(spi_ioc_transfer, rx_buf), asked.len);
+    const ClientMemory in =
+        asked.rx_buf == asked.tx_buf ? out : transfers.behind(at + offsetof(spi_ioc_transfer, rx_buf), asked.len);
     select(true);
     clock(out.bytes(), in.bytes(), asked.len, asked.speed_hz != 0 ? asked.speed_hz : speed_);
     busTime_ += asked.delay_usecs * microsecond;
@@ -214,31 +195,27 @@ DeviceAnswer SpiBus::transfer(const ClientMemory &transfers, std::size_t at, boo
 void SpiBus::clock(const std::uint8_t *out, std::uint8_t *in, std::size_t length, std::uint32_t speed) {
     const Nanoseconds begin = busTime_;
     for (std::size_t i = 0; i < length; ++i) {
-        if (pace_) {
+        if (pace_)
             busTime_ = begin + static_cast<Nanoseconds>(i + 1) * wordBits * second / speed;
-        }
         const std::uint8_t byte = chip_.shift(out != nullptr ? out[i] : std::uint8_t{0}, busTime_);
-        if (in != nullptr) {
+        if (in != nullptr)
             in[i] = byte;
-        }
     }
 }
 
 void SpiBus::select(bool wanted) {
-    if (wanted && !selected_) {
+    if (wanted && !selected_)
         chip_.select(busTime_);
-    } else if (!wanted && selected_) {
+    else if (!wanted && selected_)
         chip_.deselect(busTime_);
-    }
     selected_ = wanted;
 }
 
 // read() and write() on the node: one message, half of it.
 DeviceAnswer SpiBus::plain(const DeviceCall &call) {
     const ClientMemory buffer = call.buffer();
-    if (buffer.size() > bufferSize) {
+    if (buffer.size() > bufferSize)
         return DeviceAnswer::fail(EMSGSIZE);
-    }
     const bool read = call.kind == DeviceCall::Kind::read;
     select(true);
     clock(read ? nullptr : buffer.bytes(), read ? buffer.bytes() : nullptr, buffer.size(), speed_);

@@ -1,16 +1,17 @@
 #include "sim/dev/Testbed.h"
 
-#include "sim/Clock.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <stdexcept>
+#include <utility>
+
 #include <umockdev.h>
 #include <unistd.h>
-#include <utility>
+
+#include "sim/Clock.h"
 
 namespace sim {
 
@@ -26,9 +27,8 @@ constexpr char fileKey[] = "zv32-file"; // what hangs on a client
 
 // What a call of this library left in `problem`.
 bool told(GError *problem, std::string &error) {
-    if (problem == nullptr) {
+    if (problem == nullptr)
         return true;
-    }
     error = problem->message;
     g_error_free(problem);
     return false;
@@ -45,9 +45,8 @@ std::string taken(gchar *text) {
 // ---- a client's memory
 
 ClientMemory::ClientMemory(const ClientMemory &other) : data_(other.data_) {
-    if (data_ != nullptr) {
+    if (data_ != nullptr)
         g_object_ref(data_);
-    }
 }
 
 ClientMemory &ClientMemory::operator=(ClientMemory other) {
@@ -56,19 +55,21 @@ ClientMemory &ClientMemory::operator=(ClientMemory other) {
 }
 
 ClientMemory::~ClientMemory() {
-    if (data_ != nullptr) {
+    if (data_ != nullptr)
         g_object_unref(data_);
-    }
 }
 
-std::size_t ClientMemory::size() const { return data_ == nullptr ? 0 : static_cast<std::size_t>(data_->data_len); }
+std::size_t ClientMemory::size() const {
+    return data_ == nullptr ? 0 : static_cast<std::size_t>(data_->data_len);
+}
 
-std::uint8_t *ClientMemory::bytes() const { return data_ == nullptr ? nullptr : data_->data; }
+std::uint8_t *ClientMemory::bytes() const {
+    return data_ == nullptr ? nullptr : data_->data;
+}
 
 ClientMemory ClientMemory::behind(std::size_t offset, std::size_t length) const {
-    if (data_ == nullptr || length == 0 || get<void *>(offset) == nullptr) {
+    if (data_ == nullptr || length == 0 || get<void *>(offset) == nullptr)
         return ClientMemory();
-    }
     GError *problem = nullptr;
     _UMockdevIoctlData *found = umockdev_ioctl_data_resolve(data_, offset, length, &problem);
     std::string error;
@@ -88,16 +89,22 @@ void ClientMemory::point(std::size_t offset, const ClientMemory &target) const {
 
 // ---- a call
 
-unsigned long DeviceCall::request() const { return umockdev_ioctl_client_get_request(client_); }
+unsigned long DeviceCall::request() const {
+    return umockdev_ioctl_client_get_request(client_);
+}
 
 ClientMemory DeviceCall::buffer() const {
     _UMockdevIoctlData *argument = umockdev_ioctl_client_get_arg(client_);
     return ClientMemory(static_cast<_UMockdevIoctlData *>(g_object_ref(argument)));
 }
 
-unsigned long DeviceCall::number() const { return buffer().get<unsigned long>(); }
+unsigned long DeviceCall::number() const {
+    return buffer().get<unsigned long>();
+}
 
-ClientMemory DeviceCall::memory(std::size_t length) const { return buffer().behind(0, length); }
+ClientMemory DeviceCall::memory(std::size_t length) const {
+    return buffer().behind(0, length);
+}
 
 DeviceAnswer DeviceCall::execute() const {
     int number = 0;
@@ -133,17 +140,15 @@ Testbed::Testbed() {
 }
 
 Testbed::~Testbed() {
-    for (Node *node : nodes_) {
+    for (Node *node : nodes_)
         umockdev_testbed_detach_ioctl(testbed_, node->path.c_str(), nullptr);
-    }
     g_object_unref(testbed_); // ends the thread of the handlers
     for (Node *node : nodes_) {
         g_object_unref(node->base);
         delete node;
     }
-    for (_UMockdevIoctlClient *client : clients_) {
+    for (_UMockdevIoctlClient *client : clients_)
         g_object_unref(client);
-    }
 }
 
 bool Testbed::add(const std::string &description, std::string &error) {
@@ -154,9 +159,8 @@ bool Testbed::add(const std::string &description, std::string &error) {
 
 bool Testbed::attach(const std::string &path, Handler handler, std::string &error) {
     const auto same = [&](const Node *node) { return node->path == path; };
-    if (std::any_of(nodes_.begin(), nodes_.end(), same)) {
+    if (std::any_of(nodes_.begin(), nodes_.end(), same))
         return true;
-    }
     auto *node = new Node{*this, path, std::move(handler), umockdev_ioctl_base_new()};
     nodes_.push_back(node);
     g_signal_connect(node->base, "client-connected", G_CALLBACK(connected), node);
@@ -178,9 +182,8 @@ void Testbed::withdraw(const std::string &path, const std::vector<std::string> &
     // whose device has gone. Who has the device open is told by ENODEV.
     const std::string device = "/sys" + path;
     umockdev_testbed_remove_device(testbed_, device.c_str());
-    for (const std::string &node : nodes) {
+    for (const std::string &node : nodes)
         unlink((root_ + node).c_str()); // umockdev leaves the file of a node with contents
-    }
 }
 
 int Testbed::terminal(const std::string &node) const {
@@ -190,9 +193,8 @@ int Testbed::terminal(const std::string &node) const {
 bool Testbed::somebodyConnected() const {
     const std::lock_guard<std::mutex> lock(clientsMutex_);
     const auto last = std::remove_if(clients_.begin(), clients_.end(), [](_UMockdevIoctlClient *client) {
-        if (umockdev_ioctl_client_get_connected(client)) {
+        if (umockdev_ioctl_client_get_connected(client))
             return false;
-        }
         g_object_unref(client);
         return true;
     });
@@ -235,13 +237,11 @@ bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const 
             DeviceCall call(kind, client, file.number, file.settings);
             answer = handler(call);
         }
-        if (file.generation != generation_) {
+        if (file.generation != generation_)
             answer = DeviceAnswer::fail(ENODEV);
-        }
     }
-    if (answer) {
+    if (answer)
         umockdev_ioctl_client_complete(client, answer->result, answer->error);
-    }
     return answer.has_value();
 }
 

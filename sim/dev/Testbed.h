@@ -160,7 +160,7 @@ private:
     std::string root_;
     std::vector<Node *> nodes_;
     std::mutex mutex_;
-    std::uintptr_t files_ = 0; // that were ever opened
+    std::uintptr_t files_ = 0;            // that were ever opened
     std::atomic<unsigned> generation_{1}; // of the clients that are served
     mutable std::mutex clientsMutex_;
     mutable std::vector<_UMockdevIoctlClient *> clients_;

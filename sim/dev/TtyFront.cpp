@@ -1,16 +1,17 @@
 #include "sim/dev/TtyFront.h"
 
+#include <cerrno>
+
+#include <linux/serial.h>
+#include <sys/epoll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include "sim/Board.h"
 #include "sim/Clock.h"
 #include "sim/Options.h"
 #include "sim/dev/Serve.h"
 #include "sim/fronts/TerminalLine.h"
-
-#include <cerrno>
-#include <linux/serial.h>
-#include <sys/epoll.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace sim {
 
@@ -53,7 +54,7 @@ private:
     Board board_;
     Pty pty_;
     TerminalLine line_;
-    int events_; // of the terminal and its clients
+    int events_;    // of the terminal and its clients
     int flags_ = 0; // ASYNC_...
     DeviceLoop *loop_ = nullptr;
 };
@@ -65,19 +66,18 @@ bool TtyPort::plugIn(DeviceLoop &loop, std::string &error) {
     const std::string description = "P: " + devicePath() + "\nN: " + name_ + "=00\nE: DEVNAME=" + nodePath() +
                                     "\nE: SUBSYSTEM=tty\nE: MAJOR=188\nE: MINOR=0\n\n";
     const std::string node = loop.testbed().root() + nodePath();
-    if (!loop.testbed().add(description, error)) {
+    if (!loop.testbed().add(description, error))
         return false;
-    }
     unlink(node.c_str());
-    if (!pty_.open(node, error)) {
+    if (!pty_.open(node, error))
         return false;
-    }
     pty_.hangUpOnClose();
     for (int fd : {pty_.fd(), pty_.watchFd()}) {
         struct epoll_event event = {EPOLLIN, {}};
         epoll_ctl(events_, EPOLL_CTL_ADD, fd, &event);
     }
-    return loop.testbed().attach(nodePath(), [this](DeviceCall &call) { return serve(call); }, error);
+    return loop.testbed().attach(
+        nodePath(), [this](DeviceCall &call) { return serve(call); }, error);
 }
 
 void TtyPort::unplug(DeviceLoop &loop) {
@@ -96,9 +96,8 @@ void TtyPort::losePower(Nanoseconds now) {
 }
 
 void TtyPort::work(Nanoseconds) {
-    if (line_.work()) {
+    if (line_.work())
         loop_->traffic();
-    }
     if (line_.hangup() != nullptr) {
         pty_.drain();
         loop_->hangUp(line_.hangup()->replugMs);
@@ -112,56 +111,47 @@ void TtyPort::follow(bool used) {
         setLines(controlLines);
         return;
     }
-    if (pty_.hangsUpOnClose()) {
+    if (pty_.hangsUpOnClose())
         setLines(0);
-    }
     pty_.hangUpOnClose();
 }
 
 void TtyPort::setLines(int lines) {
     board_.setLines((lines & TIOCM_DTR) != 0, (lines & TIOCM_RTS) != 0, clockNow());
-    if (board_.held()) {
+    if (board_.held())
         line_.forget();
-    }
 }
 
 // What the client did before this call has happened.
 std::optional<DeviceAnswer> TtyPort::serve(DeviceCall &call) {
     work(clockNow());
-    if (call.kind != DeviceCall::Kind::ioctl) {
+    if (call.kind != DeviceCall::Kind::ioctl)
         return std::nullopt;
-    }
     switch (call.request()) {
     case TIOCMGET:
     case TIOCMSET:
     case TIOCMBIS:
-    case TIOCMBIC:
-        return moveLines(call.request(), call.memory(sizeof(int)));
+    case TIOCMBIC: return moveLines(call.request(), call.memory(sizeof(int)));
     case TIOCGSERIAL:
-    case TIOCSSERIAL:
-        return driverSettings(call.request(), call.memory(sizeof(serial_struct)));
-    default:
-        return call.execute();
+    case TIOCSSERIAL: return driverSettings(call.request(), call.memory(sizeof(serial_struct)));
+    default: return call.execute();
     }
 }
 
 DeviceAnswer TtyPort::moveLines(unsigned long request, const ClientMemory &argument) {
-    if (!argument) {
+    if (!argument)
         return DeviceAnswer::fail(EFAULT);
-    }
     const int bits = argument.get<int>() & controlLines;
-    if (request == TIOCMGET) {
+    if (request == TIOCMGET)
         argument.set(lines());
-    } else {
+    else
         setLines(request == TIOCMSET ? bits : request == TIOCMBIS ? lines() | bits : lines() & ~bits);
-    }
     return {};
 }
 
 DeviceAnswer TtyPort::driverSettings(unsigned long request, const ClientMemory &argument) {
-    if (!argument) {
+    if (!argument)
         return DeviceAnswer::fail(EFAULT);
-    }
     if (request == TIOCGSERIAL) {
         serial_struct settings{};
         settings.flags = flags_;

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <deque>
+
 #include "sim/dev/Testbed.h"
 #include "sim/usb/UsbDevice.h"
-
-#include <deque>
 
 namespace sim {
 
@@ -28,8 +28,8 @@ private:
         ClientMemory request;  // struct usbdevfs_urb
         ClientMemory buffer;
         UsbAnswer answer;
-        int status;            // 0 or a negative errno, once it is known
-        bool ended;            // before its time: given up, or the device is gone
+        int status; // 0 or a negative errno, once it is known
+        bool ended; // before its time: given up, or the device is gone
     };
     struct Row;
     static const std::vector<Row> &rows();

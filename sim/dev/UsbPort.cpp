@@ -1,8 +1,8 @@
 #include "sim/dev/UsbPort.h"
 
-#include "sim/Clock.h"
-
 #include <cstdio>
+
+#include "sim/Clock.h"
 
 namespace sim {
 
@@ -28,9 +28,13 @@ std::string nodeOf(unsigned address) {
     return text;
 }
 
-std::string attribute(const std::string &name, const std::string &value) { return "A: " + name + "=" + value + "\\n\n"; }
+std::string attribute(const std::string &name, const std::string &value) {
+    return "A: " + name + "=" + value + "\\n\n";
+}
 
-std::string hexNumber(const Bytes &bytes, std::size_t at) { return hexOf({bytes[at + 1], bytes[at]}); }
+std::string hexNumber(const Bytes &bytes, std::size_t at) {
+    return hexOf({bytes[at + 1], bytes[at]});
+}
 
 } // namespace
 
@@ -55,20 +59,19 @@ std::string UsbPort::description() const {
     all.insert(all.end(), known.configuration.begin(), known.configuration.end());
     const std::string address = std::to_string(address_);
     const std::string node = nodeOf(address_);
-    std::string text = "P: " + path() + "\nN: " + node + "=" + hexOf(all) + "\nE: DEVTYPE=usb_device\nE: DEVNAME=/dev/" +
-                       node + "\nE: SUBSYSTEM=usb\nE: MAJOR=189\nE: MINOR=" + std::to_string(address_ - 1) +
+    std::string text = "P: " + path() + "\nN: " + node + "=" + hexOf(all) +
+                       "\nE: DEVTYPE=usb_device\nE: DEVNAME=/dev/" + node +
+                       "\nE: SUBSYSTEM=usb\nE: MAJOR=189\nE: MINOR=" + std::to_string(address_ - 1) +
                        "\nE: BUSNUM=" + node.substr(8, 3) + "\nE: DEVNUM=" + node.substr(12, 3) +
                        "\nH: descriptors=" + hexOf(all) + "\n";
     text += attribute("busnum", std::to_string(UsbBus::number)) + attribute("devnum", address) +
             attribute("devpath", std::to_string(port_)) + attribute("speed", "12") +
             attribute("bConfigurationValue", "1") + attribute("bNumConfigurations", "1") +
             attribute("idVendor", hexNumber(device, 8)) + attribute("idProduct", hexNumber(device, 10));
-    if (device[productString] != 0) {
+    if (device[productString] != 0)
         text += attribute("product", known.strings[device[productString] - 1U]);
-    }
-    if (device[serialString] != 0) {
+    if (device[serialString] != 0)
         text += attribute("serial", known.strings[device[serialString] - 1U]);
-    }
     return text;
 }
 
@@ -89,9 +92,8 @@ bool UsbPort::plugIn(DeviceLoop &loop, Nanoseconds now, std::string &error) {
 }
 
 void UsbPort::unplug(DeviceLoop &loop, Nanoseconds now) {
-    if (address_ == 0) {
+    if (address_ == 0)
         return;
-    }
     bus_.node(address_)->vanish(now);
     loop.testbed().withdraw(path(), {"/dev/" + nodeOf(address_)});
     bus_.give(address_);
@@ -108,13 +110,11 @@ std::optional<Nanoseconds> UsbPort::due(Nanoseconds now) const {
 
 bool UsbPort::follow(DeviceLoop &loop, Nanoseconds now, bool &came, std::string &error) {
     const UsbPresence found = device_.presence(now);
-    if (inStep(found)) {
+    if (inStep(found))
         return true;
-    }
     unplug(loop, now);
-    if (!found.attached) {
+    if (!found.attached)
         return true;
-    }
     attachments_ = found.attachments;
     came = plugIn(loop, now, error);
     return came;

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "sim/dev/Serve.h"
-#include "sim/dev/UsbNode.h"
-
 #include <map>
 #include <memory>
 #include <set>
+
+#include "sim/dev/Serve.h"
+#include "sim/dev/UsbNode.h"
 
 namespace sim {
 

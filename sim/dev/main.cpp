@@ -1,3 +1,5 @@
 #include "sim/dev/DeviceFronts.h"
 
-int main(int argc, char **argv) { return sim::run(argc, argv, sim::deviceFronts()); }
+int main(int argc, char **argv) {
+    return sim::run(argc, argv, sim::deviceFronts());
+}

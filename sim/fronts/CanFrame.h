@@ -1,9 +1,9 @@
 #pragma once
 
+#include <cstdint>
+
 #include "sim/ChipTable.h"
 #include "sim/Time.h"
-
-#include <cstdint>
 
 namespace sim {
 

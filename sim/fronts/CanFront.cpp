@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
+
 #include <linux/can.h>
 #include <linux/can/raw.h>
 #include <net/if.h>
 #include <sys/socket.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
-#include <utility>
 
 namespace sim {
 
@@ -18,9 +19,8 @@ namespace {
 constexpr long lookAgain = 20 * millisecond; // for an interface that went away
 
 void closeAndForget(int &fd) {
-    if (fd >= 0) {
+    if (fd >= 0)
         ::close(std::exchange(fd, -1));
-    }
 }
 
 CanFrame parse(const struct can_frame &raw) {
@@ -77,9 +77,8 @@ bool CanFront::take(Nanoseconds now) {
         log_.note("the interface is back");
     }
     bool something = false;
-    for (CanFrame frame; read(frame); something = true) {
+    for (CanFrame frame; read(frame); something = true)
         bus_.fromHost(frame, now, 0);
-    }
     return something;
 }
 
@@ -92,12 +91,10 @@ bool CanFront::read(CanFrame &frame) {
             frame = parse(raw);
             return true;
         }
-        if (length < 0 && errno == EAGAIN) {
+        if (length < 0 && errno == EAGAIN)
             return false;
-        }
-        if (length < 0 && errno != EINTR && errno != ENETDOWN) {
+        if (length < 0 && errno != EINTR && errno != ENETDOWN)
             leave();
-        }
     }
     return false;
 }
@@ -107,12 +104,10 @@ bool CanFront::give(const TimedFrame &timed) {
     raw.can_id = timed.frame.id;
     raw.can_dlc = static_cast<__u8>(timed.frame.data.size());
     std::copy(timed.frame.data.begin(), timed.frame.data.end(), raw.data);
-    if (socket_ >= 0 && ::write(socket_, &raw, sizeof raw) == CAN_MTU) {
+    if (socket_ >= 0 && ::write(socket_, &raw, sizeof raw) == CAN_MTU)
         return true;
-    }
-    if (socket_ >= 0 && (errno == ENOBUFS || errno == EAGAIN || errno == EINTR)) {
+    if (socket_ >= 0 && (errno == ENOBUFS || errno == EAGAIN || errno == EINTR))
         return false; // the interface has its queue full
-    }
     log_.note("frame " + nameOf(timed.frame) + " is lost: the interface is not up");
     return true;
 }

@@ -15,9 +15,8 @@ unsigned bitsOf(const CanFrame &frame) {
 // What befalls one byte befalls its frame, but damage. A frame without data goes by as one byte: its
 // identifier. False when the bus is unplugged instead.
 bool CanLine::befall(CanFrame &frame, Direction direction, ByteEffect &effect) {
-    if (!concernsChip(frame)) {
+    if (!concernsChip(frame))
         return true;
-    }
     for (std::size_t i = 0; i < std::max<std::size_t>(frame.data.size(), 1); ++i) {
         const ByteEffect one = faults_.byte(direction);
         if (one.hangup) {
@@ -27,11 +26,10 @@ bool CanLine::befall(CanFrame &frame, Direction direction, ByteEffect &effect) {
         effect.lost |= one.lost;
         effect.doubled |= one.doubled;
         effect.lateMs += one.lateMs;
-        if (frame.data.empty()) {
+        if (frame.data.empty())
             frame.id ^= one.damage;
-        } else {
+        else
             frame.data[i] = static_cast<std::uint8_t>(frame.data[i] ^ one.damage);
-        }
     }
     return true;
 }
@@ -40,18 +38,16 @@ CanLine::Passage CanLine::fromHost(const CanFrame &sent, Nanoseconds now, unsign
     CanFrame frame = sent;
     ByteEffect effect;
     Passage passage{now};
-    if (hangup_ || !befall(frame, Direction::rx, effect)) {
+    if (hangup_ || !befall(frame, Direction::rx, effect))
         return passage;
-    }
     const unsigned pace = !pace_ ? 0 : speed != 0 ? speed : chip_.speed(now);
     Nanoseconds late = effect.lateMs * millisecond;
     for (int copies = effect.doubled ? 2 : 1; copies > 0; --copies) {
         passage.through = rx_.through(now, pace, std::exchange(late, 0), bitsOf(frame));
         if (!effect.lost) {
             passage.noise = !chip_.receive(frame, speed, passage.through);
-            for (TimedFrame &timed : chip_.takeOutput()) {
+            for (TimedFrame &timed : chip_.takeOutput())
                 deliver(std::move(timed));
-            }
         }
     }
     return passage;
@@ -59,17 +55,15 @@ CanLine::Passage CanLine::fromHost(const CanFrame &sent, Nanoseconds now, unsign
 
 void CanLine::deliver(TimedFrame timed) {
     ByteEffect effect;
-    if (hangup_ || !befall(timed.frame, Direction::tx, effect)) {
+    if (hangup_ || !befall(timed.frame, Direction::tx, effect))
         return;
-    }
     const Nanoseconds ready = timed.at;
     Nanoseconds late = effect.lateMs * millisecond;
     for (int copies = effect.doubled ? 2 : 1; copies > 0; --copies) {
         timed.at = tx_.through(ready, pace_ ? timed.speed : 0, std::exchange(late, 0), bitsOf(timed.frame));
         chip_.sent(timed, timed.at);
-        if (!effect.lost) {
+        if (!effect.lost)
             toHost_.push_back(timed);
-        }
     }
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <deque>
+#include <optional>
+
 #include "sim/Fault.h"
 #include "sim/fronts/CanProtocol.h"
 #include "sim/fronts/SerialLine.h"
-
-#include <deque>
-#include <optional>
 
 namespace sim {
 

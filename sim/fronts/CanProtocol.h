@@ -1,9 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "sim/Bootloader.h"
 #include "sim/fronts/CanFrame.h"
-
-#include <optional>
 
 namespace sim {
 

@@ -1,12 +1,13 @@
 #include "sim/fronts/CanServer.h"
 
-#include "sim/Clock.h"
-#include "sim/Options.h"
-
 #include <algorithm>
 #include <cstdio>
+
 #include <poll.h>
 #include <sys/prctl.h>
+
+#include "sim/Clock.h"
+#include "sim/Options.h"
 
 namespace sim {
 
@@ -28,43 +29,36 @@ CanServer::CanServer(Machine &machine)
 }
 
 bool CanServer::plugIn(CanPort &port, const std::string &name, std::string &error) {
-    if (!port.open(error)) {
+    if (!port.open(error))
         return false;
-    }
     std::printf("ready %s\n", name.c_str());
     std::fflush(stdout);
     return true;
 }
 
 bool CanServer::serve(CanPort &port, const std::string &name, std::string &error) {
-    if (!plugIn(port, name, error)) {
+    if (!plugIn(port, name, error))
         return false;
-    }
     for (;;) {
         wait(port);
-        if (followSignals() == Wish::end) {
+        if (followSignals() == Wish::end)
             break;
-        }
         const Nanoseconds now = clockNow();
-        if (port.take(now)) {
+        if (port.take(now))
             traffic(now);
-        }
         giveToHost(port);
         restIfIdle();
-        if (!line_.hangup() || !line_.toHost().empty()) {
+        if (!line_.hangup() || !line_.toHost().empty())
             continue;
-        }
         const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
         port.drain();
         port.close();
-        if (!replugMs || waitUnplugged(machine_.signals, *replugMs * millisecond) == Wish::end) {
+        if (!replugMs || waitUnplugged(machine_.signals, *replugMs * millisecond) == Wish::end)
             break;
-        }
         bootloader_.losePower(clockNow());
         line_.replug();
-        if (!plugIn(port, name, error)) {
+        if (!plugIn(port, name, error))
             return false;
-        }
     }
     port.close();
     return true;
@@ -85,17 +79,15 @@ void CanServer::wait(const CanPort &port) {
     const bool pace = machine_.options.pace;
     const Nanoseconds now = clockNow();
     std::optional<Nanoseconds> due;
-    if (!line_.toHost().empty()) {
+    if (!line_.toHost().empty())
         due = std::max(line_.toHost().front().at - (pace ? awakeBefore : 0), notBefore_);
-    } else if (pace && now - lastTraffic_ < awakeBehind) {
+    else if (pace && now - lastTraffic_ < awakeBehind)
         due = now;
-    } else if (!rested_) {
+    else if (!rested_)
         due = lastTraffic_ + quiet;
-    }
     struct timespec left {};
-    if (due) {
+    if (due)
         left = timespecOf(std::max<Nanoseconds>(*due - now, 0));
-    }
     ppoll(fds, 3, due ? &left : nullptr, nullptr);
 }
 

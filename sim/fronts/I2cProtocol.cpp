@@ -1,8 +1,8 @@
 #include "sim/fronts/I2cProtocol.h"
 
-#include "libs/zvbl/wire/Wire.h"
-
 #include <algorithm>
+
+#include "libs/zvbl/wire/Wire.h"
 
 namespace sim {
 
@@ -15,22 +15,18 @@ bool I2cProtocol::acknowledges(bool read, Nanoseconds now) const {
 }
 
 bool I2cProtocol::write(const Bytes &bytes, Nanoseconds now) {
-    if (!acknowledges(false, now)) {
+    if (!acknowledges(false, now))
         return false;
-    }
-    if (bytes.empty()) {
+    if (bytes.empty())
         return true;
-    }
     mailbox_.throwAway(now);
-    if (!mailbox_.there(now)) {
+    if (!mailbox_.there(now))
         return false; // it waited with its reset for somebody to read the answer
-    }
     const Passage passage = pass(bytes, Direction::rx, faults_);
-    if (passage.hangup) {
+    if (passage.hangup)
         hangup_ = passage;
-    } else if (!passage.bytes.empty()) {
+    else if (!passage.bytes.empty())
         mailbox_.group(passage.bytes, now + passage.late);
-    }
     return true;
 }
 
@@ -42,9 +38,8 @@ bool I2cProtocol::busy(Nanoseconds now) {
 
 I2cProtocol::Read I2cProtocol::read(std::size_t length, Nanoseconds now) {
     Read read{acknowledges(true, now), Bytes(length, released), now};
-    if (!read.acknowledged || length == 0) {
+    if (!read.acknowledged || length == 0)
         return read;
-    }
     Output *next = mailbox_.next();
     if (next != nullptr && !mailbox_.leaving && !busy(now)) {
         const auto end = next->bytes.begin() + static_cast<std::ptrdiff_t>(std::min(length, next->bytes.size()));
@@ -58,9 +53,8 @@ I2cProtocol::Read I2cProtocol::read(std::size_t length, Nanoseconds now) {
         std::copy_n(passage.bytes.begin(), std::min(length, passage.bytes.size()), read.bytes.begin());
         read.at = std::max(next->at, now);
         mailbox_.fetched(read.at);
-        if (passage.hangup) {
+        if (passage.hangup)
             hangup_ = passage;
-        }
     }
     return read;
 }

@@ -1,8 +1,8 @@
 #include "sim/fronts/Mailbox.h"
 
-#include "libs/zvbl/wire/Wire.h"
-
 #include <algorithm>
+
+#include "libs/zvbl/wire/Wire.h"
 
 namespace sim {
 
@@ -28,15 +28,12 @@ void Mailbox::group(const Bytes &bytes, Nanoseconds now) {
         return;
     }
     const std::size_t length = bootloader_.groupLength(bytes);
-    if (bytes.size() == length) {
-        for (const std::uint8_t byte : bytes) {
+    if (bytes.size() == length)
+        for (const std::uint8_t byte : bytes)
             bootloader_.feed(byte, now);
-        }
-    } else {
-        bootloader_.refuseGroup(std::to_string(bytes.size()) + " bytes where a group of " + std::to_string(length) +
-                                    " belongs",
-                                now);
-    }
+    else
+        bootloader_.refuseGroup(
+            std::to_string(bytes.size()) + " bytes where a group of " + std::to_string(length) + " belongs", now);
     collect();
 }
 
@@ -58,31 +55,29 @@ void Mailbox::opening(const Bytes &bytes, Nanoseconds now) {
 void Mailbox::collect() {
     const std::vector<Output> output = bootloader_.takeOutput();
     answers_.insert(answers_.end(), output.begin(), output.end());
-    if (!bootloader_.idle() || bootloader_.ended() == Next::end) {
+    if (!bootloader_.idle() || bootloader_.ended() == Next::end)
         return;
-    }
-    if (bootloader_.ended() == Next::powerLost) {
+    if (bootloader_.ended() == Next::powerLost)
         forget();
-    } else if (!answers_.empty()) {
+    else if (!answers_.empty())
         departure_ = bootloader_.ended();
-    }
 }
 
-void Mailbox::answer(std::uint8_t byte, Nanoseconds now) { answers_.push_back({{byte}, now}); }
+void Mailbox::answer(std::uint8_t byte, Nanoseconds now) {
+    answers_.push_back({{byte}, now});
+}
 
 void Mailbox::followDeparture(Nanoseconds now) {
-    if (departure_ == Next::reset) {
+    if (departure_ == Next::reset)
         bootloader_.startFrom(now);
-    }
     departure_.reset();
 }
 
 void Mailbox::fetched(Nanoseconds now) {
     leaving.reset();
     answers_.pop_front();
-    if (answers_.empty()) {
+    if (answers_.empty())
         followDeparture(now);
-    }
 }
 
 void Mailbox::throwAway(Nanoseconds now) {

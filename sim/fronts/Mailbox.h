@@ -1,9 +1,9 @@
 #pragma once
 
-#include "sim/Bootloader.h"
-
 #include <deque>
 #include <optional>
+
+#include "sim/Bootloader.h"
 
 namespace sim {
 

@@ -1,11 +1,11 @@
 #include "sim/fronts/Pty.h"
 
-#include "sim/fronts/LineRate.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/inotify.h>
@@ -13,7 +13,8 @@
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
-#include <utility>
+
+#include "sim/fronts/LineRate.h"
 
 namespace sim {
 
@@ -30,9 +31,8 @@ std::string targetOf(const std::string &link) {
 
 bool makeRaw(int fd) {
     struct termios settings {};
-    if (tcgetattr(fd, &settings) != 0) {
+    if (tcgetattr(fd, &settings) != 0)
         return false;
-    }
     cfmakeraw(&settings);
     return tcsetattr(fd, TCSANOW, &settings) == 0;
 }
@@ -40,17 +40,15 @@ bool makeRaw(int fd) {
 // Whether the place may be taken: nothing there, or a link that a serial port left.
 bool mayReplace(const std::string &path) {
     struct stat info {};
-    if (lstat(path.c_str(), &info) != 0) {
+    if (lstat(path.c_str(), &info) != 0)
         return true;
-    }
     const bool dangling = stat(path.c_str(), &info) != 0;
     return !targetOf(path).empty() && (dangling || targetOf(path).rfind(terminals, 0) == 0);
 }
 
 void closeAndForget(int &fd) {
-    if (fd >= 0) {
+    if (fd >= 0)
         ::close(std::exchange(fd, -1));
-    }
 }
 
 } // namespace
@@ -73,8 +71,7 @@ bool Pty::open(const std::string &link, std::string &error) {
 bool Pty::makeTerminal(std::string &error) {
     char name[64];
     master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0 &&
-        ptsname_r(master_, name, sizeof name) == 0) {
+    if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0 && ptsname_r(master_, name, sizeof name) == 0) {
         device_ = name;
         slave_ = ioctl(master_, TIOCGPTPEER, O_RDWR | O_NOCTTY | O_CLOEXEC);
     }
@@ -110,15 +107,13 @@ void Pty::watchClients() {
         inotify_add_watch(watch_, terminals, events);
         ownEvents_ = inotify_add_watch(watch_, device_.c_str(), events);
     }
-    if (ownEvents_ < 0) {
+    if (ownEvents_ < 0)
         closeAndForget(watch_);
-    }
 }
 
 void Pty::close() {
-    if (!device_.empty() && targetOf(link_) == device_) {
+    if (!device_.empty() && targetOf(link_) == device_)
         unlink(link_.c_str());
-    }
     device_.clear();
     closeAndForget(watch_);
     closeAndForget(slave_);
@@ -133,15 +128,13 @@ void Pty::followClients(Nanoseconds now) {
             struct inotify_event event {};
             std::memcpy(&event, events + at, sizeof event);
             at += static_cast<ssize_t>(sizeof event + event.len);
-            if (event.wd != ownEvents_) {
+            if (event.wd != ownEvents_)
                 continue;
-            }
             count(std::max(clients_ + ((event.mask & IN_OPEN) != 0 ? 1 : -1), 0), now);
         }
     }
-    if (clients_ == 0 && heard_ > left_ + stragglers) {
+    if (clients_ == 0 && heard_ > left_ + stragglers)
         count(1, now); // somebody is there: an event must have gone astray
-    }
 }
 
 void Pty::count(int clients, Nanoseconds now) {
@@ -151,9 +144,8 @@ void Pty::count(int clients, Nanoseconds now) {
         left_ = now;
         lastClientLeft();
     }
-    if (changed && listener_) {
+    if (changed && listener_)
         listener_(clients > 0);
-    }
 }
 
 // A real port forgets its unread bytes and its exclusive use when the last client closes it.
@@ -164,9 +156,8 @@ void Pty::lastClientLeft() {
 
 std::size_t Pty::read(std::uint8_t *bytes, std::size_t room, Nanoseconds now) {
     const ssize_t length = ::read(master_, bytes, room);
-    if (length <= 0) {
+    if (length <= 0)
         return 0;
-    }
     heard_ = now;
     return static_cast<std::size_t>(length);
 }
@@ -181,9 +172,8 @@ void Pty::drain() const {
     constexpr int shortestMs = 5; // the kernel takes its time to hand bytes over
     int unread = 0;
     for (int ms = 0; ms < longestMs; ++ms) {
-        if (ms >= shortestMs && ioctl(slave_, FIONREAD, &unread) == 0 && unread == 0) {
+        if (ms >= shortestMs && ioctl(slave_, FIONREAD, &unread) == 0 && unread == 0)
             break;
-        }
         poll(nullptr, 0, 1);
     }
 }
@@ -201,6 +191,8 @@ void Pty::hangUpOnClose() const {
     }
 }
 
-unsigned Pty::baud() const { return lineRate(slave_); }
+unsigned Pty::baud() const {
+    return lineRate(slave_);
+}
 
 } // namespace sim

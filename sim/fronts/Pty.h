@@ -1,10 +1,10 @@
 #pragma once
 
-#include "sim/ChipTable.h"
-#include "sim/Time.h"
-
 #include <functional>
 #include <string>
+
+#include "sim/ChipTable.h"
+#include "sim/Time.h"
 
 namespace sim {
 
@@ -23,8 +23,8 @@ public:
     // Takes the device away: clients see it gone. The link goes too, if it is still ours.
     void close();
 
-    int fd() const { return master_; }       // readable when a client has sent
-    int watchFd() const { return watch_; }   // readable when a client opens or closes; -1 if unknown
+    int fd() const { return master_; }     // readable when a client has sent
+    int watchFd() const { return watch_; } // readable when a client opens or closes; -1 if unknown
 
     // Takes in who has come and gone; to be called between reading and writing, so that whoever is heard
     // is known. Behind the last client nothing it left behind stays for the next.

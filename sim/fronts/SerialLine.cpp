@@ -20,9 +20,8 @@ Nanoseconds Pacer::through(Nanoseconds ready, unsigned baud, Nanoseconds late, u
 }
 
 void SerialLine::fromHost(std::uint8_t byte, Nanoseconds now, unsigned baud) {
-    if (hangup_) {
+    if (hangup_)
         return;
-    }
     const ByteEffect effect = faults_.byte(Direction::rx);
     if (effect.hangup) {
         hangup_ = Hangup{effect.replugMs};
@@ -39,11 +38,9 @@ void SerialLine::fromHost(std::uint8_t byte, Nanoseconds now, unsigned baud) {
 }
 
 void SerialLine::collect(unsigned baud) {
-    for (const TimedByte &timed : chip_.takeOutput()) {
-        if (!hangup_) {
+    for (const TimedByte &timed : chip_.takeOutput())
+        if (!hangup_)
             deliver(timed.byte, timed.at, baud);
-        }
-    }
 }
 
 void SerialLine::deliver(std::uint8_t byte, Nanoseconds ready, unsigned baud) {
@@ -56,9 +53,8 @@ void SerialLine::deliver(std::uint8_t byte, Nanoseconds ready, unsigned baud) {
     for (int copies = effect.doubled ? 2 : 1; copies > 0; --copies) {
         const Nanoseconds at = tx_.through(ready, baud, std::exchange(late, 0));
         chip_.sent(at);
-        if (!effect.lost) {
+        if (!effect.lost)
             toHost_.push_back({static_cast<std::uint8_t>(byte ^ effect.damage), at});
-        }
     }
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "sim/Fault.h"
-#include "sim/fronts/UsartProtocol.h"
-
 #include <deque>
 #include <optional>
+
+#include "sim/Fault.h"
+#include "sim/fronts/UsartProtocol.h"
 
 namespace sim {
 

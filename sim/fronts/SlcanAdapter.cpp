@@ -35,19 +35,16 @@ bool parseFrame(std::string_view line, CanFrame &frame) {
     const std::uint32_t last = frame.extended ? 0x1FFFFFFF : 0x7FF;
     std::uint32_t length = 0;
     if (line.size() < digits + 2 || !parseHex(line.substr(1, digits), frame.id) || frame.id > last ||
-        !parseHex(line.substr(digits + 1, 1), length) || length > 8) {
+        !parseHex(line.substr(digits + 1, 1), length) || length > 8)
         return false;
-    }
     frame.data.resize(length);
     line.remove_prefix(digits + 2);
-    if (line.size() != (frame.remote ? 0 : 2 * length)) {
+    if (line.size() != (frame.remote ? 0 : 2 * length))
         return false;
-    }
     for (std::size_t i = 0; 2 * i < line.size(); ++i) {
         std::uint32_t byte = 0;
-        if (!parseHex(line.substr(2 * i, 2), byte)) {
+        if (!parseHex(line.substr(2 * i, 2), byte))
             return false;
-        }
         frame.data[i] = static_cast<std::uint8_t>(byte);
     }
     return true;
@@ -83,9 +80,8 @@ std::string SlcanAdapter::receive(std::string_view characters, Nanoseconds now) 
     std::string answer;
     for (const char character : characters) {
         if (character != done) {
-            if (state_.line.size() <= longestLine) {
+            if (state_.line.size() <= longestLine)
                 state_.line += character;
-            }
             continue;
         }
         const std::string line = std::exchange(state_.line, {});
@@ -101,83 +97,71 @@ std::string SlcanAdapter::receive(std::string_view characters, Nanoseconds now) 
 }
 
 SlcanAdapter::Reply SlcanAdapter::obey(const std::string &line, Nanoseconds now) {
-    if (line.empty()) {
+    if (line.empty())
         return {true, {}};
-    }
-    for (const Command &command : commands) {
-        if (command.letter == line[0]) {
+    for (const Command &command : commands)
+        if (command.letter == line[0])
             return (command.channels & state_.channel) != 0
                        ? (this->*command.carryOut)(line, now)
                        : Reply{false, state_.channel == closed ? "the channel is closed"
                                       : state_.channel == open ? "the channel is open"
                                                                : "the channel only listens"};
-        }
-    }
     return {false, "unknown command"};
 }
 
 SlcanAdapter::Reply SlcanAdapter::setSpeed(const std::string &line, Nanoseconds) {
-    if (line.size() != 2 || line[1] < '0' || line[1] > '8') {
+    if (line.size() != 2 || line[1] < '0' || line[1] > '8')
         return {false, "there is no such speed"};
-    }
     state_.speed = speeds[line[1] - '0'];
     return {true, {}};
 }
 
 SlcanAdapter::Reply SlcanAdapter::openChannel(const std::string &line, Nanoseconds) {
-    if (line.size() != 1 || state_.speed == 0) {
+    if (line.size() != 1 || state_.speed == 0)
         return {false, line.size() != 1 ? "malformed" : "no speed is set"};
-    }
     state_.channel = line[0] == 'L' ? listening : open;
     return {true, {}};
 }
 
 SlcanAdapter::Reply SlcanAdapter::closeChannel(const std::string &line, Nanoseconds) {
-    if (line.size() != 1) {
+    if (line.size() != 1)
         return {false, "malformed"};
-    }
     state_.channel = closed;
     return {true, {}};
 }
 
 SlcanAdapter::Reply SlcanAdapter::transmit(const std::string &line, Nanoseconds now) {
     CanFrame frame;
-    if (!parseFrame(line, frame)) {
+    if (!parseFrame(line, frame))
         return {false, "malformed"};
-    }
-    while (!state_.unsent.empty() && state_.unsent.front() <= now) {
+    while (!state_.unsent.empty() && state_.unsent.front() <= now)
         state_.unsent.pop_front();
-    }
     if (state_.unsent.size() >= queueSize) {
         state_.flags |= transmitQueueFull;
         return {false, "16 frames are waiting for the bus"};
     }
     const CanLine::Passage passage = bus_.fromHost(frame, now, state_.speed);
     state_.unsent.push_back(passage.through);
-    if (passage.noise) {
+    if (passage.noise)
         state_.flags |= busError;
-    }
     return {true, frame.extended ? "Z" : "z"};
 }
 
 SlcanAdapter::Reply SlcanAdapter::tellFlags(const std::string &line, Nanoseconds) {
-    if (line.size() != 1) {
+    if (line.size() != 1)
         return {false, "malformed"};
-    }
     return {true, "F" + hex(std::exchange(state_.flags, std::uint8_t{0}), 2)};
 }
 
 SlcanAdapter::Reply SlcanAdapter::tellVersion(const std::string &line, Nanoseconds) {
-    if (line.size() != 1) {
+    if (line.size() != 1)
         return {false, "malformed"};
-    }
     return {true, line + (line == "N" ? "ZV32" : "0100")};
 }
 
 SlcanAdapter::Reply SlcanAdapter::setTimestamps(const std::string &line, Nanoseconds) {
-    if (line != "Z0" && line != "Z1") {
+    if (line != "Z0" && line != "Z1")
         return {false, "malformed"};
-    }
     state_.timestamps = line == "Z1";
     return {true, {}};
 }
@@ -185,9 +169,8 @@ SlcanAdapter::Reply SlcanAdapter::setTimestamps(const std::string &line, Nanosec
 SlcanAdapter::Reply SlcanAdapter::setFilter(const std::string &line, Nanoseconds) {
     constexpr std::size_t size = 9;
     std::uint32_t bits = 0;
-    if (line.size() != size || !parseHex(std::string_view(line).substr(1), bits)) {
+    if (line.size() != size || !parseHex(std::string_view(line).substr(1), bits))
         return {false, "malformed"};
-    }
     (line[0] == 'M' ? state_.code : state_.mask) = bits;
     return {true, {}};
 }
@@ -212,13 +195,11 @@ std::string SlcanAdapter::hear(const TimedFrame &timed) {
         state_.flags |= busError;
         return {};
     }
-    if (!passes(timed.frame)) {
+    if (!passes(timed.frame))
         return {};
-    }
     std::string line = "t" + hex(timed.frame.id, 3) + hex(static_cast<std::uint32_t>(timed.frame.data.size()), 1);
-    for (const std::uint8_t byte : timed.frame.data) {
+    for (const std::uint8_t byte : timed.frame.data)
         line += hex(byte, 2);
-    }
     if (state_.timestamps) {
         constexpr Nanoseconds minute = 60000;
         line += hex(static_cast<std::uint32_t>(timed.at / millisecond % minute), 4);

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "sim/fronts/CanLine.h"
-
 #include <deque>
 #include <string>
 #include <string_view>
+
+#include "sim/fronts/CanLine.h"
 
 namespace sim {
 

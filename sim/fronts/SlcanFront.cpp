@@ -14,9 +14,8 @@ bool SlcanFront::take(Nanoseconds now) {
     std::uint8_t bytes[4096];
     const std::size_t length = pty_.read(bytes, sizeof bytes, now);
     pty_.followClients(now);
-    if (length == 0) {
+    if (length == 0)
         return false;
-    }
     write(adapter_.receive({reinterpret_cast<const char *>(bytes), length}, now));
     return true;
 }
@@ -27,9 +26,8 @@ bool SlcanFront::give(const TimedFrame &frame) {
 }
 
 void SlcanFront::write(const std::string &text) {
-    if (!text.empty() && !pty_.write({text.begin(), text.end()})) {
+    if (!text.empty() && !pty_.write({text.begin(), text.end()}))
         log_.note("characters for the host were lost: nobody reads");
-    }
 }
 
 bool serveSlcan(Machine &machine, const std::string &path, std::string &error) {

@@ -1,10 +1,10 @@
 #include "sim/fronts/SpiProtocol.h"
 
-#include "libs/zvbl/wire/Wire.h"
-#include "sim/Groups.h"
-
 #include <algorithm>
 #include <cstdio>
+
+#include "libs/zvbl/wire/Wire.h"
+#include "sim/Groups.h"
 
 namespace sim {
 
@@ -15,9 +15,8 @@ constexpr std::uint8_t released = 0xFF; // what is read when the chip drives not
 // An answer as it travels.
 Bytes framed(const Output &answer) {
     Bytes bytes = answer.bytes;
-    if (answer.reply && !answer.checked) {
+    if (answer.reply && !answer.checked)
         appendXor(bytes);
-    }
     bytes.insert(bytes.begin(), wire::spiStart);
     return bytes;
 }
@@ -41,52 +40,44 @@ void SpiProtocol::select(Nanoseconds now) {
 }
 
 std::uint8_t SpiProtocol::shift(std::uint8_t byte, Nanoseconds now) {
-    if (kind_ == Kind::none) {
+    if (kind_ == Kind::none)
         kind_ = byte == wire::spiIdle ? Kind::fetch : Kind::message;
-    }
-    if (kind_ == Kind::message) {
+    if (kind_ == Kind::message)
         message_.push_back(byte);
-    }
-    if (!present_) {
+    if (!present_)
         return bootloader_.silent() ? wire::spiIdle : released;
-    }
     return kind_ == Kind::fetch ? fetch(now) : wire::spiIdle;
 }
 
 std::uint8_t SpiProtocol::fetch(Nanoseconds now) {
     Output *next = mailbox_.next();
-    if (next == nullptr || next->at > now) {
+    if (next == nullptr || next->at > now)
         return wire::spiIdle;
-    }
     if (!mailbox_.leaving) {
         mailbox_.leaving = pass(framed(*next), Direction::tx, faults_);
         next->at = now + mailbox_.leaving->late;
         sent_ = 0;
-        if (next->at > now) {
+        if (next->at > now)
             return wire::spiIdle;
-        }
     }
     const Passage &passage = *mailbox_.leaving;
     const std::uint8_t byte = sent_ < passage.bytes.size() ? passage.bytes[sent_++] : wire::spiIdle;
     if (sent_ == passage.bytes.size()) {
-        if (passage.hangup) {
+        if (passage.hangup)
             hangup_ = passage;
-        }
         mailbox_.fetched(now);
     }
     return byte;
 }
 
 void SpiProtocol::deselect(Nanoseconds now) {
-    if (kind_ != Kind::message) {
+    if (kind_ != Kind::message)
         return;
-    }
     const Passage passage = pass(message_, Direction::rx, faults_);
-    if (passage.hangup) {
+    if (passage.hangup)
         hangup_ = passage;
-    } else if (present_ && !passage.bytes.empty()) {
+    else if (present_ && !passage.bytes.empty())
         take(passage.bytes, now + passage.late);
-    }
 }
 
 void SpiProtocol::take(const Bytes &message, Nanoseconds now) {
@@ -97,9 +88,8 @@ void SpiProtocol::take(const Bytes &message, Nanoseconds now) {
     } else {
         mailbox_.throwAway(now);
         // If not, it waited with its reset for somebody to fetch the answer.
-        if (mailbox_.there(now)) {
+        if (mailbox_.there(now))
             group(Bytes(message.begin() + 1, message.end()), now);
-        }
     }
 }
 

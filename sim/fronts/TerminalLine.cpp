@@ -23,9 +23,8 @@ bool TerminalLine::work() {
 }
 
 std::optional<Nanoseconds> TerminalLine::due() const {
-    if (!line_.toHost().empty()) {
+    if (!line_.toHost().empty())
         return line_.toHost().front().at - (pace_ ? awakeBefore : 0);
-    }
     const Nanoseconds now = clockNow();
     return pace_ && now - lastTraffic_ < awakeBehind ? std::optional(now) : std::nullopt;
 }
@@ -38,14 +37,12 @@ bool TerminalLine::takeFromHost() {
     std::uint8_t bytes[4096];
     const Nanoseconds now = clockNow();
     const std::size_t length = pty_.read(bytes, sizeof bytes, now);
-    if (length == 0) {
+    if (length == 0)
         return false;
-    }
     lastTraffic_ = now;
     const unsigned baud = pace_ ? pty_.baud() : 0;
-    for (std::size_t i = 0; i < length; ++i) {
+    for (std::size_t i = 0; i < length; ++i)
         line_.fromHost(bytes[i], now, baud);
-    }
     return true;
 }
 
@@ -57,13 +54,11 @@ bool TerminalLine::giveToHost() {
         due.push_back(queue.front().byte);
         queue.pop_front();
     }
-    if (due.empty()) {
+    if (due.empty())
         return false;
-    }
     lastTraffic_ = now;
-    if (!pty_.write(due)) {
+    if (!pty_.write(due))
         log_.note("bytes for the host were lost: nobody reads");
-    }
     return true;
 }
 

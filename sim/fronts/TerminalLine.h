@@ -1,10 +1,10 @@
 #pragma once
 
-#include "sim/fronts/Pty.h"
-#include "sim/fronts/SerialLine.h"
-
 #include <functional>
 #include <optional>
+
+#include "sim/fronts/Pty.h"
+#include "sim/fronts/SerialLine.h"
 
 namespace sim {
 

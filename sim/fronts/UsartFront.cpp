@@ -1,13 +1,14 @@
 #include "sim/fronts/UsartFront.h"
 
-#include "sim/Clock.h"
-#include "sim/Options.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <optional>
+
 #include <poll.h>
 #include <sys/prctl.h>
+
+#include "sim/Clock.h"
+#include "sim/Options.h"
 
 namespace sim {
 
@@ -22,34 +23,28 @@ UsartFront::UsartFront(Machine &machine, std::string path)
 }
 
 bool UsartFront::plugIn(std::string &error) {
-    if (!pty_.open(path_, error)) {
+    if (!pty_.open(path_, error))
         return false;
-    }
     std::printf("ready %s\n", path_.c_str());
     std::fflush(stdout);
     return true;
 }
 
 bool UsartFront::serve(std::string &error) {
-    if (!plugIn(error)) {
+    if (!plugIn(error))
         return false;
-    }
     for (;;) {
         wait();
-        if (followSignals() == Wish::end) {
+        if (followSignals() == Wish::end)
             break;
-        }
         rested_ = !line_.work() && rested_;
         restIfIdle();
-        if (line_.hangup() == nullptr) {
+        if (line_.hangup() == nullptr)
             continue;
-        }
-        if (!absent()) {
+        if (!absent())
             break;
-        }
-        if (!plugIn(error)) {
+        if (!plugIn(error))
             return false;
-        }
     }
     pty_.close();
     return true;
@@ -59,9 +54,8 @@ bool UsartFront::absent() {
     const std::optional<unsigned> replugMs = line_.hangup()->replugMs;
     pty_.drain();
     pty_.close();
-    if (!replugMs || waitUnplugged(machine_.signals, *replugMs * millisecond) == Wish::end) {
+    if (!replugMs || waitUnplugged(machine_.signals, *replugMs * millisecond) == Wish::end)
         return false;
-    }
     bootloader_.losePower(clockNow()); // the board has its power from the port
     line_.replug();
     return true;
@@ -80,13 +74,11 @@ Wish UsartFront::followSignals() {
 void UsartFront::wait() {
     struct pollfd fds[] = {{machine_.signals, POLLIN, 0}, {pty_.fd(), POLLIN, 0}, {pty_.watchFd(), POLLIN, 0}};
     std::optional<Nanoseconds> due = line_.due();
-    if (!due && !rested_) {
+    if (!due && !rested_)
         due = line_.lastTraffic() + quiet;
-    }
     struct timespec left {};
-    if (due) {
+    if (due)
         left = timespecOf(std::max<Nanoseconds>(*due - clockNow(), 0));
-    }
     ppoll(fds, 3, due ? &left : nullptr, nullptr);
 }
 

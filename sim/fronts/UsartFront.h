@@ -1,10 +1,10 @@
 #pragma once
 
+#include <string>
+
 #include "sim/Fronts.h"
 #include "sim/Signals.h"
 #include "sim/fronts/TerminalLine.h"
-
-#include <string>
 
 namespace sim {
 

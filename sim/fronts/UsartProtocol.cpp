@@ -1,8 +1,8 @@
 #include "sim/fronts/UsartProtocol.h"
 
-#include "libs/zvbl/wire/Wire.h"
-
 #include <algorithm>
+
+#include "libs/zvbl/wire/Wire.h"
 
 namespace sim {
 
@@ -22,15 +22,15 @@ void UsartProtocol::followReset() {
 
 std::vector<TimedByte> UsartProtocol::takeOutput() {
     std::vector<TimedByte> bytes;
-    for (const Output &output : bootloader_.takeOutput()) {
-        for (const std::uint8_t byte : output.bytes) {
+    for (const Output &output : bootloader_.takeOutput())
+        for (const std::uint8_t byte : output.bytes)
             bytes.push_back({byte, output.at});
-        }
-    }
     return bytes;
 }
 
-void UsartProtocol::sent(Nanoseconds at) { last_ = std::max(last_, at); }
+void UsartProtocol::sent(Nanoseconds at) {
+    last_ = std::max(last_, at);
+}
 
 void UsartProtocol::dropIfLate(Nanoseconds now) {
     if (inCommand() && now - last_ > frameLimit) {
@@ -42,9 +42,8 @@ void UsartProtocol::dropIfLate(Nanoseconds now) {
 void UsartProtocol::receive(std::uint8_t byte, Nanoseconds now) {
     followReset();
     now = std::max(now, bootloader_.busyUntil());
-    if (!bootloader_.listening(now)) {
+    if (!bootloader_.listening(now))
         return;
-    }
     if (!inStep_) {
         if (byte == wire::sync) {
             inStep_ = true;
@@ -54,29 +53,26 @@ void UsartProtocol::receive(std::uint8_t byte, Nanoseconds now) {
     }
     dropIfLate(now);
     last_ = std::max(last_, now);
-    if (bootloader_.idle()) {
+    if (bootloader_.idle())
         opening(byte, now);
-    } else {
+    else
         bootloader_.feed(byte, now);
-    }
 }
 
 void UsartProtocol::opening(std::uint8_t byte, Nanoseconds now) {
     if (!opcode_) {
-        if (byte == wire::sync) {
+        if (byte == wire::sync)
             bootloader_.answer(wire::nack, now);
-        } else {
+        else
             opcode_ = byte;
-        }
         return;
     }
     const std::uint8_t opcode = *opcode_;
     opcode_.reset();
-    if ((opcode ^ byte) == 0xFF) {
+    if ((opcode ^ byte) == 0xFF)
         bootloader_.command(opcode, now);
-    } else {
+    else
         bootloader_.refuse("an opcode with a wrong complement", now);
-    }
 }
 
 } // namespace sim

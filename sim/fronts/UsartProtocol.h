@@ -1,8 +1,8 @@
 #pragma once
 
-#include "sim/Bootloader.h"
-
 #include <optional>
+
+#include "sim/Bootloader.h"
 
 namespace sim {
 

@@ -1,17 +1,18 @@
 #include "sim/fronts/VhciFront.h"
 
-#include "sim/Clock.h"
-
 #include <algorithm>
 #include <cstdio>
+
 #include <poll.h>
 #include <sys/socket.h>
+
+#include "sim/Clock.h"
 
 namespace sim {
 
 namespace {
 
-constexpr Nanoseconds quiet = 20 * millisecond;      // the bus rests: time for the state file
+constexpr Nanoseconds quiet = 20 * millisecond;         // the bus rests: time for the state file
 constexpr Nanoseconds untilAnnounced = 5 * millisecond; // how often to look whether a driver has made its node
 
 } // namespace
@@ -19,13 +20,11 @@ constexpr Nanoseconds untilAnnounced = 5 * millisecond; // how often to look whe
 bool VhciFront::serve(std::string &error) {
     while (followPresence(error) && !ended_) {
         wait();
-        if (followSignals() == Wish::end) {
+        if (followSignals() == Wish::end)
             return true;
-        }
         giveToHost();
-        if (!takeFromHost()) {
+        if (!takeFromHost())
             return true;
-        }
         announce();
         restIfIdle();
     }
@@ -36,18 +35,16 @@ bool VhciFront::serve(std::string &error) {
 bool VhciFront::followPresence(std::string &error) {
     const UsbPresence presence = device_.presence(clockNow());
     ended_ = presence.forGood;
-    if (!presence.attached || presence.attachments != attachments_) {
+    if (!presence.attached || presence.attachments != attachments_)
         vhci_.unplug();
-    }
     return !presence.attached || vhci_.fd() >= 0 || plugIn(error);
 }
 
 bool VhciFront::plugIn(std::string &error) {
     usbIp_.forget();
     announced_ = false;
-    if (!vhci_.plugIn(UsbSpeed::full, error)) {
+    if (!vhci_.plugIn(UsbSpeed::full, error))
         return false;
-    }
     const Nanoseconds now = clockNow();
     device_.busReset(now);
     attachments_ = device_.presence(now).attachments;
@@ -56,9 +53,8 @@ bool VhciFront::plugIn(std::string &error) {
 
 Wish VhciFront::followSignals() {
     Wish wish = nextWish(machine_.signals);
-    for (; wish == Wish::reset; wish = nextWish(machine_.signals)) {
+    for (; wish == Wish::reset; wish = nextWish(machine_.signals))
         device_.pressReset(clockNow());
-    }
     return wish;
 }
 
@@ -68,36 +64,30 @@ void VhciFront::wait() {
     const Nanoseconds now = clockNow();
     std::optional<Nanoseconds> due = usbIp_.nextDue(now);
     const auto noLaterThan = [&due](Nanoseconds time) { due = due ? std::min(*due, time) : time; };
-    if (!announced_ && vhci_.fd() >= 0) {
+    if (!announced_ && vhci_.fd() >= 0)
         noLaterThan(now + untilAnnounced);
-    }
-    if (!rested_) {
+    if (!rested_)
         noLaterThan(lastTraffic_ + quiet);
-    }
     struct timespec left {};
-    if (due) {
+    if (due)
         left = timespecOf(std::max<Nanoseconds>(*due - now, 0));
-    }
     ppoll(fds, 2, due ? &left : nullptr, nullptr);
 }
 
 void VhciFront::giveToHost() {
     const Bytes bytes = usbIp_.takeDue(clockNow());
-    if (!bytes.empty() && vhci_.fd() >= 0) {
+    if (!bytes.empty() && vhci_.fd() >= 0)
         send(vhci_.fd(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    }
 }
 
 // False when somebody has taken the device away from the kernel.
 bool VhciFront::takeFromHost() {
     std::uint8_t bytes[65536];
-    if (vhci_.fd() < 0) {
+    if (vhci_.fd() < 0)
         return true;
-    }
     const ssize_t length = recv(vhci_.fd(), bytes, sizeof bytes, MSG_DONTWAIT);
-    if (length < 0) {
+    if (length < 0)
         return true;
-    }
     lastTraffic_ = clockNow();
     rested_ = false;
     return length > 0 && usbIp_.receive(bytes, static_cast<std::size_t>(length), lastTraffic_);

@@ -20,7 +20,8 @@ bool serveVhciDfu(Machine &machine, const std::string &, std::string &error) {
 // A serial adapter, driven by cdc-acm: /dev/ttyACM0.
 bool serveVhciAcm(Machine &machine, const std::string &, std::string &error) {
     Bootloader bootloader(machine.chip, machine.faults, machine.log);
-    AcmDevice adapter(machine.options.wiring, bootloader, machine.faults, machine.log, machine.options.pace, clockNow());
+    AcmDevice adapter(machine.options.wiring, bootloader, machine.faults, machine.log, machine.options.pace,
+                      clockNow());
     return VhciFront(adapter, "*/tty/*", machine).serve(error);
 }
 

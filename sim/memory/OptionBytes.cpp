@@ -8,7 +8,9 @@ namespace {
 constexpr std::size_t pairLength = 2;
 constexpr std::uint8_t blank = 0xFF;
 
-std::uint8_t complement(std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); }
+std::uint8_t complement(std::uint8_t byte) {
+    return static_cast<std::uint8_t>(~byte);
+}
 } // namespace
 
 OptionBytes::OptionBytes(const ChipFacts &chip, Faults &faults)
@@ -27,9 +29,8 @@ std::uint8_t OptionBytes::item(std::size_t i) const {
 
 Bytes OptionBytes::compact() const {
     Bytes bytes(cells_.size() / pairLength);
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
+    for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = item(i);
-    }
     return bytes;
 }
 

@@ -19,26 +19,20 @@ Otp::Otp(const ChipFacts &chip, Faults &faults)
 
 Outcome Otp::writeData(std::size_t offset, const Bytes &bytes) {
     const std::size_t lastBlock = (offset + bytes.size() - 1) / blockLength;
-    for (std::size_t block = offset / blockLength; block <= lastBlock; ++block) {
-        if (locks_.data()[block] == locked) {
+    for (std::size_t block = offset / blockLength; block <= lastBlock; ++block)
+        if (locks_.data()[block] == locked)
             return Outcome::refuse("OTP block " + std::to_string(block) + " is locked");
-        }
-    }
-    if (!data_.canProgram(offset, bytes)) {
+    if (!data_.canProgram(offset, bytes))
         return Outcome::refuseNotErased("OTP cell is written already");
-    }
     return program(data_, offset, bytes);
 }
 
 Outcome Otp::writeLocks(std::size_t offset, const Bytes &bytes) {
-    for (const std::uint8_t byte : bytes) {
-        if (byte != locked && byte != blank) {
+    for (const std::uint8_t byte : bytes)
+        if (byte != locked && byte != blank)
             return Outcome::refuse("a lock byte takes 00 only");
-        }
-    }
-    if (!locks_.canProgram(offset, bytes)) {
+    if (!locks_.canProgram(offset, bytes))
         return Outcome::refuseNotErased("lock byte is written already");
-    }
     return program(locks_, offset, bytes);
 }
 

@@ -20,22 +20,21 @@ Protection::Protection(const ChipFacts &chip, const OptionBytes &options)
 void Protection::latch() {
     const std::uint8_t byte = options_->item(layout_->accessByte);
     access_ = byte == accessOpen ? AccessLevel::open : AccessLevel::low;
-    if (byte == accessHigh && chip_->levels) {
+    if (byte == accessHigh && chip_->levels)
         access_ = AccessLevel::high;
-    }
     epp_.clear();
-    for (const std::size_t place : layout_->eppBytes) {
+    for (const std::size_t place : layout_->eppBytes)
         epp_.push_back(options_->item(place));
-    }
 }
 
-unsigned Protection::groups() const { return static_cast<unsigned>(layout_->eppBytes.size()) * bitsPerByte; }
+unsigned Protection::groups() const {
+    return static_cast<unsigned>(layout_->eppBytes.size()) * bitsPerByte;
+}
 
 unsigned Protection::groupOf(unsigned sector) const {
     const unsigned narrow = sector / chip_->sectorsPerGroup;
-    if (!layout_->wideGroups) {
+    if (!layout_->wideGroups)
         return std::min(narrow, lastNarrowGroup); // the last bit covers everything up to the end
-    }
     const unsigned boundary = wideGroupBytes / chip_->sectorSize;
     return sector < boundary ? narrow : firstWideGroup + (sector - boundary) / boundary;
 }
@@ -44,9 +43,13 @@ bool Protection::groupProtected(unsigned group) const {
     return (epp_[group / bitsPerByte] >> (group % bitsPerByte) & 1) == 0;
 }
 
-bool Protection::sectorProtected(unsigned sector) const { return groupProtected(groupOf(sector)); }
+bool Protection::sectorProtected(unsigned sector) const {
+    return groupProtected(groupOf(sector));
+}
 
-bool Protection::spimProtected() const { return !layout_->wideGroups && groupProtected(lastNarrowGroup); }
+bool Protection::spimProtected() const {
+    return !layout_->wideGroups && groupProtected(lastNarrowGroup);
+}
 
 Bytes Protection::withAccess(AccessLevel level) const {
     Bytes bytes = options_->compact();
@@ -65,9 +68,8 @@ Bytes Protection::withGroupsProtected(const Bytes &groupNumbers) const {
 
 Bytes Protection::withGroupsOpen() const {
     Bytes bytes = options_->compact();
-    for (const std::size_t place : layout_->eppBytes) {
+    for (const std::size_t place : layout_->eppBytes)
         bytes[place] = openByte;
-    }
     return bytes;
 }
 

@@ -31,22 +31,40 @@ unsigned rateOf(const Bytes &coding) {
 }
 
 // The chip's UART takes nothing else; a second stop bit is a pause to it.
-bool understood(const Bytes &coding) { return coding[parityAt] == evenParity && coding[bitsAt] == 8; }
+bool understood(const Bytes &coding) {
+    return coding[parityAt] == evenParity && coding[bitsAt] == 8;
+}
 
 UsbDescriptors acmDescriptors() {
     // A test pair of the public range of 1209, and not that of a chip in DFU mode.
     const Bytes device = {18, 1, 0x00, 0x02, 0x02, 0, 0, 64, 0x09, 0x12, 0x02, 0x00, 0x00, 0x01, 0, 1, 2, 1};
     const Bytes configuration = {
-        9, 2, 67, 0, 2, 1, 0, 0x80, 50,
-        9, 4, 0, 0, 1, 0x02, 0x02, 0x01, 0,     // communications interface, ACM
-        5, 0x24, 0x00, 0x10, 0x01,              // CDC 1.1
-        5, 0x24, 0x01, 0x00, 1,                 // no call management
-        4, 0x24, 0x02, 0x06,                    // line coding, control lines, break
-        5, 0x24, 0x06, 0, 1,                    // interface 0 controls interface 1
-        7, 5, 0x80 | notification, 3, 8, 0, 16, // notifications
-        9, 4, 1, 0, 2, 0x0A, 0, 0, 0,           // data interface
-        7, 5, data, 2, 64, 0, 0,                // to the chip
-        7, 5, 0x80 | data, 2, 64, 0, 0,         // from the chip
+        9,    2,    67,
+        0,    2,    1,
+        0,    0x80, 50,
+        9,    4,    0,
+        0,    1,    0x02,
+        0x02, 0x01, 0, // communications interface, ACM
+        5,    0x24, 0x00,
+        0x10, 0x01, // CDC 1.1
+        5,    0x24, 0x01,
+        0x00, 1, // no call management
+        4,    0x24, 0x02,
+        0x06, // line coding, control lines, break
+        5,    0x24, 0x06,
+        0,    1, // interface 0 controls interface 1
+        7,    5,    0x80 | notification,
+        3,    8,    0,
+        16, // notifications
+        9,    4,    1,
+        0,    2,    0x0A,
+        0,    0,    0, // data interface
+        7,    5,    data,
+        2,    64,   0,
+        0, // to the chip
+        7,    5,    0x80 | data,
+        2,    64,   0,
+        0, // from the chip
     };
     return {device, configuration, {"ZV32 serial adapter", "ACM1"}};
 }
@@ -58,19 +76,16 @@ AcmDevice::AcmDevice(const Wiring &wiring, Bootloader &bootloader, Faults &fault
       protocol_(bootloader), line_(protocol_, faults), coding_{0x80, 0x25, 0, 0, 0, 0, 8} {} // 9600 8N1
 
 UsbAnswer AcmDevice::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
-    if (setup.standard()) {
+    if (setup.standard())
         return standard_.answer(setup, now);
-    }
-    if (setup.type == toInterface && setup.request == setLineCodingRequest && out.size() == codingLength) {
+    if (setup.type == toInterface && setup.request == setLineCodingRequest && out.size() == codingLength)
         return setLineCoding(out, now);
-    }
     if (setup.type == fromInterface && setup.request == getLineCoding) {
         const auto end = coding_.begin() + std::min<std::ptrdiff_t>(setup.length, codingLength);
         return UsbAnswer::done(now, Bytes(coding_.begin(), end));
     }
-    if (setup.type == toInterface && setup.request == setControlLineState) {
+    if (setup.type == toInterface && setup.request == setControlLineState)
         return setControlLines(setup.value, now);
-    }
     return setup.type == toInterface && setup.request == sendBreak ? UsbAnswer::done(now) : UsbAnswer::stall(now);
 }
 
@@ -86,30 +101,26 @@ UsbAnswer AcmDevice::setControlLines(unsigned lines, Nanoseconds now) {
     constexpr unsigned dtr = 1;
     constexpr unsigned rts = 2;
     board_.setLines((lines & dtr) != 0, (lines & rts) != 0, now);
-    if (board_.held()) {
+    if (board_.held())
         line_.toHost().clear();
-    }
     return UsbAnswer::done(now);
 }
 
 UsbAnswer AcmDevice::out(std::uint8_t endpoint, const Bytes &bytes, Nanoseconds now) {
-    if (endpoint != data || !standard_.configured()) {
+    if (endpoint != data || !standard_.configured())
         return UsbAnswer::stall(now);
-    }
     if (!understood(coding_)) {
         log_.refused(std::to_string(bytes.size()) + " bytes, not with 8 data bits and even parity");
         return UsbAnswer::done(now);
     }
-    for (const std::uint8_t byte : bytes) {
+    for (const std::uint8_t byte : bytes)
         line_.fromHost(byte, now, pace_ ? rateOf(coding_) : 0);
-    }
     return UsbAnswer::done(now);
 }
 
 UsbAnswer AcmDevice::in(std::uint8_t endpoint, std::size_t length, Nanoseconds now) {
-    if (!standard_.configured()) {
+    if (!standard_.configured())
         return UsbAnswer::stall(now);
-    }
     std::deque<TimedByte> &queue = line_.toHost();
     Bytes bytes;
     while (endpoint == data && bytes.size() < length && !queue.empty() && queue.front().at <= now) {
@@ -119,16 +130,16 @@ UsbAnswer AcmDevice::in(std::uint8_t endpoint, std::size_t length, Nanoseconds n
     return bytes.empty() ? UsbAnswer::wait() : UsbAnswer::done(now, bytes);
 }
 
-void AcmDevice::busReset(Nanoseconds) { standard_.reset(); }
+void AcmDevice::busReset(Nanoseconds) {
+    standard_.reset();
+}
 
 // A fault unplugs behind the bytes that were under way.
 void AcmDevice::followHangup(Nanoseconds now) {
-    if (const std::optional<Nanoseconds> since = plug_.pluggedInAgain(now)) {
+    if (const std::optional<Nanoseconds> since = plug_.pluggedInAgain(now))
         powerUp(*since);
-    }
-    if (!plug_.away() && line_.hangup() && line_.toHost().empty()) {
+    if (!plug_.away() && line_.hangup() && line_.toHost().empty())
         plug_.unplug(line_.hangup()->replugMs, now);
-    }
 }
 
 UsbPresence AcmDevice::presence(Nanoseconds now) {
@@ -138,9 +149,8 @@ UsbPresence AcmDevice::presence(Nanoseconds now) {
 
 std::optional<Nanoseconds> AcmDevice::nextEvent(Nanoseconds now) {
     followHangup(now);
-    if (plug_.away()) {
+    if (plug_.away())
         return plug_.back();
-    }
     const std::deque<TimedByte> &queue = line_.toHost();
     return !queue.empty() && queue.front().at > now ? std::optional(queue.front().at) : std::nullopt;
 }

@@ -1,12 +1,12 @@
 #include "sim/usb/DfuCommands.h"
 
-#include "libs/zvbl/wire/Wire.h"
-#include "sim/Groups.h"
-#include "sim/usb/DfuDescriptors.h"
-
 #include <algorithm>
 #include <limits>
 #include <utility>
+
+#include "libs/zvbl/wire/Wire.h"
+#include "sim/Groups.h"
+#include "sim/usb/DfuDescriptors.h"
 
 namespace sim {
 
@@ -14,8 +14,12 @@ namespace {
 
 // ---- commands that have a form of their own here. Their groups are made by DfuCommands, highest byte first.
 
-std::size_t everything(const Bytes &arrived) { return arrived.size(); }
-bool unchecked(const Bytes &) { return true; }
+std::size_t everything(const Bytes &arrived) {
+    return arrived.size();
+}
+bool unchecked(const Bytes &) {
+    return true;
+}
 
 Next read(Exchange &x, const Bytes &group) {
     Bytes bytes;
@@ -31,12 +35,13 @@ Next write(Exchange &x, const Bytes &group) {
 }
 
 // At an address, or everything.
-std::size_t eraseLength(const Bytes &arrived) { return arrived.empty() ? 0 : 4; }
+std::size_t eraseLength(const Bytes &arrived) {
+    return arrived.empty() ? 0 : 4;
+}
 
 Next erase(Exchange &x, const Bytes &group) {
-    if (group.empty()) {
+    if (group.empty())
         return x.conclude(x.chip.eraseBank(Bank::oneAndTwo));
-    }
     x.setAddress(number32(group, 0));
     return x.conclude(x.chip.eraseSectorAt(x.address()));
 }
@@ -58,29 +63,32 @@ constexpr std::size_t blockLength = 5;
 
 const Step &usualEraseExt() {
     const CommandTable &table = fixedCommands();
-    return std::find_if(table.begin(), table.end(), [](const CommandRow &row) { return row.opcode == wire::opEraseExt; })
+    return std::find_if(table.begin(), table.end(),
+                        [](const CommandRow &row) { return row.opcode == wire::opEraseExt; })
         ->steps[0];
 }
 
-bool namesBlock(const Bytes &group) { return group.size() >= 2 && number16(group, 0) == wire::eraseBlock; }
+bool namesBlock(const Bytes &group) {
+    return group.size() >= 2 && number16(group, 0) == wire::eraseBlock;
+}
 
-Bytes blockAddress(const Bytes &group) { return Bytes(group.begin() + codeLength, group.end()); }
+Bytes blockAddress(const Bytes &group) {
+    return Bytes(group.begin() + codeLength, group.end());
+}
 
 std::size_t eraseExtLength(const Bytes &arrived) {
     return namesBlock(arrived) ? codeLength + blockLength : usualEraseExt().length(arrived);
 }
 
 bool eraseExtSound(const Bytes &group) {
-    if (!namesBlock(group)) {
+    if (!namesBlock(group))
         return usualEraseExt().sound(group);
-    }
     return xorSound(Bytes(group.begin(), group.begin() + codeLength)) && xorSound(blockAddress(group));
 }
 
 Next eraseExt(Exchange &x, const Bytes &group) {
-    if (!namesBlock(group)) {
+    if (!namesBlock(group))
         return usualEraseExt().act(x, group);
-    }
     x.setAddress(number32(blockAddress(group), 0));
     return x.conclude(x.chip.eraseBlock(x.address()));
 }
@@ -90,9 +98,13 @@ Next eraseExt(Exchange &x, const Bytes &group) {
 constexpr std::uint8_t ownForm[] = {wire::opGet, wire::dfuSetPointer, wire::dfuErase, wire::opAccessUnprotect};
 
 // They are blocks of data here, and have no opcode.
-bool isData(std::uint8_t code) { return code == wire::opRead || code == wire::opWrite; }
+bool isData(std::uint8_t code) {
+    return code == wire::opRead || code == wire::opWrite;
+}
 
-std::uint32_t lowestFirst(const Bytes &bytes) { return number32(Bytes(bytes.rbegin(), bytes.rend()), 0); }
+std::uint32_t lowestFirst(const Bytes &bytes) {
+    return number32(Bytes(bytes.rbegin(), bytes.rend()), 0);
+}
 
 constexpr std::size_t addressLength = 4;
 
@@ -115,21 +127,20 @@ void DfuCommands::forget() {
 
 Bytes DfuCommands::list() const {
     Bytes codes(std::begin(ownForm), std::end(ownForm));
-    for (const std::uint8_t opcode : opcodesOf(chip_.facts())) {
-        if (!isData(opcode) && std::find(codes.begin(), codes.end(), opcode) == codes.end()) {
+    for (const std::uint8_t opcode : opcodesOf(chip_.facts()))
+        if (!isData(opcode) && std::find(codes.begin(), codes.end(), opcode) == codes.end())
             codes.push_back(opcode);
-        }
-    }
     return codes;
 }
 
-std::optional<Bytes> DfuCommands::takeReply() { return std::exchange(reply_, std::nullopt); }
+std::optional<Bytes> DfuCommands::takeReply() {
+    return std::exchange(reply_, std::nullopt);
+}
 
 DfuCommands::Result DfuCommands::download(std::uint16_t block, const Bytes &data, Nanoseconds now) {
     reply_.reset();
-    if (block == wire::dfuCommandBlock) {
+    if (block == wire::dfuCommandBlock)
         return command(data[0], Bytes(data.begin() + 1, data.end()), now);
-    }
     Bytes group = addressOf(block);
     group.insert(group.end(), data.begin(), data.end());
     bootloader_.whole(writeRow, group, now);
@@ -151,9 +162,8 @@ DfuCommands::Result DfuCommands::leave(Nanoseconds now) {
 }
 
 DfuCommands::Result DfuCommands::command(std::uint8_t code, const Bytes &rest, Nanoseconds now) {
-    if (code == wire::dfuSetPointer) {
+    if (code == wire::dfuSetPointer)
         return setPointer(rest, now);
-    }
     if (code == wire::dfuErase) {
         bootloader_.whole(eraseRow, rest.size() == addressLength ? Bytes(rest.rbegin(), rest.rend()) : rest, now);
         return conclude(DfuStatus::errErase);
@@ -202,7 +212,8 @@ Bytes DfuCommands::addressOf(std::uint16_t block) const {
         std::uint64_t{pointer_} + std::uint64_t{block - wire::dfuFirstDataBlock} * dfuTransferSize;
     Bytes bytes;
     // Beyond the last address there is no memory, and none at it.
-    append32(bytes, static_cast<std::uint32_t>(std::min<std::uint64_t>(address, std::numeric_limits<std::uint32_t>::max())));
+    append32(bytes,
+             static_cast<std::uint32_t>(std::min<std::uint64_t>(address, std::numeric_limits<std::uint32_t>::max())));
     return bytes;
 }
 

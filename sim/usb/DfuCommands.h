@@ -24,8 +24,8 @@ public:
 
     struct Result {
         DfuStatus status;
-        Next ended;       // whether the chip resets behind it, runs its own code, or has lost its power
-        Nanoseconds at;   // when the work is done
+        Next ended;     // whether the chip resets behind it, runs its own code, or has lost its power
+        Nanoseconds at; // when the work is done
     };
 
     // One block, not empty, that is to be carried out now.

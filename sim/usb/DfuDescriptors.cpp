@@ -1,8 +1,8 @@
 #include "sim/usb/DfuDescriptors.h"
 
-#include "libs/zvbl/wire/Wire.h"
-
 #include <cstdio>
+
+#include "libs/zvbl/wire/Wire.h"
 
 namespace sim {
 
@@ -10,23 +10,65 @@ namespace {
 
 enum StringNumber : std::uint8_t { noString, productString, serialString, memoryString };
 
-std::uint8_t low(unsigned value) { return static_cast<std::uint8_t>(value); }
-std::uint8_t high(unsigned value) { return static_cast<std::uint8_t>(value >> 8); }
+std::uint8_t low(unsigned value) {
+    return static_cast<std::uint8_t>(value);
+}
+std::uint8_t high(unsigned value) {
+    return static_cast<std::uint8_t>(value >> 8);
+}
 
 Bytes deviceDescriptor(const ChipFacts &chip) {
     const unsigned release = unsigned{chip.version} << 4; // version 2.1 is 0210
-    return {18, 1, 0x00, 0x02, 0, 0, 0, 64, // USB 2.0, 64 bytes a packet on endpoint 0
-            low(wire::dfuVendorId), high(wire::dfuVendorId), low(wire::dfuProductId), high(wire::dfuProductId),
-            low(release), high(release), noString, productString, serialString, 1};
+    return {18,
+            1,
+            0x00,
+            0x02,
+            0,
+            0,
+            0,
+            64, // USB 2.0, 64 bytes a packet on endpoint 0
+            low(wire::dfuVendorId),
+            high(wire::dfuVendorId),
+            low(wire::dfuProductId),
+            high(wire::dfuProductId),
+            low(release),
+            high(release),
+            noString,
+            productString,
+            serialString,
+            1};
 }
 
 // With its interface, and the functional descriptor of DFU 1.1, 4.1.3.
 Bytes configurationDescriptor() {
     constexpr std::uint8_t total = 9 + 9 + 9;
     constexpr std::uint8_t downAndUp = 0x03; // not manifestation tolerant: behind leaving the device is gone
-    return {9, 2, total, 0, 1, 1, noString, 0x80, 50,
-            9, 4, 0, 0, 0, 0xFE, 0x01, 0x02, memoryString,
-            9, 0x21, downAndUp, 0, 0, low(dfuTransferSize), high(dfuTransferSize), low(wire::dfuVersion),
+    return {9,
+            2,
+            total,
+            0,
+            1,
+            1,
+            noString,
+            0x80,
+            50,
+            9,
+            4,
+            0,
+            0,
+            0,
+            0xFE,
+            0x01,
+            0x02,
+            memoryString,
+            9,
+            0x21,
+            downAndUp,
+            0,
+            0,
+            low(dfuTransferSize),
+            high(dfuTransferSize),
+            low(wire::dfuVersion),
             high(wire::dfuVersion)};
 }
 
@@ -53,7 +95,8 @@ std::string serialOf(const Chip &chip) {
 } // namespace
 
 UsbDescriptors dfuDescriptors(const Chip &chip) {
-    return {deviceDescriptor(chip.facts()), configurationDescriptor(),
+    return {deviceDescriptor(chip.facts()),
+            configurationDescriptor(),
             {"ZV32 bootloader", serialOf(chip), memoryOf(chip.facts())}};
 }
 

@@ -1,10 +1,10 @@
 #include "sim/usb/DfuDevice.h"
 
-#include "libs/zvbl/wire/Wire.h"
-#include "sim/usb/DfuDescriptors.h"
-
 #include <algorithm>
 #include <utility>
+
+#include "libs/zvbl/wire/Wire.h"
+#include "sim/usb/DfuDescriptors.h"
 
 namespace sim {
 
@@ -87,9 +87,10 @@ const std::vector<DfuDevice::Transition> &DfuDevice::transitions() {
 }
 
 const char *DfuDevice::nameOf(State state) {
-    static const char *const names[] = {"appIDLE",      "appDETACH",  "dfuIDLE",           "dfuDNLOAD-SYNC",
-                                        "dfuDNBUSY",    "dfuDNLOAD-IDLE", "dfuMANIFEST-SYNC", "dfuMANIFEST",
-                                        "dfuMANIFEST-WAIT-RESET", "dfuUPLOAD-IDLE", "dfuERROR"};
+    static const char *const names[] = {"appIDLE",          "appDETACH",   "dfuIDLE",
+                                        "dfuDNLOAD-SYNC",   "dfuDNBUSY",   "dfuDNLOAD-IDLE",
+                                        "dfuMANIFEST-SYNC", "dfuMANIFEST", "dfuMANIFEST-WAIT-RESET",
+                                        "dfuUPLOAD-IDLE",   "dfuERROR"};
     return names[static_cast<std::size_t>(state)];
 }
 
@@ -109,19 +110,15 @@ const DfuDevice::Request *DfuDevice::requestOf(const UsbSetup &setup) const {
 
 UsbAnswer DfuDevice::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     advance(now);
-    if (awayAt_ && (said_ || now >= *awayAt_)) {
+    if (awayAt_ && (said_ || now >= *awayAt_))
         return UsbAnswer::silent();
-    }
-    if (commands_.bootloader().silent()) {
+    if (commands_.bootloader().silent())
         return UsbAnswer::silent();
-    }
-    if (setup.standard()) {
+    if (setup.standard())
         return standard_.answer(setup, now);
-    }
     const Request *request = requestOf(setup);
-    if (request == nullptr || (!setup.towardsHost() && out.size() != setup.length)) {
+    if (request == nullptr || (!setup.towardsHost() && out.size() != setup.length))
         return misfit("a request of a wrong form", now);
-    }
     for (const Transition &row : transitions()) {
         if (row.state == state_ && row.request == request->number) {
             const UsbAnswer answer = (this->*row.act)(setup, out, now);
@@ -145,23 +142,19 @@ UsbAnswer DfuDevice::follow(State next, Nanoseconds now) {
 }
 
 UsbAnswer DfuDevice::download(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
-    if (setup.length == 0) {
+    if (setup.length == 0)
         return follow(State::manifestSync, now);
-    }
-    if (setup.value == wire::dfuReplyBlock) {
+    if (setup.value == wire::dfuReplyBlock)
         return misfit("DNLOAD of block 1", now);
-    }
     pending_ = Block{setup.value, out};
     return follow(State::downloadSync, now);
 }
 
 UsbAnswer DfuDevice::upload(const UsbSetup &setup, const Bytes &, Nanoseconds now) {
-    if (setup.value == wire::dfuCommandBlock) {
+    if (setup.value == wire::dfuCommandBlock)
         return handOver(setup, commands_.list(), now);
-    }
-    if (setup.value != wire::dfuReplyBlock) {
+    if (setup.value != wire::dfuReplyBlock)
         return uploadMemory(setup, now);
-    }
     const std::optional<Bytes> reply = state_ == State::idle ? commands_.takeReply() : std::nullopt;
     return reply ? handOver(setup, *reply, now) : misfit("UPLOAD of block 1, without a reply,", now);
 }
@@ -169,9 +162,8 @@ UsbAnswer DfuDevice::upload(const UsbSetup &setup, const Bytes &, Nanoseconds no
 UsbAnswer DfuDevice::uploadMemory(const UsbSetup &setup, Nanoseconds now) {
     Bytes data;
     const DfuCommands::Result result = commands_.upload(setup.value, setup.length, now, data);
-    if (result.status == DfuStatus::ok) {
+    if (result.status == DfuStatus::ok)
         return handOver(setup, data, now);
-    }
     status_ = result.status;
     state_ = State::error;
     return UsbAnswer::stall(now);
@@ -191,7 +183,9 @@ UsbAnswer DfuDevice::statusAnswer(Nanoseconds now) const {
                                  static_cast<std::uint8_t>(state_), 0});
 }
 
-UsbAnswer DfuDevice::getStatus(const UsbSetup &, const Bytes &, Nanoseconds now) { return statusAnswer(now); }
+UsbAnswer DfuDevice::getStatus(const UsbSetup &, const Bytes &, Nanoseconds now) {
+    return statusAnswer(now);
+}
 
 UsbAnswer DfuDevice::getState(const UsbSetup &, const Bytes &, Nanoseconds now) {
     return UsbAnswer::done(now, {static_cast<std::uint8_t>(state_)});
@@ -203,9 +197,8 @@ UsbAnswer DfuDevice::toIdle(const UsbSetup &, const Bytes &, Nanoseconds now) {
 }
 
 UsbAnswer DfuDevice::carryOut(const UsbSetup &, const Bytes &, Nanoseconds now) {
-    if (!pending_) {
+    if (!pending_)
         return workDone(now);
-    }
     const Block block = *std::exchange(pending_, std::nullopt);
     const DfuCommands::Result result = commands_.download(block.number, block.data, now);
     status_ = result.status;
@@ -214,9 +207,8 @@ UsbAnswer DfuDevice::carryOut(const UsbSetup &, const Bytes &, Nanoseconds now) 
     state_ = State::downloadBusy;
     if (ended_ == Next::powerLost) {
         goAway(busyUntil_, busyUntil_ + Bootloader::startTime);
-        if (busyUntil_ <= now) {
+        if (busyUntil_ <= now)
             return UsbAnswer::silent();
-        }
     } else if (ended_ == Next::reset) {
         const Nanoseconds at = now + pollTime(busyUntil_ - now) * millisecond + withoutAnswer;
         goAway(at, at + Bootloader::startTime);
@@ -229,9 +221,8 @@ UsbAnswer DfuDevice::carryOut(const UsbSetup &, const Bytes &, Nanoseconds now) 
 
 UsbAnswer DfuDevice::workDone(Nanoseconds now) {
     state_ = status_ == DfuStatus::ok ? State::downloadIdle : State::error;
-    if (ended_ == Next::reset) {
+    if (ended_ == Next::reset)
         goAwayBehindAnswer(now);
-    }
     return statusAnswer(now);
 }
 
@@ -247,9 +238,8 @@ UsbAnswer DfuDevice::leave(const UsbSetup &, const Bytes &, Nanoseconds now) {
     status_ = result.status;
     ended_ = result.ended;
     state_ = status_ == DfuStatus::ok ? State::manifest : State::error;
-    if (status_ == DfuStatus::ok) {
+    if (status_ == DfuStatus::ok)
         goAwayBehindAnswer(now);
-    }
     return statusAnswer(now);
 }
 
@@ -272,9 +262,8 @@ void DfuDevice::advance(Nanoseconds now) {
         ++attachments_;
         beFresh();
     }
-    if (state_ == State::downloadBusy && now >= busyUntil_) {
+    if (state_ == State::downloadBusy && now >= busyUntil_)
         state_ = State::downloadSync;
-    }
 }
 
 void DfuDevice::goAway(Nanoseconds at, std::optional<Nanoseconds> back) {
@@ -289,16 +278,14 @@ void DfuDevice::goAwayBehindAnswer(Nanoseconds at) {
 }
 
 void DfuDevice::delivered(Nanoseconds at) {
-    if (said_) {
+    if (said_)
         goAwayBehindAnswer(at);
-    }
 }
 
 void DfuDevice::busReset(Nanoseconds now) {
     advance(now);
-    if (!awayAt_) {
+    if (!awayAt_)
         beFresh();
-    }
 }
 
 UsbPresence DfuDevice::presence(Nanoseconds now) {

@@ -72,8 +72,8 @@ private:
     };
     std::optional<Block> pending_; // to be carried out at the next GETSTATUS
     Nanoseconds busyUntil_ = 0;
-    Next ended_ = Next::end;       // what comes behind the answer that the work is done
-    bool said_ = false;            // that answer has been given
+    Next ended_ = Next::end; // what comes behind the answer that the work is done
+    bool said_ = false;      // that answer has been given
 
     unsigned attachments_ = 1;
     std::optional<Nanoseconds> awayAt_;

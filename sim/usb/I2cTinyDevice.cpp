@@ -1,8 +1,8 @@
 #include "sim/usb/I2cTinyDevice.h"
 
-#include "libs/zvbl/wire/Wire.h"
-
 #include <algorithm>
+
+#include "libs/zvbl/wire/Wire.h"
 
 namespace sim {
 
@@ -16,25 +16,24 @@ enum Command : std::uint8_t {
     functionsCommand = 1,
     setDelayCommand = 2, // half a clock period in microseconds, in wValue
     statusCommand = 3,
-    messageCommand = 4,      // in the middle of a transfer
-    messageFirst = 5,        // behind a start
-    messageLast = 6,         // with a stop behind it
-    messageAlone = 7,        // both
+    messageCommand = 4, // in the middle of a transfer
+    messageFirst = 5,   // behind a start
+    messageLast = 6,    // with a stop behind it
+    messageAlone = 7,   // both
 };
 
 enum Status : std::uint8_t { idle = 0, acknowledged = 1, notAcknowledged = 2 };
 
-constexpr std::uint16_t readFlag = 1;             // I2C_M_RD
+constexpr std::uint16_t readFlag = 1;              // I2C_M_RD
 constexpr std::uint32_t busFunctions = 0x0EFF0009; // I2C_FUNC_I2C, and all of SMBus that is made of it
 constexpr Nanoseconds usualBitTime = 20 * microsecond;
-constexpr std::uint8_t released = 0xFF;           // what is read when nobody drives the bus
+constexpr std::uint8_t released = 0xFF; // what is read when nobody drives the bus
 
 UsbDescriptors adapterDescriptors() {
     // The pair is one that the kernel's driver takes.
     const Bytes device = {18, 1, 0x10, 0x01, 0xFF, 0, 0, 8, 0x03, 0x04, 0x31, 0xC6, 0x05, 0x02, 0, 1, 2, 1};
     const Bytes configuration = {
-        9, 2, 18, 0, 1, 1, 0, 0x80, 50,
-        9, 4, 0, 0, 0, 0xFF, 0, 0, 0,
+        9, 2, 18, 0, 1, 1, 0, 0x80, 50, 9, 4, 0, 0, 0, 0xFF, 0, 0, 0,
     };
     return {device, configuration, {"ZV32 I2C adapter", "I2C1"}};
 }
@@ -42,7 +41,8 @@ UsbDescriptors adapterDescriptors() {
 } // namespace
 
 I2cTinyDevice::I2cTinyDevice(Bootloader &bootloader, Faults &faults, bool pace)
-    : descriptors_(adapterDescriptors()), chip_(bootloader, faults), pace_(pace), bitTime_(usualBitTime), status_(idle) {}
+    : descriptors_(adapterDescriptors()), chip_(bootloader, faults), pace_(pace), bitTime_(usualBitTime),
+      status_(idle) {}
 
 struct I2cTinyDevice::Request {
     std::uint8_t type;
@@ -69,9 +69,8 @@ const std::vector<I2cTinyDevice::Request> &I2cTinyDevice::requests() {
 }
 
 UsbAnswer I2cTinyDevice::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
-    if (setup.standard()) {
+    if (setup.standard())
         return standard_.answer(setup, now);
-    }
     for (const Request &row : requests()) {
         if (row.type == setup.type && row.command == setup.request) {
             UsbAnswer answer = (this->*row.answer)(setup, out, now);
@@ -88,9 +87,8 @@ UsbAnswer I2cTinyDevice::echo(const UsbSetup &setup, const Bytes &, Nanoseconds 
 
 UsbAnswer I2cTinyDevice::functions(const UsbSetup &, const Bytes &, Nanoseconds now) {
     Bytes lowestFirst;
-    for (int shift = 0; shift < 32; shift += 8) {
+    for (int shift = 0; shift < 32; shift += 8)
         lowestFirst.push_back(static_cast<std::uint8_t>(busFunctions >> shift));
-    }
     return UsbAnswer::done(now, lowestFirst);
 }
 
@@ -112,9 +110,8 @@ Nanoseconds I2cTinyDevice::busTime(std::size_t bytes) const {
 // What nobody acknowledges is a success to the adapter, which tells it in its status.
 UsbAnswer I2cTinyDevice::message(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     const bool read = (setup.value & readFlag) != 0;
-    if (read != setup.towardsHost() && setup.length != 0) {
+    if (read != setup.towardsHost() && setup.length != 0)
         return UsbAnswer::stall(now);
-    }
     if (setup.index != wire::i2cAddress || !chip_.acknowledges(read, now)) {
         status_ = notAcknowledged;
         return UsbAnswer::done(now + busTime(0), Bytes(read ? setup.length : 0, released));
@@ -139,12 +136,13 @@ UsbAnswer I2cTinyDevice::transfer(bool read, const UsbSetup &setup, const Bytes 
     return answer;
 }
 
-void I2cTinyDevice::busReset(Nanoseconds) { standard_.reset(); }
+void I2cTinyDevice::busReset(Nanoseconds) {
+    standard_.reset();
+}
 
 void I2cTinyDevice::followPlug(Nanoseconds now) {
-    if (const std::optional<Nanoseconds> since = plug_.pluggedInAgain(now)) {
+    if (const std::optional<Nanoseconds> since = plug_.pluggedInAgain(now))
         powerUp(*since);
-    }
 }
 
 UsbPresence I2cTinyDevice::presence(Nanoseconds now) {
@@ -157,7 +155,9 @@ std::optional<Nanoseconds> I2cTinyDevice::nextEvent(Nanoseconds now) {
     return plug_.back();
 }
 
-void I2cTinyDevice::pressReset(Nanoseconds now) { chip_.reset(now); }
+void I2cTinyDevice::pressReset(Nanoseconds now) {
+    chip_.reset(now);
+}
 
 void I2cTinyDevice::losePower(Nanoseconds now) {
     powerUp(now);

@@ -11,7 +11,9 @@ enum DescriptorType : std::uint8_t { device = 1, configuration = 2, string = 3, 
 
 constexpr std::uint16_t endpointHalt = 0; // the feature that can be set and cleared
 
-Bytes languages() { return {4, string, 0x09, 0x04}; } // English, the only one
+Bytes languages() {
+    return {4, string, 0x09, 0x04};
+} // English, the only one
 
 // UTF-16, lowest byte first.
 Bytes stringDescriptor(const std::string &text) {
@@ -25,11 +27,9 @@ Bytes stringDescriptor(const std::string &text) {
 
 // Whether one of a configuration's descriptors has this type, and this number as its third byte.
 bool hasPart(const Bytes &whole, std::uint8_t type, std::uint16_t number) {
-    for (std::size_t at = 0; at + 2 < whole.size() && whole[at] != 0; at += whole[at]) {
-        if (whole[at + 1] == type && whole[at + 2] == number) {
+    for (std::size_t at = 0; at + 2 < whole.size() && whole[at] != 0; at += whole[at])
+        if (whole[at + 1] == type && whole[at + 2] == number)
             return true;
-        }
-    }
     return false;
 }
 
@@ -47,6 +47,7 @@ struct StandardRequests::Row {
 };
 
 const std::vector<StandardRequests::Row> &StandardRequests::rows() {
+    // clang-format off
     static const std::vector<Row> table = {
         {in | toDevice, 0, &StandardRequests::getStatus},
         {in | toInterface, 0, &StandardRequests::getStatus},
@@ -60,21 +61,19 @@ const std::vector<StandardRequests::Row> &StandardRequests::rows() {
         {in | toInterface, 10, &StandardRequests::getInterface},
         {toInterface, 11, &StandardRequests::setInterface},
     };
+    // clang-format on
     return table;
 }
 
 UsbAnswer StandardRequests::answer(const UsbSetup &setup, Nanoseconds now) {
     for (const Row &row : rows()) {
-        if (row.type != setup.type || row.request != setup.request) {
+        if (row.type != setup.type || row.request != setup.request)
             continue;
-        }
         std::optional<Bytes> data = (this->*row.answer)(setup);
-        if (!data) {
+        if (!data)
             break;
-        }
-        if (data->size() > setup.length) {
+        if (data->size() > setup.length)
             data->resize(setup.length);
-        }
         return UsbAnswer::done(now, *data);
     }
     return UsbAnswer::stall(now);
@@ -96,25 +95,23 @@ bool StandardRequests::hasEndpoint(std::uint16_t address) const {
 std::optional<Bytes> StandardRequests::getDescriptor(const UsbSetup &setup) {
     const auto type = static_cast<std::uint8_t>(setup.value >> 8);
     const auto number = static_cast<std::uint8_t>(setup.value);
-    if (type == device && number == 0) {
+    if (type == device && number == 0)
         return descriptors_.device;
-    }
-    if (type == configuration && number == 0) {
+    if (type == configuration && number == 0)
         return descriptors_.configuration;
-    }
-    if (type == string && number <= descriptors_.strings.size()) {
+    if (type == string && number <= descriptors_.strings.size())
         return number == 0 ? languages() : stringDescriptor(descriptors_.strings[number - 1U]);
-    }
     return std::nullopt;
 }
 
-std::optional<Bytes> StandardRequests::getConfiguration(const UsbSetup &) { return Bytes{configuration_}; }
+std::optional<Bytes> StandardRequests::getConfiguration(const UsbSetup &) {
+    return Bytes{configuration_};
+}
 
 std::optional<Bytes> StandardRequests::setConfiguration(const UsbSetup &setup) {
     constexpr std::size_t valueOffset = 5; // bConfigurationValue
-    if (setup.value != 0 && setup.value != descriptors_.configuration[valueOffset]) {
+    if (setup.value != 0 && setup.value != descriptors_.configuration[valueOffset])
         return std::nullopt;
-    }
     reset();
     configuration_ = static_cast<std::uint8_t>(setup.value);
     return Bytes{};
@@ -131,23 +128,22 @@ std::optional<Bytes> StandardRequests::setInterface(const UsbSetup &setup) {
 
 std::optional<Bytes> StandardRequests::getStatus(const UsbSetup &setup) {
     const int recipient = setup.type & 0x1F;
-    if (recipient == toInterface && !hasInterface(setup.index)) {
+    if (recipient == toInterface && !hasInterface(setup.index))
         return std::nullopt;
-    }
-    if (recipient != toEndpoint || setup.index == 0) {
+    if (recipient != toEndpoint || setup.index == 0)
         return Bytes{0, 0}; // powered by the bus, wakes nobody
-    }
     const bool isHalted = halted(static_cast<std::uint8_t>(setup.index));
     return hasEndpoint(setup.index) ? std::optional<Bytes>(Bytes{isHalted, 0}) : std::nullopt;
 }
 
 // The address itself is the business of whoever routes transfers to the device.
-std::optional<Bytes> StandardRequests::setAddress(const UsbSetup &) { return Bytes{}; }
+std::optional<Bytes> StandardRequests::setAddress(const UsbSetup &) {
+    return Bytes{};
+}
 
 std::optional<Bytes> StandardRequests::setHalt(const UsbSetup &setup) {
-    if (setup.value != endpointHalt || !hasEndpoint(setup.index)) {
+    if (setup.value != endpointHalt || !hasEndpoint(setup.index))
         return std::nullopt;
-    }
     halted_.insert(static_cast<std::uint8_t>(setup.index));
     return Bytes{};
 }

@@ -32,9 +32,8 @@ ByteEffect UsbCable::damage(Direction direction, Bytes &data) {
             all.hangup = true;
             all.replugMs = effect.replugMs;
         }
-        if (!data.empty()) {
+        if (!data.empty())
             arrived.insert(arrived.end(), effect.doubled ? 2 : 1, static_cast<std::uint8_t>(data[i] ^ effect.damage));
-        }
     }
     // The length of a transfer is told in front of it: of too many bytes the last ones fall off.
     arrived.resize(data.size());
@@ -49,43 +48,35 @@ void UsbCable::unplug(const ByteEffect &effect, Nanoseconds now) {
 
 UsbAnswer UsbCable::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     advance(now);
-    if (unplugged_) {
+    if (unplugged_)
         return UsbAnswer::silent();
-    }
     const Nanoseconds start = std::max(now, free_);
-    if (setup.standard()) {
+    if (setup.standard())
         return device_.control(setup, out, start);
-    }
     Bytes data = out;
     const ByteEffect effect = setup.towardsHost() ? ByteEffect{} : damage(Direction::rx, data);
-    if (effect.hangup) {
+    if (effect.hangup)
         unplug(effect, now);
-    }
-    if (effect.hangup || effect.lost) {
+    if (effect.hangup || effect.lost)
         return UsbAnswer::silent();
-    }
     const Nanoseconds way = setup.towardsHost() ? 0 : busTime(data.size());
     const Nanoseconds arrival = start + effect.lateMs * millisecond + way;
     UsbAnswer answer = device_.control(setup, data, arrival);
-    if (effect.doubled && out.empty()) {
+    if (effect.doubled && out.empty())
         answer = device_.control(setup, data, arrival);
-    }
     free_ = arrival;
     return deliver(setup, answer, arrival);
 }
 
 UsbAnswer UsbCable::deliver(const UsbSetup &setup, UsbAnswer answer, Nanoseconds arrival) {
-    if (answer.kind == UsbAnswer::Kind::silent || !setup.towardsHost()) {
+    if (answer.kind == UsbAnswer::Kind::silent || !setup.towardsHost())
         return answer;
-    }
     if (answer.kind == UsbAnswer::Kind::done && !answer.data.empty()) {
         const ByteEffect effect = damage(Direction::tx, answer.data);
-        if (effect.hangup) {
+        if (effect.hangup)
             unplug(effect, arrival);
-        }
-        if (effect.hangup || effect.lost) {
+        if (effect.hangup || effect.lost)
             return UsbAnswer::silent();
-        }
         answer.at += effect.lateMs * millisecond;
     }
     answer.at += busTime(answer.data.size());
@@ -130,9 +121,8 @@ std::optional<Nanoseconds> UsbCable::nextEvent(Nanoseconds now) {
 
 void UsbCable::pressReset(Nanoseconds now) {
     advance(now);
-    if (!unplugged_) { // without power there is no reset
+    if (!unplugged_) // without power there is no reset
         device_.pressReset(std::max(now, free_));
-    }
 }
 
 void UsbCable::losePower(Nanoseconds now) {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "sim/ChipTable.h"
-#include "sim/Time.h"
-
 #include <optional>
 #include <string>
+
+#include "sim/ChipTable.h"
+#include "sim/Time.h"
 
 namespace sim {
 

@@ -33,14 +33,12 @@ std::uint32_t number(const Bytes &bytes, std::size_t at) {
 // An answer: command, the number of what it answers, a status of the kernel (0 or a negative errno), and how
 // much data follows.
 void append(Bytes &bytes, Command command, std::uint32_t of, int status, std::size_t length) {
-    const std::uint32_t numbers[] = {command, of, 0, 0, 0, static_cast<std::uint32_t>(status),
-                                     static_cast<std::uint32_t>(length)};
+    const std::uint32_t numbers[] = {
+        command, of, 0, 0, 0, static_cast<std::uint32_t>(status), static_cast<std::uint32_t>(length)};
     const std::size_t end = bytes.size() + messageLength;
-    for (const std::uint32_t value : numbers) {
-        for (int shift = 24; shift >= 0; shift -= 8) {
+    for (const std::uint32_t value : numbers)
+        for (int shift = 24; shift >= 0; shift -= 8)
             bytes.push_back(static_cast<std::uint8_t>(value >> shift));
-        }
-    }
     bytes.resize(end);
 }
 
@@ -56,9 +54,8 @@ void UsbIp::forget() {
 
 // 0 when nothing whole is there yet.
 std::size_t UsbIp::wholeLength() const {
-    if (arrived_.size() < messageLength) {
+    if (arrived_.size() < messageLength)
         return 0;
-    }
     const bool data = number(arrived_, atCommand) == cmdSubmit && number(arrived_, atDirection) == 0;
     const std::size_t whole = messageLength + (data ? number(arrived_, atLength) : 0);
     return arrived_.size() < whole ? 0 : whole;
@@ -69,16 +66,13 @@ bool UsbIp::receive(const std::uint8_t *bytes, std::size_t length, Nanoseconds n
     while (arrived_.size() >= messageLength) {
         const std::uint32_t packets = number(arrived_, atPackets);
         const bool submit = number(arrived_, atCommand) == cmdSubmit;
-        if (submit && (number(arrived_, atLength) > longestData || (packets != 0 && packets != 0xFFFFFFFF))) {
+        if (submit && (number(arrived_, atLength) > longestData || (packets != 0 && packets != 0xFFFFFFFF)))
             return false;
-        }
         const std::size_t whole = wholeLength();
-        if (whole == 0) {
+        if (whole == 0)
             return true;
-        }
-        if (!takeMessage(now)) {
+        if (!takeMessage(now))
             return false;
-        }
         arrived_.erase(arrived_.begin(), arrived_.begin() + static_cast<std::ptrdiff_t>(whole));
     }
     return true;
@@ -95,8 +89,7 @@ bool UsbIp::takeMessage(Nanoseconds now) {
         // A transfer that is over already is none that could be taken back.
         append(unlinked_, retUnlink, message, unlink(number(arrived_, atUnlinked)) ? -ECONNRESET : 0, 0);
         return true;
-    default:
-        return false;
+    default: return false;
     }
 }
 
@@ -143,9 +136,8 @@ void UsbIp::settle(const Transfer &transfer, UsbAnswer answer) {
 }
 
 UsbAnswer UsbIp::ask(const Transfer &transfer, Nanoseconds now) {
-    if (transfer.endpoint == 0) {
+    if (transfer.endpoint == 0)
         return device_.control(transfer.setup, transfer.out, now);
-    }
     return transfer.in ? device_.in(transfer.endpoint, transfer.length, now)
                        : device_.out(transfer.endpoint, transfer.out, now);
 }
@@ -155,9 +147,8 @@ bool UsbIp::unlink(std::uint32_t number) {
         const auto same = [number](const auto &transfer) { return transfer.number == number; };
         const auto it = std::find_if(queue.begin(), queue.end(), same);
         const bool found = it != queue.end();
-        if (found) {
+        if (found)
             queue.erase(it);
-        }
         return found;
     };
     return remove(waiting_) || remove(silent_) || remove(answered_);
@@ -169,15 +160,13 @@ Bytes UsbIp::takeDue(Nanoseconds now) {
     while (!answered_.empty() && answered_.front().answer.at <= now) {
         const Answered next = std::move(answered_.front());
         answered_.pop_front();
-        if (!device_.presence(next.answer.at).attached) {
+        if (!device_.presence(next.answer.at).attached)
             return bytes;
-        }
         const bool done = next.answer.kind == UsbAnswer::Kind::done;
         append(bytes, retSubmit, next.number, done ? 0 : -EPIPE, next.length);
         bytes.insert(bytes.end(), next.answer.data.begin(), next.answer.data.end());
-        if (next.control && now > next.answer.at) {
+        if (next.control && now > next.answer.at)
             device_.delivered(now);
-        }
     }
     askWaiting(now);
     return bytes;
@@ -186,9 +175,8 @@ Bytes UsbIp::takeDue(Nanoseconds now) {
 std::optional<Nanoseconds> UsbIp::nextDue(Nanoseconds now) {
     askWaiting(now); // so that what has happened by now is not waited for
     std::optional<Nanoseconds> due = device_.nextEvent(now);
-    if (!answered_.empty() && (!due || answered_.front().answer.at < *due)) {
+    if (!answered_.empty() && (!due || answered_.front().answer.at < *due))
         due = answered_.front().answer.at;
-    }
     return unlinked_.empty() ? due : now;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "sim/usb/UsbDevice.h"
-
 #include <deque>
+
+#include "sim/usb/UsbDevice.h"
 
 namespace sim {
 

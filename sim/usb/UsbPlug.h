@@ -1,8 +1,8 @@
 #pragma once
 
-#include "sim/usb/UsbDevice.h"
-
 #include <utility>
+
+#include "sim/usb/UsbDevice.h"
 
 namespace sim {
 
@@ -34,9 +34,8 @@ inline void UsbPlug::unplug(std::optional<unsigned> replugMs, Nanoseconds now) {
 }
 
 inline std::optional<Nanoseconds> UsbPlug::pluggedInAgain(Nanoseconds now) {
-    if (!backAt_ || now < *backAt_) {
+    if (!backAt_ || now < *backAt_)
         return std::nullopt;
-    }
     away_ = false;
     ++attachments_;
     return std::exchange(backAt_, std::nullopt);

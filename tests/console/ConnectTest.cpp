@@ -1,9 +1,9 @@
 // The five connection commands: the library calls of each, its sub-options, its failures.
 
-#include "Console.h"
-
 #include <algorithm>
 #include <fstream>
+
+#include "Console.h"
 
 namespace {
 
@@ -13,7 +13,8 @@ class ConnectTest : public ConsoleTest {};
 
 // From the identification to the end of a line without actions.
 const Calls identification = {"ZVBL_GET_ID id=null", "ZVBL_GET_ID id=buffer", "SetPaketSize bytes=0",
-                              "ZVBL_GET_VER_ROPS", "ZVBL_GET_VER_ROPS", "Interface_is_Open", "Interface_Close"};
+                              "ZVBL_GET_VER_ROPS",   "ZVBL_GET_VER_ROPS",     "Interface_is_Open",
+                              "Interface_Close"};
 
 Calls withIdentification(Calls calls) {
     calls.insert(calls.end(), identification.begin(), identification.end());
@@ -122,9 +123,8 @@ TEST_F(ConnectTest, OtherLinksWithoutSubOptions) {
         {"-i2c", {"ZVBL_Init_BL addr=0 rate=0 duty=0"}},
         {"-spi", {"ZVBL_Init_BL addr=0 rate=0 duty=0"}},
     };
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(console.run(row.line).callsOf("ZVBL_Init_BL"), row.startCalls) << row.line;
-    }
     EXPECT_EQ(console.run("-can").callsOf("ZVBL_SetSpeed"), Calls{"ZVBL_SetSpeed speed=0"});
 }
 
@@ -167,8 +167,10 @@ TEST_F(ConnectTest, ValuesOfSubOptions) {
 TEST_F(ConnectTest, AutoConnectDrivesTheLines) {
     const Outcome run = console.run("-com --pn ttyS0 --auto 3");
     EXPECT_EQ(run.status, 0);
-    const Calls expected = {"SetTimeOut ms=1000", "ZVBL_SetDtr level=0", "sleep 100", "ZVBL_SetRts level=1",
-                            "sleep 100",          "ZVBL_SetDtr level=1", "sleep 200", "ZVBL_SetRts level=0",
+    const Calls expected = {"SetTimeOut ms=1000", "ZVBL_SetDtr level=0",
+                            "sleep 100",          "ZVBL_SetRts level=1",
+                            "sleep 100",          "ZVBL_SetDtr level=1",
+                            "sleep 200",          "ZVBL_SetRts level=0",
                             "sleep 200",          "ZVBL_Init_BL addr=0 rate=0 duty=0"};
     ASSERT_GT(run.calls.size(), 14U);
     EXPECT_EQ(Calls(run.calls.begin() + 4, run.calls.begin() + 14), expected);
@@ -182,8 +184,8 @@ TEST_F(ConnectTest, AutoConnectZeroDiffersFromNone) {
 }
 
 TEST_F(ConnectTest, TrailingSubOptionConnectsAndFailsSilently) {
-    for (const char *line : {"-com --pn", "-com --pn ttyUSB0 --br", "-i2c --addr", "-can --speed", "-spi --pn",
-                             "-com --efap"}) {
+    for (const char *line :
+         {"-com --pn", "-com --pn ttyUSB0 --br", "-i2c --addr", "-can --speed", "-spi --pn", "-com --efap"}) {
         const Outcome run = console.run(line);
         EXPECT_EQ(run.status, 1) << line;
         EXPECT_NE(run.text.find("Device connected Successfully\n\n"), std::string::npos) << line;
@@ -242,8 +244,8 @@ TEST_F(ConnectTest, BadWordBehindASecondCommandClosesTheFirstLink) {
 }
 
 TEST_F(ConnectTest, PortNumberMinusOne) {
-    for (const char *line : {"-com --pn tty4294967295", "-i2c --pn bus4294967295", "-can --pn can4294967295",
-                             "-spi --pn spi4294967295"}) {
+    for (const char *line :
+         {"-com --pn tty4294967295", "-i2c --pn bus4294967295", "-can --pn can4294967295", "-spi --pn spi4294967295"}) {
         const Outcome run = console.run(line);
         EXPECT_EQ(lines(run.text).back(), "Don't choose com port number") << line;
         EXPECT_EQ(run.status, 2) << line;
@@ -311,8 +313,8 @@ TEST_F(ConnectTest, UnknownChip) {
 }
 
 TEST_F(ConnectTest, NoDfuDevice) {
-    for (const char *rule : {"ZVBL_GetZVDeviceList status=1", "ZVBL_GetZVDeviceList status=0 count=0",
-                             "ZVBL_GetZVDeviceList count=-1"}) {
+    for (const char *rule :
+         {"ZVBL_GetZVDeviceList status=1", "ZVBL_GetZVDeviceList status=0 count=0", "ZVBL_GetZVDeviceList count=-1"}) {
         console.script(rule);
         const Outcome run = console.run("-dfu");
         EXPECT_EQ(run.text, "DFU Connect......\nUnable to get DFU device\n") << rule;

@@ -1,9 +1,5 @@
 #include "Console.h"
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -11,6 +7,10 @@
 #include <regex>
 #include <sstream>
 #include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 const Chip f403a = {"ZV32F403A", "0347700507", "70050347", "07", 1024, 2048};
 const Chip f403_2 = {"ZV32F403_2", "0242", "0242", "02", 256, 2048};
@@ -21,8 +21,8 @@ const Chip m412 = {"ZV32M412", "2259500419", "50042259", "19", 256, 2048};
 
 namespace {
 
-const std::string banner = std::string(60, '-') + "\nZelvor ISP Programmer V3.0.14\nSupport USART and DFU\n" +
-                           std::string(60, '-') + "\n\n";
+const std::string banner =
+    std::string(60, '-') + "\nZelvor ISP Programmer V3.0.14\nSupport USART and DFU\n" + std::string(60, '-') + "\n\n";
 
 std::string readFile(const std::string &path) {
     std::ostringstream text;
@@ -31,9 +31,8 @@ std::string readFile(const std::string &path) {
 }
 
 std::string replaceAll(std::string text, const std::string &from, const std::string &to) {
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
         text.replace(at, from.size(), to);
-    }
     return text;
 }
 
@@ -43,9 +42,8 @@ bool startsWith(const std::string &text, const std::string &start) {
 
 void openAs(const std::string &path, int flags, int number) {
     const int opened = open(path.c_str(), flags, 0644);
-    if (opened < 0 || dup2(opened, number) < 0) {
+    if (opened < 0 || dup2(opened, number) < 0)
         _exit(127);
-    }
     close(opened);
 }
 
@@ -59,9 +57,8 @@ void openAs(const std::string &path, int flags, int number) {
     setenv("FILES_DOUBLE_LOG", (directory + "/files").c_str(), 1);
     setenv("FILES_DOUBLE_SCRIPT", (directory + "/filesscript").c_str(), 1);
     std::vector<char *> argv{const_cast<char *>("ZV32_ISP_Console")};
-    for (const std::string &word : words) {
+    for (const std::string &word : words)
         argv.push_back(const_cast<char *>(word.c_str()));
-    }
     argv.push_back(nullptr);
     if (chdir(directory.c_str()) == 0) {
         alarm(60); // a wait that never ends is a failure, not a hang
@@ -72,22 +69,19 @@ void openAs(const std::string &path, int flags, int number) {
 
 int runProgram(const std::string &directory, const std::vector<std::string> &words, int output) {
     const pid_t child = fork();
-    if (child == 0) {
+    if (child == 0)
         becomeProgram(directory, words, output);
-    }
     int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child) {
+    if (child < 0 || waitpid(child, &status, 0) != child)
         throw std::runtime_error("the program cannot be run");
-    }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 std::vector<std::string> withoutHandles(const std::vector<std::string> &calls) {
     static const std::regex handle(" h=[0-9A-F]+");
     std::vector<std::string> shorter;
-    for (const std::string &call : calls) {
+    for (const std::string &call : calls)
         shorter.push_back(std::regex_replace(call, handle, ""));
-    }
     return shorter;
 }
 
@@ -96,9 +90,8 @@ std::vector<std::string> withoutHandles(const std::vector<std::string> &calls) {
 std::vector<std::string> lines(const std::string &text) {
     std::vector<std::string> result;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
+    for (std::string line; std::getline(stream, line);)
         result.push_back(line);
-    }
     return result;
 }
 
@@ -109,16 +102,16 @@ std::string connectText(const std::string &link, const Chip &chip) {
 
 std::vector<std::string> Outcome::callsOf(const std::string &function) const {
     std::vector<std::string> found;
-    std::copy_if(calls.begin(), calls.end(), std::back_inserter(found), [&](const std::string &call) {
-        return startsWith(call + " ", function + " ");
-    });
+    std::copy_if(calls.begin(), calls.end(), std::back_inserter(found),
+                 [&](const std::string &call) { return startsWith(call + " ", function + " "); });
     return found;
 }
 
 std::vector<std::string> Outcome::changes() const {
     static const std::vector<std::string> functions = {
-        "ZVBL_GO ",          "ZVBL_ResetMCU",   "ZVBL_DNLOAD",      "ZVBL_ERASE",  "ZVBL_BLOCK_ERASE",
-        "ZVBL_SPIMREMAP",    "ZVBL_EnableBank3", "TARGET_SetUserSystemData", "ZVBL_ACCESS", "ZVBL_ERASEPROGRAM"};
+        "ZVBL_GO ",         "ZVBL_ResetMCU",    "ZVBL_DNLOAD",      "ZVBL_ERASE",
+        "ZVBL_BLOCK_ERASE", "ZVBL_SPIMREMAP",   "ZVBL_EnableBank3", "TARGET_SetUserSystemData",
+        "ZVBL_ACCESS",      "ZVBL_ERASEPROGRAM"};
     std::vector<std::string> found;
     std::copy_if(calls.begin(), calls.end(), std::back_inserter(found), [](const std::string &call) {
         return std::any_of(functions.begin(), functions.end(),
@@ -129,9 +122,8 @@ std::vector<std::string> Outcome::changes() const {
 
 Console::Console() {
     char pattern[] = "/tmp/console-test-XXXXXX";
-    if (mkdtemp(pattern) == nullptr) {
+    if (mkdtemp(pattern) == nullptr)
         throw std::runtime_error("no directory for the test");
-    }
     directory = pattern;
     connectTo(f403a);
 }
@@ -182,9 +174,8 @@ std::string Console::abbreviate(std::string text) const {
 std::vector<std::string> Console::split(const std::string &line) const {
     std::istringstream stream(resolve(line));
     std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
+    for (std::string word; stream >> word;)
         words.push_back(word);
-    }
     return words;
 }
 

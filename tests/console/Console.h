@@ -2,10 +2,10 @@
 
 // Runs the real program against the recording doubles of its two libraries.
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 // What one run left behind. The run's directory is written as "@".
 struct Outcome {
@@ -30,12 +30,12 @@ struct Chip {
     int sectorSize; // bytes
 };
 
-extern const Chip f403a;   // without confirmation, takes SPIM sectors
-extern const Chip f403_2;  // short identifier
-extern const Chip f415;    // refuses SPIM sectors
-extern const Chip f425;    // asks for "--y"
-extern const Chip f457;    // large OTP area
-extern const Chip m412;    // small OTP area
+extern const Chip f403a;  // without confirmation, takes SPIM sectors
+extern const Chip f403_2; // short identifier
+extern const Chip f415;   // refuses SPIM sectors
+extern const Chip f425;   // asks for "--y"
+extern const Chip f457;   // large OTP area
+extern const Chip m412;   // small OTP area
 
 // A directory of its own for the runs of one test, with the map file of the chip at the other end.
 class Console {

@@ -1,8 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <cstdlib>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "FakeLink.h"
 #include "app/Memory.h"

@@ -1,8 +1,8 @@
 // "-d".
 
-#include "Console.h"
-
 #include <algorithm>
+
+#include "Console.h"
 
 namespace {
 
@@ -71,9 +71,8 @@ TEST_F(DownloadTest, EarlierEraseTurnsTheErasingOff) {
         const Outcome run = connected(line);
         EXPECT_EQ(run.status, 0) << line;
         EXPECT_EQ(run.text.substr(run.text.size() - downloaded.size() - done.size()), downloaded + done) << line;
-        for (const std::string &call : run.callsOf("ZVBL_ERASE")) {
+        for (const std::string &call : run.callsOf("ZVBL_ERASE"))
             EXPECT_EQ(call, "ZVBL_ERASE selector=1 sector=9 size=2048") << line;
-        }
     }
 }
 
@@ -201,9 +200,8 @@ TEST_F(DownloadTest, RangeOfABinary) {
         const bool passes = row.refusal.empty();
         EXPECT_EQ(run.status, passes ? 0 : 3) << row.line << run.text;
         EXPECT_EQ(run.callsOf("ZVBL_DNLOAD").empty(), !passes) << row.line;
-        if (!passes) {
+        if (!passes)
             EXPECT_EQ(lines(run.text).back() + "\n", row.refusal) << row.line;
-        }
     }
 }
 
@@ -231,9 +229,8 @@ TEST_F(DownloadTest, RangeOfElements) {
         fresh.filesScript(row.elements);
         const Outcome run = fresh.run("-com --pn ttyS0 -d --fn @/a.hex");
         EXPECT_EQ(run.status, row.refusal.empty() ? 0 : 3) << row.elements << run.text;
-        if (!row.refusal.empty()) {
+        if (!row.refusal.empty())
             EXPECT_EQ(run.text, connectText("USART") + row.refusal) << row.elements;
-        }
     }
 }
 

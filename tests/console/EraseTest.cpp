@@ -22,8 +22,8 @@ TEST_F(EraseTest, All) {
     const Outcome run = connected("-e --all");
     EXPECT_EQ(run.text, "Erase\n\rRunning...100%\nErase successfully!\n");
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.changes(), (Calls{"ZVBL_ERASE selector=FFFE sector=null size=0",
-                                    "ZVBL_ERASE selector=FFFD sector=null size=0"}));
+    EXPECT_EQ(run.changes(),
+              (Calls{"ZVBL_ERASE selector=FFFE sector=null size=0", "ZVBL_ERASE selector=FFFD sector=null size=0"}));
     EXPECT_TRUE(run.callsOf("sleep").empty()); // the job's end wakes the main thread
 }
 
@@ -47,8 +47,8 @@ TEST_F(EraseTest, RangesThatErase) {
     const struct {
         const char *line;
         std::size_t sectors;
-    } table[] = {{"-e --sec", 1},     {"-e --sec 0", 1},       {"-e --sec 3-3", 1},
-                 {"-e --sec -5", 6},  {"-e --sec 510-511", 2}, {"-e --sec text", 1}};
+    } table[] = {{"-e --sec", 1},    {"-e --sec 0", 1},       {"-e --sec 3-3", 1},
+                 {"-e --sec -5", 6}, {"-e --sec 510-511", 2}, {"-e --sec text", 1}};
     for (const auto &row : table) {
         const Outcome run = connected(row.line);
         EXPECT_EQ(run.status, 0) << row.line;
@@ -61,10 +61,8 @@ TEST_F(EraseTest, RangesThatAreRefused) {
         const char *line;
         const char *text;
     } table[] = {
-        {"-e --sec 3", "bad parameter 3\n"},
-        {"-e --sec 3-1", "bad parameter 3-1\n"},
-        {"-e --sec 0-512", "bad parameter 0-512\n"},
-        {"-e --sec 0-99999", "bad parameter 0-99999\n"},
+        {"-e --sec 3", "bad parameter 3\n"},         {"-e --sec 3-1", "bad parameter 3-1\n"},
+        {"-e --sec 0-512", "bad parameter 0-512\n"}, {"-e --sec 0-99999", "bad parameter 0-99999\n"},
         {"-e --sec -1-2", "bad parameter -1-2\n"},
     };
     for (const auto &row : table) {

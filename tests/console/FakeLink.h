@@ -28,12 +28,10 @@ class Line {
 public:
     explicit Line(const std::string &text) {
         std::istringstream stream(text);
-        for (std::string word; stream >> word;) {
+        for (std::string word; stream >> word;)
             words.push_back(word);
-        }
-        for (std::string &word : words) {
+        for (std::string &word : words)
             pointers.push_back(word.data());
-        }
         pointers.push_back(nullptr);
     }
     Line(const Line &) = delete;

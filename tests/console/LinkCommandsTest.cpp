@@ -57,9 +57,8 @@ TEST(LinkCommands, PortNumber) {
         const char *name;
         int number;
     } table[] = {{"ttyACM0", 0}, {"ttyS12", 12}, {"usb1x2", 1}, {"can", 0}, {"", 0}, {"7", 7}, {"tty4294967295", -1}};
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(portNumberOf(row.name), row.number) << row.name;
-    }
 }
 
 } // namespace

@@ -1,10 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "app/Otp.h"
 
@@ -34,16 +33,14 @@ TEST_F(OtpFile, CountsByFortyAndStepsByThirtyEight) {
         std::size_t bytes;
         int records;
     } table[] = {{0, 0}, {38, 0}, {39, 0}, {40, 1}, {76, 1}, {79, 1}, {80, 2}, {114, 2}, {760, 19}, {800, 20}};
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(recordsOf(std::string(row.bytes, '\0')), row.records) << row.bytes;
-    }
 }
 
 TEST_F(OtpFile, FieldsOfARecord) {
     std::string block;
-    for (char byte = 0; byte < 32; ++byte) {
+    for (char byte = 0; byte < 32; ++byte)
         block += static_cast<char>(0x40 + byte);
-    }
     const std::string first = std::string("\x12\x34\x56\x78", 4) + block + "\x01\x02";
     const std::string second = std::string("\x00\x00\x00\xFE", 4) + block + std::string("\x00\xFF", 2);
     ASSERT_EQ(recordsOf(first + second + std::string(4, '\0')), 2);

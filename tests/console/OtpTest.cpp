@@ -19,17 +19,15 @@ protected:
     // One record: its address, its block of one byte, its flags.
     static std::string record(unsigned int address, char fill, char lockFlag, char writeFlag) {
         std::string bytes;
-        for (int shift = 24; shift >= 0; shift -= 8) {
+        for (int shift = 24; shift >= 0; shift -= 8)
             bytes += static_cast<char>(address >> shift);
-        }
         return bytes + std::string(32, fill) + lockFlag + writeFlag;
     }
     // As many records as are given: two bytes more for each, as they are counted by 40.
     void otpFile(const std::vector<std::string> &records) {
         std::string content;
-        for (const std::string &bytes : records) {
+        for (const std::string &bytes : records)
             content += bytes;
-        }
         console.file("a.ZVTP", content + std::string(2 * records.size(), '\xFF'));
     }
 };

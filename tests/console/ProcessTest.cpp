@@ -1,12 +1,12 @@
 // The program as a process: signals, output that goes nowhere, names in any encoding.
 
-#include "Console.h"
+#include <csignal>
+#include <cstdlib>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <csignal>
-#include <cstdlib>
+#include "Console.h"
 
 namespace {
 
@@ -43,10 +43,10 @@ TEST_F(ProcessTest, ReaderThatWentAway) {
 
 // In Turkish the capital of "i" is another letter.
 TEST_F(ProcessTest, LocaleOfTheUser) {
-    const std::string build = "localedef -i tr_TR -f ISO-8859-9 " + console.path("tr_TR.ISO-8859-9") + " >/dev/null 2>&1";
-    if (std::system(build.c_str()) != 0) {
+    const std::string build =
+        "localedef -i tr_TR -f ISO-8859-9 " + console.path("tr_TR.ISO-8859-9") + " >/dev/null 2>&1";
+    if (std::system(build.c_str()) != 0)
         GTEST_SKIP() << "no locale definitions here";
-    }
     console.file("a.bin", "");
     setenv("LOCPATH", console.path("").c_str(), 1);
     setenv("LC_ALL", "tr_TR.ISO-8859-9", 1);

@@ -68,9 +68,8 @@ TEST_F(Progress, Titles) {
         {OP_DOWNLOADPROJECT, "Unknown error!"},
         {OP_FLASHCRC, "Flash CRC calculate"},
     };
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(GetOperatioStringName(row.type), row.title);
-    }
 }
 
 TEST_F(Progress, Start) {
@@ -83,8 +82,7 @@ TEST_F(Progress, Start) {
 }
 
 TEST_F(Progress, Percent) {
-    EXPECT_EQ(percentText(OP_ERASE, {0, 0, 33, 33, 66, 100, 100}),
-              "\rRunning...33%\rRunning...66%\rRunning...100%\n");
+    EXPECT_EQ(percentText(OP_ERASE, {0, 0, 33, 33, 66, 100, 100}), "\rRunning...33%\rRunning...66%\rRunning...100%\n");
     EXPECT_EQ(percentText(OP_ENBANK3, {0, 50, 100}), "");
 }
 

@@ -19,8 +19,7 @@ TEST_F(ProtectionTest, EnableAccessProtection) {
     console.script("TARGET_GetUserSystemData data=00"); // as it reads behind the restart
     for (const char *word : {"--efap", "--erp", "--efap1"}) {
         const Outcome run = connected(std::string("-p ") + word);
-        EXPECT_EQ(run.text,
-                  start + "Enable access protection\nRunning...\nEnable access protection successfully!\n")
+        EXPECT_EQ(run.text, start + "Enable access protection\nRunning...\nEnable access protection successfully!\n")
             << word;
         EXPECT_EQ(run.status, 0) << word;
         EXPECT_EQ(run.changes(), Calls{"ZVBL_ACCESS_PROTECT_LEVEL level=1"}) << word;
@@ -52,8 +51,8 @@ TEST_F(ProtectionTest, EnableHighLevelFails) {
 
 // Every family of the usage text, in its order, by a map of its own.
 TEST_F(ProtectionTest, EnableHighLevelNeedsConfirmation) {
-    for (const char *series : {"0F", "12", "1D", "10", "13", "14", "15", "16", "17", "1E", "19", "1A", "1C", "1F",
-                               "20"}) {
+    for (const char *series :
+         {"0F", "12", "1D", "10", "13", "14", "15", "16", "17", "1E", "19", "1A", "1C", "1F", "20"}) {
         const Chip chip = {"ZV32F4XX", std::string("010F5009") + series, "5009010F", series, 64, 1024};
         console.connectTo(chip);
         for (const char *line : {"-p --efap2", "-p --efap2 -e", "-p --efap2 --x", "-p --efap2 y"}) {
@@ -87,8 +86,7 @@ TEST_F(ProtectionTest, EnableHighLevelConfirmed) {
 TEST_F(ProtectionTest, DisableAccessProtection) {
     for (const char *word : {"--dfap", "--drp"}) {
         const Outcome run = connected(std::string("-p ") + word);
-        EXPECT_EQ(run.text,
-                  start + "Disable access protection\nRunning...\nDisable access protection successfully!\n")
+        EXPECT_EQ(run.text, start + "Disable access protection\nRunning...\nDisable access protection successfully!\n")
             << word;
         EXPECT_EQ(run.status, 0) << word;
         EXPECT_EQ(run.changes(), Calls{"ZVBL_ACCESS_PERM_UNPROTECT"}) << word;
@@ -97,9 +95,8 @@ TEST_F(ProtectionTest, DisableAccessProtection) {
 
 TEST_F(ProtectionTest, DisableAccessProtectionFails) {
     console.script("ZVBL_ACCESS_PERM_UNPROTECT status=20");
-    for (const char *word : {"--dfap", "--drp"}) {
+    for (const char *word : {"--dfap", "--drp"})
         EXPECT_EQ(connected(std::string("-p ") + word).status, 34) << word;
-    }
 }
 
 TEST_F(ProtectionTest, EnableEraseProgramProtection) {
@@ -158,9 +155,8 @@ TEST_F(ProtectionTest, DisableEraseProgramProtection) {
 
 TEST_F(ProtectionTest, DisableEraseProgramProtectionFails) {
     console.script("ZVBL_ERASEPROGRAM_PERM_UNPROTECT status=20");
-    for (const char *word : {"--depp", "--dwp"}) {
+    for (const char *word : {"--depp", "--dwp"})
         EXPECT_EQ(connected(std::string("-p ") + word).status, 35) << word;
-    }
 }
 
 TEST_F(ProtectionTest, OtherWords) {

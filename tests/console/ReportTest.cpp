@@ -1,8 +1,8 @@
 #include "app/Report.h"
 
-#include <gtest/gtest.h>
-
 #include <iostream>
+
+#include <gtest/gtest.h>
 
 #include "FakeLink.h"
 

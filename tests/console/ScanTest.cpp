@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <iostream>
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 #include "FakeLink.h"
 #include "app/UserSystemData.h"
@@ -54,9 +54,8 @@ TEST(UserSystemDataScan, Lines) {
         {"-usd --v --set", "end"},
         {"-e -usd", "end"},
     };
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(scan(row.line), row.seen) << row.line;
-    }
 }
 
 TEST(UserSystemDataName, RefusedNameOfSetIsKept) {

@@ -1,8 +1,7 @@
-#include "app/Spim.h"
-
 #include <gtest/gtest.h>
 
 #include "FakeLink.h"
+#include "app/Spim.h"
 #include "foundation/ShareParameter.h"
 
 namespace {
@@ -43,9 +42,8 @@ TEST(SpimDevice, IsLeftAloneByARefusedLine) {
 
 TEST(SpimDevice, TypeByte) {
     EXPECT_EQ(spimTypeByte(1), 0x91);
-    for (const BYTE type : {0, 2, 3, 255}) {
+    for (const BYTE type : {0, 2, 3, 255})
         EXPECT_EQ(spimTypeByte(type), 0x90);
-    }
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 #include "app/SubOptions.h"
 
-#include <gtest/gtest.h>
-
 #include <sstream>
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 #include "FakeLink.h"
 
@@ -19,9 +19,8 @@ std::string walkOver(const std::string &text, SubOptionWalk::LastWord last) {
     while (walk.next()) {
         const std::string word = walk.word();
         seen << word << "=" << walk.value() << " ";
-        if (word == "--v" || word == "--all") {
+        if (word == "--v" || word == "--all")
             walk.takeBack();
-        }
     }
     seen << (walk.atBadWord() ? "!" : "") << index;
     return seen.str();
@@ -46,9 +45,8 @@ TEST(SubOptionWalk, OfActions) {
         {"-e --all bogus --sec", "--all=bogus !2"},
         {"-e --ALL 7 --sec 1-2", "--ALL=7 --sec=1-2 5"},
     };
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(walkOver(row.line, SubOptionWalk::RunsLastWord), row.seen) << row.line;
-    }
 }
 
 TEST(SubOptionWalk, OfConnectionCommands) {
@@ -64,9 +62,8 @@ TEST(SubOptionWalk, OfConnectionCommands) {
         {"-com --pn ttyS0 --xyz 1", "--pn=ttyS0 !3"},
         {"-com --pn ttyS0 --xyz", "--pn=ttyS0 !3"},
     };
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(walkOver(row.line, SubOptionWalk::LeavesLastWord), row.seen) << row.line;
-    }
 }
 
 TEST(SubOptionWalk, WordAt) {

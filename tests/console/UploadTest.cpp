@@ -1,8 +1,8 @@
 // "-u".
 
-#include "Console.h"
-
 #include <algorithm>
+
+#include "Console.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The walk over the command line: what ends it, with which status and which words.
 
-#include "Console.h"
-
 #include <fstream>
 #include <sstream>
+
+#include "Console.h"
 
 namespace {
 
@@ -87,18 +87,17 @@ TEST_F(WalkTest, WordsWithoutALink) {
 }
 
 TEST_F(WalkTest, EveryOptionHasItsHandler) {
-    for (const char *word : {"-dfu", "-com", "-i2c", "-can", "-spi", "-e", "-p", "-d", "-u", "-o", "-usd", "-r",
-                             "-enspim", "-otp"}) {
+    for (const char *word :
+         {"-dfu", "-com", "-i2c", "-can", "-spi", "-e", "-p", "-d", "-u", "-o", "-usd", "-r", "-enspim", "-otp"})
         EXPECT_EQ(console.run(word).text.find("bad parameter"), std::string::npos) << word;
-    }
 }
 
 TEST_F(WalkTest, FirstFailureEndsTheLine) {
     console.script("ZVBL_GO status=20");
     const Outcome run = console.run("-com --pn ttyS0 -e --sec 0 -r --addr 8004000 -e --sec 1");
     EXPECT_EQ(run.status, 12);
-    EXPECT_EQ(run.changes(), (std::vector<std::string>{"ZVBL_ERASE selector=1 sector=0 size=2048",
-                                                       "ZVBL_GO addr=08004000"}));
+    EXPECT_EQ(run.changes(),
+              (std::vector<std::string>{"ZVBL_ERASE selector=1 sector=0 size=2048", "ZVBL_GO addr=08004000"}));
     EXPECT_EQ(run.calls.back(), "Interface_Close");
 }
 
@@ -121,7 +120,8 @@ TEST_F(WalkTest, WordsAndTheClosingOfTheLink) {
         {"Interface_Close signal=15", "-com --pn ttyS0 -i2c --xyz", connectText("USART") + "I2C Connect......\n"},
         {"Interface_Close signal=15\nZVBL_Init_BL status=17", "-com --pn ttyS0",
          "USART Connect......\nUnrecognized device...Please, reset your device then try again \n"},
-        {"Interface_Close signal=15\nZVBL_GET_ID id=FFFF", "-com --pn ttyS0", "USART Connect......\nInit Device Failed!\n"},
+        {"Interface_Close signal=15\nZVBL_GET_ID id=FFFF", "-com --pn ttyS0",
+         "USART Connect......\nInit Device Failed!\n"},
         {"Interface_Close signal=15", "-com --pn ttyS0 -e --sec 3", connectText("USART") + "bad parameter 3\n"},
     };
     for (const auto &row : table) {

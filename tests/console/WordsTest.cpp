@@ -4,12 +4,12 @@
 
 namespace {
 
-const char *const options[] = {"-?", "-dfu", "-com", "-i2c", "-can", "-spi", "-e", "-p",
-                               "-d", "-u", "-o", "-usd", "-r", "-enspim", "-otp"};
-const char *const subOptions[] = {"--pn", "--br", "--db", "--pr", "--to", "--auto", "--all", "--sec", "--erp", "--drp",
-                                  "--ewp", "--dwp", "--efap", "--efap1", "--efap2", "--dfap", "--eepp", "--depp", "--a",
-                                  "--addr", "--rate", "--dc", "--speed", "--fn", "--v", "--o", "--get", "--set",
-                                  "--ft", "--fs", "--fda", "--remap"};
+const char *const options[] = {"-?", "-dfu", "-com", "-i2c", "-can", "-spi",    "-e",  "-p",
+                               "-d", "-u",   "-o",   "-usd", "-r",   "-enspim", "-otp"};
+const char *const subOptions[] = {"--pn",   "--br",   "--db",  "--pr",   "--to",   "--auto",  "--all",   "--sec",
+                                  "--erp",  "--drp",  "--ewp", "--dwp",  "--efap", "--efap1", "--efap2", "--dfap",
+                                  "--eepp", "--depp", "--a",   "--addr", "--rate", "--dc",    "--speed", "--fn",
+                                  "--v",    "--o",    "--get", "--set",  "--ft",   "--fs",    "--fda",   "--remap"};
 
 TEST(Words, FifteenOptions) {
     for (const char *word : options) {
@@ -19,9 +19,8 @@ TEST(Words, FifteenOptions) {
 }
 
 TEST(Words, OptionsAreExact) {
-    for (const char *word : {"", "-", "?", "-COM", "-Com", "--com", "-com ", "-co", "-comm", "com", "-x", "--?"}) {
+    for (const char *word : {"", "-", "?", "-COM", "-Com", "--com", "-com ", "-co", "-comm", "com", "-x", "--?"})
         EXPECT_FALSE(Is_Option(word)) << word;
-    }
 }
 
 TEST(Words, ThirtyTwoSubOptionsInAnyCase) {
@@ -34,20 +33,18 @@ TEST(Words, ThirtyTwoSubOptionsInAnyCase) {
 }
 
 TEST(Words, OtherSubOptions) {
-    for (const char *word : {"", "--", "--y", "-pn", "pn", "--pn ", "--efap3", "--baud", "---pn"}) {
+    for (const char *word : {"", "--", "--y", "-pn", "pn", "--pn ", "--efap3", "--baud", "---pn"})
         EXPECT_FALSE(Is_SubOption(word)) << word;
-    }
 }
 
 TEST(Words, Parity) {
     const struct {
         const char *text;
         int parity;
-    } table[] = {{"NONE", 0}, {"none", 0}, {"None", 0}, {"ODD", 1}, {"odd", 1},
+    } table[] = {{"NONE", 0}, {"none", 0}, {"None", 0}, {"ODD", 1},  {"odd", 1},
                  {"EVEN", 2}, {"even", 2}, {"", 2},     {"mark", 2}, {"NONE ", 2}};
-    for (const auto &row : table) {
+    for (const auto &row : table)
         EXPECT_EQ(ParityToInt(row.text), row.parity) << row.text;
-    }
 }
 
 } // namespace

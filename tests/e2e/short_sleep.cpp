@@ -3,8 +3,9 @@
 // part for those of two seconds, in which a device has to come back that is plugged in anew.
 
 #include <cstdlib>
-#include <dlfcn.h>
 #include <time.h>
+
+#include <dlfcn.h>
 
 namespace {
 

@@ -34,8 +34,8 @@ TEST_F(ChecksumTest, OfMainFlash) {
 }
 
 TEST_F(ChecksumTest, SectorsAreOfTheChipsOwnSize) {
-    for (const auto &[name, size] : std::map<std::string, std::size_t>{{"ZV32F421_64K", 1024},
-                                                                       {"ZV32F435_4032K", 4096}}) {
+    for (const auto &[name, size] :
+         std::map<std::string, std::size_t>{{"ZV32F421_64K", 1024}, {"ZV32F435_4032K", 4096}}) {
         Interface_Close(link);
         connect(name);
         const Bytes image = program(2 * size);

@@ -1,8 +1,7 @@
 // The bootloader control itself: identity, resets, option bytes, protection, SPIM.
 
-#include "tests/integration/JobsTest.h"
-
 #include "link/ZVBLLIB.h"
+#include "tests/integration/JobsTest.h"
 #include "usersystemdata/CUserSystemData.h"
 
 class ControlTest : public JobsTest {};

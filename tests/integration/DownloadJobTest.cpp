@@ -1,9 +1,8 @@
 // The finishing steps of a download, by what they leave in the chip.
 
-#include "tests/integration/JobsTest.h"
-
 #include <algorithm>
 
+#include "tests/integration/JobsTest.h"
 #include "usersystemdata/CUserSystemData.h"
 
 class DownloadJobTest : public JobsTest {

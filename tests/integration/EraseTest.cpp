@@ -13,9 +13,8 @@ class BlockEraseTest : public LibraryTest {
 protected:
     // A marker at both ends of the block, and on the other side of each end.
     void mark(unsigned block) {
-        for (const unsigned address : {block - 4, block, block + blockSize - 4, block + blockSize}) {
+        for (const unsigned address : {block - 4, block, block + blockSize - 4, block + blockSize})
             EXPECT_EQ(write(address, marker), done);
-        }
     }
     void expectAlone(unsigned block, const Bytes &content) {
         EXPECT_EQ(read(block - 4, 4), marker);

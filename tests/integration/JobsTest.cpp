@@ -15,16 +15,14 @@ JobsTest::JobsTest() {
 }
 
 JobsTest::~JobsTest() {
-    if (com) {
+    if (com)
         com->Close();
-    }
     fs::current_path("/");
 }
 
 void JobsTest::connect(const std::string &name) {
-    if (com) {
+    if (com)
         com->Close();
-    }
     chip = std::make_unique<SimulatedChip>(name);
     fs::create_directory_symlink(MAP_DIR, chip->directory() / "Map");
     fs::current_path(chip->directory());
@@ -54,12 +52,10 @@ void *JobsTest::listener(InfoType type, void *record) {
         EXPECT_EQ(end, "") << "a job ends once";
         end = type == INFO_TYPE_DONE ? "DONE" : type == INFO_TYPE_CANCEL ? "CANCEL" : "ABEND";
     }
-    if (type == INFO_TYPE_ABEND) {
+    if (type == INFO_TYPE_ABEND)
         abendCode = static_cast<CAbendInfo *>(record)->m_iResult;
-    }
-    if (type == INFO_TYPE_INIT) {
+    if (type == INFO_TYPE_INIT)
         titles.push_back(static_cast<CInitInfo *>(record)->m_strName);
-    }
     return nullptr;
 }
 
@@ -76,8 +72,8 @@ Bytes JobsTest::read(uint address, std::size_t length) {
 Bytes JobsTest::compactUserData() {
     const CDevice &device = *control->m_ObDevice;
     const int family = std::stoi(device.m_StrSerial, nullptr, 16);
-    const int length = CUserSystemData::GetUserSystemDataLength(family, control->m_BID,
-                                                                static_cast<int>(device.m_ISectorSize));
+    const int length =
+        CUserSystemData::GetUserSystemDataLength(family, control->m_BID, static_cast<int>(device.m_ISectorSize));
     Bytes bytes(static_cast<std::size_t>(length));
     EXPECT_EQ(TARGET_GetUserSystemData(control->m_handle, device.m_UiUserSystemDataAddress, bytes.data(),
                                        static_cast<uint>(length)),

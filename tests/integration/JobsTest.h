@@ -3,12 +3,12 @@
 // What the tests of the jobs stand on: an open link to a simulated chip that has been identified by the real
 // maps, and a listener that writes down the events of a job.
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "device/Device.h"
 #include "foundation/Result.h"

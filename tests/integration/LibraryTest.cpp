@@ -13,9 +13,8 @@ BYTE openDevice(HANDLE link) {
         unsigned short vendors[255] = {}, products[255] = {};
         const auto info = std::make_unique<TDeviceInfo>();
         EXPECT_EQ(ZVBL_GetZVDeviceList(&count, vendors, products, info.get()), done);
-        if (count < 1) {
+        if (count < 1)
             waitForStart();
-        }
     }
     EXPECT_EQ(count, 1);
     return Interface_Open(link);
@@ -44,9 +43,8 @@ BYTE startLink(HANDLE link, const SimulatedChip &chip) {
 }
 
 LibraryTest::~LibraryTest() {
-    if (chip != nullptr) {
+    if (chip != nullptr)
         Interface_Close(link);
-    }
 }
 
 void LibraryTest::connect(const std::string &name, const std::vector<std::string> &options) {

@@ -2,13 +2,13 @@
 
 // What the tests of the link library stand on: its C interface, and a chip at the other end.
 
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "link/ZVBLLIB.h"
 #include "tests/integration/SimulatedChip.h"

@@ -9,7 +9,7 @@
 struct Place {
     unsigned char type; // as TARGET_SetComIntType takes it
     std::vector<std::string> simulatorWords;
-    std::string port;   // as SetCOMSettings takes it
+    std::string port;        // as SetCOMSettings takes it
     std::string chipPreload; // what the simulator has to run with
 };
 

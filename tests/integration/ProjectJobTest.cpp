@@ -1,10 +1,9 @@
 // The download of projects: files in memory, part by part.
 
-#include "tests/integration/JobsTest.h"
-
 #include <algorithm>
 
 #include "link/ZVBLLIB.h"
+#include "tests/integration/JobsTest.h"
 #include "usersystemdata/CUserSystemData.h"
 
 namespace {
@@ -26,9 +25,8 @@ SFileInfo file(const QList<HEXFILEPARTINFO> &parts) {
     one.LoadFileType = "HEX";
     one.StartAddress = parts.first().PartStartAddress;
     one.partInfo = parts;
-    for (const HEXFILEPARTINFO &each : parts) {
+    for (const HEXFILEPARTINFO &each : parts)
         one.FileSize += static_cast<int>(each.PartSize);
-    }
     return one;
 }
 
@@ -74,9 +72,8 @@ TEST_F(ProjectJobTest, PartsOfEveryLength) {
 
 TEST_F(ProjectJobTest, ErasesItsSectorsOnly) {
     connect("ZV32F435_4032K");
-    for (const uint sector : {0u, 1u, 2u, 3u}) {
+    for (const uint sector : {0u, 1u, 2u, 3u})
         write(flashBase + sector * 4096, {1, 2, 3, 4});
-    }
     EXPECT_EQ(download({file({part(flashBase + 4096, program(4097))})}), CResult::SUCCESS);
     EXPECT_EQ(read(flashBase, 4), (Bytes{1, 2, 3, 4}));
     EXPECT_EQ(read(flashBase + 4096, 2 * 4096), filledUp(program(4097), 2 * 4096));

@@ -38,12 +38,10 @@ TEST_P(ProtectTest, CoversItsSectorsAndNoNeighbour) {
     EXPECT_EQ(protect({row.bit}), done);
     expectOpen(row.first, row.sectorSize, false);
     expectOpen(row.last, row.sectorSize, false);
-    if (row.first > 0) {
+    if (row.first > 0)
         expectOpen(row.first - 1, row.sectorSize, true);
-    }
-    if (row.last + 1 < row.sectors) {
+    if (row.last + 1 < row.sectors)
         expectOpen(row.last + 1, row.sectorSize, true);
-    }
     EXPECT_EQ(ZVBL_ERASE(link, 0xFFFE, nullptr, 0), row.first * row.sectorSize < 512 * 1024 ? refused : done)
         << "bank 1";
     EXPECT_EQ(ZVBL_ERASEPROGRAM_PERM_UNPROTECT(link), done);
@@ -52,15 +50,12 @@ TEST_P(ProtectTest, CoversItsSectorsAndNoNeighbour) {
     expectOpen(row.last, row.sectorSize, true);
 }
 
-INSTANTIATE_TEST_SUITE_P(Chips, ProtectTest,
-                         testing::Values(Row{"ZV32F413_256K", 0, 0, 1, 2048, 128},
-                                         Row{"ZV32F413_256K", 30, 60, 61, 2048, 128},
-                                         Row{"ZV32F413_256K", 31, 62, 127, 2048, 128},
-                                         Row{"ZV32F403A_1024K", 31, 62, 511, 2048, 512},
-                                         Row{"ZV32F421_64K", 1, 4, 7, 1024, 64},
-                                         Row{"ZV32F437_4032K", 0, 0, 0, 4096, 1008},
-                                         Row{"ZV32F437_4032K", 31, 31, 31, 4096, 1008},
-                                         Row{"ZV32F437_4032K", 32, 32, 63, 4096, 1008}));
+INSTANTIATE_TEST_SUITE_P(
+    Chips, ProtectTest,
+    testing::Values(Row{"ZV32F413_256K", 0, 0, 1, 2048, 128}, Row{"ZV32F413_256K", 30, 60, 61, 2048, 128},
+                    Row{"ZV32F413_256K", 31, 62, 127, 2048, 128}, Row{"ZV32F403A_1024K", 31, 62, 511, 2048, 512},
+                    Row{"ZV32F421_64K", 1, 4, 7, 1024, 64}, Row{"ZV32F437_4032K", 0, 0, 0, 4096, 1008},
+                    Row{"ZV32F437_4032K", 31, 31, 31, 4096, 1008}, Row{"ZV32F437_4032K", 32, 32, 63, 4096, 1008}));
 
 TEST_F(ProtectTest, BitsAddUp) {
     connect("ZV32F413_256K");
@@ -68,9 +63,8 @@ TEST_F(ProtectTest, BitsAddUp) {
     EXPECT_EQ(protect({7}), done);
     const std::map<unsigned, bool> open = {{3, true},  {4, false},  {5, false},  {6, true}, {10, false},
                                            {12, true}, {14, false}, {15, false}, {16, true}};
-    for (const auto &[sector, isOpen] : open) {
+    for (const auto &[sector, isOpen] : open)
         expectOpen(sector, 2048, isOpen);
-    }
 }
 
 TEST_F(ProtectTest, ABitThatTheChipDoesNotHaveProtectsNothing) {

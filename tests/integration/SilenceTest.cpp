@@ -20,9 +20,8 @@ TEST_F(SilenceTest, EndsInTimeAndTheResetButtonEndsIt) {
     connect("ZV32F421_64K", {"--fault", "silence@6"});
     EXPECT_EQ(SetTimeOut(link, shortTimeout), done);
     BYTE status = done;
-    for (int i = 0; i < 8 && status == done; ++i) {
+    for (int i = 0; i < 8 && status == done; ++i)
         status = version();
-    }
     EXPECT_EQ(status, noAnswer);
     EXPECT_EQ(version(), noAnswer);
     chip->pressReset();
@@ -40,9 +39,8 @@ TEST_F(SilenceTest, InTheMiddleOfAReadAndOfAWrite) {
         for (unsigned i = 0; i < 8 && status == done; ++i) {
             status = write(flashBase + 64 * i, program(64));
             Bytes back(64);
-            if (status == done) {
+            if (status == done)
                 status = ZVBL_UPLOAD(link, flashBase + 64 * i, back.data(), 64);
-            }
         }
         EXPECT_EQ(status, noAnswer);
         Interface_Close(link);
@@ -54,7 +52,7 @@ TEST_F(SilenceTest, ARefusalLeavesTheLinkInStep) {
     BYTE crc[4];
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(ZVBL_GetFirmwareCRC(link, flashBase + 1, 1, crc), refused); // not the start of a sector
-        EXPECT_EQ(ZVBL_SPIMREMAP(link, 0), commandRefused);                    // no SPIM on this chip
+        EXPECT_EQ(ZVBL_SPIMREMAP(link, 0), commandRefused);                   // no SPIM on this chip
         EXPECT_EQ(version(), done);
     }
 }

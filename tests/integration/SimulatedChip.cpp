@@ -1,5 +1,10 @@
 #include "tests/integration/SimulatedChip.h"
 
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -7,11 +12,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-#include <stdexcept>
 
 namespace fs = std::filesystem;
 
@@ -42,16 +42,13 @@ void waitForStart() {
 
 SimulatedChip::SimulatedChip(const std::string &name, const std::vector<std::string> &options)
     : directory_(newDirectory()), place_(placeIn(directory_)) {
-    if (!place_.chipPreload.empty()) {
+    if (!place_.chipPreload.empty())
         startBus();
-    }
     std::vector<std::string> words = {"/usr/bin/env"};
-    if (!place_.chipPreload.empty()) {
+    if (!place_.chipPreload.empty())
         words.push_back("LD_PRELOAD=" + place_.chipPreload);
-    }
-    for (const std::string &word : {std::string(SIMULATOR), std::string("--chip"), name}) {
+    for (const std::string &word : {std::string(SIMULATOR), std::string("--chip"), name})
         words.push_back(word);
-    }
     words.insert(words.end(), place_.simulatorWords.begin(), place_.simulatorWords.end());
     words.insert(words.end(), options.begin(), options.end());
     process_ = start(words, "chip");
@@ -74,9 +71,8 @@ void SimulatedChip::startBus() {
     mkfifo(commands.c_str(), 0600);
     // Opened for both directions, so that the bus never sees its end.
     bus_ = start({"/bin/sh", "-c", "exec \"$0\" \"$1\" <>\"$2\"", CAN_BUS, directory_ / "can0", commands}, "bus");
-    for (int i = 0; i < readyTries && contentOf(directory_ / "bus.out").empty(); ++i) {
+    for (int i = 0; i < readyTries && contentOf(directory_ / "bus.out").empty(); ++i)
         poll(nullptr, 0, tryMs);
-    }
 }
 
 std::string SimulatedChip::log() const {
@@ -90,9 +86,8 @@ void SimulatedChip::pressReset() const {
 
 pid_t SimulatedChip::start(std::vector<std::string> words, const std::string &name) const {
     std::vector<char *> arguments;
-    for (std::string &word : words) {
+    for (std::string &word : words)
         arguments.push_back(word.data());
-    }
     arguments.push_back(nullptr);
     const std::string out = directory_ / (name + ".out");
     const std::string err = directory_ / (name + ".err");
@@ -104,9 +99,8 @@ pid_t SimulatedChip::start(std::vector<std::string> words, const std::string &na
     pid_t process = -1;
     const int failed = posix_spawn(&process, arguments[0], &files, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&files);
-    if (failed != 0) {
+    if (failed != 0)
         throw std::runtime_error("cannot start " + words[0]);
-    }
     return process;
 }
 
@@ -117,9 +111,8 @@ void SimulatedChip::awaitReady() const {
             // "ready", the port, and for an emulated node the directory that it lives in.
             std::istringstream words(ready);
             std::string word, nodes;
-            if (words >> word >> word >> nodes) {
+            if (words >> word >> word >> nodes)
                 setenv("UMOCKDEV_DIR", nodes.c_str(), 1);
-            }
             return;
         }
         poll(nullptr, 0, tryMs);

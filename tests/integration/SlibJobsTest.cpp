@@ -1,8 +1,7 @@
 // Enabling and disabling the sLib area by the jobs.
 
-#include "tests/integration/JobsTest.h"
-
 #include "link/ZVBLLIB.h"
+#include "tests/integration/JobsTest.h"
 
 namespace {
 constexpr uint sectorSize = 2048;

@@ -86,12 +86,10 @@ TEST_F(SlibTest, ItsSectorsCannotBeWrittenOrErased) {
     EXPECT_EQ(erase(11), done);
     EXPECT_EQ(erase(13), done);
     enable();
-    for (const unsigned sector : {11u, 13u}) {
+    for (const unsigned sector : {11u, 13u})
         EXPECT_EQ(write(at(sector), {1, 2, 3, 4}), refused) << "blank cells of " << sector;
-    }
-    for (const unsigned sector : {10u, 11u, 12u, 13u}) {
+    for (const unsigned sector : {10u, 11u, 12u, 13u})
         EXPECT_EQ(erase(sector), refused) << sector;
-    }
     EXPECT_EQ(read(at(12), sectorSize), written(12, 1));
     EXPECT_EQ(read(at(13), 4), Bytes(4, 0xFF));
     EXPECT_EQ(write(at(14) + sectorSize / 2, {1, 2, 3, 4}), done) << "a neighbour";
@@ -127,9 +125,12 @@ TEST_F(SlibTest, AreasThatCannotBe) {
         unsigned password;
         unsigned short start, dataStart, end;
     } rows[] = {
-        {"no password", 0, 10, 12, 13},          {"a blank password", 0xFFFFFFFF, 10, 12, 13},
-        {"end before start", password, 13, 13, 10}, {"data before start", password, 10, 9, 13},
-        {"data behind end", password, 10, 14, 13},  {"end behind the flash", password, 10, 12, 512},
+        {"no password", 0, 10, 12, 13},
+        {"a blank password", 0xFFFFFFFF, 10, 12, 13},
+        {"end before start", password, 13, 13, 10},
+        {"data before start", password, 10, 9, 13},
+        {"data behind end", password, 10, 14, 13},
+        {"end behind the flash", password, 10, 12, 512},
         {"start behind the flash", password, 512, none, 512},
     };
     for (const auto &row : rows) {

@@ -19,9 +19,8 @@ struct Line {
     // Erases, writes, compares and reads back, again and again, and resets the chip in between.
     void work(unsigned seed) {
         link = openLink(chip);
-        for (int i = 0; i < rounds; ++i) {
+        for (int i = 0; i < rounds; ++i)
             step(seed + static_cast<unsigned>(2 * i));
-        }
         BYTE length = 0;
         BYTE bytes[16] = {};
         EXPECT_EQ(ZVBL_GET_ID(link, &length, bytes), done);

@@ -13,17 +13,14 @@ std::string outputOf(const std::string &command) {
     // None of our preloads belongs into the witness.
     unsetenv("LD_PRELOAD");
     FILE *pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
+    if (pipe == nullptr)
         throw std::runtime_error("cannot run " + command);
-    }
     std::string text;
     char part[256];
-    for (std::size_t n = 0; (n = fread(part, 1, sizeof part, pipe)) > 0;) {
+    for (std::size_t n = 0; (n = fread(part, 1, sizeof part, pipe)) > 0;)
         text.append(part, n);
-    }
-    if (pclose(pipe) != 0) {
+    if (pclose(pipe) != 0)
         throw std::runtime_error("failed: " + command);
-    }
     return text;
 }
 
@@ -41,9 +38,8 @@ struct TemporaryFile {
 
 Bytes program(std::size_t length, unsigned seed) {
     Bytes bytes(length);
-    for (std::size_t i = 0; i < length; ++i) {
+    for (std::size_t i = 0; i < length; ++i)
         bytes[i] = static_cast<std::uint8_t>((i * 7 + (i >> 8) * 13 + seed * 31) % blank);
-    }
     return bytes;
 }
 
@@ -63,9 +59,8 @@ std::uint32_t witnessCrc(const Bytes &bytes) {
 std::string writeBinary(const std::filesystem::path &file, const Bytes &bytes) {
     std::ofstream out(file, std::ios::binary);
     out.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!out.flush()) {
+    if (!out.flush())
         throw std::runtime_error("cannot write " + file.string());
-    }
     return file;
 }
 
@@ -73,7 +68,7 @@ std::string writeHex(const std::filesystem::path &file, const Bytes &bytes, std:
     std::filesystem::path binary = file;
     binary += ".bin";
     writeBinary(binary, bytes);
-    outputOf("objcopy -I binary -O ihex --change-addresses " + std::to_string(address) + " " + binary.string() +
-             " " + file.string());
+    outputOf("objcopy -I binary -O ihex --change-addresses " + std::to_string(address) + " " + binary.string() + " " +
+             file.string());
     return file;
 }

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <climits>
+
+#include <gtest/gtest.h>
 
 #include "tests/libfiles/LibFiles.h"
 
@@ -78,7 +78,8 @@ TEST(Image, ReplaceKeepsTheOthers) {
     EXPECT_EQ(image.replace(1, 0x08000002, {'b', 'b'}), NoError);
     EXPECT_EQ(image.replace(2, 0x08000004, {'c', 'c', 'c'}), NoError);
     EXPECT_EQ(image.replace(3, 0, {1}), BadParameter);
-    EXPECT_EQ(image.pieces(), (Pieces{{0x08000000, {'a', 'a'}}, {0x08000002, {'b', 'b'}}, {0x08000004, {'c', 'c', 'c'}}}));
+    EXPECT_EQ(image.pieces(),
+              (Pieces{{0x08000000, {'a', 'a'}}, {0x08000002, {'b', 'b'}}, {0x08000004, {'c', 'c', 'c'}}}));
 }
 
 TEST(Image, ElementsThatCannotBe) {

@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <cctype>
 #include <numeric>
+
+#include <gtest/gtest.h>
 
 #include "tests/libfiles/LibFiles.h"
 
@@ -39,7 +39,8 @@ const Good GoodFiles[] = {
      {{0, {1, 2, 3}}}},
     {"a gap makes two, by address", ihex(0, 8, {9}) + "\n" + ihex(0, 4, {5}) + "\n" + End, {{4, {5}}, {8, {9}}}},
     {"the same bytes twice", ihex(0, 0, {1, 2, 3}) + "\n" + ihex(0, 1, {2, 3, 4}) + "\n" + End, {{0, {1, 2, 3, 4}}}},
-    {"one record inside another", ihex(0, 0, {1, 2, 3, 4}) + "\n" + ihex(0, 1, {2}) + "\n" + ihex(0, 2, {3, 4, 5}) + "\n" + End,
+    {"one record inside another",
+     ihex(0, 0, {1, 2, 3, 4}) + "\n" + ihex(0, 1, {2}) + "\n" + ihex(0, 2, {3, 4, 5}) + "\n" + End,
      {{0, {1, 2, 3, 4, 5}}}},
     {"linear data run on past 64 KB",
      ihex(4, 0, {0x08, 0x00}) + "\n" + ihex(0, 0xFFFE, {1, 2, 3, 4}) + "\n" + End,
@@ -48,9 +49,12 @@ const Good GoodFiles[] = {
     {"data in a segment wrap at its end",
      ihex(2, 0, {0x10, 0x00}) + "\n" + ihex(0, 0xFFFE, {1, 2, 3, 4}) + "\n" + End,
      {{0x10000, {3, 4}}, {0x1FFFE, {1, 2}}}},
-    {"up to the last address", ihex(4, 0, {0xFF, 0xFF}) + "\n" + ihex(0, 0xFFFE, {1, 2}) + "\n" + End, {{0xFFFFFFFE, {1, 2}}}},
+    {"up to the last address",
+     ihex(4, 0, {0xFF, 0xFF}) + "\n" + ihex(0, 0xFFFE, {1, 2}) + "\n" + End,
+     {{0xFFFFFFFE, {1, 2}}}},
     {"both ends of the address space",
-     ihex(4, 0, {0xFF, 0xFF}) + "\n" + ihex(0, 0xFFFF, {1}) + "\n" + ihex(4, 0, {0, 0}) + "\n" + ihex(0, 0, {2}) + "\n" + End,
+     ihex(4, 0, {0xFF, 0xFF}) + "\n" + ihex(0, 0xFFFF, {1}) + "\n" + ihex(4, 0, {0, 0}) + "\n" + ihex(0, 0, {2}) +
+         "\n" + End,
      {{0, {2}}, {0xFFFFFFFF, {1}}}},
     {"an offset in the end record", ihex(1, 0x1234, {}) + "\n", {}},
 };
@@ -93,7 +97,8 @@ const Bad BadFiles[] = {
     {"different bytes at one address", ihex(0, 0, {1}) + "\n" + ihex(0, 0, {2}) + "\n" + End, BadFormat},
     {"different bytes in an overlap", ihex(0, 0, {1, 2, 3}) + "\n" + ihex(0, 2, {4, 5}) + "\n" + End, BadFormat},
     {"different bytes in a falling overlap", ihex(0, 2, {4, 5}) + "\n" + ihex(0, 0, {1, 2, 3}) + "\n" + End, BadFormat},
-    {"different bytes inside another record", ihex(0, 0, pattern(64)) + "\n" + ihex(0, 32, {0xFF}) + "\n" + End, BadFormat},
+    {"different bytes inside another record", ihex(0, 0, pattern(64)) + "\n" + ihex(0, 32, {0xFF}) + "\n" + End,
+     BadFormat},
     {"data past 32 bits", ihex(4, 0, {0xFF, 0xFF}) + "\n" + ihex(0, 0xFFFF, {1, 2}) + "\n" + End, BadAddressRange},
 };
 
@@ -205,8 +210,8 @@ TEST(IntelHex, WrittenFile) {
     ASSERT_EQ(FILES_ImageToFile((dir / "o.hex").c_str(), image.get()), NoError);
     const Bytes bytes = pattern(40);
     const std::string expected = ihex(4, 0, {0, 0}) + "\n" + ihex(0, 0x10, {1, 2}) + "\n" + ihex(4, 0, {8, 0}) + "\n" +
-                                 ihex(0, 0xFFF8, Bytes(bytes.begin(), bytes.begin() + 8)) + "\n" + ihex(4, 0, {8, 1}) + "\n" +
-                                 ihex(0, 0, Bytes(bytes.begin() + 8, bytes.end())) + "\n" + End;
+                                 ihex(0, 0xFFF8, Bytes(bytes.begin(), bytes.begin() + 8)) + "\n" + ihex(4, 0, {8, 1}) +
+                                 "\n" + ihex(0, 0, Bytes(bytes.begin() + 8, bytes.end())) + "\n" + End;
     EXPECT_EQ(readFile(dir / "o.hex"), expected);
 }
 

@@ -164,7 +164,8 @@ std::string srec(unsigned type, std::uint32_t address, const Bytes &data) {
     return "S" + std::to_string(type) + digits(record);
 }
 
-unsigned int load(const TempDir &dir, const std::string &name, const std::string &content, Pieces &pieces, int program) {
+unsigned int load(const TempDir &dir, const std::string &name, const std::string &content, Pieces &pieces,
+                  int program) {
     writeFile(dir / name, content);
     Handle image;
     const unsigned int status = FILES_ImageFromFile((dir / name).c_str(), image.out(), program);

@@ -1,8 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <filesystem>
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "tests/libfiles/LibFiles.h"
@@ -25,13 +24,15 @@ struct Read {
 Read readMap(const std::string &path) {
     Read read;
     char name[256] = "unset";
-    read.status = FILES_GetMemoryMapping(path.c_str(), &read.sectors, name, &read.packetSize, nullptr, &read.sectorsPerSector);
+    read.status =
+        FILES_GetMemoryMapping(path.c_str(), &read.sectors, name, &read.packetSize, nullptr, &read.sectorsPerSector);
     read.name = name;
     if (read.status != 0)
         return read;
     read.records.resize(static_cast<std::size_t>(read.sectors));
     read.map.pSectors = read.records.data();
-    read.status = FILES_GetMemoryMapping(path.c_str(), &read.sectors, name, &read.packetSize, &read.map, &read.sectorsPerSector);
+    read.status =
+        FILES_GetMemoryMapping(path.c_str(), &read.sectors, name, &read.packetSize, &read.map, &read.sectorsPerSector);
     return read;
 }
 
@@ -42,8 +43,9 @@ Read readText(const std::string &text) {
 }
 
 TEST(MapFile, AUniformFlash) {
-    const Read read = readText("[Product]\nName=ZV32F403A\nPID=70050347\nSerial=07\nSectorsPerSector=2\nPacketSize=128\nAlternate=3\n\n"
-                               "[Sector0]\nAddress=08000000\nSize=800\nCount=2048\n");
+    const Read read = readText(
+        "[Product]\nName=ZV32F403A\nPID=70050347\nSerial=07\nSectorsPerSector=2\nPacketSize=128\nAlternate=3\n\n"
+        "[Sector0]\nAddress=08000000\nSize=800\nCount=2048\n");
     ASSERT_EQ(read.status, 0u);
     EXPECT_EQ(read.sectors, 2048);
     EXPECT_EQ(read.packetSize, 128);
@@ -59,7 +61,8 @@ TEST(MapFile, AUniformFlash) {
         ASSERT_EQ(sector.dwSectorIndex, i);
         ASSERT_EQ(sector.dwSectorSize, 2048u);
         ASSERT_EQ(sector.bSectorType, 0);
-        ASSERT_TRUE(sector.UseForOperation && sector.UseForErase && sector.UseForUpload && sector.UseForEraseProgramProtect);
+        ASSERT_TRUE(sector.UseForOperation && sector.UseForErase && sector.UseForUpload &&
+                    sector.UseForEraseProgramProtect);
     }
     EXPECT_STREQ(read.records[0].Name, "Sector0000");
     EXPECT_STREQ(read.records[1].Name, "Sector0001");
@@ -67,7 +70,8 @@ TEST(MapFile, AUniformFlash) {
 }
 
 TEST(MapFile, GroupsFollowOneAnother) {
-    const Read read = readText("[Sector1]\nSize=0x1000\nCount=2\nAddress=0x08010000\nAlias=10000\nType=7\nOperation=0\nErase=1\nUpload=0\nProtect=1\n"
+    const Read read = readText("[Sector1]\nSize=0x1000\nCount=2\nAddress=0x08010000\nAlias=10000\nType=7\nOperation="
+                               "0\nErase=1\nUpload=0\nProtect=1\n"
                                "[Sector0]\nSize=400\nCount=2\n[Sector2]\nSize=800\n");
     ASSERT_EQ(read.status, 0u);
     ASSERT_EQ(read.sectors, 5);
@@ -98,9 +102,10 @@ TEST(MapFile, WhatIsMissingHasItsDefault) {
 }
 
 TEST(MapFile, Text) {
-    const Read read = readText("\xEF\xBB\xBF; a comment\r\n# another\r\n\r\n [ Product ] \r\n Name = \"ZV32; F\" ; comment\r\n"
-                               "PID=1234 5678\r\nOther=anything at all\r\n[Other]\r\nSize=zz\r\n[Sectors]\r\nx=y\r\n"
-                               "[Sector0]\r\nSize=800;comment\r\nCount=\"3\"\r\n[Empty]");
+    const Read read =
+        readText("\xEF\xBB\xBF; a comment\r\n# another\r\n\r\n [ Product ] \r\n Name = \"ZV32; F\" ; comment\r\n"
+                 "PID=1234 5678\r\nOther=anything at all\r\n[Other]\r\nSize=zz\r\n[Sectors]\r\nx=y\r\n"
+                 "[Sector0]\r\nSize=800;comment\r\nCount=\"3\"\r\n[Empty]");
     ASSERT_EQ(read.status, 0u);
     EXPECT_EQ(read.name, "ZV32; F");
     EXPECT_EQ(read.sectors, 3);
@@ -155,7 +160,11 @@ const Bad BadMaps[] = {
     {"a flag of 2", "[Sector0]\nSize=800\nErase=2\n", BadFormat},
     {"a name of 256 bytes", "[Product]\nName=" + std::string(256, 'n') + "\n[Sector0]\nSize=800\n", BadFormat},
     {"a null", std::string("[Sector0]\nSize=800\nx=\0\n", 23), BadFormat},
-    {"binary", std::string("\x7F" "ELF\x02\x01\x01\0\0\0\xFF\xFE", 12), BadFormat},
+    {"binary",
+     std::string("\x7F"
+                 "ELF\x02\x01\x01\0\0\0\xFF\xFE",
+                 12),
+     BadFormat},
 };
 
 TEST(MapFile, BadMaps) {
@@ -212,7 +221,8 @@ TEST(MapFile, ATableThatGrewIsNotWrittenPastItsRecords) {
     MAPPING map{};
     map.pSectors = records.data();
     short sectors = 8;
-    EXPECT_EQ(FILES_GetMemoryMapping((dir / "a.ZVmap").c_str(), &sectors, nullptr, nullptr, &map, nullptr), ElementsFull);
+    EXPECT_EQ(FILES_GetMemoryMapping((dir / "a.ZVmap").c_str(), &sectors, nullptr, nullptr, &map, nullptr),
+              ElementsFull);
     EXPECT_EQ(sectors, 0);
     EXPECT_EQ(map.NbSectors, 0u);
     map.NbSectors = 9;

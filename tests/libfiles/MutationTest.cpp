@@ -1,9 +1,9 @@
 // Good files with something broken in them: whatever the library answers, it answers, and what it
 // takes it can hand out, cut and write.
 
-#include <gtest/gtest.h>
-
 #include <random>
+
+#include <gtest/gtest.h>
 
 #include "tests/libfiles/LibFiles.h"
 
@@ -43,7 +43,10 @@ std::string mutate(std::string text, std::mt19937 &random) {
         case 2: text.erase(std::min(at, text.size() - 1), random() % 40); break;
         case 3: text.insert(at, text.substr(random() % (text.size() + 1), random() % 200)); break;
         case 4: text[std::min(at, text.size() - 1)] = digits[random() % digits.size()]; break;
-        default: text.resize(at); text += '\n'; break;
+        default:
+            text.resize(at);
+            text += '\n';
+            break;
         }
     }
     return text;
@@ -92,7 +95,8 @@ TEST(Mutation, MapFile) {
         short packet = -1;
         char name[256];
         BYTE perSector = 0;
-        const unsigned int status = FILES_GetMemoryMapping((dir / "a.ZVmap").c_str(), &sectors, name, &packet, nullptr, &perSector);
+        const unsigned int status =
+            FILES_GetMemoryMapping((dir / "a.ZVmap").c_str(), &sectors, name, &packet, nullptr, &perSector);
         ASSERT_GE(sectors, 0);
         ASSERT_EQ(sectors > 0, status == 0);
         if (status != 0)

@@ -1,15 +1,13 @@
 // Paths that are no image: each is refused at once, none hangs or fills the memory.
 
-#include <gtest/gtest.h>
-
+#include <cstring>
 #include <filesystem>
 
+#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
-
-#include <cstring>
 
 #include "tests/libfiles/LibFiles.h"
 
@@ -34,12 +32,12 @@ TEST(OddFiles, Suffixes) {
         int program;
         unsigned int status;
     } const cases[] = {
-        {"a.bin", Program, NoError},           {"a.BIN", Program, NoError},   {"a.Bin", UserSystemData, NoError},
-        {"a.hex", Program, BadFormat},         {"a.HeX", Program, BadFormat}, {"a.HEX", UserSystemData, BadFormat},
-        {"a.s19", Program, BadFormat},         {"a.S19", Program, BadFormat}, {"a.s19", UserSystemData, BadSuffix},
-        {"a.srec", Program, BadFormat},        {"a.SREC", Program, BadFormat}, {"a.srec", UserSystemData, BadSuffix},
-        {"a.hex.txt", Program, BadSuffix},     {"a", Program, BadSuffix},     {"a.", Program, BadSuffix},
-        {"bin", Program, BadSuffix},           {"ahex", Program, BadSuffix},  {"a.elf", Program, BadSuffix},
+        {"a.bin", Program, NoError},       {"a.BIN", Program, NoError},    {"a.Bin", UserSystemData, NoError},
+        {"a.hex", Program, BadFormat},     {"a.HeX", Program, BadFormat},  {"a.HEX", UserSystemData, BadFormat},
+        {"a.s19", Program, BadFormat},     {"a.S19", Program, BadFormat},  {"a.s19", UserSystemData, BadSuffix},
+        {"a.srec", Program, BadFormat},    {"a.SREC", Program, BadFormat}, {"a.srec", UserSystemData, BadSuffix},
+        {"a.hex.txt", Program, BadSuffix}, {"a", Program, BadSuffix},      {"a.", Program, BadSuffix},
+        {"bin", Program, BadSuffix},       {"ahex", Program, BadSuffix},   {"a.elf", Program, BadSuffix},
         {"a.bin.hex", Program, BadFormat},
     };
     for (const auto &one : cases) {

@@ -25,14 +25,20 @@ const Good GoodFiles[] = {
     {"S1", srec(1, 0xFFFF, {1}) + "\n" + End, {{0xFFFF, {1}}}},
     {"S2", srec(2, 0x123456, {1}) + "\n" + srec(8, 0, {}) + "\n", {{0x123456, {1}}}},
     {"S3", srec(3, 0x08001234, {1}) + "\n" + srec(7, 0x08000000, {}) + "\n", {{0x08001234, {1}}}},
-    {"S1, S2 and S3 in one file", srec(3, 2, {3}) + "\n" + srec(2, 1, {2}) + "\n" + srec(1, 0, {1}) + "\n" + End, {{0, {1, 2, 3}}}},
+    {"S1, S2 and S3 in one file",
+     srec(3, 2, {3}) + "\n" + srec(2, 1, {2}) + "\n" + srec(1, 0, {1}) + "\n" + End,
+     {{0, {1, 2, 3}}}},
     {"the longest S1", srec(1, 0, pattern(252)) + "\n" + End, {{0, pattern(252)}}},
     {"the longest S3", srec(3, 0, pattern(250)) + "\n" + End, {{0, pattern(250)}}},
     {"S1 data past 16 bits", srec(1, 0xFFFF, {1, 2}) + "\n" + End, {{0xFFFF, {1, 2}}}},
     {"a record without data", srec(1, 0, {}) + "\n" + End, {}},
-    {"S5 counts the data records", Head + srec(1, 0, {1}) + "\n" + srec(1, 1, {2}) + "\n" + srec(5, 2, {}) + "\n" + End, {{0, {1, 2}}}},
+    {"S5 counts the data records",
+     Head + srec(1, 0, {1}) + "\n" + srec(1, 1, {2}) + "\n" + srec(5, 2, {}) + "\n" + End,
+     {{0, {1, 2}}}},
     {"so does S6", srec(1, 0, {1}) + "\n" + srec(6, 1, {}) + "\n" + End, {{0, {1}}}},
-    {"a right count is an end, as some writers have no other", Head + srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\n", {{0, {1}}}},
+    {"a right count is an end, as some writers have no other",
+     Head + srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\n",
+     {{0, {1}}}},
     {"data behind a count", srec(5, 0, {}) + "\n" + srec(1, 0, {1}) + "\n" + End, {{0, {1}}}},
     {"S5 of none", srec(5, 0, {}) + "\n" + End, {}},
     {"the same bytes twice", srec(1, 0, {1, 2}) + "\n" + srec(1, 1, {2, 3}) + "\n" + End, {{0, {1, 2, 3}}}},
@@ -49,7 +55,8 @@ const Bad BadFiles[] = {
     {"an empty file", "", BadFormat},
     {"no end record", Head + srec(1, 0, {1}) + "\n", BadFormat},
     {"a wrong count is no end", srec(1, 0, {1}) + "\n" + srec(5, 2, {}) + "\n", BadFormat},
-    {"a count is no end for data behind it", srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\n" + srec(1, 1, {2}) + "\n", BadFormat},
+    {"a count is no end for data behind it", srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\n" + srec(1, 1, {2}) + "\n",
+     BadFormat},
     {"a wrong checksum", "S104000055A7\n" + End, BadFormat},
     {"a wrong checksum in the end record", "S9030000FD\n", BadFormat},
     {"a wrong checksum in the header", "S0030000FD\n" + End, BadFormat},
@@ -127,7 +134,8 @@ TEST(SRecord, WrittenFile) {
     const Bytes bytes = pattern(40);
     const std::string expected = srec(0, 0, {'a', 'p', 'p', '.', 'h', 'e', 'x'}) + "\n" +
                                  srec(3, 0x08000000, Bytes(bytes.begin(), bytes.begin() + 32)) + "\n" +
-                                 srec(3, 0x08000020, Bytes(bytes.begin() + 32, bytes.end())) + "\n" + srec(7, 0, {}) + "\n";
+                                 srec(3, 0x08000020, Bytes(bytes.begin() + 32, bytes.end())) + "\n" + srec(7, 0, {}) +
+                                 "\n";
     EXPECT_EQ(readFile(dir / "o.srec"), expected);
 }
 

@@ -1,8 +1,6 @@
 // FILES_ImageToFile with every one of its system calls failing in turn, and with the process killed
 // in front of every one of them. The calls are caught on their way out of the library.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -11,6 +9,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -97,7 +96,8 @@ void PrintTo(const Case &one, std::ostream *out) {
     *out << one.name;
 }
 
-const Case Cases[] = {{"UnnamedOver", true, true}, {"UnnamedNew", true, false}, {"NamedOver", false, true}, {"NamedNew", false, false}};
+const Case Cases[] = {
+    {"UnnamedOver", true, true}, {"UnnamedNew", true, false}, {"NamedOver", false, true}, {"NamedNew", false, false}};
 
 struct Outcome {
     int calls = 0;
@@ -169,11 +169,10 @@ TEST_P(SaveFaults, EachCallFails) {
         EXPECT_TRUE(outcome.isOld || outcome.isNew);
         // A failure behind the last step leaves the new file, and one that another way is found
         // around is none.
-        if (outcome.status == NoError) {
+        if (outcome.status == NoError)
             EXPECT_TRUE(outcome.isNew);
-        } else if (at < calls) {
+        else if (at < calls)
             EXPECT_TRUE(outcome.isOld);
-        }
     }
 }
 
@@ -185,12 +184,12 @@ TEST_P(SaveFaults, KilledInFrontOfEachCall) {
         SCOPED_TRACE(std::to_string(at) + " " + call);
         EXPECT_TRUE(outcome.isOld || outcome.isNew);
         // Without a name, the file has one only for the moment in front of the rename.
-        if (GetParam().unnamedFiles && call != "rename") {
+        if (GetParam().unnamedFiles && call != "rename")
             EXPECT_EQ(outcome.litter, 0u);
-        }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, SaveFaults, testing::ValuesIn(Cases), [](const auto &one) { return std::string(one.param.name); });
+INSTANTIATE_TEST_SUITE_P(Files, SaveFaults, testing::ValuesIn(Cases),
+                         [](const auto &one) { return std::string(one.param.name); });
 
 } // namespace

@@ -1,10 +1,9 @@
 // FILES_ImageToFile and the disk: what becomes of the old file, of permissions, links and limits.
 
-#include <gtest/gtest.h>
-
 #include <csignal>
 #include <filesystem>
 
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -51,7 +50,9 @@ TEST(Save, MakesANewFile) {
 
 TEST(Save, ARelativePathWithoutADirectory) {
     const TempDir dir;
-    const int status = inChild([&] { return ::chdir(dir.path().c_str()) == 0 && save("o.bin") == NoError && save("o.bin") == NoError ? 0 : 1; });
+    const int status = inChild([&] {
+        return ::chdir(dir.path().c_str()) == 0 && save("o.bin") == NoError && save("o.bin") == NoError ? 0 : 1;
+    });
     EXPECT_EQ(status, 0);
     EXPECT_EQ(dir.entries(), Names{"o.bin"});
 }
@@ -166,9 +167,8 @@ TEST(Save, NoRoom) {
             EXPECT_TRUE(WIFEXITED(status));
             EXPECT_EQ(WEXITSTATUS(status), static_cast<int>(GeneralError));
             EXPECT_EQ(dir.entries(), exists ? Names{name} : Names{});
-            if (exists) {
+            if (exists)
                 EXPECT_EQ(readFile(dir / name), "old");
-            }
         }
 }
 
@@ -184,9 +184,8 @@ TEST(Save, KilledBySignalWhileWriting) {
         });
         EXPECT_TRUE(WIFSIGNALED(status));
         EXPECT_EQ(dir.entries(), exists ? Names{"o.bin"} : Names{});
-        if (exists) {
+        if (exists)
             EXPECT_EQ(readFile(dir / "o.bin"), "old");
-        }
     }
 }
 

@@ -1,9 +1,9 @@
 // Files whose records come in no order. Sizes are such that anything quadratic would show.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <random>
+
+#include <gtest/gtest.h>
 
 #include "tests/libfiles/LibFiles.h"
 
@@ -88,7 +88,8 @@ TEST(Scattered, OverlapsAgainstAModel) {
             const std::size_t start = random() % (image.size() - 250);
             const std::size_t length = random() % 250;
             const auto first = image.begin() + static_cast<std::ptrdiff_t>(start);
-            records.push_back({static_cast<std::uint32_t>(start), Bytes(first, first + static_cast<std::ptrdiff_t>(length))});
+            records.push_back(
+                {static_cast<std::uint32_t>(start), Bytes(first, first + static_cast<std::ptrdiff_t>(length))});
             std::fill_n(present.begin() + static_cast<std::ptrdiff_t>(start), length, true);
         }
         Pieces expected;

@@ -1,9 +1,9 @@
 // Other programs write what we read and read what we write. Needs objcopy (binutils) and srec_cat
 // (srecord).
 
-#include <gtest/gtest.h>
-
 #include <ostream>
+
+#include <gtest/gtest.h>
 
 #include "tests/libfiles/LibFiles.h"
 
@@ -41,9 +41,11 @@ const Witness Witnesses[] = {
     {"srec_cat.hex", "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -intel",
      "srec_cat $1 -intel -offset -0x08000000 -fill 0xFF 0 0x50293 -o $2 -binary"},
     {"short.hex",
-     "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -intel -line-length=24 -line_termination crlf",
+     "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -intel -line-length=24 "
+     "-line_termination crlf",
      "objcopy -I ihex -O binary --gap-fill 0xFF $1 $2"},
-    {"long.hex", "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -intel -output_block_size=255",
+    {"long.hex",
+     "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -intel -output_block_size=255",
      "objcopy -I ihex -O binary --gap-fill 0xFF $1 $2"},
     {"srec_cat.s19", "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -motorola",
      "srec_cat $1 -motorola -offset -0x08000000 -fill 0xFF 0 0x50293 -o $2 -binary"},
@@ -107,9 +109,10 @@ TEST(Witness, AddressWidths) {
         const char *name;
         const char *options;
         std::uint32_t address;
-    } const widths[] = {{"a.s19", "-motorola -address-length=2", 0x8000}, {"b.s19", "-motorola -address-length=3", 0x123456},
-                        {"c.s19", "-motorola -address-length=4", 0x12345678}, {"d.hex", "-intel -address-length=2", 0x8000},
-                        {"e.hex", "-intel -address-length=3", 0xAFFF8}, {"f.hex", "-intel -address-length=4", 0xFFFF8000}};
+    } const widths[] = {
+        {"a.s19", "-motorola -address-length=2", 0x8000},     {"b.s19", "-motorola -address-length=3", 0x123456},
+        {"c.s19", "-motorola -address-length=4", 0x12345678}, {"d.hex", "-intel -address-length=2", 0x8000},
+        {"e.hex", "-intel -address-length=3", 0xAFFF8},       {"f.hex", "-intel -address-length=4", 0xFFFF8000}};
     const TempDir dir;
     writeFile(dir / "1.bin", pattern(300));
     for (const auto &width : widths) {

@@ -40,12 +40,11 @@ constexpr Row Rows[] = {
 std::string asLog(const std::string &shortForm) {
     std::istringstream words(shortForm);
     std::string log;
-    for (std::string word; words >> word;) {
+    for (std::string word; words >> word;)
         if (word[0] == 'D' || word[0] == 'R')
             log += std::string("ZVBL_Set") + (word[0] == 'D' ? "Dtr" : "Rts") + " h=1001 level=" + word[1] + "\n";
         else
             log += "sleep " + word + "\n";
-    }
     return log;
 }
 

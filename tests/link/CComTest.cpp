@@ -18,12 +18,11 @@ TEST_F(CComTest, DefaultsOfALinkWithoutPort) {
 
 TEST_F(CComTest, SupportListsOfUsart) {
     const CCom link;
-    EXPECT_EQ(link.m_lsSupSpeedInBaud, (QList<int>{1200, 2400, 4800, 9600, 14400, 19200, 38400, 56000, 57600, 115200,
-                                                   128000, 256000}));
+    EXPECT_EQ(link.m_lsSupSpeedInBaud,
+              (QList<int>{1200, 2400, 4800, 9600, 14400, 19200, 38400, 56000, 57600, 115200, 128000, 256000}));
     EXPECT_EQ(link.m_lsSupiBit, QList<int>{8});
     EXPECT_EQ(link.m_lsSupParity, (QList<int>{0, 1, 2}));
-    EXPECT_EQ(link.m_lsSupiTimeOut,
-              (QList<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 20, 30, 40, 50, 60, 70, 80, 90, 120}));
+    EXPECT_EQ(link.m_lsSupiTimeOut, (QList<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 20, 30, 40, 50, 60, 70, 80, 90, 120}));
 }
 
 TEST_F(CComTest, ConstructorMakesTheLinkWithTheDefaultSettings) {
@@ -35,8 +34,7 @@ TEST_F(CComTest, ConstructorMakesTheLinkWithTheDefaultSettings) {
         EXPECT_EQ(link.m_strPortName, "ttyS12");
         EXPECT_EQ(link.GetInterfaceType(), type);
         EXPECT_EQ(link.m_handle, reinterpret_cast<HANDLE>(0x1001));
-        EXPECT_EQ(library.log(),
-                  "SetCOMSettings h=0 port=12 name=\"ttyS12\" baud=115200 bits=8 parity=2 stop=1.0\n");
+        EXPECT_EQ(library.log(), "SetCOMSettings h=0 port=12 name=\"ttyS12\" baud=115200 bits=8 parity=2 stop=1.0\n");
     }
 }
 

@@ -69,8 +69,7 @@ TEST_F(ConnectTest, UsartWithAWrongAutoConnectIndexGoesOn) {
     com->SetBootSwitch(AUTOMATIC);
     com->SetBootOptionIndex(13);
     EXPECT_EQ(bootLoader().Connect(), CResult::SUCCESS);
-    EXPECT_EQ(library.log(),
-              "ZVBL_Init_BL h=1001 addr=0 rate=0 duty=0\nZVBL_ZV32ISP_TOOL h=1001\nZVBL_GET h=1001\n");
+    EXPECT_EQ(library.log(), "ZVBL_Init_BL h=1001 addr=0 rate=0 duty=0\nZVBL_ZV32ISP_TOOL h=1001\nZVBL_GET h=1001\n");
 }
 
 TEST_F(ConnectTest, UsbDfuNeedsNoStartAndFillsTheCapabilities) {

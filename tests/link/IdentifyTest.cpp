@@ -48,8 +48,8 @@ TEST_F(IdentifyTest, AFailureOfEitherCallIsConverted) {
 }
 
 TEST_F(IdentifyTest, FlashSizesByTheIndexInThePid) {
-    const int sizes[] = {16,  24,   32,   48,   64,   72,   96,  128, 192,  256,  384, 512, 768, 1024, 1536, 2048,
-                         4096, 5120, 192, 960, 1984, 4032, 448, 0,   0,    0,    0,   0,   0,   0,    0,    0};
+    const int sizes[] = {16,   24,   32,  48,  64,   72,   96,  128, 192, 256, 384, 512, 768, 1024, 1536, 2048,
+                         4096, 5120, 192, 960, 1984, 4032, 448, 0,   0,   0,   0,   0,   0,   0,    0,    0};
     for (int index = 0; index < 32; ++index) {
         EXPECT_EQ(bootLoader().ZV32GetFlashSize(index << 6), sizes[index]) << index;
         EXPECT_EQ(bootLoader().ZV32GetFlashSize(0x7005003F | index << 6), sizes[index]) << index;
@@ -123,12 +123,9 @@ struct VersionCase {
 
 TEST_F(IdentifyTest, VersionAndBlockIdentifier) {
     const VersionCase cases[] = {
-        {"version=21 bid=12 res=FF", "2.1", "0102", 0x1200},
-        {"version=21 bid=12 res=34", "2.1", "1234", 0x1234},
-        {"version=00 bid=03 res=00", "0.0", "0300", 0x0300},
-        {"version=FA bid=AB res=FF", "15.10", "0A0B", 0xAB00},
-        {"version=20 bid=00 res=00", "2.0", "NA", 0x7777},
-        {"version=20 bid=00 res=FF", "2.0", "NA", 0x7777},
+        {"version=21 bid=12 res=FF", "2.1", "0102", 0x1200}, {"version=21 bid=12 res=34", "2.1", "1234", 0x1234},
+        {"version=00 bid=03 res=00", "0.0", "0300", 0x0300}, {"version=FA bid=AB res=FF", "15.10", "0A0B", 0xAB00},
+        {"version=20 bid=00 res=00", "2.0", "NA", 0x7777},   {"version=20 bid=00 res=FF", "2.0", "NA", 0x7777},
         {"version=20 bid=00 res=34", "2.0", "NA", 0x7777},
     };
     for (const VersionCase &one : cases) {

@@ -3,13 +3,14 @@
 // What the link tests stand on: the recording double in place of the library, a directory of map files of
 // their own, and links that are opened already.
 
-#include <gtest/gtest.h>
-
-#include <QString>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
+
+#include <QString>
+
+#include <gtest/gtest.h>
 
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
@@ -38,8 +39,8 @@ protected:
                   int sectors, int sectorsPerBit, int packetSize = 0) {
         std::ofstream("Map/" + name + ".ZVmap")
             << "[Product]\nName=" << name.substr(0, name.rfind('_')) << "\nPID=" << pid << "\nSerial=" << series
-            << "\nSectorsPerSector=" << sectorsPerBit << "\nPacketSize=" << packetSize << "\n\n[Sector0]\nSize="
-            << QString::number(sectorSize, 16).toStdString() << "\nCount=" << sectors << "\n";
+            << "\nSectorsPerSector=" << sectorsPerBit << "\nPacketSize=" << packetSize
+            << "\n\n[Sector0]\nSize=" << QString::number(sectorSize, 16).toStdString() << "\nCount=" << sectors << "\n";
     }
 
     // An open link of the type, with the log empty.

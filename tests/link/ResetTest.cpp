@@ -35,7 +35,8 @@ TEST_F(ResetTest, FiveFailedAttemptsGiveTheLastStatusAndNoConnect) {
     open(USART);
     library.script("Interface_Open status=3\nInterface_Open status=4 nth=5\nInterface_Close status=1");
     EXPECT_EQ(bootLoader().Reconnect(), CResult::COM_SEND_FAIL);
-    EXPECT_EQ(library.log(), "Interface_Close h=1001\n" + OneAttempt + OneAttempt + OneAttempt + OneAttempt + OneAttempt);
+    EXPECT_EQ(library.log(),
+              "Interface_Close h=1001\n" + OneAttempt + OneAttempt + OneAttempt + OneAttempt + OneAttempt);
 }
 
 TEST_F(ResetTest, TheCodeOfConnectIsTheResult) {

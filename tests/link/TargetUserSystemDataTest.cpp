@@ -28,7 +28,8 @@ Bytes pairsOf(const std::string &hexDigits, size_t length) {
 }
 
 void writeFile(const std::string &path, const Bytes &bytes) {
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char *>(bytes.data()), std::streamsize(bytes.size()));
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char *>(bytes.data()), std::streamsize(bytes.size()));
 }
 
 Bytes readFile(const std::string &path) {
@@ -87,7 +88,9 @@ TEST_F(TargetUserSystemDataTest, WritesWhatWasReadAndReconnects) {
     const std::string log = library.log();
     EXPECT_EQ(log, Read + logOfTheWrite() + "\n" + Reopened + Connected);
     EXPECT_EQ(logOfTheWrite().rfind("TARGET_SetUserSystemData h=1001 addr=1FFFF800 len=24 "
-                                    "data=A5FF1122FFFFFFFF3344556677889900..", 0), 0u);
+                                    "data=A5FF1122FFFFFFFF3344556677889900..",
+                                    0),
+              0u);
 }
 
 TEST_F(TargetUserSystemDataTest, AReadThatFailsBehindAWriteWithoutObjectIsAnUnknownError) {
@@ -227,7 +230,8 @@ TEST_F(TargetUserSystemDataTest, WrongComplementsAreTaken) {
 
 TEST_F(TargetUserSystemDataTest, AWriteOfAFileExceptForTheProtectionByteKeepsTheChips) {
     writeFile("usd.bin", pairsOf("CCEE", 4096));
-    EXPECT_EQ(bootLoader().LoadUserSystemDataFromFile("./usd.bin"), CResult::SUCCESS); // the object differs from the chip
+    EXPECT_EQ(bootLoader().LoadUserSystemDataFromFile("./usd.bin"),
+              CResult::SUCCESS); // the object differs from the chip
     library.clearLog();
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFileToDeviceExceptFAP("./usd.bin"), CResult::SUCCESS);
     EXPECT_EQ(library.log(), Read + logOfTheWrite() + "\n" + Reopened + Connected);

@@ -1,8 +1,9 @@
 // The double itself: what other tests take for granted.
 
-#include <QThread>
 #include <chrono>
 #include <thread>
+
+#include <QThread>
 
 #include "tests/link/LinkTest.h"
 
@@ -58,6 +59,6 @@ TEST_F(ZvblDoubleTest, CallsOfAnotherThreadAreOrderedByTheirOwnThread) {
         SetPaketSize(nullptr, 1);
     other.join();
     const std::string log = library.log();
-    EXPECT_EQ(log.size(), 50 * std::string("SetTimeOut h=0 ms=1\n").size() +
-                              50 * std::string("SetPaketSize h=0 bytes=1\n").size());
+    EXPECT_EQ(log.size(),
+              50 * std::string("SetTimeOut h=0 ms=1\n").size() + 50 * std::string("SetPaketSize h=0 bytes=1\n").size());
 }

@@ -14,11 +14,11 @@ struct SectorsRow {
 
 TEST(CUserSystemData, SomeFamiliesHaveTheirOwnSectorsPerBit) {
     OptionDevice device(64, 2048, 7);
-    const SectorsRow rows[] = {{ZV32F415, 2}, {ZV32WB415, 2}, {ZV32F421, 4}, {ZV32F425, 4}, {ZV32L021, 4},
-                               {ZV32F403A, 7}, {ZV32F435, 7}, {ZV32F423, 7}, {ZV32M412, 7}, {27, 7}};
-    for (const SectorsRow &row : rows) {
-        EXPECT_EQ(CUserSystemData(row.family, 0, &device.device, nullptr, 0).m_bSectorsPerBit, row.sectors) << row.family;
-    }
+    const SectorsRow rows[] = {{ZV32F415, 2},  {ZV32WB415, 2}, {ZV32F421, 4}, {ZV32F425, 4}, {ZV32L021, 4},
+                               {ZV32F403A, 7}, {ZV32F435, 7},  {ZV32F423, 7}, {ZV32M412, 7}, {27, 7}};
+    for (const SectorsRow &row : rows)
+        EXPECT_EQ(CUserSystemData(row.family, 0, &device.device, nullptr, 0).m_bSectorsPerBit, row.sectors)
+            << row.family;
 }
 
 TEST(CUserSystemData, TakesItsFactsFromTheDevice) {
@@ -71,9 +71,8 @@ TEST(CUserSystemData, ReadsAnElementOfTwiceTheCompactLengthAndNoShorterOne) {
     OptionDevice device(64, 2048, 2);
     CUserSystemData data(ZV32F403A, 0, &device.device, nullptr, 0);
     std::vector<BYTE> bytes(48, 0x00);
-    for (std::size_t i = 0; i < bytes.size(); i += 2) {
+    for (std::size_t i = 0; i < bytes.size(); i += 2)
         bytes[i] = 0x21;
-    }
     IMAGEELEMENT element = {0x1000, 47, bytes.data()};
     EXPECT_FALSE(data.SetElementData(&element));
     data.SetElementData(bytes.data(), 47);

@@ -8,8 +8,8 @@ namespace {
 
 std::string mapFile(const std::string &pid, const std::string &serial, const std::string &name,
                     const std::string &size = "800", const std::string &sectorsPerBit = "2") {
-    return "[Product]\nPID=" + pid + "\nSerial=" + serial + "\nName=" + name +
-           "\nSectorsPerSector=" + sectorsPerBit + "\n[Sector0]\nSize=" + size + "\n";
+    return "[Product]\nPID=" + pid + "\nSerial=" + serial + "\nName=" + name + "\nSectorsPerSector=" + sectorsPerBit +
+           "\n[Sector0]\nSize=" + size + "\n";
 }
 
 // A description that takes its map with it.

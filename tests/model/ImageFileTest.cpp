@@ -1,6 +1,5 @@
-#include "files/CFiles.h"
-
 #include "ModelTest.h"
+#include "files/CFiles.h"
 #include "foundation/Result.h"
 
 namespace {
@@ -13,27 +12,16 @@ struct TypeRow {
 };
 
 const TypeRow typeRows[] = {
-    {"/x/a.bin", BIN},
-    {"/x/a.hex", HEX},
-    {"/x/A.HEX", HEX},
-    {"/x/a.s19", S19},
-    {"/x/a.srec", S19},
-    {"/x/a.SReC", S19},
-    {"", UNKNOWN},
-    {"/x/a.elf", UNKNOWN},
-    {"/x/abin", UNKNOWN},
-    {"/build.bin/a.hex", BIN}, // the first suffix of the search, wherever it stands
-    {"/x.hex/a.s19", HEX},
-    {"/x/a.hex.bak", HEX},
-    {"/x/a.s19.bin", BIN},
-    {"/x.srec/a", S19},
+    {"/x/a.bin", BIN},     {"/x/a.hex", HEX},         {"/x/A.HEX", HEX},     {"/x/a.s19", S19},
+    {"/x/a.srec", S19},    {"/x/a.SReC", S19},        {"", UNKNOWN},         {"/x/a.elf", UNKNOWN},
+    {"/x/abin", UNKNOWN},  {"/build.bin/a.hex", BIN}, // the first suffix of the search, wherever it stands
+    {"/x.hex/a.s19", HEX}, {"/x/a.hex.bak", HEX},     {"/x/a.s19.bin", BIN}, {"/x.srec/a", S19},
 };
 
 TEST(ImageFile, TheTypeIsTheFirstSuffixFoundAnywhere) {
     CProgramFile file;
-    for (const TypeRow &row : typeRows) {
+    for (const TypeRow &row : typeRows)
         EXPECT_EQ(file.ParseFileType(row.path), row.type) << row.path;
-    }
     EXPECT_EQ(UNKNOWN, 0);
     EXPECT_EQ(BIN, 1);
     EXPECT_EQ(HEX, 2);
@@ -41,19 +29,26 @@ TEST(ImageFile, TheTypeIsTheFirstSuffixFoundAnywhere) {
 }
 
 TEST(ImageFile, TheStatusesHaveTheirNumbers) {
-    const std::vector<unsigned int> files = {
-        CFiles::FILES_ERROR_OFFSET,   CFiles::FILES_NOERROR,         CFiles::FILES_BADSUFFIX,
-        CFiles::FILES_UNABLETOOPENFILE, CFiles::FILES_UNABLETOOPENTEMPFILE, CFiles::FILES_BADFORMAT,
-        CFiles::FILES_BADADDRESSRANGE, CFiles::FILES_BADPARAMETER,   CFiles::FILES_UNEXPECTEDERROR,
-        CFiles::FILES_FILEGENERALERROR, CFiles::FILES_NOTOPEN,       CFiles::FILES_SETELEMENTFULL};
+    const std::vector<unsigned int> files = {CFiles::FILES_ERROR_OFFSET,
+                                             CFiles::FILES_NOERROR,
+                                             CFiles::FILES_BADSUFFIX,
+                                             CFiles::FILES_UNABLETOOPENFILE,
+                                             CFiles::FILES_UNABLETOOPENTEMPFILE,
+                                             CFiles::FILES_BADFORMAT,
+                                             CFiles::FILES_BADADDRESSRANGE,
+                                             CFiles::FILES_BADPARAMETER,
+                                             CFiles::FILES_UNEXPECTEDERROR,
+                                             CFiles::FILES_FILEGENERALERROR,
+                                             CFiles::FILES_NOTOPEN,
+                                             CFiles::FILES_SETELEMENTFULL};
     EXPECT_EQ(files, (std::vector<unsigned int>{0, 0x12340000, 2, 3, 4, 5, 6, 8, 10, 13, 14, 15}));
     const std::vector<unsigned int> threads = {
-        CFiles::STPRT_ERROR_OFFSET,  CFiles::STPRT_NOERROR,      CFiles::STPRT_UNABLETOLAUNCHTHREAD,
-        CFiles::STPRT_ALREADYRUNNING, CFiles::STPRT_BADPARAMETER, CFiles::STPRT_BADFIRMWARESTATEMACHINE,
-        CFiles::STPRT_UNEXPECTEDERROR, CFiles::STPRT_ERROR,      CFiles::STPRT_RETRYERROR,
+        CFiles::STPRT_ERROR_OFFSET,      CFiles::STPRT_NOERROR,      CFiles::STPRT_UNABLETOLAUNCHTHREAD,
+        CFiles::STPRT_ALREADYRUNNING,    CFiles::STPRT_BADPARAMETER, CFiles::STPRT_BADFIRMWARESTATEMACHINE,
+        CFiles::STPRT_UNEXPECTEDERROR,   CFiles::STPRT_ERROR,        CFiles::STPRT_RETRYERROR,
         CFiles::STPRT_UNSUPPORTEDFEATURE};
-    EXPECT_EQ(threads, (std::vector<unsigned int>{0x12345000, 0x12340000, 0x12345001, 0x12345007, 0x12345008, 0x12345009,
-                                                  0x1234500A, 0x1234500B, 0x1234500C, 0x1234500D}));
+    EXPECT_EQ(threads, (std::vector<unsigned int>{0x12345000, 0x12340000, 0x12345001, 0x12345007, 0x12345008,
+                                                  0x12345009, 0x1234500A, 0x1234500B, 0x1234500C, 0x1234500D}));
 }
 
 TEST(ImageFile, AClosedFileHasNothing) {
@@ -92,7 +87,8 @@ protected:
     CProgramFile file;
 };
 
-constexpr char twoElements[] = "element address=08000000 length=100 fill=11\nelement address=08000800 length=50 fill=22\n";
+constexpr char twoElements[] =
+    "element address=08000000 length=100 fill=11\nelement address=08000800 length=50 fill=22\n";
 
 TEST_F(OpenFile, IsWalkedToItsEndAndStaysThere) {
     open(twoElements);
@@ -135,9 +131,10 @@ TEST_F(OpenFile, StoresTheCurrentElement) {
     file.GetElement()->Data[0] = 0x77;
     EXPECT_EQ(file.CFiles::SetElement(), 0);
     EXPECT_EQ(file.SetElement(false), 0);
-    EXPECT_EQ(double_->calls(),
-              (Lines{"FILES_SetImageElement image=1 index=1 insert=1 address=08000800 length=50 data=77222222 -> 12340000",
-                     "FILES_SetImageElement image=1 index=1 insert=0 address=08000800 length=50 data=77222222 -> 12340000"}));
+    EXPECT_EQ(
+        double_->calls(),
+        (Lines{"FILES_SetImageElement image=1 index=1 insert=1 address=08000800 length=50 data=77222222 -> 12340000",
+               "FILES_SetImageElement image=1 index=1 insert=0 address=08000800 length=50 data=77222222 -> 12340000"}));
 }
 
 TEST_F(OpenFile, ConvertsAFailureToStore) {

@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "OptionBytes.h"
 #include "foundation/ShareParameter.h"
@@ -65,8 +65,10 @@ const LengthRow lengthRows[] = {
 
 TEST(Layouts, LengthsGoByFamilyIdentifierAndSectorSize) {
     for (const LengthRow &row : lengthRows) {
-        EXPECT_EQ(CUserSystemData::GetUserSystemDataLength(row.family, row.bid, row.sectorSize), row.compact) << row.family;
-        EXPECT_EQ(CUserSystemData::GetUserSystemDataDATALength(row.family, row.bid, row.sectorSize), row.data) << row.family;
+        EXPECT_EQ(CUserSystemData::GetUserSystemDataLength(row.family, row.bid, row.sectorSize), row.compact)
+            << row.family;
+        EXPECT_EQ(CUserSystemData::GetUserSystemDataDATALength(row.family, row.bid, row.sectorSize), row.data)
+            << row.family;
         EXPECT_EQ(CUserSystemData::GetUserSystemDataEPPLength(row.family), row.epp) << row.family;
     }
 }
@@ -81,31 +83,33 @@ int key(const CUserSystemData &data, int index) {
 }
 
 int layoutA(const CUserSystemData &data, int n) {
-    return n == 0   ? data.FAP
-           : n == 1 ? data.SSB
-           : n <= 3 ? data.DATA[n - 2]
-           : n <= 7 ? data.EPP[n - 4]
-           : n == 8 ? data.EOPB0
-           : n == 9 ? data.RES1
+    return n == 0    ? data.FAP
+           : n == 1  ? data.SSB
+           : n <= 3  ? data.DATA[n - 2]
+           : n <= 7  ? data.EPP[n - 4]
+           : n == 8  ? data.EOPB0
+           : n == 9  ? data.RES1
            : n <= 15 ? data.DATA[n - 8]
                      : key(data, n - 16);
 }
 
 int layoutBC(const CUserSystemData &data, int n) {
-    return n == 0 ? data.FAP : n == 1 ? data.SSB : n <= 3 ? data.DATA[n - 2] : n <= 7 ? data.EPP[n - 4] : data.DATA[n - 6];
+    return n == 0   ? data.FAP
+           : n == 1 ? data.SSB
+           : n <= 3 ? data.DATA[n - 2]
+           : n <= 7 ? data.EPP[n - 4]
+                    : data.DATA[n - 6];
 }
 
 int layoutD(const CUserSystemData &data, int n) {
-    if (n <= 7) {
+    if (n <= 7)
         return layoutBC(data, n);
-    }
     return n >= 38 ? data.DATA[n - 36] : n >= 26 && n <= 29 ? key(data, n - 26) : -1;
 }
 
 int layoutE(const CUserSystemData &data, int n) {
-    if (n <= 9) {
+    if (n <= 9)
         return layoutA(data, n);
-    }
     return n >= 38 ? data.DATA[n - 36] : n <= 25 ? data.EPP[n - 6] : n <= 33 ? key(data, n - 26) : -1;
 }
 
@@ -127,12 +131,20 @@ struct FormRow {
 };
 
 const FormRow formRows[] = {
-    {ZV32F403_1, 0, 2048, 24, layoutA},      {ZV32F403A, 0, 2048, 24, layoutA},   {27, 0, 2048, 24, layoutA},
-    {ZV32F415, 0x4601, 1024, 16, layoutBC},  {ZV32F415, 0x4602, 2048, 512, layoutBC},
-    {ZV32WB415, 0x4701, 2048, 512, layoutBC}, {ZV32F421, 0, 1024, 256, layoutBC}, {ZV32M412, 0, 2048, 256, layoutBC},
-    {ZV32F405, 0, 2048, 256, layoutD},       {ZV32F490, 0, 2048, 256, layoutD},
-    {ZV32F435, 0, 2048, 256, layoutE},       {ZV32F437, 0, 4096, 2048, layoutE},
-    {ZV32F422, 0, 1024, 256, layoutF},       {ZV32F426, 0, 1024, 256, layoutF},
+    {ZV32F403_1, 0, 2048, 24, layoutA},
+    {ZV32F403A, 0, 2048, 24, layoutA},
+    {27, 0, 2048, 24, layoutA},
+    {ZV32F415, 0x4601, 1024, 16, layoutBC},
+    {ZV32F415, 0x4602, 2048, 512, layoutBC},
+    {ZV32WB415, 0x4701, 2048, 512, layoutBC},
+    {ZV32F421, 0, 1024, 256, layoutBC},
+    {ZV32M412, 0, 2048, 256, layoutBC},
+    {ZV32F405, 0, 2048, 256, layoutD},
+    {ZV32F490, 0, 2048, 256, layoutD},
+    {ZV32F435, 0, 2048, 256, layoutE},
+    {ZV32F437, 0, 4096, 2048, layoutE},
+    {ZV32F422, 0, 1024, 256, layoutF},
+    {ZV32F426, 0, 1024, 256, layoutF},
 };
 
 BYTE pattern(int n) {
@@ -141,9 +153,8 @@ BYTE pattern(int n) {
 
 std::vector<BYTE> patternBlock(int length) {
     std::vector<BYTE> block;
-    for (int n = 0; n < length; ++n) {
+    for (int n = 0; n < length; ++n)
         block.push_back(pattern(n));
-    }
     return block;
 }
 
@@ -151,7 +162,8 @@ TEST(Layouts, EveryCompactByteHasItsPlace) {
     for (const FormRow &row : formRows) {
         OptionDevice device(64, row.sectorSize, 2);
         std::vector<BYTE> block = patternBlock(row.compact);
-        const CUserSystemData data(row.family, row.bid, &device.device, block.data(), static_cast<quint32>(row.compact));
+        const CUserSystemData data(row.family, row.bid, &device.device, block.data(),
+                                   static_cast<quint32>(row.compact));
         ASSERT_EQ(data.m_nUserSystemDataLen, row.compact);
         for (int n = 0; n < row.compact; ++n) {
             const int value = row.place(data, n);
@@ -167,9 +179,8 @@ TEST(Layouts, GetGivesBackWhatSetReadAndErasedGaps) {
         CUserSystemData data(row.family, row.bid, &device.device, block.data(), static_cast<quint32>(row.compact));
         const std::vector<BYTE> compact = compactOf(data);
         ASSERT_EQ(compact.size(), block.size());
-        for (int n = 0; n < row.compact; ++n) {
+        for (int n = 0; n < row.compact; ++n)
             EXPECT_EQ(compact[n], row.place(data, n) == -1 ? 0xFF : pattern(n)) << row.family << " byte " << n;
-        }
     }
 }
 
@@ -208,8 +219,9 @@ TEST(Layouts, AnErasedBlockOfEachFormIsWritten) {
     a.EPP[3] = 0x7F;
     a.BANK3KEY7 = 0x77;
     a.DATA[7] = 0x07;
-    EXPECT_EQ(compactOf(a), (std::vector<BYTE>{0xA5, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0xFF,
-                                               0xFF, 0xFF, 0xFF, 0x07, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x77}));
+    EXPECT_EQ(compactOf(a),
+              (std::vector<BYTE>{0xA5, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0xFF,
+                                 0xFF, 0xFF, 0xFF, 0x07, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x77}));
     CUserSystemData b(ZV32F415, 0x4601, &device.device, nullptr, 0);
     b.DATA[9] = 0x09;
     EXPECT_EQ(compactOf(b).at(15), 0x09);

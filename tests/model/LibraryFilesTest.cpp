@@ -31,9 +31,8 @@ struct Bench {
 
 std::string firmware() {
     std::string bytes;
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 5000; ++i)
         bytes += static_cast<char>(i * 7 + i / 256);
-    }
     return bytes;
 }
 
@@ -82,9 +81,8 @@ TEST(LibraryFiles, AUserSystemDataFileIsReadAsItWasWritten) {
         CUserSystemDataFile written;
         ASSERT_EQ(written.Create(&device), 0);
         PIMAGEELEMENT element = written.GetElement();
-        for (DWORD i = 0; i < element->dwDataLength; ++i) {
+        for (DWORD i = 0; i < element->dwDataLength; ++i)
             element->Data[i] = static_cast<BYTE>(i % 2 == 0 ? 0xFF : 0x00);
-        }
         element->Data[0] = 0xA5;
         ASSERT_EQ(written.SetElement(true), 0);
         ASSERT_EQ(written.Save(bench.workplace.path(name)), 0);

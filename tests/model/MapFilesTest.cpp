@@ -1,11 +1,12 @@
 // The map files that ship beside the tool, through the descriptions and the file library itself.
 
-#include <gtest/gtest.h>
+#include <algorithm>
+#include <filesystem>
 
 #include <QDir>
 #include <QRegularExpression>
-#include <algorithm>
-#include <filesystem>
+
+#include <gtest/gtest.h>
 
 #include "device/Device.h"
 #include "foundation/ShareParameter.h"
@@ -54,10 +55,10 @@ TEST_F(MapFiles, EveryPidFindsItsOwnFile) {
     }
 }
 
-const MCUSERIALS Families[] = {
-    ZV32F403_1, ZV32F403_2, ZV32F413,  ZV32F415,  ZV32F403A, ZV32F407, ZV32F421, ZV32F435, ZV32F437,
-    ZV32F425,   ZV32L021,   ZV32WB415, ZV32F423,  ZV32F405,  ZV32F402, ZV32F455, ZV32F456, ZV32F457,
-    ZV32A403A,  ZV32M412,   ZV32M416,  ZV32G412,  ZV32A423,  ZV32F490, ZV32F422, ZV32F426};
+const MCUSERIALS Families[] = {ZV32F403_1, ZV32F403_2, ZV32F413, ZV32F415, ZV32F403A, ZV32F407, ZV32F421,
+                               ZV32F435,   ZV32F437,   ZV32F425, ZV32L021, ZV32WB415, ZV32F423, ZV32F405,
+                               ZV32F402,   ZV32F455,   ZV32F456, ZV32F457, ZV32A403A, ZV32M412, ZV32M416,
+                               ZV32G412,   ZV32A423,   ZV32F490, ZV32F422, ZV32F426};
 
 TEST_F(MapFiles, EveryFamilyHasOneToFourAndNoOtherHasAny) {
     const std::vector<Shipped> maps = shippedMaps();
@@ -76,27 +77,23 @@ TEST_F(MapFiles, EveryFamilyHasOneToFourAndNoOtherHasAny) {
 // A chip is looked for by PID and series, both as a part of the map's text.
 TEST_F(MapFiles, NoPidAndSeriesFitsTwoMaps) {
     const std::vector<Shipped> maps = shippedMaps();
-    for (const Shipped &chip : maps) {
-        for (const QString &pid : chip.pids) {
+    for (const Shipped &chip : maps)
+        for (const QString &pid : chip.pids)
             EXPECT_EQ(std::count_if(maps.begin(), maps.end(),
                                     [&](const Shipped &map) {
                                         return map.pids.join(' ').contains(pid) && map.serial.contains(chip.serial);
                                     }),
                       1)
                 << chip.target.toStdString();
-        }
-    }
 }
 
 TEST_F(MapFiles, NoPidIsPartOfAnother) {
     const std::vector<Shipped> maps = shippedMaps();
     for (const Shipped &one : maps) {
-        for (const Shipped &other : maps) {
-            for (const QString &pid : one.pids) {
+        for (const Shipped &other : maps)
+            for (const QString &pid : one.pids)
                 EXPECT_TRUE(one.target == other.target || !other.pids.join(' ').contains(pid))
                     << pid.toStdString() << " in " << other.target.toStdString();
-            }
-        }
     }
 }
 

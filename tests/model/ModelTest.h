@@ -1,15 +1,14 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <stdlib.h>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 // A directory of its own that is the working directory, with an empty Map/, until it goes out of scope.
 class Workplace {
@@ -26,13 +25,9 @@ public:
         std::filesystem::remove_all(m_directory);
     }
 
-    void write(const std::string &name, const std::string &text) const {
-        std::ofstream(m_directory / name) << text;
-    }
+    void write(const std::string &name, const std::string &text) const { std::ofstream(m_directory / name) << text; }
 
-    std::string path(const std::string &name) const {
-        return (m_directory / name).string();
-    }
+    std::string path(const std::string &name) const { return (m_directory / name).string(); }
 
 private:
     std::filesystem::path m_before;
@@ -53,9 +48,8 @@ public:
     std::vector<std::string> calls() {
         std::vector<std::string> lines;
         std::ifstream file(m_log);
-        for (std::string line; std::getline(file, line);) {
+        for (std::string line; std::getline(file, line);)
             lines.push_back(line);
-        }
         std::vector<std::string> fresh(lines.begin() + static_cast<long>(m_seen), lines.end());
         m_seen = lines.size();
         return fresh;

@@ -28,9 +28,8 @@ struct Bench {
 
     std::vector<unsigned long> addresses() const {
         std::vector<unsigned long> result;
-        for (const IMAGEELEMENT &element : file.m_lsElement) {
+        for (const IMAGEELEMENT &element : file.m_lsElement)
             result.push_back(element.dwAddress);
-        }
         return result;
     }
 };
@@ -139,27 +138,28 @@ TEST(ProgramFile, CreatesAnImageOfAllSectorsAndFillsItInPlace) {
     EXPECT_EQ(bench.file.m_UiFileSize, 16u + 16u + 4096u);
     bench.file.GetElement();
     EXPECT_EQ(bench.file.SetElement(), 0);
-    EXPECT_EQ(bench.calls(),
-              Lines{"FILES_SetImageElement image=1 index=0 insert=0 address=08000000 length=16 data=FFFFFFFF -> 12340000"});
+    EXPECT_EQ(
+        bench.calls(),
+        Lines{"FILES_SetImageElement image=1 index=0 insert=0 address=08000000 length=16 data=FFFFFFFF -> 12340000"});
 }
 
 TEST(ProgramFile, CreatesAnImageOfChosenSectorsAndInsertsThem) {
     Bench bench("map sectors=4 size=2048\n");
     bench.file.SetSectorIndexsForCreate({1, 3}, 2);
     EXPECT_EQ(bench.file.Create(&bench.device), 0);
-    EXPECT_EQ(bench.calls(), (Lines{"FILES_CreateImageFromMapping sectors=4 bank3=0 -> image=1 12340000",
-                                       "FILES_GetImageNbElement image=1 count=4 -> 12340000",
-                                       "FILES_GetImageElement image=1 index=1 data=null -> 12340000",
-                                       "FILES_GetImageElement image=1 index=1 data=set -> 12340000",
-                                       "FILES_GetImageElement image=1 index=3 data=null -> 12340000",
-                                       "FILES_GetImageElement image=1 index=3 data=set -> 12340000",
-                                       "FILES_DestroyImage image=1 -> 12340000",
-                                       "FILES_CreateImage one=1 -> image=2 12340000"}));
+    EXPECT_EQ(bench.calls(),
+              (Lines{"FILES_CreateImageFromMapping sectors=4 bank3=0 -> image=1 12340000",
+                     "FILES_GetImageNbElement image=1 count=4 -> 12340000",
+                     "FILES_GetImageElement image=1 index=1 data=null -> 12340000",
+                     "FILES_GetImageElement image=1 index=1 data=set -> 12340000",
+                     "FILES_GetImageElement image=1 index=3 data=null -> 12340000",
+                     "FILES_GetImageElement image=1 index=3 data=set -> 12340000",
+                     "FILES_DestroyImage image=1 -> 12340000", "FILES_CreateImage one=1 -> image=2 12340000"}));
     EXPECT_EQ(bench.addresses(), (std::vector<unsigned long>{0x08000800, 0x08001800}));
     bench.file.GetElement();
     EXPECT_EQ(bench.file.SetElement(), 0);
     EXPECT_EQ(bench.calls(), Lines{"FILES_SetImageElement image=2 index=0 insert=1 address=08000800 length=2048 "
-                                      "data=FFFFFFFF -> 12340000"});
+                                   "data=FFFFFFFF -> 12340000"});
 }
 
 struct ChoiceRow {

@@ -1,9 +1,9 @@
 #include "foundation/ResultMessages.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -247,20 +247,17 @@ TEST(ResultMessages, EveryKeyHasExactlyItsText) {
 }
 
 TEST(ResultMessages, AKeyWithoutATextPrintsAsItself) {
-    for (const Message &message : withoutText) {
+    for (const Message &message : withoutText)
         EXPECT_EQ(message.text, message.expected) << message.key;
-    }
 }
 
 TEST(ResultMessages, ThereAre218KeysAnd130OfThemAreTheirText) {
     std::set<std::string> keys;
-    for (const Message &message : withText) {
+    for (const Message &message : withText)
         keys.insert(message.key);
-    }
     EXPECT_EQ(keys.size(), 88u);
-    for (const Message &message : withoutText) {
+    for (const Message &message : withoutText)
         keys.insert(message.key);
-    }
     EXPECT_EQ(keys.size(), 218u);
 }
 

@@ -108,9 +108,8 @@ TEST(Result, AMessageOfACodeReads) {
 }
 
 TEST(Result, AValueThatIsNoCodeReadsAsUnknown) {
-    for (const int value : {-1, 1, 19, 0x12340000, 0x0F008001, 0x0F008011, 0x1F001001}) {
+    for (const int value : {-1, 1, 19, 0x12340000, 0x0F008001, 0x0F008011, 0x1F001001})
         EXPECT_EQ(CResult::GetInfoStringName(value), "Unknown error!") << value;
-    }
 }
 
 TEST(Result, GetInfoStringGivesBackItsArgument) {
@@ -133,23 +132,20 @@ const LinkStatus linkStatuses[] = {
 TEST(Result, ConvertOfALinkStatusHasATableAndNothingElse) {
     for (int status = 0; status < 256; ++status) {
         int expected = 0x0F000000;
-        for (const LinkStatus &row : linkStatuses) {
+        for (const LinkStatus &row : linkStatuses)
             expected = row.status == status ? row.code : expected;
-        }
         EXPECT_EQ(CResult::Convert(status), expected) << status;
     }
 }
 
 TEST(Result, ConvertOfALinkStatusLeavesOutTheOpenPortAndTheSlib) {
-    for (const int status : {2, 0x31, 0x32, 0x33, 0x34, 0x35, 0x41}) {
+    for (const int status : {2, 0x31, 0x32, 0x33, 0x34, 0x35, 0x41})
         EXPECT_EQ(CResult::Convert(status), 0x0F000000) << status;
-    }
 }
 
 TEST(Result, ConvertOfALinkStatusLetsACodeThrough) {
-    for (const int code : {-1, 0x1F000000, 0x0F001002, 0x0F001035, 0x0F000000, 0x7FFFFFFF}) {
+    for (const int code : {-1, 0x1F000000, 0x0F001002, 0x0F001035, 0x0F000000, 0x7FFFFFFF})
         EXPECT_EQ(CResult::Convert(code), code);
-    }
 }
 
 TEST(Result, AByteOfTheLinkLibraryTakesTheSignedForm) {
@@ -168,12 +164,10 @@ const FileStatus fileStatuses[] = {
 };
 
 TEST(Result, ConvertOfAFileStatusHasATableAndNothingElse) {
-    for (const FileStatus &row : fileStatuses) {
+    for (const FileStatus &row : fileStatuses)
         EXPECT_EQ(CResult::Convert(row.status), row.code) << row.status;
-    }
-    for (const unsigned int status : {0u, 1u, 7u, 9u, 11u, 12u, 16u, 0x12340001u, 0x12345008u}) {
+    for (const unsigned int status : {0u, 1u, 7u, 9u, 11u, 12u, 16u, 0x12340001u, 0x12345008u})
         EXPECT_EQ(CResult::Convert(status), 0x0F000000) << status;
-    }
 }
 
 TEST(Result, ConvertOfAFileStatusLetsNoCodeThrough) {

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <numeric>
+
+#include <gtest/gtest.h>
 
 #include "OptionBytes.h"
 #include "foundation/ShareParameter.h"
@@ -21,11 +21,9 @@ public:
     // The numbers of the clear bits.
     Sectors clearBits() const {
         Sectors bits;
-        for (int g = 0; g < data.m_iEppLen * 8; ++g) {
-            if ((data.EPP[g / 8] >> g % 8 & 1) == 0) {
+        for (int g = 0; g < data.m_iEppLen * 8; ++g)
+            if ((data.EPP[g / 8] >> g % 8 & 1) == 0)
                 bits.push_back(g);
-            }
-        }
         return bits;
     }
 
@@ -118,9 +116,8 @@ TEST(SectorProtection, OpeningASectorSetsItsBitAndNoOther) {
         protection.data.SetEPP(row.sector, false);
         Protection expected(row.family, row.sectors, row.sectorSize, row.perBit);
         expected.fill(0x00);
-        if (row.bit >= 0) {
+        if (row.bit >= 0)
             expected.data.EPP[row.bit / 8] = static_cast<BYTE>(1 << row.bit % 8);
-        }
         EXPECT_EQ(protection.bytes(), expected.bytes()) << row.family << " sector " << row.sector;
     }
 }
@@ -138,27 +135,15 @@ struct UsedRow {
 
 const UsedRow usedRows[] = {
     {ZV32F403A, 48, 2048, 2, 0, 8}, // exactly three bytes
-    {ZV32F403A, 48, 2048, 2, 2, 8},
-    {ZV32F403A, 48, 2048, 2, 3, 0},
-    {ZV32F403A, 50, 2048, 2, 3, 1},
+    {ZV32F403A, 48, 2048, 2, 2, 8},  {ZV32F403A, 48, 2048, 2, 3, 0},  {ZV32F403A, 50, 2048, 2, 3, 1},
     {ZV32F403A, 49, 2048, 2, 3, 1}, // rounded up
-    {ZV32F403A, 7, 2048, 2, 0, 4},
-    {ZV32F403A, 7, 2048, 2, 1, 0},
-    {ZV32F403A, 64, 2048, 2, 3, 8},
-    {ZV32F403A, 512, 2048, 2, 3, 8},
-    {ZV32F403A, 0, 2048, 2, 0, 0},
-    {ZV32F403A, 64, 2048, 0, 0, 0},
-    {ZV32F435, 1008, 4096, 1, 3, 8},
-    {ZV32F435, 1008, 4096, 1, 4, 8}, // 976 sectors in groups of 32: 31 bits
-    {ZV32F435, 1008, 4096, 1, 6, 8},
-    {ZV32F435, 1008, 4096, 1, 7, 7},
-    {ZV32F435, 1008, 4096, 1, 8, 0},
+    {ZV32F403A, 7, 2048, 2, 0, 4},   {ZV32F403A, 7, 2048, 2, 1, 0},   {ZV32F403A, 64, 2048, 2, 3, 8},
+    {ZV32F403A, 512, 2048, 2, 3, 8}, {ZV32F403A, 0, 2048, 2, 0, 0},   {ZV32F403A, 64, 2048, 0, 0, 0},
+    {ZV32F435, 1008, 4096, 1, 3, 8}, {ZV32F435, 1008, 4096, 1, 4, 8}, // 976 sectors in groups of 32: 31 bits
+    {ZV32F435, 1008, 4096, 1, 6, 8}, {ZV32F435, 1008, 4096, 1, 7, 7}, {ZV32F435, 1008, 4096, 1, 8, 0},
     {ZV32F435, 224, 2048, 2, 4, 3}, // 160 sectors in groups of 64: 3 bits
-    {ZV32F435, 224, 2048, 2, 5, 0},
-    {ZV32F435, 64, 2048, 2, 4, 0},
-    {ZV32F435, 16, 2048, 2, 4, 0},
-    {ZV32F435, 0, 2048, 2, 4, 0},
-    {ZV32F435, 224, 0, 2, 4, 0},
+    {ZV32F435, 224, 2048, 2, 5, 0},  {ZV32F435, 64, 2048, 2, 4, 0},   {ZV32F435, 16, 2048, 2, 4, 0},
+    {ZV32F435, 0, 2048, 2, 4, 0},    {ZV32F435, 224, 0, 2, 4, 0},
 };
 
 TEST(SectorProtection, AByteKnowsItsBitsInUse) {
@@ -202,8 +187,8 @@ TEST(SectorProtection, ProtectingEverythingClearsTheBitsInUse) {
 TEST(SectorProtection, ProtectingEverythingOfTwentyBytes) {
     Protection protection(ZV32F435, 224, 2048, 2);
     protection.data.SetEPP(true, false);
-    EXPECT_EQ(protection.bytes(), (Bytes{0, 0, 0, 0, 0xF8, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
-                                         0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(protection.bytes(), (Bytes{0,    0,    0,    0,    0xF8, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                                         0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
 }
 
 TEST(SectorProtection, OpeningEverythingSetsEveryByte) {
@@ -272,9 +257,8 @@ const ListRow listRows[] = {
 TEST(SectorProtection, ListsTheSectorsOfAllClearBits) {
     for (const ListRow &row : listRows) {
         Protection protection(row.family, row.sectors, row.sectorSize, row.perBit);
-        for (const int bit : row.bits) {
+        for (const int bit : row.bits)
             protection.protectBit(bit);
-        }
         EXPECT_EQ(numbers(protection.data.GetEPPMapSectorIndex(row.items)), row.listed)
             << row.family << " " << row.sectors << " " << row.items;
     }
@@ -294,7 +278,7 @@ const SharedRow sharedRows[] = {
     {ZV32F403A, 64, 2048, 2, 1, 64, {0, 1}},
     {ZV32F403A, 64, 2048, 2, 60, 64, {60, 61}},
     {ZV32F403A, 64, 2048, 2, 63, 66, {62, 63, 64, 65}},
-    {ZV32F403A, 64, 2048, 2, 63, 63, {}},      // behind the items
+    {ZV32F403A, 64, 2048, 2, 63, 63, {}},        // behind the items
     {ZV32F403A, 7, 2048, 4, 6, 7, {4, 5, 6, 7}}, // all of the bit, also behind the end of the device
     {ZV32F403A, 64, 2048, 2, -1, 66, {}},
     {ZV32F403A, 64, 2048, 2, 64, 66, {62, 63, 64, 65, 64, 65}}, // twice

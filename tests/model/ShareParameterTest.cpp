@@ -1,16 +1,15 @@
 #include "foundation/ShareParameter.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 namespace {
 
 std::vector<std::string> texts(const QStringList &list) {
     std::vector<std::string> result;
-    for (const QString &text : list) {
+    for (const QString &text : list)
         result.push_back(text.toStdString());
-    }
     return result;
 }
 
@@ -65,9 +64,8 @@ struct ParityRow {
 TEST(ShareParameter, ParityToIntGoesByExactCase) {
     ShareParameter share;
     const ParityRow rows[] = {{"NONE", 0}, {"ODD", 1}, {"EVEN", 2}, {"even", 2}, {"odd", 2}, {"none", 2}, {"", 2}};
-    for (const ParityRow &row : rows) {
+    for (const ParityRow &row : rows)
         EXPECT_EQ(share.ParityToInt(row.text), row.number) << row.text;
-    }
 }
 
 TEST(ShareParameter, ToUpperAndToLowerGoByteByByte) {
@@ -93,9 +91,8 @@ const PathRow pathRows[] = {
 
 TEST(ShareParameter, FilePathLengthProcessTurnsDirectoriesIntoDots) {
     ShareParameter share;
-    for (const PathRow &row : pathRows) {
+    for (const PathRow &row : pathRows)
         EXPECT_EQ(share.FilePathLengthProcess(row.path, row.maxLen), row.shortened) << row.path << " " << row.maxLen;
-    }
 }
 
 TEST(ShareParameter, FilePathLengthProcessRefusesAnEmptyPath) {
@@ -137,28 +134,38 @@ struct Family {
 };
 
 const Family familyNumbers[] = {
-    {ZV32ErrorMCU2, 0}, {ZV32F403_1, 1}, {ZV32F403_2, 2}, {ZV32F413, 4},  {ZV32F415, 5},  {ZV32F403A, 7},
-    {ZV32F407, 8},      {ZV32F421, 9},   {ZV32F435, 13},  {ZV32F437, 14}, {ZV32F425, 15}, {ZV32L021, 16},
-    {ZV32WB415, 17},    {ZV32F423, 18},  {ZV32F405, 19},  {ZV32F402, 20}, {ZV32F455, 21}, {ZV32F456, 22},
-    {ZV32F457, 23},     {ZV32A403A, 24}, {ZV32M412, 25},  {ZV32M416, 26}, {ZV32G412, 28}, {ZV32A423, 29},
+    {ZV32ErrorMCU2, 0}, {ZV32F403_1, 1}, {ZV32F403_2, 2}, {ZV32F413, 4},        {ZV32F415, 5},  {ZV32F403A, 7},
+    {ZV32F407, 8},      {ZV32F421, 9},   {ZV32F435, 13},  {ZV32F437, 14},       {ZV32F425, 15}, {ZV32L021, 16},
+    {ZV32WB415, 17},    {ZV32F423, 18},  {ZV32F405, 19},  {ZV32F402, 20},       {ZV32F455, 21}, {ZV32F456, 22},
+    {ZV32F457, 23},     {ZV32A403A, 24}, {ZV32M412, 25},  {ZV32M416, 26},       {ZV32G412, 28}, {ZV32A423, 29},
     {ZV32F490, 30},     {ZV32F422, 31},  {ZV32F426, 32},  {ZV32ErrorMCU1, 255},
 };
 
 TEST(ShareParameter, FamiliesHaveTheirNumbers) {
-    for (const Family &row : familyNumbers) {
+    for (const Family &row : familyNumbers)
         EXPECT_EQ(row.family, row.number);
-    }
     EXPECT_EQ(sizeof(MCUSERIALS), 4u);
 }
 
 TEST(ShareParameter, ExitStatusesAreOneByteEach) {
-    const std::vector<int> statuses = {OP_SUCCESS,         OP_BAD_PARAM,   OP_CONNECT_FAILD,
-                                       OP_DOWNLOAD_FAILD,  OP_MCU_UPLOAD_FAILD,
-                                       OP_SET_USD_FAILD,   OP_GET_USD_FAILD, OP_ENSPIM_FAILD,
-                                       OP_RUN_AT_ADDR_FAILD, OP_EFAP1_FAILD, OP_EFAP2_FAILD,
-                                       OP_DFAP_FAILD,      OP_DEPP_FAILD,  OP_EEPP_FAILD,
-                                       OP_MCU_ALLERASE_FLASH_FAILD, OP_MCU_ALLERASE_SPIM_FAILD,
-                                       OP_MCU_SECERASE_FAILD, OTP_FAILED};
+    const std::vector<int> statuses = {OP_SUCCESS,
+                                       OP_BAD_PARAM,
+                                       OP_CONNECT_FAILD,
+                                       OP_DOWNLOAD_FAILD,
+                                       OP_MCU_UPLOAD_FAILD,
+                                       OP_SET_USD_FAILD,
+                                       OP_GET_USD_FAILD,
+                                       OP_ENSPIM_FAILD,
+                                       OP_RUN_AT_ADDR_FAILD,
+                                       OP_EFAP1_FAILD,
+                                       OP_EFAP2_FAILD,
+                                       OP_DFAP_FAILD,
+                                       OP_DEPP_FAILD,
+                                       OP_EEPP_FAILD,
+                                       OP_MCU_ALLERASE_FLASH_FAILD,
+                                       OP_MCU_ALLERASE_SPIM_FAILD,
+                                       OP_MCU_SECERASE_FAILD,
+                                       OTP_FAILED};
     EXPECT_EQ(statuses, (std::vector<int>{0, 1, 2, 3, 4, 6, 7, 8, 12, 32, 33, 34, 35, 36, 48, 49, 51, 64}));
     EXPECT_EQ(sizeof(OP_SUCCESS), 1u);
 }

@@ -9,44 +9,30 @@ enum ParityRead { Kept, Cleared, FromBit7 };
 
 struct SwitchRow {
     int family;
-    int start;           // written with every switch off
-    int bootWritten;     // bit of m_BBFB2
-    bool watchdogs;      // written to bits 5 and 6
-    bool parity;         // written to bit 7
+    int start;       // written with every switch off
+    int bootWritten; // bit of m_BBFB2
+    bool watchdogs;  // written to bits 5 and 6
+    bool parity;     // written to bit 7
     int bootRead;
     bool watchdogsRead;
     ParityRead parityRead;
 };
 
 const SwitchRow rows[] = {
-    {ZV32F421, 0xE8, 4, false, false, 4, false, Kept},
-    {ZV32F425, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32F423, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32A423, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32M412, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32M416, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32G412, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32L021, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F405, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F402, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F455, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F456, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F457, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F490, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F435, 0x90, 3, true, false, 3, true, Cleared},
-    {ZV32F437, 0x90, 3, true, false, 3, true, Cleared},
-    {ZV32F422, 0xF0, 3, false, false, 4, true, Cleared},
-    {ZV32F426, 0xF0, 3, false, false, 4, true, Cleared},
-    {ZV32F403_1, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F403_2, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F413, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F403A, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F407, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32A403A, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F415, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32WB415, 0xF0, 3, false, false, 3, false, Kept},
-    {27, 0xF0, 3, false, false, 3, false, Kept},
-    {-1, 0xF0, 3, false, false, 3, false, Kept},
+    {ZV32F421, 0xE8, 4, false, false, 4, false, Kept},   {ZV32F425, 0x88, 4, true, false, 4, true, Cleared},
+    {ZV32F423, 0x88, 4, true, false, 4, true, Cleared},  {ZV32A423, 0x88, 4, true, false, 4, true, Cleared},
+    {ZV32M412, 0x88, 4, true, false, 4, true, Cleared},  {ZV32M416, 0x88, 4, true, false, 4, true, Cleared},
+    {ZV32G412, 0x88, 4, true, false, 4, true, Cleared},  {ZV32L021, 0x08, 4, true, true, 4, true, FromBit7},
+    {ZV32F405, 0x08, 4, true, true, 4, true, FromBit7},  {ZV32F402, 0x08, 4, true, true, 4, true, FromBit7},
+    {ZV32F455, 0x08, 4, true, true, 4, true, FromBit7},  {ZV32F456, 0x08, 4, true, true, 4, true, FromBit7},
+    {ZV32F457, 0x08, 4, true, true, 4, true, FromBit7},  {ZV32F490, 0x08, 4, true, true, 4, true, FromBit7},
+    {ZV32F435, 0x90, 3, true, false, 3, true, Cleared},  {ZV32F437, 0x90, 3, true, false, 3, true, Cleared},
+    {ZV32F422, 0xF0, 3, false, false, 4, true, Cleared}, {ZV32F426, 0xF0, 3, false, false, 4, true, Cleared},
+    {ZV32F403_1, 0xF0, 3, false, false, 3, false, Kept}, {ZV32F403_2, 0xF0, 3, false, false, 3, false, Kept},
+    {ZV32F413, 0xF0, 3, false, false, 3, false, Kept},   {ZV32F403A, 0xF0, 3, false, false, 3, false, Kept},
+    {ZV32F407, 0xF0, 3, false, false, 3, false, Kept},   {ZV32A403A, 0xF0, 3, false, false, 3, false, Kept},
+    {ZV32F415, 0xF0, 3, false, false, 3, false, Kept},   {ZV32WB415, 0xF0, 3, false, false, 3, false, Kept},
+    {27, 0xF0, 3, false, false, 3, false, Kept},         {-1, 0xF0, 3, false, false, 3, false, Kept},
 };
 
 void encode(CUserSystemData &data, int choice) {

@@ -13,25 +13,22 @@ public:
         m_strName = "Steps";
     }
     int InitAction() override {
-        if (skipBase) {
+        if (skipBase)
             return 0;
-        }
         COperation::InitAction();
         thread = QThread::currentThread();
         return initResult;
     }
     int Action() override {
         CalculatePercent();
-        if (--left <= 0) {
+        if (--left <= 0)
             CallCommand(COMMAND_DONE);
-        }
         return actionResult;
     }
     int ActionDone() override {
         ++doneCalls;
-        if (cancelInDone) {
+        if (cancelInDone)
             Cancel();
-        }
         return doneResult;
     }
 
@@ -58,9 +55,8 @@ public:
         thread = QThread::currentThread();
         const int result = owned.Start();
         subHasEnded = !owned.HasStart();
-        if (result == 0) {
+        if (result == 0)
             CallCommand(COMMAND_DONE);
-        }
         return result;
     }
     Steps &owned;
@@ -124,9 +120,8 @@ TEST_F(COperationTest, CancelBeforeStartDoesNothing) {
 TEST_F(COperationTest, CancelWhileRunning) {
     Steps job(nullptr, 100);
     onEvent = [&](InfoType) {
-        if (events.size() == 4) {
+        if (events.size() == 4)
             job.Cancel();
-        }
     };
     EXPECT_EQ(run(job), 0);
     EXPECT_EQ(events, (Lines{"INIT Steps", "ACTION 0", "ACTION 100", "ACTION 100", "CANCEL"}));
@@ -189,8 +184,8 @@ TEST_F(COperationTest, AJobCanRunAgain) {
     EXPECT_EQ(sub.Start(), 0);
     sub.left = 2;
     EXPECT_EQ(sub.Start(), 0);
-    EXPECT_EQ(events, (Lines{"INIT Steps", "ACTION 0", "ACTION 100", "INIT Steps", "ACTION 0", "ACTION 100",
-                             "ACTION 100"}));
+    EXPECT_EQ(events,
+              (Lines{"INIT Steps", "ACTION 0", "ACTION 100", "INIT Steps", "ACTION 0", "ACTION 100", "ACTION 100"}));
 }
 
 TEST_F(COperationTest, ThePortTagIsTheLowHalfOfTheHandle) {
@@ -236,16 +231,26 @@ TEST_F(COperationTest, PercentIs100WhereAJobHasNoFormula) {
 }
 
 TEST_F(COperationTest, TheKindsHaveTheirNumbers) {
-    const std::vector<int> kinds = {OP_ERASE,           OP_DOWNLOAD,         OP_VERIFY,   OP_UPLOAD,
-                                    OP_ACCESS_PROTECT,  OP_ACCESS_UNPROTECT, OP_ERASEPROGRAM_PROTECT,
-                                    OP_ERASEPROGRAM_UNPROTECT, OP_FWCRC,     OP_ENBANK3,  OP_WRITESN,
-                                    OP_WRITEUSERSYSTEMDATA, OP_ENSLIB,       OP_DISSLIB,  OP_DOWNLOADPROJECT,
+    const std::vector<int> kinds = {OP_ERASE,
+                                    OP_DOWNLOAD,
+                                    OP_VERIFY,
+                                    OP_UPLOAD,
+                                    OP_ACCESS_PROTECT,
+                                    OP_ACCESS_UNPROTECT,
+                                    OP_ERASEPROGRAM_PROTECT,
+                                    OP_ERASEPROGRAM_UNPROTECT,
+                                    OP_FWCRC,
+                                    OP_ENBANK3,
+                                    OP_WRITESN,
+                                    OP_WRITEUSERSYSTEMDATA,
+                                    OP_ENSLIB,
+                                    OP_DISSLIB,
+                                    OP_DOWNLOADPROJECT,
                                     OP_FLASHCRC};
-    for (std::size_t i = 0; i < kinds.size(); ++i) {
+    for (std::size_t i = 0; i < kinds.size(); ++i)
         EXPECT_EQ(kinds[i], static_cast<int>(i));
-    }
     const std::vector<int> infos = {INFO_TYPE_INIT,  INFO_TYPE_ACTION, INFO_TYPE_CANCEL,
-                                     INFO_TYPE_ABEND, INFO_TYPE_DONE,   INFO_TYPE_INFO};
+                                    INFO_TYPE_ABEND, INFO_TYPE_DONE,   INFO_TYPE_INFO};
     EXPECT_EQ(infos, (std::vector<int>{0, 1, 2, 3, 4, 5}));
     const std::vector<int> commands = {COMMAND_NONE, COMMAND_CONTINUE, COMMAND_CANCEL, COMMAND_ABEND, COMMAND_DONE};
     EXPECT_EQ(commands, (std::vector<int>{0, 1, 2, 3, 4}));
@@ -264,17 +269,16 @@ TEST_F(COperationTest, EveryEventCarriesItsRecord) {
     const InfoType all[] = {INFO_TYPE_INIT,  INFO_TYPE_ACTION, INFO_TYPE_CANCEL,
                             INFO_TYPE_ABEND, INFO_TYPE_DONE,   INFO_TYPE_INFO};
     const std::vector<std::pair<InfoType, void *>> expected = {
-        {INFO_TYPE_INIT, &job.m_InitInfo},    {INFO_TYPE_ACTION, &job.m_ActionInfo}, {INFO_TYPE_CANCEL, &job.m_BaseInfo},
-        {INFO_TYPE_ABEND, &job.m_AbendInfo}, {INFO_TYPE_DONE, &job.m_BaseInfo},     {INFO_TYPE_INFO, &job.m_strInfoStringName}};
-    for (const InfoType type : all) {
+        {INFO_TYPE_INIT, &job.m_InitInfo},   {INFO_TYPE_ACTION, &job.m_ActionInfo},
+        {INFO_TYPE_CANCEL, &job.m_BaseInfo}, {INFO_TYPE_ABEND, &job.m_AbendInfo},
+        {INFO_TYPE_DONE, &job.m_BaseInfo},   {INFO_TYPE_INFO, &job.m_strInfoStringName}};
+    for (const InfoType type : all)
         job.Callback(type);
-    }
     EXPECT_EQ(seen, expected);
     seen.clear();
     job.SetSubOperation(true);
-    for (const InfoType type : all) {
+    for (const InfoType type : all)
         job.Callback(type);
-    }
     EXPECT_EQ(seen, (std::vector<std::pair<InfoType, void *>>{expected[0], expected[1], expected[5]}));
 }
 

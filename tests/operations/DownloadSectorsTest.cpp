@@ -10,9 +10,8 @@ protected:
                        QList<uint> addresses = {}) {
         connect(chip);
         image(elements);
-        for (std::string &name : names) {
+        for (std::string &name : names)
             name = path(name);
-        }
         job = std::make_unique<CDownload>(&bootLoader());
         parameters.m_strDownPathFile = names;
         parameters.m_uiStartAddress = addresses;
@@ -36,10 +35,18 @@ TEST_F(DownloadSectorsTest, AddressToSector) {
         uint address;
         int sector;
     } cases[] = {
-        {0x08000000, 0},     {0x080007FF, 0},     {0x08000800, 1},     {0x083FFFFF, 2047}, {0x07FFFFFF, -1},
-        {0, -1},             {0x08400000, 32768}, {0x08400FFF, 32768}, {0x08401000, 32769},
+        {0x08000000, 0},
+        {0x080007FF, 0},
+        {0x08000800, 1},
+        {0x083FFFFF, 2047},
+        {0x07FFFFFF, -1},
+        {0, -1},
+        {0x08400000, 32768},
+        {0x08400FFF, 32768},
+        {0x08401000, 32769},
         // From here up the offset is negative as a signed number, and is divided toward zero.
-        {0x88400000, 32768 - 524288}, {0x88400001, 32768 - 524287},
+        {0x88400000, 32768 - 524288},
+        {0x88400001, 32768 - 524287},
     };
     for (const auto &one : cases) {
         EXPECT_EQ(download.FlashGetSectorIndex(one.address, 0), one.sector) << std::hex << one.address;
@@ -96,9 +103,9 @@ TEST_F(DownloadSectorsTest, AnElementThatTheOffsetDoesNotLeadToSpimCountsWithout
 }
 
 TEST_F(DownloadSectorsTest, TheLastAddressOfFlashIsNotSpim) {
-    EXPECT_EQ(sectors(f413, "element address=08000000 length=16\nelement address=07FFFFFF length=1", {"a.bin"},
-                      {0x08400000}),
-              (List{32768, -1}));
+    EXPECT_EQ(
+        sectors(f413, "element address=08000000 length=16\nelement address=07FFFFFF length=1", {"a.bin"}, {0x08400000}),
+        (List{32768, -1}));
 }
 
 TEST_F(DownloadSectorsTest, BinaryInSpimAddsWithoutWrap) {
@@ -147,9 +154,8 @@ TEST_F(DownloadSectorsTest, TheBlockListsOfTheCallerStayAsTheyAre) {
     connect(f435);
     CDownload download(&bootLoader());
     QList<int> whole;
-    for (int i = 0; i < 16; ++i) {
+    for (int i = 0; i < 16; ++i)
         whole.append(i);
-    }
     QList<int> outSectors, outBlocks;
     download.GetNecessaryBlockIndexAndSectorIndex(whole, outSectors, outBlocks, 0x10000, 4096);
     EXPECT_TRUE(outSectors.isEmpty());

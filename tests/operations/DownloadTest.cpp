@@ -18,9 +18,8 @@ class DownloadTest : public OperationsTest {
 protected:
     int download(const Lines &names) {
         parameters.m_strDownPathFile.clear();
-        for (const std::string &name : names) {
+        for (const std::string &name : names)
             parameters.m_strDownPathFile.append(path(name));
-        }
         return downloadPaths();
     }
     int downloadPaths() {
@@ -49,12 +48,19 @@ TEST_F(DownloadTest, ErasesWritesVerifies) {
     parameters.m_bVerify = true;
     eventsInLog = true;
     EXPECT_EQ(download({"a.hex"}), 0);
-    const Lines expected{
-        "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24", // the download's check
-        "event INIT Erase", "event ACTION 0",
-        "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24", // the erase's check
-        eraseOf(0), "event ACTION 33", eraseOf(1), "event ACTION 66", eraseOf(2), "event ACTION 100",
-        "event ACTION 100", "event INIT Download------(a.hex)", "event ACTION 0"};
+    const Lines expected{"TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24", // the download's check
+                         "event INIT Erase",
+                         "event ACTION 0",
+                         "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24", // the erase's check
+                         eraseOf(0),
+                         "event ACTION 33",
+                         eraseOf(1),
+                         "event ACTION 66",
+                         eraseOf(2),
+                         "event ACTION 100",
+                         "event ACTION 100",
+                         "event INIT Download------(a.hex)",
+                         "event ACTION 0"};
     Lines log = calls({"event", "ZVBL_ERASE", "TARGET_GetUserSystemData"});
     log.resize(expected.size());
     EXPECT_EQ(log, expected);
@@ -201,8 +207,8 @@ TEST_F(DownloadTest, SeveralFilesOneAfterTheOther) {
                      "ZVBL_VERIFY h=1001 addr=08000000 len=4 data=ABABABAB optimise=0"}));
     EXPECT_EQ(Lines(events.begin() + 4, events.end()),
               (Lines{"INIT Download------(a.hex)", "ACTION 0", "ACTION 100", "INIT Verify------(a.hex)", "ACTION 0",
-                     "ACTION 100", "ACTION 100", "INIT Download------(b.hex)", "ACTION 100",
-                     "INIT Verify------(b.hex)", "ACTION 0", "ACTION 100", "ACTION 100", "ACTION 100", "DONE"}));
+                     "ACTION 100", "ACTION 100", "INIT Download------(b.hex)", "ACTION 100", "INIT Verify------(b.hex)",
+                     "ACTION 0", "ACTION 100", "ACTION 100", "ACTION 100", "DONE"}));
 }
 
 TEST_F(DownloadTest, TheEventsTellWhichFileAndHowMuchOfIt) {
@@ -275,8 +281,7 @@ TEST_F(DownloadTest, SpimIsEnabledBeforeTheEraseAndAgainBehindTheRestart) {
     const std::string remap = "ZVBL_SPIMREMAP h=1001 remap=1";
     const std::string enable = "ZVBL_EnableBank3 h=1001 type=144 size=16777216 addr=00000100";
     EXPECT_EQ(calls({"ZVBL_SPIMREMAP", "ZVBL_EnableBank3", "ZVBL_ERASE", "ZVBL_DNLOAD", "ZVBL_GO"}),
-              (Lines{remap, enable, eraseOf(32768),
-                     "ZVBL_DNLOAD h=1001 addr=08400000 len=4 data=ABABABAB optimise=0",
+              (Lines{remap, enable, eraseOf(32768), "ZVBL_DNLOAD h=1001 addr=08400000 len=4 data=ABABABAB optimise=0",
                      "ZVBL_GO h=1001 addr=080FFFFC", remap, enable}));
     EXPECT_EQ(std::count(events.begin(), events.end(), "INIT Enable Bank3"), 2);
 }
@@ -346,9 +351,8 @@ TEST_F(DownloadTest, WithoutAnEncryptedRangeTheKeysCanWait) {
 TEST_F(DownloadTest, AFileThatOpensLateIsTaken) {
     connect(f413);
     std::string script = oneSmall;
-    for (int attempt = 1; attempt < 10; ++attempt) {
+    for (int attempt = 1; attempt < 10; ++attempt)
         script += "\nFILES_ImageFromFile status=3 nth=" + std::to_string(attempt);
-    }
     image(script);
     EXPECT_EQ(download({"a.hex"}), 0);
     EXPECT_EQ(calls({"sleep"}), Lines(9, "sleep 1000"));
@@ -360,9 +364,8 @@ TEST_F(DownloadTest, TenFailedAttemptsAreTheEnd) {
     EXPECT_EQ(download({"a.hex"}), CResult::FILES_BADFORMAT);
     EXPECT_EQ(library.log(), []() {
         std::string sleeps;
-        for (int i = 0; i < 10; ++i) {
+        for (int i = 0; i < 10; ++i)
             sleeps += "sleep 1000\n";
-        }
         return sleeps;
     }());
     EXPECT_EQ(events, Lines{"ABEND"});
@@ -403,9 +406,8 @@ TEST_F(DownloadTest, ASecondPathWithoutSlashGoesRoundUntilCancelled) {
     parameters.m_strDownPathFile = {path("a.hex"), "b.hex"};
     int rounds = 0;
     onEvent = [&](InfoType type) {
-        if (type == INFO_TYPE_ACTION && ++rounds == 50) {
+        if (type == INFO_TYPE_ACTION && ++rounds == 50)
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(downloadPaths(), 0);
     EXPECT_EQ(events.back(), "CANCEL");
@@ -417,9 +419,8 @@ TEST_F(DownloadTest, CancelWhileWriting) {
     connect(f413);
     image(threeElements);
     onEvent = [&](InfoType) {
-        if (!calls({"ZVBL_DNLOAD"}).empty()) {
+        if (!calls({"ZVBL_DNLOAD"}).empty())
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(download({"a.hex"}), 0);
     EXPECT_EQ(events.back(), "CANCEL");
@@ -430,9 +431,8 @@ TEST_F(DownloadTest, CancelWhileErasingReachesTheSubOperation) {
     connect(f413);
     image(threeElements);
     onEvent = [&](InfoType) {
-        if (events.back() == "ACTION 33") {
+        if (events.back() == "ACTION 33")
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(download({"a.hex"}), 0);
     EXPECT_EQ(calls({"ZVBL_ERASE"}).size(), 2u);
@@ -445,9 +445,8 @@ TEST_F(DownloadTest, CancelWhileVerifying) {
     image(threeElements);
     parameters.m_bVerify = true;
     onEvent = [&](InfoType) {
-        if (!calls({"ZVBL_VERIFY"}).empty()) {
+        if (!calls({"ZVBL_VERIFY"}).empty())
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(download({"a.hex"}), 0);
     EXPECT_EQ(calls({"ZVBL_VERIFY"}).size(), 1u);
@@ -554,9 +553,8 @@ TEST_F(DownloadTest, CancelBehindTheSlibResetsAndWritesNothing) {
     parameters.m_usStartDataSector = 0xFFFF;
     library.script("ZVBL_GetSlibStatus_Ex enabled=1 datastart=65535");
     onEvent = [&](InfoType) {
-        if (!calls({"ZVBL_GetSlibStatus_Ex"}).empty()) {
+        if (!calls({"ZVBL_GetSlibStatus_Ex"}).empty())
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(download({"a.hex"}), 0);
     EXPECT_EQ(calls({"ZVBL_ResetMCU"}).size(), 1u);

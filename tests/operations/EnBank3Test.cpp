@@ -39,8 +39,8 @@ TEST_F(EnBank3Test, BlankKeysMeanNoEncryptedRangeOnOneFamily) {
         const char *keys;
         const char *address;
     } cases[] = {
-        {f413, "FFFFFFFFFFFFFFFF", "00000000"}, {f413, "FFFFFFFFFFFFFF00", "00001000"},
-        {f413, "00FFFFFFFFFFFFFF", "00001000"}, {f413, "0000000000000000", "00001000"},
+        {f413, "FFFFFFFFFFFFFFFF", "00000000"},  {f413, "FFFFFFFFFFFFFF00", "00001000"},
+        {f413, "00FFFFFFFFFFFFFF", "00001000"},  {f413, "0000000000000000", "00001000"},
         {f403a, "FFFFFFFFFFFFFFFF", "00001000"},
     };
     for (const auto &one : cases) {

@@ -76,9 +76,8 @@ TEST_F(EraseTest, ASectorAbove65535LosesItsUpperBits) {
 TEST_F(EraseTest, PercentDividesFirst) {
     connect(f413);
     QList<int> sectors;
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 100; ++i)
         sectors.append(i);
-    }
     EXPECT_EQ(erase(sectors), 0);
     ASSERT_EQ(events.size(), 104u);
     EXPECT_EQ(events[2 + 28], "ACTION 28") << "29 of 100";
@@ -155,9 +154,8 @@ TEST_F(EraseTest, AFailedUnitEndsTheErase) {
 TEST_F(EraseTest, CancelBetweenUnits) {
     connect(f435);
     onEvent = [&](InfoType) {
-        if (events.back() == "ACTION 25") {
+        if (events.back() == "ACTION 25")
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(erase({5}, {1, 2, 3}), 0);
     EXPECT_EQ(erasing().size(), 2u) << "the unit that was under way is finished";

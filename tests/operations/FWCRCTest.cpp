@@ -40,9 +40,8 @@ TEST_F(FWCRCTest, ASecondPathWithoutSlashGoesRoundUntilCancelled) {
     connect(f413);
     int rounds = 0;
     onEvent = [&](InfoType type) {
-        if (type == INFO_TYPE_ACTION && ++rounds == 20) {
+        if (type == INFO_TYPE_ACTION && ++rounds == 20)
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(check({path("a.hex"), "b.hex"}), 0);
     EXPECT_EQ(rounds, 20);
@@ -84,9 +83,8 @@ TEST_F(FWCRCTest, AFileOfNoKnownTypeIsRefused) {
 TEST_F(FWCRCTest, CancelBetweenFiles) {
     connect(f413);
     onEvent = [&](InfoType type) {
-        if (type == INFO_TYPE_INIT && events.size() > 2) {
+        if (type == INFO_TYPE_INIT && events.size() > 2)
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(check({path("a.hex"), path("b.hex"), path("c.hex")}), 0);
     EXPECT_EQ(events.back(), "CANCEL");

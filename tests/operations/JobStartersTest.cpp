@@ -62,11 +62,11 @@ TEST_F(JobStartersTest, TheRecordsReachTheirJobs) {
 
 TEST_F(JobStartersTest, TheSubOperationsOfADownload) {
     CDownload job(nullptr);
-    for (COperation *sub : {static_cast<COperation *>(job.m_obErase), static_cast<COperation *>(job.m_obVerify),
-                            static_cast<COperation *>(job.m_obWriteSN), static_cast<COperation *>(job.m_obFAP),
-                            static_cast<COperation *>(job.m_obWriteOTP2File),
-                            static_cast<COperation *>(job.m_obEnableSlib),
-                            static_cast<COperation *>(job.m_obEnBank3)}) {
+    for (COperation *sub :
+         {static_cast<COperation *>(job.m_obErase), static_cast<COperation *>(job.m_obVerify),
+          static_cast<COperation *>(job.m_obWriteSN), static_cast<COperation *>(job.m_obFAP),
+          static_cast<COperation *>(job.m_obWriteOTP2File), static_cast<COperation *>(job.m_obEnableSlib),
+          static_cast<COperation *>(job.m_obEnBank3)}) {
         ASSERT_NE(sub, nullptr);
         EXPECT_TRUE(sub->IsSubOperation());
     }

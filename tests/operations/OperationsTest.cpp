@@ -76,30 +76,20 @@ void *OperationsTest::listener(InfoType type, void *record) {
         lastInit = *static_cast<CInitInfo *>(record);
         line = "INIT " + lastInit.m_strName;
         break;
-    case INFO_TYPE_ACTION:
-        line = "ACTION " + std::to_string(static_cast<CActionInfo *>(record)->m_iPercent);
-        break;
-    case INFO_TYPE_CANCEL:
-        line = "CANCEL";
-        break;
+    case INFO_TYPE_ACTION: line = "ACTION " + std::to_string(static_cast<CActionInfo *>(record)->m_iPercent); break;
+    case INFO_TYPE_CANCEL: line = "CANCEL"; break;
     case INFO_TYPE_ABEND:
         line = "ABEND";
         abendCode = static_cast<CAbendInfo *>(record)->m_iResult;
         break;
-    case INFO_TYPE_DONE:
-        line = "DONE";
-        break;
-    case INFO_TYPE_INFO:
-        line = "INFO";
-        break;
+    case INFO_TYPE_DONE: line = "DONE"; break;
+    case INFO_TYPE_INFO: line = "INFO"; break;
     }
     events.push_back(line);
-    if (eventsInLog) {
+    if (eventsInLog)
         std::ofstream(std::getenv("ZVBL_DOUBLE_LOG"), std::ios::app) << "event " << line << "\n";
-    }
-    if (onEvent) {
+    if (onEvent)
         onEvent(type);
-    }
     return nullptr;
 }
 
@@ -108,9 +98,8 @@ Lines OperationsTest::calls(const std::vector<std::string> &words) const {
     std::istringstream text(library.log());
     for (std::string line; std::getline(text, line);) {
         const std::string word = line.substr(0, line.find(' '));
-        if (std::find(words.begin(), words.end(), word) != words.end()) {
+        if (std::find(words.begin(), words.end(), word) != words.end())
             found.push_back(line);
-        }
     }
     return found;
 }

@@ -57,10 +57,10 @@ protected:
     // Path of a file below the directory of the test; nothing is there.
     std::string path(const std::string &name) const;
 
-    static Lines events;                            // "INIT Erase", "ACTION 33", "DONE", ...
-    static CInitInfo lastInit;                      // record of the last INIT
-    static std::function<void(InfoType)> onEvent;   // called behind the writing down
-    static bool eventsInLog;                        // events go into the link library's log as well
+    static Lines events;                          // "INIT Erase", "ACTION 33", "DONE", ...
+    static CInitInfo lastInit;                    // record of the last INIT
+    static std::function<void(InfoType)> onEvent; // called behind the writing down
+    static bool eventsInLog;                      // events go into the link library's log as well
     static int abendCode;
 
 private:

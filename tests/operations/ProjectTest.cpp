@@ -19,9 +19,8 @@ SFileInfo file(const QList<HEXFILEPARTINFO> &parts, const std::string &type = "H
     one.LoadFileType = type;
     one.StartAddress = start;
     one.partInfo = parts;
-    for (const HEXFILEPARTINFO &each : parts) {
+    for (const HEXFILEPARTINFO &each : parts)
         one.FileSize += static_cast<int>(each.PartSize);
-    }
     return one;
 }
 
@@ -83,11 +82,10 @@ TEST_F(ProjectTest, TheEventsTellWhichFileAndHowMuchOfIt) {
     Lines files;
     std::vector<uint> bytes;
     onEvent = [&](InfoType type) {
-        if (type == INFO_TYPE_INIT) {
+        if (type == INFO_TYPE_INIT)
             files.push_back(lastInit.m_strFilePath + " " + std::to_string(lastInit.m_uiFileSize));
-        } else if (type == INFO_TYPE_ACTION) {
+        else if (type == INFO_TYPE_ACTION)
             bytes.push_back(job().m_ActionInfo.m_uiFileStatus);
-        }
     };
     EXPECT_EQ(download({file({part(0x08000000, 1040)}), file({part(0x08000800, 16)}, "S19")}), 0);
     EXPECT_EQ(files, (Lines{"/project/HEX 1040", "/project/S19 16"}));
@@ -133,9 +131,8 @@ TEST_F(ProjectTest, Chunks) {
 TEST_F(ProjectTest, TheChunksCarryTheirBytes) {
     connect(f413);
     HEXFILEPARTINFO one = part(0x08000000, 1028);
-    for (BYTE i = 0; i < 4; ++i) {
+    for (BYTE i = 0; i < 4; ++i)
         one.pData[1024 + i] = i;
-    }
     EXPECT_EQ(download({file({one})}), 0);
     EXPECT_EQ(calls({"ZVBL_DNLOAD"})[1], "ZVBL_DNLOAD h=1001 addr=08000400 len=4 data=00010203 optimise=0");
 }
@@ -164,9 +161,8 @@ TEST_F(ProjectTest, AddressToSector) {
 TEST_F(ProjectTest, KeysGoToTheChipBeforeAnEncryptedBankIsEnabled) {
     connect(f403a);
     BYTE userSystemData[48];
-    for (int i = 0; i < 48; ++i) {
+    for (int i = 0; i < 48; ++i)
         userSystemData[i] = i % 2 == 0 ? 0xFF : 0x00;
-    }
     parameters.m_UserSystemDataArray = userSystemData;
     parameters.m_UserSystemDataLen = sizeof userSystemData;
     parameters.m_bEnBank3 = true;
@@ -217,9 +213,8 @@ TEST_F(ProjectTest, TheCheckIsMadeOncePerRun) {
     parameters.m_enEraseMode = ERASEMODE_NONE;
     bool seen = false;
     onEvent = [&](InfoType type) {
-        if (type == INFO_TYPE_ACTION && events.back() == "ACTION 100") {
+        if (type == INFO_TYPE_ACTION && events.back() == "ACTION 100")
             seen = job().m_hasGetEraseProgramProtectStatus;
-        }
     };
     EXPECT_EQ(download({file({part(0x08000000, 16)})}), 0);
     EXPECT_TRUE(seen);
@@ -283,12 +278,11 @@ TEST_F(ProjectTest, TheStepsInFrontInTheirOrder) {
     const Lines order = calls({"ZVBL_ACCESS_PERM_UNPROTECT", "ZVBL_DisableSlib", "ZVBL_GetSlibStatus_Ex",
                                "ZVBL_EnableBank3", "ZVBL_ERASE", "ZVBL_EnableSlib", "ZVBL_DNLOAD", "ZVBL_ResetMCU"});
     Lines names;
-    for (const std::string &call : order) {
+    for (const std::string &call : order)
         names.push_back(call.substr(0, call.find(' ')));
-    }
-    EXPECT_EQ(names, (Lines{"ZVBL_ACCESS_PERM_UNPROTECT", "ZVBL_DisableSlib", "ZVBL_GetSlibStatus_Ex",
-                            "ZVBL_EnableBank3", "ZVBL_ERASE", "ZVBL_EnableSlib", "ZVBL_GetSlibStatus_Ex",
-                            "ZVBL_DNLOAD", "ZVBL_ResetMCU"}));
+    EXPECT_EQ(names,
+              (Lines{"ZVBL_ACCESS_PERM_UNPROTECT", "ZVBL_DisableSlib", "ZVBL_GetSlibStatus_Ex", "ZVBL_EnableBank3",
+                     "ZVBL_ERASE", "ZVBL_EnableSlib", "ZVBL_GetSlibStatus_Ex", "ZVBL_DNLOAD", "ZVBL_ResetMCU"}));
     EXPECT_EQ(order[3], "ZVBL_EnableBank3 h=1001 type=144 size=4096 addr=00000000");
 }
 
@@ -332,8 +326,8 @@ TEST_F(ProjectTest, VerifyAddsTheStartAddressOfABinaryFileAndDownloadDoesNot) {
     const struct {
         const char *type;
         const char *verified;
-    } cases[] = {{"BIN", "08001004"}, {"x.BIN", "08001004"}, {"bIN", "08001004"}, {"bin", "08000004"},
-                 {"x.bin", "08000004"}, {"HEX", "08000004"}, {"IN", "08000004"}};
+    } cases[] = {{"BIN", "08001004"},   {"x.BIN", "08001004"}, {"bIN", "08001004"}, {"bin", "08000004"},
+                 {"x.bin", "08000004"}, {"HEX", "08000004"},   {"IN", "08000004"}};
     for (const auto &one : cases) {
         EXPECT_EQ(download({file({part(0x08000004, 4)}, one.type, 0x1000)}), 0) << one.type;
         EXPECT_EQ(address(calls({"ZVBL_DNLOAD"})[0]), "08000004") << one.type;
@@ -366,9 +360,8 @@ TEST_F(ProjectTest, OptimiseReachesTheLibrary) {
 TEST_F(ProjectTest, TheFinishingSteps) {
     connect(f413);
     BYTE userSystemData[48];
-    for (int i = 0; i < 48; ++i) {
+    for (int i = 0; i < 48; ++i)
         userSystemData[i] = i % 2 == 0 ? 0xFF : 0x00;
-    }
     parameters.m_UserSystemDataArray = userSystemData; // stays the caller's
     parameters.m_UserSystemDataLen = sizeof userSystemData;
     parameters.m_bWriteSN = true;
@@ -378,8 +371,7 @@ TEST_F(ProjectTest, TheFinishingSteps) {
     parameters.m_bFAP = true;
     library.script("TARGET_GetUserSystemData data=00 from=5");
     EXPECT_EQ(download({file({part(0x08000000, 4)})}), 0) << library.log();
-    const Lines order =
-        calls({"ZVBL_DNLOAD", "ZVBL_VERIFY", "TARGET_SetUserSystemData", "ZVBL_ACCESS_PROTECT_LEVEL"});
+    const Lines order = calls({"ZVBL_DNLOAD", "ZVBL_VERIFY", "TARGET_SetUserSystemData", "ZVBL_ACCESS_PROTECT_LEVEL"});
     ASSERT_EQ(order.size(), 5u);
     EXPECT_EQ(order[1], "ZVBL_DNLOAD h=1001 addr=08000800 len=4 data=01000000 optimise=0");
     EXPECT_EQ(order[3].substr(0, 60), "TARGET_SetUserSystemData h=1001 addr=1FFFF800 len=24 data=A5");
@@ -393,9 +385,8 @@ TEST_F(ProjectTest, TheFinishingSteps) {
 TEST_F(ProjectTest, CancelBetweenChunks) {
     connect(f413);
     onEvent = [&](InfoType) {
-        if (calls({"ZVBL_DNLOAD"}).size() == 2) {
+        if (calls({"ZVBL_DNLOAD"}).size() == 2)
             bootLoader().m_ObOperation->Cancel();
-        }
     };
     EXPECT_EQ(download({file({part(0x08000000, 8192)})}), 0);
     EXPECT_EQ(calls({"ZVBL_DNLOAD"}).size(), 2u);

@@ -68,11 +68,9 @@ TEST_F(ProtectionTest, TheCapabilityRecordChoosesTheCommand) {
         connect(f413, one.capabilities);
         library.script(isProtected);
         EXPECT_EQ(protectAccess(one.level), one.code) << int(one.level) << " " << one.capabilities;
-        EXPECT_EQ(calls({"ZVBL_ACCESS_PROTECT", "ZVBL_ACCESS_PROTECT_LEVEL"}),
-                  one.sent ? Lines{one.sent} : Lines());
-        if (!one.sent) {
+        EXPECT_EQ(calls({"ZVBL_ACCESS_PROTECT", "ZVBL_ACCESS_PROTECT_LEVEL"}), one.sent ? Lines{one.sent} : Lines());
+        if (!one.sent)
             EXPECT_EQ(library.log(), "") << "nothing is sent";
-        }
     }
 }
 
@@ -110,7 +108,8 @@ TEST_F(ProtectionTest, AccessOffWaitsForTheErase) {
     library.script(isOpen);
     EXPECT_EQ(unprotectAccess(), 0);
     EXPECT_EQ(library.log(), "SetTimeOut h=1001 ms=100000\nZVBL_ACCESS_PERM_UNPROTECT h=1001\n"
-                             "SetTimeOut h=1001 ms=9000\n" + reconnected + optionBytesRead);
+                             "SetTimeOut h=1001 ms=9000\n" +
+                                 reconnected + optionBytesRead);
     EXPECT_EQ(events, (Lines{"INIT Disable access protection", "ACTION 0", "ACTION 100", "DONE"}));
 }
 
@@ -138,8 +137,8 @@ TEST_F(ProtectionTest, SectorsOnSendsBitsAndReadsBack) {
     connect(f413);
     library.script(epp("FFFFFFFF", "FCFFFFFF"));
     EXPECT_EQ(protectSectors({0, 1, 2, 3}), 0);
-    EXPECT_EQ(library.log(), optionBytesRead + "ZVBL_ERASEPROGRAM_PROTECT h=1001 count=2 bits=0,1\n" + reconnected +
-                                 optionBytesRead);
+    EXPECT_EQ(library.log(),
+              optionBytesRead + "ZVBL_ERASEPROGRAM_PROTECT h=1001 count=2 bits=0,1\n" + reconnected + optionBytesRead);
     EXPECT_EQ(events, (Lines{"INIT Enable erase and program protection", "ACTION 0", "ACTION 100", "DONE"}));
 }
 
@@ -262,7 +261,6 @@ TEST_F(ProtectionTest, NoControl) {
     CEraseProgramProtect eppOn(nullptr);
     CEraseProgramUnProtect eppOff(nullptr);
     for (COperation *job : {static_cast<COperation *>(&on), static_cast<COperation *>(&off),
-                            static_cast<COperation *>(&eppOn), static_cast<COperation *>(&eppOff)}) {
+                            static_cast<COperation *>(&eppOn), static_cast<COperation *>(&eppOff)})
         EXPECT_EQ(run(*job), CResult::UNKNOWN_ERROR);
-    }
 }

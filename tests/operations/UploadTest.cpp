@@ -17,11 +17,9 @@ protected:
     Lines filesCalls(const std::string &function) const {
         Lines found;
         std::ifstream log(filesLog());
-        for (std::string line; std::getline(log, line);) {
-            if (line.rfind(function, 0) == 0) {
+        for (std::string line; std::getline(log, line);)
+            if (line.rfind(function, 0) == 0)
                 found.push_back(line);
-            }
-        }
         return found;
     }
 };

@@ -29,8 +29,8 @@ protected:
 TEST_F(VerifyTest, OneElementAStep) {
     EXPECT_EQ(prepare(threeElements).Start(), 0);
     EXPECT_EQ(calls({"ZVBL_VERIFY"}).size(), 3u);
-    EXPECT_EQ(events, (Lines{"INIT Verify------(a.hex)", "ACTION 0", "ACTION 33", "ACTION 66", "ACTION 100",
-                             "ACTION 100"}));
+    EXPECT_EQ(events,
+              (Lines{"INIT Verify------(a.hex)", "ACTION 0", "ACTION 33", "ACTION 66", "ACTION 100", "ACTION 100"}));
     EXPECT_EQ(lastInit.m_strFilePath, path("a.hex"));
     EXPECT_EQ(lastInit.m_uiFileSize, 6144u);
     EXPECT_EQ(job->m_ActionInfo.m_uiFileStatus, 6144u);
@@ -51,9 +51,8 @@ TEST_F(VerifyTest, ASecondRunStartsFromTheFirstElement) {
 
 TEST_F(VerifyTest, PercentMultipliesFirst) {
     std::string elements;
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 100; ++i)
         elements += "element address=" + QString::number(0x08000000 + i * 64, 16).toStdString() + " length=64\n";
-    }
     EXPECT_EQ(prepare(elements).Start(), 0);
     EXPECT_EQ(events[2 + 28], "ACTION 29") << "29 of 100";
 }

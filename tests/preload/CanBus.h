@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+
 #include <linux/can.h>
 
 // What the preloaded sockets and the bus program say to each other, over an AF_UNIX SEQPACKET socket of
@@ -36,7 +37,7 @@ struct Options {
 };
 
 struct Answer {
-    std::int32_t error = 0; // an errno, 0 for done
+    std::int32_t error = 0;    // an errno, 0 for done
     std::uint32_t flags = 0;   // IFF_...
     std::uint32_t bitRate = 0; // 0: none, a virtual bus
 };

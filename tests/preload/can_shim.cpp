@@ -12,15 +12,16 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
+#include <string>
+
 #include <dirent.h>
 #include <dlfcn.h>
 #include <linux/can/netlink.h>
 #include <linux/can/raw.h>
 #include <linux/rtnetlink.h>
 #include <linux/sockios.h>
-#include <mutex>
 #include <net/if.h>
-#include <string>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -39,8 +40,7 @@ Function real(const char *name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
-#define REAL(name) \
-    static const auto real_##name = real<decltype(&::name)>(#name)
+#define REAL(name) static const auto real_##name = real<decltype(&::name)>(#name)
 
 struct Socket {
     bool netlink = false;
@@ -84,23 +84,19 @@ std::string pathOf(const std::string &name) {
 int indexOf(const std::string &name) {
     struct stat status {};
     if (directory().empty() || name.empty() || name.find('/') != std::string::npos ||
-        stat(pathOf(name).c_str(), &status) != 0 || !S_ISSOCK(status.st_mode)) {
+        stat(pathOf(name).c_str(), &status) != 0 || !S_ISSOCK(status.st_mode))
         return 0;
-    }
     return static_cast<int>(1000 + (status.st_ino & 0x3FFFFFFF));
 }
 
 std::string nameOf(int index) {
     std::string name;
     DIR *entries = directory().empty() ? nullptr : opendir(directory().c_str());
-    while (const dirent *entry = entries ? readdir(entries) : nullptr) {
-        if (index != 0 && indexOf(entry->d_name) == index) {
+    while (const dirent *entry = entries ? readdir(entries) : nullptr)
+        if (index != 0 && indexOf(entry->d_name) == index)
             name = entry->d_name;
-        }
-    }
-    if (entries) {
+    if (entries)
         closedir(entries);
-    }
     return name;
 }
 
@@ -112,9 +108,8 @@ int connectTo(const std::string &name) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     const std::string path = pathOf(name);
-    if (path.size() >= sizeof address.sun_path) {
+    if (path.size() >= sizeof address.sun_path)
         return failWith(ENAMETOOLONG);
-    }
     std::strcpy(address.sun_path, path.c_str());
     const int fd = real_socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
     if (fd >= 0 && connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0) {
@@ -129,9 +124,8 @@ Answer request(int control, const Request &what, const Options *options = nullpt
     REAL(sendmsg);
     REAL(recv);
     iovec parts[2] = {{const_cast<Request *>(&what), sizeof what}, {nullptr, 0}};
-    if (options) {
+    if (options)
         parts[1] = {const_cast<Options *>(options), offsetof(Options, filter) + options->filters * sizeof(can_filter)};
-    }
     alignas(cmsghdr) char space[CMSG_SPACE(sizeof(int))] = {};
     msghdr message{};
     message.msg_iov = parts;
@@ -147,12 +141,10 @@ Answer request(int control, const Request &what, const Options *options = nullpt
     }
     Answer answer;
     ssize_t count = real_sendmsg(control, &message, MSG_NOSIGNAL);
-    while (count > 0 && (count = real_recv(control, &answer, sizeof answer, 0)) < 0 && errno == EINTR) {
+    while (count > 0 && (count = real_recv(control, &answer, sizeof answer, 0)) < 0 && errno == EINTR)
         count = 1;
-    }
-    if (count != static_cast<ssize_t>(sizeof answer)) {
+    if (count != static_cast<ssize_t>(sizeof answer))
         answer.error = ENXIO;
-    }
     return answer;
 }
 
@@ -173,9 +165,8 @@ Answer ask(const std::string &name, const Request &what = {}) {
 int open(int type, bool netlink) {
     REAL(close);
     int ends[2];
-    if (socketpair(AF_UNIX, SOCK_SEQPACKET | (type & (SOCK_CLOEXEC | SOCK_NONBLOCK)), 0, ends) != 0) {
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | (type & (SOCK_CLOEXEC | SOCK_NONBLOCK)), 0, ends) != 0)
         return -1;
-    }
     if (ends[0] >= mostFds) {
         real_close(ends[0]);
         real_close(ends[1]);
@@ -191,13 +182,11 @@ int open(int type, bool netlink) {
 int bindTo(Socket &socket, int index) {
     REAL(close);
     const std::string name = nameOf(index);
-    if (name.empty() || socket.otherEnd < 0 || socket.netlink) {
+    if (name.empty() || socket.otherEnd < 0 || socket.netlink)
         return failWith(name.empty() ? ENODEV : EINVAL);
-    }
     const int control = connectTo(name);
-    if (control < 0) {
+    if (control < 0)
         return -1;
-    }
     Request join;
     join.verb = Verb::join;
     const Answer answer = request(control, join, &socket.options, socket.otherEnd);
@@ -210,11 +199,9 @@ int bindTo(Socket &socket, int index) {
 
 int close(Socket *socket) {
     REAL(close);
-    for (const int fd : {socket->otherEnd, socket->control}) {
-        if (fd >= 0) {
+    for (const int fd : {socket->otherEnd, socket->control})
+        if (fd >= 0)
             real_close(fd);
-        }
-    }
     delete socket;
     return 0;
 }
@@ -272,9 +259,8 @@ std::uint32_t bitRateIn(const char *attributes, std::size_t size) {
         const auto *value = static_cast<const char *>(RTA_DATA(at));
         const int type = at->rta_type & NLA_TYPE_MASK;
         if (type == IFLA_LINKINFO || type == IFLA_INFO_DATA) {
-            if (const std::uint32_t rate = bitRateIn(value, RTA_PAYLOAD(at))) {
+            if (const std::uint32_t rate = bitRateIn(value, RTA_PAYLOAD(at)))
                 return rate;
-            }
         }
         // Inside the data of a kind the numbers mean something else: told by the size.
         if (type == IFLA_CAN_BITTIMING && RTA_PAYLOAD(at) == sizeof(can_bittiming)) {
@@ -288,9 +274,8 @@ std::uint32_t bitRateIn(const char *attributes, std::size_t size) {
 
 ssize_t converse(Socket &socket, const void *bytes, std::size_t size) {
     REAL(send);
-    if (size < NLMSG_LENGTH(sizeof(ifinfomsg))) {
+    if (size < NLMSG_LENGTH(sizeof(ifinfomsg)))
         return failWith(EINVAL);
-    }
     const std::string message(static_cast<const char *>(bytes), size);
     nlmsghdr head;
     ifinfomsg about;
@@ -315,12 +300,10 @@ ssize_t converse(Socket &socket, const void *bytes, std::size_t size) {
 // ---- frames
 
 ssize_t sendFrame(Socket &socket, const void *bytes, std::size_t size) {
-    if (socket.netlink) {
+    if (socket.netlink)
         return converse(socket, bytes, size);
-    }
-    if (size != sizeof(can_frame)) {
+    if (size != sizeof(can_frame))
         return failWith(EINVAL);
-    }
     Request what;
     what.verb = Verb::send;
     std::memcpy(&what.frame, bytes, sizeof what.frame);
@@ -330,9 +313,8 @@ ssize_t sendFrame(Socket &socket, const void *bytes, std::size_t size) {
 }
 
 void fillIn(msghdr &message, const Socket &socket) {
-    if (!message.msg_name) {
+    if (!message.msg_name)
         return;
-    }
     sockaddr_can from{};
     from.can_family = AF_CAN;
     from.can_ifindex = socket.index;
@@ -342,9 +324,8 @@ void fillIn(msghdr &message, const Socket &socket) {
 
 ssize_t receive(int fd, Socket &socket, msghdr &message, int flags) {
     REAL(recvmsg);
-    if (socket.netlink) {
+    if (socket.netlink)
         return real_recvmsg(fd, &message, flags);
-    }
     Delivery delivery;
     iovec part{&delivery, sizeof delivery};
     msghdr own{};
@@ -353,12 +334,10 @@ ssize_t receive(int fd, Socket &socket, msghdr &message, int flags) {
     own.msg_control = message.msg_control;
     own.msg_controllen = message.msg_controllen;
     const ssize_t count = real_recvmsg(fd, &own, flags);
-    if (count < 0) {
+    if (count < 0)
         return count;
-    }
-    if (count == 0 || delivery.error) {
+    if (count == 0 || delivery.error)
         return failWith(count == 0 ? ENODEV : delivery.error); // 0: the bus program has ended
-    }
     gettimeofday(&socket.lastHeard, nullptr);
     fillIn(message, socket);
     message.msg_controllen = own.msg_controllen;
@@ -383,9 +362,8 @@ ssize_t receive(int fd, Socket &socket, void *bytes, std::size_t size, int flags
 // ---- options
 
 int setFilters(Options &options, const void *value, socklen_t size) {
-    if (size % sizeof(can_filter) != 0 || size > maxFilters * sizeof(can_filter)) {
+    if (size % sizeof(can_filter) != 0 || size > maxFilters * sizeof(can_filter))
         return failWith(EINVAL);
-    }
     std::memcpy(options.filter, value, size);
     options.filters = static_cast<std::uint32_t>(size / sizeof(can_filter));
     return 0;
@@ -393,27 +371,25 @@ int setFilters(Options &options, const void *value, socklen_t size) {
 
 std::uint32_t *numberOf(Options &options, int name) {
     switch (name) {
-    case CAN_RAW_ERR_FILTER:     return &options.errorMask;
-    case CAN_RAW_LOOPBACK:       return &options.loopback;
-    case CAN_RAW_RECV_OWN_MSGS:  return &options.ownFrames;
-    default:                     return nullptr;
+    case CAN_RAW_ERR_FILTER: return &options.errorMask;
+    case CAN_RAW_LOOPBACK: return &options.loopback;
+    case CAN_RAW_RECV_OWN_MSGS: return &options.ownFrames;
+    default: return nullptr;
     }
 }
 
 int setOption(Socket &socket, int name, const void *value, socklen_t size) {
     std::uint32_t *number = numberOf(socket.options, name);
     if (name == CAN_RAW_FILTER) {
-        if (setFilters(socket.options, value, size) != 0) {
+        if (setFilters(socket.options, value, size) != 0)
             return -1;
-        }
     } else if (number && size == sizeof *number) {
         std::memcpy(number, value, sizeof *number);
     } else {
         return failWith(number ? EINVAL : ENOPROTOOPT);
     }
-    if (socket.control < 0) {
+    if (socket.control < 0)
         return 0;
-    }
     Request tune;
     tune.verb = Verb::tune;
     const std::lock_guard<std::mutex> lock(socket.mutex);
@@ -424,9 +400,8 @@ int setOption(Socket &socket, int name, const void *value, socklen_t size) {
 int getOption(Socket &socket, int name, void *value, socklen_t *size) {
     const std::uint32_t *number = numberOf(socket.options, name);
     const void *from = name == CAN_RAW_FILTER ? static_cast<const void *>(socket.options.filter) : number;
-    if (!from) {
+    if (!from)
         return failWith(ENOPROTOOPT);
-    }
     const std::size_t length = number ? sizeof *number : socket.options.filters * sizeof(can_filter);
     *size = static_cast<socklen_t>(std::min<std::size_t>(*size, length));
     std::memcpy(value, from, *size);
@@ -435,29 +410,26 @@ int getOption(Socket &socket, int name, void *value, socklen_t *size) {
 
 // Whether it was a question about an interface of ours; then the answer is in `result`.
 bool answerAbout(unsigned long what, void *argument, int &result) {
-    if (directory().empty() || !argument) {
+    if (directory().empty() || !argument)
         return false;
-    }
-    if (what != SIOCGIFNAME && what != SIOCGIFINDEX && what != SIOCGIFFLAGS && what != SIOCGIFMTU) {
+    if (what != SIOCGIFNAME && what != SIOCGIFINDEX && what != SIOCGIFFLAGS && what != SIOCGIFMTU)
         return false;
-    }
     auto *interface = static_cast<ifreq *>(argument);
-    const std::string name = what == SIOCGIFNAME ? nameOf(interface->ifr_ifindex)
-                                                 : std::string(interface->ifr_name, strnlen(interface->ifr_name, IFNAMSIZ));
+    const std::string name = what == SIOCGIFNAME
+                                 ? nameOf(interface->ifr_ifindex)
+                                 : std::string(interface->ifr_name, strnlen(interface->ifr_name, IFNAMSIZ));
     const int index = indexOf(name);
-    if (index == 0) {
+    if (index == 0)
         return false;
-    }
     const Answer answer = what == SIOCGIFFLAGS ? ask(name) : Answer{};
-    if (what == SIOCGIFNAME) {
+    if (what == SIOCGIFNAME)
         std::memcpy(interface->ifr_name, name.c_str(), std::min<std::size_t>(name.size() + 1, IFNAMSIZ));
-    } else if (what == SIOCGIFINDEX) {
+    else if (what == SIOCGIFINDEX)
         interface->ifr_ifindex = index;
-    } else if (what == SIOCGIFMTU) {
+    else if (what == SIOCGIFMTU)
         interface->ifr_mtu = CAN_MTU;
-    } else {
+    else
         interface->ifr_flags = static_cast<short>(answer.flags);
-    }
     result = answer.error ? failWith(answer.error) : 0;
     return true;
 }
@@ -477,22 +449,19 @@ int socket(int family, int type, int protocol) {
 int bind(int fd, const sockaddr *address, socklen_t length) {
     REAL(bind);
     Socket *socket = find(fd);
-    if (!socket) {
+    if (!socket)
         return real_bind(fd, address, length);
-    }
     sockaddr_can can{};
-    if (length < offsetof(sockaddr_can, can_addr) + sizeof can.can_addr.tp) {
+    if (length < offsetof(sockaddr_can, can_addr) + sizeof can.can_addr.tp)
         return failWith(EINVAL);
-    }
     std::memcpy(&can, address, std::min<std::size_t>(length, sizeof can));
     return bindTo(*socket, can.can_ifindex);
 }
 
 int close(int fd) {
     REAL(close);
-    if (Socket *socket = takeOut(fd)) {
+    if (Socket *socket = takeOut(fd))
         close(socket);
-    }
     return real_close(fd);
 }
 
@@ -517,9 +486,8 @@ ssize_t sendto(int fd, const void *bytes, size_t size, int flags, const sockaddr
 ssize_t sendmsg(int fd, const msghdr *message, int flags) {
     REAL(sendmsg);
     Socket *socket = find(fd);
-    if (!socket) {
+    if (!socket)
         return real_sendmsg(fd, message, flags);
-    }
     return message->msg_iovlen == 1 ? sendFrame(*socket, message->msg_iov->iov_base, message->msg_iov->iov_len)
                                     : failWith(EINVAL);
 }
@@ -539,9 +507,8 @@ ssize_t recv(int fd, void *bytes, size_t size, int flags) {
 ssize_t recvfrom(int fd, void *bytes, size_t size, int flags, sockaddr *address, socklen_t *length) {
     REAL(recvfrom);
     Socket *socket = find(fd);
-    if (!socket) {
+    if (!socket)
         return real_recvfrom(fd, bytes, size, flags, address, length);
-    }
     iovec part{bytes, size};
     msghdr message{};
     message.msg_iov = &part;
@@ -549,9 +516,8 @@ ssize_t recvfrom(int fd, void *bytes, size_t size, int flags, sockaddr *address,
     message.msg_name = address;
     message.msg_namelen = length ? *length : 0;
     const ssize_t count = receive(fd, *socket, message, flags);
-    if (count >= 0 && length) {
+    if (count >= 0 && length)
         *length = message.msg_namelen;
-    }
     return count;
 }
 

@@ -1,7 +1,8 @@
 #include "sim/usb/AcmDevice.h"
-#include "tests/sim/Rig.h"
 
 #include <gtest/gtest.h>
+
+#include "tests/sim/Rig.h"
 
 namespace sim {
 namespace {
@@ -51,7 +52,8 @@ TEST_F(AcmDeviceTest, nobodyTalksInTheOtherFormat) {
 TEST_F(AcmDeviceTest, theLineCodingTellsThePace) {
     AcmDevice paced({}, rig.bootloader, rig.faults, rig.log, true, rig.now);
     paced.control(parseSetup(parseBytes("00 09 01 00 00 00 00 00").data()), {}, rig.now);
-    paced.control(parseSetup(parseBytes("21 20 00 00 00 00 07 00").data()), parseBytes("F8 2A 00 00 00 02 08"), rig.now);
+    paced.control(parseSetup(parseBytes("21 20 00 00 00 00 07 00").data()), parseBytes("F8 2A 00 00 00 02 08"),
+                  rig.now);
     paced.out(data, {0x7F}, rig.now); // at 11000 baud
     EXPECT_EQ(paced.in(data, 64, rig.now).kind, UsbAnswer::Kind::wait);
     EXPECT_EQ(paced.nextEvent(rig.now), rig.now + 2 * millisecond); // there and back
@@ -75,7 +77,8 @@ TEST_F(AcmDeviceTest, theControlLinesReachTheBoard) {
         return showBytes(wired.in(data, 64, rig.now).data);
     };
     wired.control(parseSetup(parseBytes("00 09 01 00 00 00 00 00").data()), {}, rig.now);
-    wired.control(parseSetup(parseBytes("21 20 00 00 00 00 07 00").data()), parseBytes("00 C2 01 00 00 02 08"), rig.now);
+    wired.control(parseSetup(parseBytes("21 20 00 00 00 00 07 00").data()), parseBytes("00 C2 01 00 00 02 08"),
+                  rig.now);
     lines("21 22 03 00 00 00 00 00"); // both high: held
     EXPECT_EQ(opens(), "");
     lines("21 22 02 00 00 00 00 00"); // released with RTS high
@@ -128,9 +131,8 @@ TEST_F(AcmDeviceTest, theConfigurationIsWhole) {
     const Bytes &all = device.descriptors().configuration;
     EXPECT_EQ(all.size(), all[2] + 256U * all[3]);
     std::size_t at = 0;
-    while (at < all.size() && all[at] != 0) {
+    while (at < all.size() && all[at] != 0)
         at += all[at];
-    }
     EXPECT_EQ(at, all.size());
 }
 

@@ -1,9 +1,10 @@
 // The board: control lines, and what they do to the chip.
 
 #include "sim/Board.h"
-#include "tests/sim/Vectors.h"
 
 #include <array>
+
+#include "tests/sim/Vectors.h"
 
 namespace sim {
 namespace {
@@ -11,9 +12,8 @@ namespace {
 Wiring wired(const std::string &text) {
     Wiring wiring;
     std::string error;
-    if (!text.empty() && !parseWiring(text, wiring, error)) {
+    if (!text.empty() && !parseWiring(text, wiring, error))
         throw std::invalid_argument(error);
-    }
     return wiring;
 }
 
@@ -139,8 +139,8 @@ TEST_F(BoardTest, aSilentChipAnswersAgainBehindAReset) {
 
 // What the thirteen rows of the console do, one letter a step: D and R drive that line high, d and r low. The
 // line of reset, that of boot, then both into the other state.
-constexpr std::array<const char *, 13> rows = {"",     "dD",   "drDR", "dRDr", "Dd",   "DrdR", "DRdr",
-                                               "rR",   "rdRD", "rDRd", "Rr",   "RdrD", "RDrd"};
+constexpr std::array<const char *, 13> rows = {"",   "dD",   "drDR", "dRDr", "Dd",   "DrdR", "DRdr",
+                                               "rR", "rdRD", "rDRd", "Rr",   "RdrD", "RDrd"};
 
 // A board for each row: what that row says of the lines. And what becomes of its program, once somebody opens
 // the port, by the rows 0 to 12: B the bootloader, a it runs (again), - it is held in reset.
@@ -191,9 +191,8 @@ char tryRow(const Wiring &wiring, const char *steps) {
 TEST(AutoConnect, whichRowsReachWhichBoards) {
     for (std::size_t board = 0; board < boards.size(); ++board) {
         std::string reached;
-        for (const char *steps : rows) {
+        for (const char *steps : rows)
             reached += tryRow(wired(boards[board].wiring), steps);
-        }
         EXPECT_EQ(reached, boards[board].reached) << board;
         EXPECT_TRUE(board == 0 || reached[board] == 'B') << board;
     }
@@ -212,8 +211,8 @@ TEST(Wiring, isParsed) {
 
 TEST(Wiring, whatIsNoneIsRefused) {
     for (const char *text : {"", ",", "reset", "reset=", "reset=dtr", "reset=dtr:", "reset=dtr:up", "reset=cts:low",
-                             "reset=dtr:low,", ",reset=dtr:low", "reset=dtr:low,reset=rts:low", "boot=dtr:low,reset=dtr:high",
-                             "reset=dtr:low boot=rts:low", "power=dtr:low"}) {
+                             "reset=dtr:low,", ",reset=dtr:low", "reset=dtr:low,reset=rts:low",
+                             "boot=dtr:low,reset=dtr:high", "reset=dtr:low boot=rts:low", "power=dtr:low"}) {
         Wiring wiring;
         std::string error;
         EXPECT_FALSE(parseWiring(text, wiring, error)) << text;

@@ -122,15 +122,14 @@ TEST(CanPacket, aFullOneGoesThereAndBack) {
     // 1 + 256 + 1 bytes are 32 frames of 8 and one of 2; 55 xor'ed 256 times is 0.
     std::string there = "H: 031 FF 55*7";
     std::string back = "C: 111 79";
-    for (int i = 0; i < 31; ++i) {
+    for (int i = 0; i < 31; ++i)
         there += " / 031 55*8";
-    }
-    for (int i = 0; i < 32; ++i) {
+    for (int i = 0; i < 32; ++i)
         back += " / 111 55 55 55 55 55 55 55 55";
-    }
     EXPECT_EQ(rig.play(OPEN "H: 031\nC: 131 79\nH: 031 08 00 00 00 08\nC: 131 79\n" + there +
                        " / 031 55 FF\nC: 131 79\n"
-                       "H: 011\nC: 111 79\nH: 011 08 00 00 00 08\nC: 111 79\nH: 011 FF 00\n" + back + " / 111 00"),
+                       "H: 011\nC: 111 79\nH: 011 08 00 00 00 08\nC: 111 79\nH: 011 FF 00\n" +
+                       back + " / 111 00"),
               "");
 }
 

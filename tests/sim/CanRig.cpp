@@ -17,9 +17,8 @@ std::vector<std::string> split(const std::string &text) {
 
 std::string join(const std::deque<std::string> &parts) {
     std::string text;
-    for (const std::string &part : parts) {
+    for (const std::string &part : parts)
         text += (text.empty() ? "" : " / ") + part;
-    }
     return text.empty() ? "-" : text;
 }
 
@@ -48,7 +47,9 @@ CanRig::CanRig(const std::vector<std::string> &faultSpecs, FlashTime flashTime, 
     faults.tell([this](const std::string &spec) { log.fault(spec); });
 }
 
-void CanRig::send(const CanFrame &frame) { line.fromHost(frame, now, speed); }
+void CanRig::send(const CanFrame &frame) {
+    line.fromHost(frame, now, speed);
+}
 
 std::vector<TimedFrame> CanRig::received() {
     std::vector<TimedFrame> frames(line.toHost().begin(), line.toHost().end());
@@ -56,7 +57,9 @@ std::vector<TimedFrame> CanRig::received() {
     return frames;
 }
 
-void CanRig::say(const std::string &text) { send(parseFrame(text)); }
+void CanRig::say(const std::string &text) {
+    send(parseFrame(text));
+}
 
 std::vector<std::string> CanRig::heard() {
     std::vector<std::string> frames;
@@ -67,7 +70,9 @@ std::vector<std::string> CanRig::heard() {
     return frames;
 }
 
-void AdapterRig::say(const std::string &text) { answers_ += adapter.receive(text + "\r", now); }
+void AdapterRig::say(const std::string &text) {
+    answers_ += adapter.receive(text + "\r", now);
+}
 
 std::vector<std::string> AdapterRig::heard() {
     for (const TimedFrame &timed : received()) {
@@ -112,9 +117,8 @@ std::string CanRig::act(const std::string &text) {
     if (text.rfind("H:", 0) == 0) {
         for (const std::string &part : split(text.substr(2))) {
             say(part);
-            for (const std::string &answer : heard()) {
+            for (const std::string &answer : heard())
                 unread_.push_back(answer);
-            }
         }
     } else if (text.rfind("speed ", 0) == 0) {
         speed = static_cast<unsigned>(std::stoul(value));
@@ -129,9 +133,8 @@ std::string CanRig::act(const std::string &text) {
 }
 
 std::string CanRig::step(const std::string &text) {
-    if (text.rfind("C:", 0) == 0) {
+    if (text.rfind("C:", 0) == 0)
         return compare(text.substr(2));
-    }
     if (text.rfind("told ", 0) == 0) {
         const std::string next = nextTold();
         return next == text.substr(5) ? "" : "it told \"" + next + "\"";
@@ -145,18 +148,15 @@ std::string CanRig::play(const std::string &conversation) {
     for (std::string text; std::getline(in, text);) {
         ++number;
         const std::size_t first = text.find_first_not_of(' ');
-        if (first == std::string::npos || text[first] == '#') {
+        if (first == std::string::npos || text[first] == '#')
             continue;
-        }
         const std::string wrong = step(text.substr(first));
-        if (!wrong.empty()) {
+        if (!wrong.empty())
             return "line " + std::to_string(number) + " \"" + text.substr(first) + "\": " + wrong;
-        }
     }
     const std::string more = nextTold();
-    if (!unread_.empty() || !more.empty()) {
+    if (!unread_.empty() || !more.empty())
         return "at the end " + (unread_.empty() ? "it told \"" + more + "\"" : "nobody has read " + join(unread_));
-    }
     return "";
 }
 

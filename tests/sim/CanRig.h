@@ -1,9 +1,9 @@
 #pragma once
 
+#include <deque>
+
 #include "sim/fronts/SlcanAdapter.h"
 #include "tests/sim/Rig.h"
-
-#include <deque>
 
 namespace sim {
 

@@ -1,12 +1,14 @@
 // The chips themselves: what hangs together in every row.
 
-#include "tests/sim/Vectors.h"
-
 #include <set>
+
+#include "tests/sim/Vectors.h"
 
 namespace sim {
 
-static void PrintTo(const ChipFacts &chip, std::ostream *out) { *out << chip.name; }
+static void PrintTo(const ChipFacts &chip, std::ostream *out) {
+    *out << chip.name;
+}
 
 namespace {
 
@@ -17,7 +19,7 @@ protected:
 
 // The flash size is told by five bits of the PID.
 TEST_P(EveryChip, pidTellsTheFlashSize) {
-    constexpr unsigned sizes[] = {16,  24,  32,  48,  64,   72,   96,   128,  192, 256, 384, 512,
+    constexpr unsigned sizes[] = {16,  24,   32,   48,   64,   72,   96,  128, 192,  256,  384, 512,
                                   768, 1024, 1536, 2048, 4096, 5120, 192, 960, 1984, 4032, 448};
     const unsigned index = chip().pid >> 6 & 0x1F;
     ASSERT_LT(index, std::size(sizes));
@@ -40,20 +42,17 @@ TEST_P(EveryChip, optionBytesHoldWhatTheLayoutPlacesThere) {
 TEST_P(EveryChip, everySectorHasAProtectionBit) {
     Rig rig(std::string(chip().name));
     const unsigned sectors = chip().flashKb * 1024 / chip().sectorSize;
-    for (unsigned sector = 0; sector < sectors; ++sector) {
+    for (unsigned sector = 0; sector < sectors; ++sector)
         ASSERT_TRUE(rig.chip.eraseSectors({sector}).done()) << sector;
-    }
     EXPECT_FALSE(rig.chip.eraseSectors({sectors}).done());
     // All bits clear: nothing can be erased any more.
     Bytes options = rig.chip.userData();
-    for (const std::size_t place : layoutOf(chip()).eppBytes) {
+    for (const std::size_t place : layoutOf(chip()).eppBytes)
         options[place] = 0;
-    }
     ASSERT_TRUE(rig.chip.writeUserData(options).done());
     rig.chip.reset();
-    for (unsigned sector = 0; sector < sectors; ++sector) {
+    for (unsigned sector = 0; sector < sectors; ++sector)
         ASSERT_FALSE(rig.chip.eraseSectors({sector}).done()) << sector;
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, EveryChip, ::testing::ValuesIn(chipTable()),

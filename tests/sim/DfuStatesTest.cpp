@@ -1,8 +1,8 @@
 // Every request in every state of DFU 1.1, Appendix A.2, and when GETSTATUS may come.
 
-#include "tests/sim/UsbRig.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/sim/UsbRig.h"
 
 namespace {
 
@@ -23,7 +23,9 @@ const char misfit[] = "A1 02 01 00 00 00 10 00"; // there is no reply
 using Way = void (*)(UsbRig &rig);
 
 void idle(UsbRig &) {}
-void downloadSync(UsbRig &rig) { rig.send(setPointer, toFlash); }
+void downloadSync(UsbRig &rig) {
+    rig.send(setPointer, toFlash);
+}
 void downloadBusy(UsbRig &rig) {
     rig.send("21 01 00 00 00 00 05 00", {0x41, 0x00, 0x00, 0x00, 0x08}); // takes time
     rig.send(getStatus);
@@ -36,16 +38,22 @@ void downloadIdle(UsbRig &rig) {
     downloadDone(rig);
     rig.send(getStatus);
 }
-void manifestSync(UsbRig &rig) { rig.send("21 01 00 00 00 00 00 00"); }
-void uploadIdle(UsbRig &rig) { rig.send("A1 02 02 00 00 00 10 00"); }
-void error(UsbRig &rig) { rig.send(misfit); }
+void manifestSync(UsbRig &rig) {
+    rig.send("21 01 00 00 00 00 00 00");
+}
+void uploadIdle(UsbRig &rig) {
+    rig.send("A1 02 02 00 00 00 10 00");
+}
+void error(UsbRig &rig) {
+    rig.send(misfit);
+}
 
 struct StateRow {
     const char *name;
     Way reach;
-    const char *dnload;    // of five bytes, a command
-    const char *leave;     // DNLOAD without data
-    const char *upload;    // of 16 bytes of memory
+    const char *dnload; // of five bytes, a command
+    const char *leave;  // DNLOAD without data
+    const char *upload; // of 16 bytes of memory
     const char *status;
     const char *clear;
     const char *state;
@@ -83,32 +91,72 @@ protected:
     }
 };
 
-TEST_P(DfuStates, dnload) { expect(setPointer, toFlash, GetParam().dnload); }
-TEST_P(DfuStates, dnloadWithoutData) { expect("21 01 02 00 00 00 00 00", {}, GetParam().leave); }
-TEST_P(DfuStates, upload) { expect("A1 02 02 00 00 00 10 00", {}, GetParam().upload); }
-TEST_P(DfuStates, getStatus) { expect(getStatus, {}, GetParam().status); }
-TEST_P(DfuStates, clrStatus) { expect(clrStatus, {}, GetParam().clear); }
-TEST_P(DfuStates, getState) { expect(getState, {}, GetParam().state); }
-TEST_P(DfuStates, abort) { expect(abortRequest, {}, GetParam().abort); }
+TEST_P(DfuStates, dnload) {
+    expect(setPointer, toFlash, GetParam().dnload);
+}
+TEST_P(DfuStates, dnloadWithoutData) {
+    expect("21 01 02 00 00 00 00 00", {}, GetParam().leave);
+}
+TEST_P(DfuStates, upload) {
+    expect("A1 02 02 00 00 00 10 00", {}, GetParam().upload);
+}
+TEST_P(DfuStates, getStatus) {
+    expect(getStatus, {}, GetParam().status);
+}
+TEST_P(DfuStates, clrStatus) {
+    expect(clrStatus, {}, GetParam().clear);
+}
+TEST_P(DfuStates, getState) {
+    expect(getState, {}, GetParam().state);
+}
+TEST_P(DfuStates, abort) {
+    expect(abortRequest, {}, GetParam().abort);
+}
 
 // What fits no state.
-TEST_P(DfuStates, detach) { expect("21 00 E8 03 00 00 00 00", {}, no); }
-TEST_P(DfuStates, unknownRequest) { expect("21 07 00 00 00 00 00 00", {}, no); }
-TEST_P(DfuStates, wrongDirection) { expect("A1 01 00 00 00 00 05 00", {}, no); }
-TEST_P(DfuStates, wrongInterface) { expect("A1 03 00 00 01 00 06 00", {}, no); }
-TEST_P(DfuStates, wrongLengthOfStatus) { expect("A1 03 00 00 00 00 05 00", {}, no); }
-TEST_P(DfuStates, wrongValue) { expect("21 06 01 00 00 00 00 00", {}, no); }
-TEST_P(DfuStates, blockTooLong) { expect("21 01 02 00 00 00 04 10", Bytes(4100, 0), no); }
-TEST_P(DfuStates, readTooLong) { expect("A1 02 02 00 00 00 01 10", {}, no); }
-TEST_P(DfuStates, readOfNothing) { expect("A1 02 02 00 00 00 00 00", {}, no); }
-TEST_P(DfuStates, dnloadOfBlock1) { expect("21 01 01 00 00 00 05 00", toFlash, no); }
-TEST_P(DfuStates, uploadOfBlock1WithoutReply) { expect(misfit, {}, no); }
-TEST_P(DfuStates, vendorRequest) { expect("C0 01 00 00 00 00 01 00", {}, no); }
+TEST_P(DfuStates, detach) {
+    expect("21 00 E8 03 00 00 00 00", {}, no);
+}
+TEST_P(DfuStates, unknownRequest) {
+    expect("21 07 00 00 00 00 00 00", {}, no);
+}
+TEST_P(DfuStates, wrongDirection) {
+    expect("A1 01 00 00 00 00 05 00", {}, no);
+}
+TEST_P(DfuStates, wrongInterface) {
+    expect("A1 03 00 00 01 00 06 00", {}, no);
+}
+TEST_P(DfuStates, wrongLengthOfStatus) {
+    expect("A1 03 00 00 00 00 05 00", {}, no);
+}
+TEST_P(DfuStates, wrongValue) {
+    expect("21 06 01 00 00 00 00 00", {}, no);
+}
+TEST_P(DfuStates, blockTooLong) {
+    expect("21 01 02 00 00 00 04 10", Bytes(4100, 0), no);
+}
+TEST_P(DfuStates, readTooLong) {
+    expect("A1 02 02 00 00 00 01 10", {}, no);
+}
+TEST_P(DfuStates, readOfNothing) {
+    expect("A1 02 02 00 00 00 00 00", {}, no);
+}
+TEST_P(DfuStates, dnloadOfBlock1) {
+    expect("21 01 01 00 00 00 05 00", toFlash, no);
+}
+TEST_P(DfuStates, uploadOfBlock1WithoutReply) {
+    expect(misfit, {}, no);
+}
+TEST_P(DfuStates, vendorRequest) {
+    expect("C0 01 00 00 00 00 01 00", {}, no);
+}
 
 INSTANTIATE_TEST_SUITE_P(Table, DfuStates, ::testing::ValuesIn(states),
                          [](const ::testing::TestParamInfo<StateRow> &row) { return row.param.name; });
 
-void PrintTo(const StateRow &row, std::ostream *out) { *out << row.name; }
+void PrintTo(const StateRow &row, std::ostream *out) {
+    *out << row.name;
+}
 
 // ---- time
 

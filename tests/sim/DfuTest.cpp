@@ -1,8 +1,8 @@
 // A chip on USB, in literal setup packets and bytes.
 
-#include "tests/sim/UsbRig.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/sim/UsbRig.h"
 
 namespace {
 
@@ -26,7 +26,9 @@ struct Vector {
     const char *conversation;
 };
 
-void PrintTo(const Vector &vector, std::ostream *out) { *out << vector.name; }
+void PrintTo(const Vector &vector, std::ostream *out) {
+    *out << vector.name;
+}
 
 class Dfu : public ::testing::TestWithParam<Vector> {};
 
@@ -45,9 +47,10 @@ const Vector vectors[] = {
         H: 80 06 03 03 09 04 FF 00
         C: 4E 03 40 00 49 00 6E 00 74 00 65 00 72 00 6E 00 61 00 6C 00 20 00 46 00 6C 00 61 00 73 00 68 00 20 00 20 00 2F 00 30 00 78 00 30 00 38 00 30 00 30 00 30 00 30 00 30 00 30 00 2F 00 35 00 31 00 32 00 2A 00 30 00 30 00 32 00 4B 00 67 00
     )"},
-    {"erase_a_sector_write_and_read_back", "ZV32F403A_1024K", R"(
-        H: 21 01 00 00 00 00 05 00 | 41 00 08 00 08)" DONE POINTER("00 08 00 08") WORD("11 22 33 44") DONE ABORT
-        READS("06", "11 22 33 44 FF FF") ABORT},
+    {"erase_a_sector_write_and_read_back", "ZV32F403A_1024K",
+     R"(
+        H: 21 01 00 00 00 00 05 00 | 41 00 08 00 08)" DONE POINTER("00 08 00 08") WORD("11 22 33 44")
+         DONE ABORT READS("06", "11 22 33 44 FF FF") ABORT},
     {"the_pointer_is_the_start_of_flash_behind_a_reset", "ZV32F403A_1024K",
      WORD("01 02 03 04") DONE POINTER("00 00 00 20") ABORT READS("04", "00 00 00 00") R"(
         button
@@ -100,14 +103,12 @@ const Vector vectors[] = {
         C: 3F 55 D1 7F C4)"},
     {"a_command_that_is_too_short", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 06 00 | AC 08 00 00 00 08)" REFUSED("01") CLRSTATUS},
-    {"a_command_that_is_too_long_is_not_carried_out", "ZV32F403A_1024K",
-     WORD("01 02 03 04") DONE R"(
+    {"a_command_that_is_too_long_is_not_carried_out", "ZV32F403A_1024K", WORD("01 02 03 04") DONE R"(
         H: 21 01 00 00 00 00 05 00 | 44 FF FF 00 00)" REFUSED("01") CLRSTATUS R"(
         H: 21 01 00 00 00 00 02 00 | D4 00)" REFUSED("01") CLRSTATUS R"(
         wait 100
         here 1)" READS("04", "01 02 03 04") ABORT},
-    {"erase_ext_by_number_and_by_block", "ZV32F403A_1024K",
-     WORD("01 02 03 04") DONE R"(
+    {"erase_ext_by_number_and_by_block", "ZV32F403A_1024K", WORD("01 02 03 04") DONE R"(
         H: 21 01 00 00 00 00 06 00 | 44 00 00 00 01 01)" DONE ABORT READS("04", "01 02 03 04") ABORT R"(
         H: 21 01 00 00 00 00 09 00 | 44 FF FB 04 08 00 00 00 08)" DONE ABORT READS("04", "FF FF FF FF") ABORT},
     {"erase_ext_with_a_wrong_check_byte", "ZV32F403A_1024K", R"(
@@ -119,9 +120,12 @@ const Vector vectors[] = {
         H: 21 01 00 00 00 00 01 00 | 11)" REFUSED("0B") CLRSTATUS},
     {"a_pointer_of_the_wrong_length", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 04 00 | 21 00 00 08)" REFUSED("01") CLRSTATUS},
-    {"writing_where_there_is_no_memory", "ZV32F403A_1024K", POINTER("00 00 00 30") WORD("01 02 03 04") REFUSED("03") CLRSTATUS},
-    {"writing_the_unique_identifier", "ZV32F403A_1024K", POINTER("E8 F7 FF 1F") WORD("01 02 03 04") REFUSED("03") CLRSTATUS},
-    {"writing_at_an_odd_address", "ZV32F403A_1024K", POINTER("02 00 00 08") WORD("01 02 03 04") REFUSED("03") CLRSTATUS},
+    {"writing_where_there_is_no_memory", "ZV32F403A_1024K",
+     POINTER("00 00 00 30") WORD("01 02 03 04") REFUSED("03") CLRSTATUS},
+    {"writing_the_unique_identifier", "ZV32F403A_1024K",
+     POINTER("E8 F7 FF 1F") WORD("01 02 03 04") REFUSED("03") CLRSTATUS},
+    {"writing_at_an_odd_address", "ZV32F403A_1024K",
+     POINTER("02 00 00 08") WORD("01 02 03 04") REFUSED("03") CLRSTATUS},
     {"writing_an_odd_length", "ZV32F403A_1024K", R"(
         H: 21 01 02 00 00 00 03 00 | 01 02 03)" REFUSED("03") CLRSTATUS READS("03", "FF FF FF") ABORT},
     {"writing_a_cell_that_is_not_erased", "ZV32F403A_1024K",
@@ -147,8 +151,7 @@ const Vector vectors[] = {
         C: stall
         H: A1 03 00 00 00 00 06 00
         C: 08 00 00 00 0A 00)"},
-    {"protected_chip_refuses_behind_the_opcode", "ZV32F403A_1024K",
-     WORD("01 02 03 04") DONE R"(
+    {"protected_chip_refuses_behind_the_opcode", "ZV32F403A_1024K", WORD("01 02 03 04") DONE R"(
         H: 21 01 00 00 00 00 01 00 | 82)" DONE R"(
         wait 1
         away

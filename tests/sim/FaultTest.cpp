@@ -11,7 +11,9 @@ struct FaultCase {
     const char *conversation;
 };
 
-void PrintTo(const FaultCase &fault, std::ostream *out) { *out << fault.name; }
+void PrintTo(const FaultCase &fault, std::ostream *out) {
+    *out << fault.name;
+}
 
 class InjectedFault : public ::testing::TestWithParam<FaultCase> {};
 
@@ -132,9 +134,8 @@ TEST(Fault, aLateByteHoldsBackAllThatFollow) {
     const std::vector<TimedByte> bytes = rig.received();
     ASSERT_EQ(bytes.size(), 9U);
     EXPECT_EQ(bytes[1].at, rig.now);
-    for (std::size_t i = 2; i < bytes.size(); ++i) {
+    for (std::size_t i = 2; i < bytes.size(); ++i)
         EXPECT_EQ(bytes[i].at, rig.now + 40 * millisecond) << i;
-    }
 }
 
 TEST(Fault, hangupTakesTheByteAndAllBehindIt) {
@@ -288,9 +289,26 @@ TEST(PowerCut, ramForgets) {
 // ---- what is no fault
 
 TEST(FaultSpec, badOnesAreRefusedWithAReason) {
-    for (const char *spec : {"", "nack", "nack@", "nack@0", "nack@x", "nack@1:", "nack@1:GG", "nack@1:11:x", "nack@1:11:1:1",
-                             "rx-late@1", "rx-late@1:", "tx-lost@1:5", "tx-damage@1:0", "tx-damage@1:100", "silence@1:2",
-                             "powercut@-1", "powercut@1:ram", "hangup@1:2:3", "rx-lost@99999999999999999999", "boom@1"}) {
+    for (const char *spec : {"",
+                             "nack",
+                             "nack@",
+                             "nack@0",
+                             "nack@x",
+                             "nack@1:",
+                             "nack@1:GG",
+                             "nack@1:11:x",
+                             "nack@1:11:1:1",
+                             "rx-late@1",
+                             "rx-late@1:",
+                             "tx-lost@1:5",
+                             "tx-damage@1:0",
+                             "tx-damage@1:100",
+                             "silence@1:2",
+                             "powercut@-1",
+                             "powercut@1:ram",
+                             "hangup@1:2:3",
+                             "rx-lost@99999999999999999999",
+                             "boom@1"}) {
         Faults faults;
         std::string error;
         EXPECT_FALSE(faults.add(spec, error)) << spec;

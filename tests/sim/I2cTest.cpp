@@ -33,18 +33,30 @@ const MessageCase transfers[] = {
         W: 00 01 01
         R: 79
     )" HOLDS("08 00 00 00 08", "01 02 03 04") HOLDS("08 00 08 00 00", "FF FF FF FF")},
-    {"erase_two_sectors", usual, {}, {}, WRITES("08 00 00 00 08") WRITES("08 00 08 00 00")
-        SENDS("44 BB") SENDS("00 01 01") SENDS("00 00 00 01 01")
-        HOLDS("08 00 00 00 08", "FF FF FF FF") HOLDS("08 00 08 00 00", "FF FF FF FF")},
-    {"erase_everything", usual, {}, {}, WRITES("08 00 00 00 08") WRITES("08 08 00 00 00")
-        SENDS("44 BB") SENDS("FF FF 00")
-        HOLDS("08 00 00 00 08", "FF FF FF FF") HOLDS("08 08 00 00 00", "FF FF FF FF")},
-    {"erase_a_bank", usual, {}, {}, WRITES("08 00 00 00 08") WRITES("08 08 00 00 00")
-        SENDS("44 BB") SENDS("FF FD 02")
-        HOLDS("08 00 00 00 08", "01 02 03 04") HOLDS("08 08 00 00 00", "FF FF FF FF")},
-    {"erase_a_block", usual, {}, {}, WRITES("08 00 00 00 08") WRITES("08 01 00 00 09")
-        SENDS("44 BB") SENDS("FF FB 04") SENDS("08 01 00 00 09")
-        HOLDS("08 00 00 00 08", "01 02 03 04") HOLDS("08 01 00 00 09", "FF FF FF FF")},
+    {"erase_two_sectors",
+     usual,
+     {},
+     {},
+     WRITES("08 00 00 00 08") WRITES("08 00 08 00 00") SENDS("44 BB") SENDS("00 01 01") SENDS("00 00 00 01 01")
+         HOLDS("08 00 00 00 08", "FF FF FF FF") HOLDS("08 00 08 00 00", "FF FF FF FF")},
+    {"erase_everything",
+     usual,
+     {},
+     {},
+     WRITES("08 00 00 00 08") WRITES("08 08 00 00 00") SENDS("44 BB") SENDS("FF FF 00")
+         HOLDS("08 00 00 00 08", "FF FF FF FF") HOLDS("08 08 00 00 00", "FF FF FF FF")},
+    {"erase_a_bank",
+     usual,
+     {},
+     {},
+     WRITES("08 00 00 00 08") WRITES("08 08 00 00 00") SENDS("44 BB") SENDS("FF FD 02")
+         HOLDS("08 00 00 00 08", "01 02 03 04") HOLDS("08 08 00 00 00", "FF FF FF FF")},
+    {"erase_a_block",
+     usual,
+     {},
+     {},
+     WRITES("08 00 00 00 08") WRITES("08 01 00 00 09") SENDS("44 BB") SENDS("FF FB 04") SENDS("08 01 00 00 09")
+         HOLDS("08 00 00 00 08", "01 02 03 04") HOLDS("08 01 00 00 09", "FF FF FF FF")},
     {"erase_refused", usual, {}, {}, WRITES("08 00 00 00 08") R"(
         # sector 512 is none
         W: 44 BB
@@ -70,7 +82,11 @@ const MessageCase transfers[] = {
         W: FF FC 03
         R: 1F
     )" HOLDS("08 00 00 00 08", "01 02 03 04")},
-    {"erase_by_one_byte_numbers", "ZV32F403_2_256K", {}, {}, SENDS("43 BC") SENDS("00 03 03") SENDS("43 BC") SENDS("FF 00")},
+    {"erase_by_one_byte_numbers",
+     "ZV32F403_2_256K",
+     {},
+     {},
+     SENDS("43 BC") SENDS("00 03 03") SENDS("43 BC") SENDS("FF 00")},
     {"unknown_commands", usual, {}, {}, "W: 77 88\nR: 1F\nW: 03 FC\nR: 1F\nW: 00 FE\nR: 1F" GETS_ID},
 };
 
@@ -96,11 +112,16 @@ const MessageCase strictness[] = {
         R: 1F
     )" GETS_ID},
     {"numbers_do_not_follow_their_count", usual, {}, {}, "W: 44 BB\nR: 79\nW: 00 00 00 00 00\nR: 1F" GETS_ID},
-    {"numbers_are_as_many_as_was_said", usual, {}, {},
-     SENDS("44 BB") SENDS("00 01 01") "W: 00 00 00\nR: 1F" GETS_ID},
-    {"a_data_group_is_as_long_as_it_says", usual, {}, {},
+    {"numbers_are_as_many_as_was_said", usual, {}, {}, SENDS("44 BB") SENDS("00 01 01") "W: 00 00 00\nR: 1F" GETS_ID},
+    {"a_data_group_is_as_long_as_it_says",
+     usual,
+     {},
+     {},
      SENDS("31 CE") SENDS("08 00 00 00 08") "W: 03 01 02 03 04 05 02\nR: 1F" HOLDS("08 00 00 00 08", "FF FF FF FF")},
-    {"between_groups_any_time_may_pass", usual, {}, {},
+    {"between_groups_any_time_may_pass",
+     usual,
+     {},
+     {},
      SENDS("11 EE") "wait 100000" SENDS("08 00 00 00 08") "wait 100000" SENDS("03 FC") "wait 100000\nR: FF FF FF FF"},
     {"lost_step", usual, {}, {}, SENDS("11 EE") "W: 00 FF\nR: 1F" SENDS("00 FF") "R: 15"},
     {"a_write_throws_away_what_was_not_read", usual, {}, {}, R"(
@@ -155,7 +176,12 @@ const MessageCase strictness[] = {
         W: 11 EE
         R: 1F
     )"},
-    {"gone_behind_go", usual, {}, {}, SENDS("21 DE") "W: 08 00 00 00 08\nR: 79" R"(
+    {"gone_behind_go",
+     usual,
+     {},
+     {},
+     SENDS("21 DE") "W: 08 00 00 00 08\nR: 79"
+                    R"(
         W! 02 FD
         R! 1
         wait 100000
@@ -211,10 +237,16 @@ const MessageCase faults[] = {
     {"tx_double", usual, {"tx-double@3"}, {}, SENDS("02 FD") "R: 04 03 03 47 70 05\nR: 79"},
     {"tx_damage", usual, {"tx-damage@3:80"}, {}, SENDS("02 FD") "R: 04 83 47 70 05 07\nR: 79"},
     {"tx_late_answer", usual, {"tx-late@1:10"}, {}, "W: 02 FD\nR: 76\nwait 9\nR: 76\nwait 1\nR: 79\nR: 04"},
-    {"what_is_busy_or_fill_is_not_counted", usual, {"tx-damage@2:01"}, slow,
+    {"what_is_busy_or_fill_is_not_counted",
+     usual,
+     {"tx-damage@2:01"},
+     slow,
      "R: FF FF" SENDS("44 BB") "W: FF FF 00\nR: 76\nR: 76\nwait 20000\nR: 78"},
     {"nack", usual, {"nack@2"}, {}, GETS_ID "W: 02 FD\nR: 1F" GETS_ID},
-    {"nack_behind_a_group_of_this_link", usual, {"nack@1:44:2"}, {},
+    {"nack_behind_a_group_of_this_link",
+     usual,
+     {"nack@1:44:2"},
+     {},
      SENDS("44 BB") SENDS("00 00 00") "W: 00 00 00\nR: 1F" GETS_ID},
     {"silence", usual, {"silence@1"}, {}, "W: 02 FD\nR! 1\nW! 02 FD\nwait 100000\nR! 1\nbutton\nwait 20" GETS_ID},
     {"powercut", usual, {"powercut@2"}, {}, SENDS("31 CE") SENDS("08 00 00 00 08") R"(

@@ -1,7 +1,8 @@
 #include "sim/usb/I2cTinyDevice.h"
-#include "tests/sim/Rig.h"
 
 #include <gtest/gtest.h>
+
+#include "tests/sim/Rig.h"
 
 namespace sim {
 namespace {
@@ -14,9 +15,8 @@ protected:
     // "done", the bytes, "stall" or "silent".
     std::string control(const std::string &setup, const std::string &out = "-") {
         const UsbAnswer answer = ask(setup, out);
-        if (answer.kind != UsbAnswer::Kind::done) {
+        if (answer.kind != UsbAnswer::Kind::done)
             return answer.kind == UsbAnswer::Kind::stall ? "stall" : "silent";
-        }
         return answer.data.empty() ? "done" : showBytes(answer.data);
     }
     std::string status() { return control("C1 03 00 00 00 00 01 00"); }
@@ -30,9 +30,9 @@ const char acknowledged[] = "01";
 const char notAcknowledged[] = "02";
 
 TEST_F(I2cTinyDeviceTest, theDriverFindsItsWay) {
-    EXPECT_EQ(control("C1 00 34 12 00 00 02 00"), "34 12");           // echo
-    EXPECT_EQ(control("C1 01 00 00 00 00 04 00"), "09 00 FF 0E");     // functions
-    EXPECT_EQ(control("41 02 0A 00 00 00 00 00"), "done");            // delay
+    EXPECT_EQ(control("C1 00 34 12 00 00 02 00"), "34 12");       // echo
+    EXPECT_EQ(control("C1 01 00 00 00 00 04 00"), "09 00 FF 0E"); // functions
+    EXPECT_EQ(control("41 02 0A 00 00 00 00 00"), "done");        // delay
     EXPECT_EQ(status(), "00");
 }
 

@@ -15,21 +15,18 @@ std::string MessageRig::play(const std::string &conversation) {
         std::istringstream line(text);
         std::string word;
         std::string rest;
-        if (!(line >> word) || word == "#") {
+        if (!(line >> word) || word == "#")
             continue;
-        }
         std::getline(line, rest);
         std::string wrong;
-        if (word == "wait") {
+        if (word == "wait")
             now += std::stol(rest) * millisecond;
-        } else if (word == "button") {
+        else if (word == "button")
             button();
-        } else {
+        else
             wrong = step(word, rest);
-        }
-        if (!wrong.empty()) {
+        if (!wrong.empty())
             return "line " + std::to_string(number) + " \"" + word + rest + "\": " + wrong;
-        }
     }
     return "";
 }
@@ -40,14 +37,12 @@ std::string I2cRig::step(const std::string &word, const std::string &rest) {
         const bool done = protocol.write(parseBytes(rest), now);
         return done == acknowledged ? "" : done ? "acknowledged" : "not acknowledged";
     }
-    if (word != "R:" && word != "R!") {
+    if (word != "R:" && word != "R!")
         return "what is this?";
-    }
     const Bytes wanted = acknowledged ? parseBytes(rest) : Bytes(std::stoul(rest));
     const I2cProtocol::Read read = protocol.read(wanted.size(), now);
-    if (read.acknowledged != acknowledged) {
+    if (read.acknowledged != acknowledged)
         return read.acknowledged ? "acknowledged" : "not acknowledged";
-    }
     now = read.at;
     return !acknowledged || read.bytes == wanted ? "" : "the chip sent " + showBytes(read.bytes);
 }
@@ -55,9 +50,8 @@ std::string I2cRig::step(const std::string &word, const std::string &rest) {
 Bytes SpiRig::message(const Bytes &out) {
     Bytes in;
     protocol.select(now);
-    for (const std::uint8_t byte : out) {
+    for (const std::uint8_t byte : out)
         in.push_back(protocol.shift(byte, now));
-    }
     protocol.deselect(now);
     return in;
 }
@@ -65,13 +59,12 @@ Bytes SpiRig::message(const Bytes &out) {
 std::string SpiRig::step(const std::string &word, const std::string &rest) {
     Bytes out = parseBytes(rest.substr(0, rest.find('=')));
     Bytes wanted(out.size());
-    if (word == "X:") {
+    if (word == "X:")
         wanted = parseBytes(rest.substr(rest.find('=') + 1));
-    } else if (word == "F:") {
+    else if (word == "F:")
         out.swap(wanted);
-    } else if (word != "H:") {
+    else if (word != "H:")
         return "what is this?";
-    }
     const Bytes in = message(out);
     return in == wanted ? "" : "the chip sent " + showBytes(in);
 }

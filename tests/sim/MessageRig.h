@@ -1,10 +1,10 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include "sim/fronts/I2cProtocol.h"
 #include "sim/fronts/SpiProtocol.h"
 #include "tests/sim/Rig.h"
-
-#include <gtest/gtest.h>
 
 namespace sim {
 
@@ -41,7 +41,8 @@ protected:
 //   R: bytes   a read transfer that brings these     R! COUNT   one that is not acknowledged
 class I2cRig : public MessageRig {
 public:
-    explicit I2cRig(const std::string &chipName, const std::vector<std::string> &faultSpecs = {}, FlashTime flashTime = {})
+    explicit I2cRig(const std::string &chipName, const std::vector<std::string> &faultSpecs = {},
+                    FlashTime flashTime = {})
         : MessageRig(chipName, faultSpecs, flashTime, &i2cCommands()) {}
 
     I2cProtocol protocol{bootloader, faults};
@@ -57,7 +58,8 @@ private:
 //   X: out = in   both, byte by byte
 class SpiRig : public MessageRig {
 public:
-    explicit SpiRig(const std::string &chipName, const std::vector<std::string> &faultSpecs = {}, FlashTime flashTime = {})
+    explicit SpiRig(const std::string &chipName, const std::vector<std::string> &faultSpecs = {},
+                    FlashTime flashTime = {})
         : MessageRig(chipName, faultSpecs, flashTime, nullptr) {}
 
     Bytes message(const Bytes &out);
@@ -78,17 +80,21 @@ struct MessageCase {
     const char *conversation;
 };
 
-inline void PrintTo(const MessageCase &one, std::ostream *out) { *out << one.name; }
+inline void PrintTo(const MessageCase &one, std::ostream *out) {
+    *out << one.name;
+}
 
-inline std::string nameOfCase(const ::testing::TestParamInfo<MessageCase> &one) { return one.param.name; }
+inline std::string nameOfCase(const ::testing::TestParamInfo<MessageCase> &one) {
+    return one.param.name;
+}
 
 } // namespace sim
 
 // One test for each row of a table of cases.
-#define MESSAGE_CASES(SUITE, RIG, TABLE)                                                                               \
-    class SUITE : public ::testing::TestWithParam<sim::MessageCase> {};                                                \
-    TEST_P(SUITE, goesByteForByte) {                                                                                   \
-        sim::RIG rig(GetParam().chip, GetParam().faults, GetParam().flashTime);                                        \
-        EXPECT_EQ(rig.play(GetParam().conversation), "");                                                              \
-    }                                                                                                                  \
+#define MESSAGE_CASES(SUITE, RIG, TABLE)                                        \
+    class SUITE : public ::testing::TestWithParam<sim::MessageCase> {};         \
+    TEST_P(SUITE, goesByteForByte) {                                            \
+        sim::RIG rig(GetParam().chip, GetParam().faults, GetParam().flashTime); \
+        EXPECT_EQ(rig.play(GetParam().conversation), "");                       \
+    }                                                                           \
     INSTANTIATE_TEST_SUITE_P(Wire, SUITE, ::testing::ValuesIn(TABLE), sim::nameOfCase)

@@ -10,9 +10,8 @@ namespace {
 bool parse(std::vector<std::string> words, Options &options, std::string &error) {
     words.insert(words.begin(), "zv32-sim");
     std::vector<char *> argv;
-    for (std::string &word : words) {
+    for (std::string &word : words)
         argv.push_back(word.data());
-    }
     argv.push_back(nullptr);
     return parseOptions(static_cast<int>(words.size()), argv.data(), simFronts(), options, error);
 }
@@ -109,7 +108,9 @@ struct BadLine {
     const char *message; // a part of it
 };
 
-void PrintTo(const BadLine &line, std::ostream *out) { *out << line.name; }
+void PrintTo(const BadLine &line, std::ostream *out) {
+    *out << line.name;
+}
 
 class BadLines : public ::testing::TestWithParam<BadLine> {};
 
@@ -122,28 +123,26 @@ TEST_P(BadLines, areRefusedWithAReason) {
 
 INSTANTIATE_TEST_SUITE_P(
     Line, BadLines,
-    ::testing::Values(BadLine{"nothing", {}, "--chip is missing"},
-                      BadLine{"no_port", {"--chip", "ZV32F421_64K"}, "the port is missing: --usart"},
-                      BadLine{"no_chip", {"--usart", "tty"}, "--chip is missing"},
-                      BadLine{"unknown_chip", {"--chip", "ZV32F1", "--usart", "tty"}, "no chip \"ZV32F1\""},
-                      BadLine{"unknown_option", {"--chips"}, "unknown option --chips"},
-                      BadLine{"short_option", {"-c", "x"}, "unknown option -c"},
-                      BadLine{"value_missing", {"--chip"}, "a value is missing behind --chip"},
-                      BadLine{"value_too_much", {"--list=x"}, "--list=x"},
-                      BadLine{"stray_word", {"--list", "word"}, "word"},
-                      BadLine{"empty_name", {"--usart", ""}, "empty"},
-                      BadLine{"empty_name_that_may_be_left_out", {"--i2c=", "--chip", "ZV32F421_64K"}, "empty"},
-                      BadLine{"two_names", {"--chip", "ZV32F421_64K", "--i2c", "i2c-1", "i2c-2"}, "i2c-2"},
-                      BadLine{"two_ports", {"--chip", "ZV32F421_64K", "--i2c", "--spi"}, "--i2c or --spi"},
-                      BadLine{"bad_wiring", {"--wiring", "reset=dtr"}, "reset=dtr"},
-                      BadLine{"wiring_without_lines",
-                              {"--chip", "ZV32F421_64K", "--usart", "tty", "--wiring", "reset=dtr:low"},
-                              "--usart has no control lines"},
-                      BadLine{"bad_fault", {"--fault", "x@1"}, "x@1"},
-                      BadLine{"spim_no_number", {"--spim", "16M"}, "16M"},
-                      BadLine{"spim_too_large", {"--spim", "65"}, "65"},
-                      BadLine{"flash_time_one_number", {"--flash-time=20"}, "20"},
-                      BadLine{"flash_time_no_number", {"--flash-time=a,b"}, "a,b"}),
+    ::testing::Values(
+        BadLine{"nothing", {}, "--chip is missing"},
+        BadLine{"no_port", {"--chip", "ZV32F421_64K"}, "the port is missing: --usart"},
+        BadLine{"no_chip", {"--usart", "tty"}, "--chip is missing"},
+        BadLine{"unknown_chip", {"--chip", "ZV32F1", "--usart", "tty"}, "no chip \"ZV32F1\""},
+        BadLine{"unknown_option", {"--chips"}, "unknown option --chips"},
+        BadLine{"short_option", {"-c", "x"}, "unknown option -c"},
+        BadLine{"value_missing", {"--chip"}, "a value is missing behind --chip"},
+        BadLine{"value_too_much", {"--list=x"}, "--list=x"}, BadLine{"stray_word", {"--list", "word"}, "word"},
+        BadLine{"empty_name", {"--usart", ""}, "empty"},
+        BadLine{"empty_name_that_may_be_left_out", {"--i2c=", "--chip", "ZV32F421_64K"}, "empty"},
+        BadLine{"two_names", {"--chip", "ZV32F421_64K", "--i2c", "i2c-1", "i2c-2"}, "i2c-2"},
+        BadLine{"two_ports", {"--chip", "ZV32F421_64K", "--i2c", "--spi"}, "--i2c or --spi"},
+        BadLine{"bad_wiring", {"--wiring", "reset=dtr"}, "reset=dtr"},
+        BadLine{"wiring_without_lines",
+                {"--chip", "ZV32F421_64K", "--usart", "tty", "--wiring", "reset=dtr:low"},
+                "--usart has no control lines"},
+        BadLine{"bad_fault", {"--fault", "x@1"}, "x@1"}, BadLine{"spim_no_number", {"--spim", "16M"}, "16M"},
+        BadLine{"spim_too_large", {"--spim", "65"}, "65"}, BadLine{"flash_time_one_number", {"--flash-time=20"}, "20"},
+        BadLine{"flash_time_no_number", {"--flash-time=a,b"}, "a,b"}),
     [](const auto &line) { return std::string(line.param.name); });
 
 } // namespace

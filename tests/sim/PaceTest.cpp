@@ -8,7 +8,9 @@ namespace {
 constexpr unsigned baud = 115200;
 
 // Eleven bit times: start, eight data bits, parity, stop.
-Nanoseconds byteTimes(std::int64_t count) { return count * 11 * second / baud; }
+Nanoseconds byteTimes(std::int64_t count) {
+    return count * 11 * second / baud;
+}
 
 TEST(Pace, anAnswerComesOneByteTimeBehindTheLastByteOfTheHost) {
     Rig rig("ZV32F403A_1024K");
@@ -60,9 +62,8 @@ TEST(Pace, theRateCanBeAnything) {
 TEST(Pace, withoutARateNothingTakesTime) {
     Rig rig("ZV32F403A_1024K");
     rig.send({0x7F, 0x00, 0xFF});
-    for (const TimedByte &byte : rig.received()) {
+    for (const TimedByte &byte : rig.received())
         EXPECT_EQ(byte.at, rig.now);
-    }
 }
 
 TEST(Pace, aLateByteIsLateOnTopOfItsTime) {

@@ -6,18 +6,18 @@ namespace sim {
 
 namespace {
 
-std::string orNothing(const std::string &text) { return text.empty() ? "-" : text; }
+std::string orNothing(const std::string &text) {
+    return text.empty() ? "-" : text;
+}
 
 } // namespace
 
 Faults makeFaults(const std::vector<std::string> &specs) {
     Faults faults;
     std::string error;
-    for (const std::string &spec : specs) {
-        if (!faults.add(spec, error)) {
+    for (const std::string &spec : specs)
+        if (!faults.add(spec, error))
             throw std::invalid_argument(error);
-        }
-    }
     return faults;
 }
 
@@ -47,9 +47,8 @@ Rig::Rig(const std::string &chipName, const std::vector<std::string> &faultSpecs
     : faults(makeFaults(faultSpecs)), chip(*findChip(chipName), spimSize, flashTime, faults) {}
 
 void Rig::send(const Bytes &bytes, unsigned baud) {
-    for (const std::uint8_t byte : bytes) {
+    for (const std::uint8_t byte : bytes)
         line.fromHost(byte, now, baud);
-    }
 }
 
 std::vector<TimedByte> Rig::received() {
@@ -67,29 +66,25 @@ std::string Rig::play(const std::string &conversation) {
         const std::size_t first = text.find_first_not_of(' ');
         text.erase(0, first);
         const std::string at = "line " + std::to_string(number) + " \"" + text + "\": ";
-        if (first == std::string::npos || text[0] == '#') {
+        if (first == std::string::npos || text[0] == '#')
             continue;
-        }
         if (text.rfind("C:", 0) == 0) {
             const Bytes wanted = parseBytes(text.substr(2));
-            if (unread != wanted) {
+            if (unread != wanted)
                 return at + "the chip sent " + orNothing(showBytes(unread));
-            }
             unread.clear();
             continue;
         }
-        if (!unread.empty()) {
+        if (!unread.empty())
             return at + "nobody has read " + showBytes(unread);
-        }
-        if (text.rfind("H:", 0) == 0) {
+        if (text.rfind("H:", 0) == 0)
             send(parseBytes(text.substr(2)));
-        } else if (text.rfind("wait ", 0) == 0) {
+        else if (text.rfind("wait ", 0) == 0)
             now += std::stol(text.substr(5)) * millisecond;
-        } else if (text == "button") {
+        else if (text == "button")
             bootloader.reset(now);
-        } else {
+        else
             return at + "what is this?";
-        }
         for (const TimedByte &timed : received()) {
             unread.push_back(timed.byte);
             now = std::max(now, timed.at);

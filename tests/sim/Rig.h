@@ -1,10 +1,10 @@
 #pragma once
 
-#include "sim/fronts/SerialLine.h"
-
 #include <sstream>
 #include <stdexcept>
 #include <string>
+
+#include "sim/fronts/SerialLine.h"
 
 namespace sim {
 

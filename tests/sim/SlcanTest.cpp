@@ -1,8 +1,8 @@
 // The serial-line CAN adapter, line by line, with the chip at its bus.
 
-#include "tests/sim/CanRig.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/sim/CanRig.h"
 
 namespace sim {
 namespace {
@@ -14,7 +14,9 @@ struct Conversation {
     const char *text;
 };
 
-void PrintTo(const Conversation &conversation, std::ostream *out) { *out << conversation.name; }
+void PrintTo(const Conversation &conversation, std::ostream *out) {
+    *out << conversation.name;
+}
 
 class Slcan : public ::testing::TestWithParam<Conversation> {};
 

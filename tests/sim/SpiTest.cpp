@@ -22,10 +22,17 @@ const MessageCase messages[] = {
     {"get_version", usual, {}, {}, OPENS SENDS("01 FE") "F: 5A 21 34 12 07 5A 79"},
     {"get_id", usual, {}, {}, OPENS GETS_ID},
     {"get_id_of_two_bytes", "ZV32F403_2_256K", {}, {}, OPENS SENDS("02 FD") "F: 5A 01 02 42 41 5A 79"},
-    {"write_and_read", usual, {}, {},
-     OPENS WRITES("08 00 00 10 18") HOLDS("08 00 00 10 18", "01 02 03 04 04") HOLDS("08 00 00 14 1C", "FF FF FF FF 00")},
+    {"write_and_read",
+     usual,
+     {},
+     {},
+     OPENS WRITES("08 00 00 10 18") HOLDS("08 00 00 10 18", "01 02 03 04 04")
+         HOLDS("08 00 00 14 1C", "FF FF FF FF 00")},
     {"a_reply_with_a_check_byte_of_its_own_has_no_other", usual, {}, {}, OPENS SENDS("D3 2C") "F: 5A 00 FF*6 00 00 00"},
-    {"erase_as_on_usart", usual, {}, {},
+    {"erase_as_on_usart",
+     usual,
+     {},
+     {},
      OPENS WRITES("08 00 00 00 08") SENDS("44 BB") SENDS("00 00 00 00 00") HOLDS("08 00 00 00 08", "FF FF FF FF 00")},
     {"a_refusal", usual, {}, {}, OPENS "H: 5A 77 88\nF: 5A 1F" SENDS("11 EE") "H: 5A 08 00 00 00 09\nF: 5A 1F" GETS_ID},
     {"two_answers_in_one_fetch", usual, {}, {}, OPENS R"(
@@ -84,8 +91,12 @@ const MessageCase strictness[] = {
         F: 5A 79 5A 21 34 12 07 5A 79 00
     )"},
     {"one_that_is_ignored_does_not", usual, {}, {}, OPENS "H: 5A 02 FD\nH: 11\nF: 5A 79 5A 04"},
-    {"between_groups_any_time_may_pass", usual, {}, {},
-     OPENS SENDS("11 EE") "wait 100000" SENDS("08 00 00 00 08") "wait 100000" SENDS("00 FF") "wait 100000\nF: 5A FF FF"},
+    {"between_groups_any_time_may_pass",
+     usual,
+     {},
+     {},
+     OPENS SENDS("11 EE") "wait 100000" SENDS("08 00 00 00 08") "wait 100000" SENDS(
+         "00 FF") "wait 100000\nF: 5A FF FF"},
     {"a_reset_waits_until_its_answer_was_fetched", usual, {}, {}, OPENS R"(
         H: 5A D4 2B
         wait 1000
@@ -101,7 +112,12 @@ const MessageCase strictness[] = {
         F: 00 00
     )" OPENS GETS_ID},
     {"or_thrown_away", usual, {}, {}, OPENS "H: 5A D4 2B\nwait 1000\nH: 5A 7F\nX: 00 00 = FF FF\nwait 20" OPENS},
-    {"gone_behind_go", usual, {}, {}, OPENS SENDS("21 DE") "H: 5A 08 00 00 00 08\nF: 5A 79" R"(
+    {"gone_behind_go",
+     usual,
+     {},
+     {},
+     OPENS SENDS("21 DE") "H: 5A 08 00 00 00 08\nF: 5A 79"
+                          R"(
         X: 5A 7F = FF FF
         wait 100000
         X: 00 = FF
@@ -141,12 +157,26 @@ const MessageCase faults[] = {
     {"tx_lost", usual, {"tx-lost@4"}, {}, OPENS "H: 5A 02 FD\nF: 5A 5A 04 03 47 70 05 07 32 5A 79"},
     {"tx_double", usual, {"tx-double@6"}, {}, OPENS SENDS("02 FD") "F: 5A 04 04 03 47 70 05 07 32 5A 79"},
     {"tx_damage", usual, {"tx-damage@7:80"}, {}, OPENS SENDS("02 FD") "F: 5A 04 83 47 70 05 07 32 5A 79"},
-    {"tx_late_is_later_as_a_whole", usual, {"tx-late@8:10"}, {},
+    {"tx_late_is_later_as_a_whole",
+     usual,
+     {"tx-late@8:10"},
+     {},
      OPENS SENDS("02 FD") "F: 00 00\nwait 9\nF: 00\nwait 1\nF: 5A 04 03 47 70 05 07 32 5A 79"},
-    {"fetching_and_nothing_to_say_are_not_counted", usual, {"rx-damage@6:01", "tx-damage@3:20"}, {},
+    {"fetching_and_nothing_to_say_are_not_counted",
+     usual,
+     {"rx-damage@6:01", "tx-damage@3:20"},
+     {},
      "F: 00 00" OPENS "F: 00*9\nX: 00 FF FF = 00 00 00\nH: 5A 02 FD\nF: 7A 79\nH: 5A 02 FD\nF: 5A 04"},
-    {"nack", usual, {"nack@1:31:2"}, {}, OPENS SENDS("31 CE") SENDS("08 00 00 00 08") "H: 5A 03 01 02 03 04 07\nF: 5A 1F" GETS_ID},
-    {"silence", usual, {"silence@1"}, {}, OPENS "H: 5A 02 FD\nF: 00*4\nH: 5A 7F\nwait 9999\nF: 00*4\nbutton\nwait 20" OPENS},
+    {"nack",
+     usual,
+     {"nack@1:31:2"},
+     {},
+     OPENS SENDS("31 CE") SENDS("08 00 00 00 08") "H: 5A 03 01 02 03 04 07\nF: 5A 1F" GETS_ID},
+    {"silence",
+     usual,
+     {"silence@1"},
+     {},
+     OPENS "H: 5A 02 FD\nF: 00*4\nH: 5A 7F\nwait 9999\nF: 00*4\nbutton\nwait 20" OPENS},
     {"powercut", usual, {"powercut@2"}, {}, OPENS SENDS("31 CE") SENDS("08 00 00 00 08") R"(
         H: 5A 03 01 02 03 04 07
         X: 00 00 = FF FF
@@ -171,7 +201,9 @@ TEST(SpiBus, whatIsIgnoredIsTold) {
 
 TEST(SpiBus, whatIsRefusedIsTold) {
     SpiRig rig(usual);
-    EXPECT_EQ(rig.play(OPENS "H: 5A 11\nF: 5A 1F" SENDS("11 EE") "H: 5A 08 00\nF: 5A 1F" SENDS("11 EE") "H: 5A 7F\nF: 5A 1F"), "");
+    EXPECT_EQ(
+        rig.play(OPENS "H: 5A 11\nF: 5A 1F" SENDS("11 EE") "H: 5A 08 00\nF: 5A 1F" SENDS("11 EE") "H: 5A 7F\nF: 5A 1F"),
+        "");
     EXPECT_EQ(rig.told.str(), "refused: 1 bytes where an opcode and its complement belong\n"
                               "command: READ\n"
                               "refused: READ: 2 bytes where a group of 5 belongs\n"
@@ -198,9 +230,8 @@ TEST(SpiBus, anAnswerComesWhenItIsReadyInTheMiddleOfAFetch) {
     EXPECT_EQ(rig.play(OPENS SENDS("44 BB") "H: 5A 00 00 00 00 00"), "");
     rig.protocol.select(rig.now);
     Bytes in;
-    for (int ms = 18; ms < 23; ++ms) {
+    for (int ms = 18; ms < 23; ++ms)
         in.push_back(rig.protocol.shift(0, rig.now + ms * millisecond));
-    }
     EXPECT_EQ(showBytes(in), "00 00 5A 79 00");
 }
 

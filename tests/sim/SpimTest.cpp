@@ -8,8 +8,8 @@ namespace {
 #define ENABLE_SPIM "\nH: B3 4C\nC: 79\nH: 90 00 10 00 00 00 00 00 00 80\nC: 79\n"
 
 const sim::Vector spim[] = {
-    {"off_until_enabled_and_behind_a_reset", "ZV32F403A_1024K", SYNC ENABLE_SPIM WRITE_WORD("08 40 00 00 48")
-         READS("08 40 00 00 48", "01 02 03 04") R"(
+    {"off_until_enabled_and_behind_a_reset", "ZV32F403A_1024K",
+     SYNC ENABLE_SPIM WRITE_WORD("08 40 00 00 48") READS("08 40 00 00 48", "01 02 03 04") R"(
         H: D4 2B
         C: 79
     )" AFTER_RESET R"(
@@ -183,8 +183,8 @@ const sim::Vector spim[] = {
         H: 08 41 00 00 49
         C: 79
     )" READS("08 00 00 00 08", "FF FF FF FF") READS("08 00 FF FC 0B", "FF FF FF FF")
-         READS("08 01 00 00 09", "01 02 03 04") READS("08 3E FF FC 35", "FF FF FF FF")
-             READS("08 41 00 00 49", "FF FF FF FF") R"(
+             READS("08 01 00 00 09", "01 02 03 04") READS("08 3E FF FC 35", "FF FF FF FF")
+                 READS("08 41 00 00 49", "FF FF FF FF") R"(
         # not a block, and none behind the end
         H: 44 BB
         C: 79

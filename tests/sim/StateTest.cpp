@@ -1,12 +1,14 @@
 // The file that keeps a chip's memory.
 
 #include "sim/State.h"
-#include "tests/sim/Vectors.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+
 #include <unistd.h>
+
+#include "tests/sim/Vectors.h"
 
 namespace sim {
 namespace {
@@ -98,9 +100,8 @@ TEST_F(State, everythingThatSurvivesWithoutPowerComesBack) {
 TEST_F(State, aFullFlashComesBackByteForByte) {
     Rig before("ZV32F421_64K");
     Bytes noise;
-    for (std::uint32_t word = 1; noise.size() < 256; word = word * 1664525 + 1013904223) {
+    for (std::uint32_t word = 1; noise.size() < 256; word = word * 1664525 + 1013904223)
         noise.push_back(static_cast<std::uint8_t>(word >> 24));
-    }
     for (std::uint32_t at = 0; at < 0x10000; at += 0x100) {
         std::rotate(noise.begin(), noise.begin() + 1, noise.end());
         // Stretches of FF of every length, to try where runs end.
@@ -154,8 +155,8 @@ TEST_F(State, everyDamageIsRefused) {
     ASSERT_TRUE(rig.chip.write(0x08000000, {1, 2, 3, 4}).done());
     ASSERT_TRUE(StateFile(path, rig.chip).save(error)) << error;
     const std::string good = content();
-    std::vector<std::string> damaged = {"", "ZV32SIM1", "a text of somebody else's", good + "x",
-                                        good.substr(0, good.size() - 1), good.substr(1)};
+    std::vector<std::string> damaged = {
+        "", "ZV32SIM1", "a text of somebody else's", good + "x", good.substr(0, good.size() - 1), good.substr(1)};
     for (std::size_t i = 0; i < good.size(); i += 7) {
         damaged.push_back(good);
         damaged.back()[i] = static_cast<char>(damaged.back()[i] ^ 0x40);

@@ -1,7 +1,8 @@
 #include "sim/usb/UsbIp.h"
-#include "tests/sim/Rig.h"
 
 #include <gtest/gtest.h>
+
+#include "tests/sim/Rig.h"
 
 namespace sim {
 namespace {
@@ -65,8 +66,8 @@ TEST_F(UsbIpTest, aControlTransferBringsData) {
     device.next = UsbAnswer::done(now, {0x12, 0x01, 0x00});
     ASSERT_TRUE(send(getDescriptor));
     EXPECT_EQ(device.asked.at(0), "control 6 value 256 index 0 length 18: ");
-    EXPECT_EQ(due(), "00 00 00 03 00 00 00 0D 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 03" + twentyZeros +
-                         " 12 01 00");
+    EXPECT_EQ(due(), "00 00 00 03 00 00 00 0D 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 03" +
+                         twentyZeros + " 12 01 00");
 }
 
 TEST_F(UsbIpTest, aControlTransferTakesDataAndTellsHowMuch) {
@@ -80,9 +81,8 @@ TEST_F(UsbIpTest, aControlTransferTakesDataAndTellsHowMuch) {
 TEST_F(UsbIpTest, messagesComeInAnyPieces) {
     device.next = UsbAnswer::done(now, {0x55});
     const Bytes bytes = parseBytes(getDescriptor + " " + getDescriptor);
-    for (const std::uint8_t byte : bytes) {
+    for (const std::uint8_t byte : bytes)
         ASSERT_TRUE(usbIp.receive(&byte, 1, now));
-    }
     EXPECT_EQ(device.asked.size(), 2U);
     EXPECT_EQ(usbIp.takeDue(now).size(), 2U * 49);
 }
@@ -90,7 +90,8 @@ TEST_F(UsbIpTest, messagesComeInAnyPieces) {
 TEST_F(UsbIpTest, aStallIsBrokenPipe) {
     device.next = UsbAnswer::stall(now);
     ASSERT_TRUE(send(getDescriptor));
-    EXPECT_EQ(due(), "00 00 00 03 00 00 00 0D 00 00 00 00 00 00 00 00 00 00 00 00 FF FF FF E0 00 00 00 00" + twentyZeros);
+    EXPECT_EQ(due(),
+              "00 00 00 03 00 00 00 0D 00 00 00 00 00 00 00 00 00 00 00 00 FF FF FF E0 00 00 00 00" + twentyZeros);
 }
 
 TEST_F(UsbIpTest, anAnswerLeavesWhenItIsDue) {
@@ -117,8 +118,8 @@ TEST_F(UsbIpTest, aReadingTransferWaitsForData) {
     EXPECT_EQ(due(), "");
     device.toFetch = {0x79};
     due(); // looks for data behind what is due
-    EXPECT_EQ(due(), "00 00 00 03 00 00 00 21 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 01" + twentyZeros +
-                         " 79");
+    EXPECT_EQ(due(), "00 00 00 03 00 00 00 21 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 01" +
+                         twentyZeros + " 79");
 }
 
 TEST_F(UsbIpTest, aTransferThatWaitsCanBeTakenBackOnce) {
@@ -127,9 +128,11 @@ TEST_F(UsbIpTest, aTransferThatWaitsCanBeTakenBackOnce) {
     ASSERT_TRUE(send(fetch2));
     ASSERT_TRUE(send(unlink));
     EXPECT_EQ(usbIp.nextDue(now), now);
-    EXPECT_EQ(due(), "00 00 00 04 00 00 00 22 00 00 00 00 00 00 00 00 00 00 00 00 FF FF FF 98 00 00 00 00" + twentyZeros);
+    EXPECT_EQ(due(),
+              "00 00 00 04 00 00 00 22 00 00 00 00 00 00 00 00 00 00 00 00 FF FF FF 98 00 00 00 00" + twentyZeros);
     ASSERT_TRUE(send(unlink));
-    EXPECT_EQ(due(), "00 00 00 04 00 00 00 22 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00" + twentyZeros);
+    EXPECT_EQ(due(),
+              "00 00 00 04 00 00 00 22 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00" + twentyZeros);
     device.toFetch = {0x79};
     EXPECT_EQ(due() + due(), "");
 }
@@ -140,7 +143,8 @@ TEST_F(UsbIpTest, aSilentTransferIsAskedOnceAndCanBeTakenBack) {
     EXPECT_EQ(due(), "");
     ASSERT_TRUE(send("00 00 00 02 00 00 00 23 00 01 00 02 00 00 00 00 00 00 00 00 00 00 00 0D 00 00 00 00 "
                      "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"));
-    EXPECT_EQ(due(), "00 00 00 04 00 00 00 23 00 00 00 00 00 00 00 00 00 00 00 00 FF FF FF 98 00 00 00 00" + twentyZeros);
+    EXPECT_EQ(due(),
+              "00 00 00 04 00 00 00 23 00 00 00 00 00 00 00 00 00 00 00 00 FF FF FF 98 00 00 00 00" + twentyZeros);
     EXPECT_EQ(device.asked.size(), 1U);
 }
 
@@ -148,7 +152,8 @@ TEST_F(UsbIpTest, aWritingTransferGoesToItsEndpoint) {
     ASSERT_TRUE(send("00 00 00 01 00 00 00 30 00 01 00 02 00 00 00 00 00 00 00 02 00 00 00 00 00 00 00 02 "
                      "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 31 CE"));
     EXPECT_EQ(device.asked.at(0), "out 2: 31 CE");
-    EXPECT_EQ(due(), "00 00 00 03 00 00 00 30 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 02" + twentyZeros);
+    EXPECT_EQ(due(),
+              "00 00 00 03 00 00 00 30 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 02" + twentyZeros);
 }
 
 TEST_F(UsbIpTest, anythingElseIsNoUsbIp) {

@@ -10,9 +10,8 @@ UsbRig::UsbRig(const std::string &chipName, const std::vector<std::string> &faul
 
 UsbAnswer UsbRig::send(const std::string &setup, const Bytes &out) {
     const Bytes bytes = parseBytes(setup);
-    if (bytes.size() != 8) {
+    if (bytes.size() != 8)
         throw std::invalid_argument("a setup packet has eight bytes: " + setup);
-    }
     UsbAnswer answer = cable.control(parseSetup(bytes.data()), out, now);
     now = std::max(now, answer.at);
     return answer;
@@ -20,14 +19,10 @@ UsbAnswer UsbRig::send(const std::string &setup, const Bytes &out) {
 
 std::string UsbRig::show(const UsbAnswer &answer) {
     switch (answer.kind) {
-    case UsbAnswer::Kind::done:
-        return answer.data.empty() ? "done" : showBytes(answer.data);
-    case UsbAnswer::Kind::stall:
-        return "stall";
-    case UsbAnswer::Kind::silent:
-        return "silent";
-    case UsbAnswer::Kind::wait:
-        break;
+    case UsbAnswer::Kind::done: return answer.data.empty() ? "done" : showBytes(answer.data);
+    case UsbAnswer::Kind::stall: return "stall";
+    case UsbAnswer::Kind::silent: return "silent";
+    case UsbAnswer::Kind::wait: break;
     }
     return "wait";
 }
@@ -47,9 +42,8 @@ std::string UsbRig::line(const std::string &text, std::string &unread) {
         unread.clear();
         return found == wanted ? "" : "the answer was " + found;
     }
-    if (!unread.empty()) {
+    if (!unread.empty())
         return "nobody has read " + unread;
-    }
     if (text.rfind("H: ", 0) == 0) {
         const std::size_t bar = text.find('|');
         const Bytes out = bar == std::string::npos ? Bytes() : parseBytes(text.substr(bar + 1));
@@ -71,13 +65,11 @@ std::string UsbRig::play(const std::string &conversation) {
     for (std::string text; std::getline(in, text);) {
         ++number;
         text.erase(0, text.find_first_not_of(' '));
-        if (text.empty() || text[0] == '#') {
+        if (text.empty() || text[0] == '#')
             continue;
-        }
         const std::string wrong = line(text, unread);
-        if (!wrong.empty()) {
+        if (!wrong.empty())
             return "line " + std::to_string(number) + " \"" + text + "\": " + wrong;
-        }
     }
     return unread.empty() ? std::string() : "at the end nobody has read " + unread;
 }

@@ -1,8 +1,8 @@
 // What all USB devices have in common: standard requests, and the cable with its pace and its faults.
 
-#include "tests/sim/UsbRig.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/sim/UsbRig.h"
 
 namespace {
 
@@ -68,7 +68,8 @@ TEST(StandardRequests, aStallOfOneDoesNotTouchTheStateOfTheFunction) {
 }
 
 TEST(StandardRequests, endpointsAreHaltedAndFreedOneByOne) {
-    const sim::UsbDescriptors descriptors = {{}, {9, 2, 23, 0, 1, 1, 0, 0x80, 50, 7, 5, 0x81, 2, 64, 0, 0, 7, 5, 0x02, 2, 64, 0, 0}, {}};
+    const sim::UsbDescriptors descriptors = {
+        {}, {9, 2, 23, 0, 1, 1, 0, 0x80, 50, 7, 5, 0x81, 2, 64, 0, 0, 7, 5, 0x02, 2, 64, 0, 0}, {}};
     sim::StandardRequests requests(descriptors);
     requests.answer({0x02, 3, 0, 0x81, 0}, 0);
     EXPECT_TRUE(requests.halted(0x81));

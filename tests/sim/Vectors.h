@@ -1,8 +1,8 @@
 #pragma once
 
-#include "tests/sim/Rig.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/sim/Rig.h"
 
 namespace sim {
 
@@ -13,19 +13,23 @@ struct Vector {
     const char *conversation;
 };
 
-inline void PrintTo(const Vector &vector, std::ostream *out) { *out << vector.name; }
+inline void PrintTo(const Vector &vector, std::ostream *out) {
+    *out << vector.name;
+}
 
-inline std::string nameOf(const ::testing::TestParamInfo<Vector> &vector) { return vector.param.name; }
+inline std::string nameOf(const ::testing::TestParamInfo<Vector> &vector) {
+    return vector.param.name;
+}
 
 } // namespace sim
 
 // One test for each row of a table of vectors.
-#define WIRE_VECTORS(SUITE, TABLE)                                                                                     \
-    class SUITE : public ::testing::TestWithParam<sim::Vector> {};                                                     \
-    TEST_P(SUITE, goesByteForByte) {                                                                                   \
-        sim::Rig rig(GetParam().chip);                                                                                 \
-        EXPECT_EQ(rig.play(GetParam().conversation), "");                                                              \
-    }                                                                                                                  \
+#define WIRE_VECTORS(SUITE, TABLE)                                 \
+    class SUITE : public ::testing::TestWithParam<sim::Vector> {}; \
+    TEST_P(SUITE, goesByteForByte) {                               \
+        sim::Rig rig(GetParam().chip);                             \
+        EXPECT_EQ(rig.play(GetParam().conversation), "");          \
+    }                                                              \
     INSTANTIATE_TEST_SUITE_P(Wire, SUITE, ::testing::ValuesIn(TABLE), sim::nameOf)
 
 // What many conversations have in common.

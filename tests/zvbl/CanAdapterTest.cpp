@@ -1,10 +1,11 @@
 // A serial-line CAN adapter, line by line: what is sent to it is typed from the protocol that such adapters
 // have in common, what travels in the frames from docs/wire-protocol.md.
 
-#include <asm/termbits.h>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+
+#include <asm/termbits.h>
 #include <sys/ioctl.h>
 
 #include "libs/zvbl/Timing.h"
@@ -125,7 +126,8 @@ TEST_F(CanAdapterTest, ALineThatIsNoFrameIsNoAnswer) {
     for (const char *damaged : {"t1D417\r", "t1D41G9\r", "t1D49\r", "t1D\r", "t1D417979\r"}) {
         SCOPED_TRACE(damaged);
         const auto from = steady_clock::now();
-        EXPECT_EQ(play({line("t0D40\r", std::string("z\r") + damaged), line("F\r", "F00\r")}, [&] { return reset(); }), 5);
+        EXPECT_EQ(play({line("t0D40\r", std::string("z\r") + damaged), line("F\r", "F00\r")}, [&] { return reset(); }),
+                  5);
         EXPECT_LT(steady_clock::now() - from, milliseconds(1500));
         EXPECT_EQ(play({inStep, line("t0D40\r", "z\rt1D4179\r")}, [&] { return reset(); }), 0);
     }
@@ -144,7 +146,10 @@ TEST_F(CanAdapterTest, ThreeFramesWaitForTheirAcknowledge) {
     BYTE data[32] = {};
     const std::string full = "t03180000000000000000\r";
     EXPECT_EQ(play({line("t0310\r", "z\rt131179\r"), line("t03152000000020\r", "z\rt131179\r"),
-                    line("t03181F00000000000000\r" + full + full, "z\r"), line(full, "z\r"), line("t03120" "01F\r", "z\rz\r"),
+                    line("t03181F00000000000000\r" + full + full, "z\r"), line(full, "z\r"),
+                    line("t03120"
+                         "01F\r",
+                         "z\rz\r"),
                     line("", "z\rt131179\r")},
                    [&] { return ZVBL_DNLOAD(link, 0x20000000, data, 32, 0); }),
               0);
@@ -152,19 +157,18 @@ TEST_F(CanAdapterTest, ThreeFramesWaitForTheirAcknowledge) {
 
 // A full queue: the frame that nothing has followed is sent again in its place.
 TEST_F(CanAdapterTest, ARefusedFrameIsSentAgain) {
-    EXPECT_EQ(play({line("t0D40\r", "\a"), line("t0D40\r", "\a"), line("t0D40\r", "z\rt1D4179\r")},
-                   [&] { return reset(); }),
-              0);
+    EXPECT_EQ(
+        play({line("t0D40\r", "\a"), line("t0D40\r", "\a"), line("t0D40\r", "z\rt1D4179\r")}, [&] { return reset(); }),
+        0);
 }
 
 TEST_F(CanAdapterTest, AFrameThatIsRefusedForEverIs5InTime) {
     hurry();
     std::atomic<bool> ended{false};
     std::thread refusing([&] {
-        while (!ended) {
+        while (!ended)
             if (!pty.read(5).empty())
                 pty.write(bytesOf("\a"));
-        }
     });
     const auto from = steady_clock::now();
     EXPECT_EQ(reset(), 5);
@@ -181,10 +185,10 @@ TEST_F(CanAdapterTest, AFrameRefusedWithinOthersEndsTheCommand) {
     const Turn opcode = line("t0310\r", "z\rt131179\r"), address = line("t03152000000020\r", "z\rt131179\r");
     const Script readBack = {line("t0110\r", "z\rt111179\r"), line("t01152000000020\r", "z\rt111179\r"),
                              line("t01120BF4\r", "z\rt111179\rt1118FFFFFFFFFFFFFFFF\rt1115FFFFFFFF00\r")};
-    const Script script = Script{opcode, address, line("t03180B00000000000000\rt031600000000000B\r", "\az\r")} + bringUp +
-                          Script{inStep} + readBack +
-                          Script{opcode, address, line("t03180B00000000000000\r", "z\r"),
-                                 line("t031600000000000B\r", "z\rt131179\r")};
+    const Script script =
+        Script{opcode, address, line("t03180B00000000000000\rt031600000000000B\r", "\az\r")} + bringUp +
+        Script{inStep} + readBack +
+        Script{opcode, address, line("t03180B00000000000000\r", "z\r"), line("t031600000000000B\r", "z\rt131179\r")};
     EXPECT_EQ(play(script, [&] { return ZVBL_DNLOAD(link, 0x20000000, data, 12, 0); }), 0);
     EXPECT_TRUE(traced("# the adapter refused a frame within others"));
 }
@@ -192,12 +196,13 @@ TEST_F(CanAdapterTest, AFrameRefusedWithinOthersEndsTheCommand) {
 TEST_F(CanAdapterTest, ALostAcknowledgeIsFoundOut) {
     EXPECT_EQ(play({line("t0D40\r", "t1D4179\r")}, [&] { return reset(); }), 0);
     std::this_thread::sleep_for(milliseconds(510));
-    EXPECT_EQ(play({bringUp[0], bringUp[1], bringUp[2], line("t07F0\r", "z\rt17F11F\r"), line("t0D40\r", "z\rt1D4179\r")},
-                   [&] {
-                       EXPECT_EQ(reset(), 5); // the count of what is under way was wrong
-                       return reset();
-                   }),
-              0);
+    EXPECT_EQ(
+        play({bringUp[0], bringUp[1], bringUp[2], line("t07F0\r", "z\rt17F11F\r"), line("t0D40\r", "z\rt1D4179\r")},
+             [&] {
+                 EXPECT_EQ(reset(), 5); // the count of what is under way was wrong
+                 return reset();
+             }),
+        0);
 }
 
 TEST_F(CanAdapterTest, SpeedsAreCodesOfTheAdapter) {
@@ -206,8 +211,8 @@ TEST_F(CanAdapterTest, SpeedsAreCodesOfTheAdapter) {
         const char *group;
         const char *code;
     } speeds[] = {
-        {1, "t003201FE\r", "S4\r"},      {3, "t003203FC\r", "S6\r"},     {1000000, "t003204FB\r", "S8\r"},
-        {5, "t003205FA\r", "S3\r"},      {6, "t003206F9\r", "S2\r"},     {20000, "t003207F8\r", "S1\r"},
+        {1, "t003201FE\r", "S4\r"},      {3, "t003203FC\r", "S6\r"}, {1000000, "t003204FB\r", "S8\r"},
+        {5, "t003205FA\r", "S3\r"},      {6, "t003206F9\r", "S2\r"}, {20000, "t003207F8\r", "S1\r"},
         {800000, "t003208F7\r", "S7\r"},
     };
     const Turn opcode = line("t0030\r", "z\rt103179\r");
@@ -258,8 +263,8 @@ TEST_F(CanAdapterTest, WhatIsNoAdapterIs3InTime) {
     const auto from = steady_clock::now();
     EXPECT_EQ(play({line("\r\r\rC\r", ""), line("S5\r", "")}, [&] { return Interface_Open(link); }), 3); // silent
     EXPECT_EQ(play({line("\r\r\rC\r", ""), line("S5\r", "\a")}, [&] { return Interface_Open(link); }), 3);
-    EXPECT_EQ(play({line("\r\r\rC\r", ""), line("S5\r", "\r"), line("O\r", "\a")}, [&] { return Interface_Open(link); }),
-              3);
+    EXPECT_EQ(
+        play({line("\r\r\rC\r", ""), line("S5\r", "\r"), line("O\r", "\a")}, [&] { return Interface_Open(link); }), 3);
     EXPECT_LT(steady_clock::now() - from, milliseconds(3000));
     EXPECT_TRUE(traced("# cannot open: no CAN adapter answers"));
     atTheEnd = {};
@@ -282,7 +287,8 @@ TEST_F(CanAdapterTest, ANameWithoutASlashInFrontIsOneOfDevToo) {
 
 TEST_F(CanAdapterTest, TheTraceTellsOfFramesAndCommands) {
     EXPECT_EQ(resetWorks(), 0);
-    EXPECT_EQ(trace(), "# open 1000000 8N1\n# adapter: S5 yes\n# adapter: O yes\n# adapter: V V1013\n> 0D4\n< 1D4 79\n");
+    EXPECT_EQ(trace(),
+              "# open 1000000 8N1\n# adapter: S5 yes\n# adapter: O yes\n# adapter: V V1013\n> 0D4\n< 1D4 79\n");
 }
 
 } // namespace

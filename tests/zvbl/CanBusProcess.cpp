@@ -1,9 +1,10 @@
 #include "tests/zvbl/CanBusProcess.h"
 
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <stdexcept>
+
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+
 #include <sys/types.h>
 
 // A bus of can-bus named can0, for this process, which has libcan_shim.so preloaded, and for its children.

@@ -184,7 +184,8 @@ TEST_F(CanBusTest, APacketIsLongerThanTheQueue) {
 TEST_F(CanBusTest, TheTraceTellsOfEachFrame) {
     hurry();
     BYTE length = 0;
-    EXPECT_EQ(play({{"002", "102 79, 102 01 02 42 41, 102 79"}}, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 0);
+    EXPECT_EQ(play({{"002", "102 79, 102 01 02 42 41, 102 79"}}, [&] { return ZVBL_GET_ID(link, &length, nullptr); }),
+              0);
     EXPECT_EQ(play({{"0D4", ""}}, [&] { return reset(); }), 5);
     EXPECT_EQ(play({{"07F", "1D4 79, 17F 79"}, {"0D4", "1D4 1F"}}, [&] { return reset(); }), 0x13);
     ASSERT_EQ(Interface_Close(link), 0);

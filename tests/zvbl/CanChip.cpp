@@ -1,11 +1,12 @@
 #include "tests/zvbl/CanChip.h"
 
 #include <algorithm>
+#include <sstream>
+#include <stdexcept>
+
 #include <linux/can/raw.h>
 #include <net/if.h>
 #include <poll.h>
-#include <sstream>
-#include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
 

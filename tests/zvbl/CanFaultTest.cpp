@@ -42,10 +42,9 @@ protected:
     }
 };
 
-const CanScript reading = {
-    {"011", "111 79"},
-    {"011 20 00 00 00 20", "111 79"},
-    {"011 0F F0", "111 79, 111 10 11 12 13 14 15 16 17, 111 18 19 1A 1B 1C 1D 1E 1F, 111 00"}};
+const CanScript reading = {{"011", "111 79"},
+                           {"011 20 00 00 00 20", "111 79"},
+                           {"011 0F F0", "111 79, 111 10 11 12 13 14 15 16 17, 111 18 19 1A 1B 1C 1D 1E 1F, 111 00"}};
 const std::string wasRead = "10 11 12 13 14 15 16 17 18 19 1A 1B 1C 1D 1E 1F";
 
 // The reading, with another end, and then what follows.
@@ -162,18 +161,23 @@ TEST_F(CanFaultTest, TwiceTheSameFrameIsNoReply) {
 // An ACK that came twice must not stand for that of the data, which are not written yet.
 TEST_F(CanFaultTest, ADoubledAckWritesNothing) {
     openOn(slow);
-    const CanTurn readBack[] = {{"011", "111 79"},
-                                {"011 08 00 00 00 08", "111 79"},
-                                {"011 03 FC", "111 79, 111 FF FF FF FF 00"}};
+    const CanTurn readBack[] = {
+        {"011", "111 79"}, {"011 08 00 00 00 08", "111 79"}, {"011 03 FC", "111 79, 111 FF FF FF FF 00"}};
     const CanTurn write1 = {"031", "131 79"}, write2 = {"031 08 00 00 00 08", "131 79"},
                   write3 = {"031 03 AA BB CC DD 03", "131 79"};
-    EXPECT_EQ(play({{"031", "131 79, 131 79"}, inStep, readBack[0], readBack[1],
-                    readBack[2], write1, write2, write3},
+    EXPECT_EQ(play({{"031", "131 79, 131 79"}, inStep, readBack[0], readBack[1], readBack[2], write1, write2, write3},
                    [&] { return write(); }),
               0);
     EXPECT_TRUE(traced("# more than the answer"));
-    EXPECT_EQ(play({write1, {"031 08 00 00 00 08", "131 79, 131 79"}, inStep, readBack[0], readBack[1], readBack[2],
-                    write1, write2, write3},
+    EXPECT_EQ(play({write1,
+                    {"031 08 00 00 00 08", "131 79, 131 79"},
+                    inStep,
+                    readBack[0],
+                    readBack[1],
+                    readBack[2],
+                    write1,
+                    write2,
+                    write3},
                    [&] { return write(); }),
               0);
 }
@@ -188,8 +192,13 @@ TEST_F(CanFaultTest, ADoubledAckShowsWithinALongPacket) {
     for (int i = 0; i < 32; ++i)
         reply += ",111 00 00 00 00 00 00 00 00";
     const CanTurn address = {"031 20 00 00 00 20", "131 79"};
-    const CanScript script = {{"031", "131 79, 131 79"}, address, {allButTheLast, ""}, inStep,
-                              {"011", "111 79"},         {"011 20 00 00 00 20", "111 79"}, {"011 FF 00", reply + ",111 00"}};
+    const CanScript script = {{"031", "131 79, 131 79"},
+                              address,
+                              {allButTheLast, ""},
+                              inStep,
+                              {"011", "111 79"},
+                              {"011 20 00 00 00 20", "111 79"},
+                              {"011 FF 00", reply + ",111 00"}};
     BYTE data[256] = {};
     EXPECT_EQ(play(script, [&] { return ZVBL_DNLOAD(link, 0x20000000, data, 256, 0); }), 0);
     EXPECT_TRUE(traced("# more than the answer"));
@@ -216,9 +225,9 @@ TEST_F(CanFaultTest, AnOldAnswerIsNeverTakenForANewOne) {
 
 // Answers of another command in between are none of this one's.
 TEST_F(CanFaultTest, AnswersOfOtherCommandsArePassedOver) {
-    EXPECT_EQ(play({{"044", "131 79, 17F 1F, 144 79"}, {"044 00 00 01 02 03", "111 1F, 144 79"}},
-                   [&] { return erase(); }),
-              0);
+    EXPECT_EQ(
+        play({{"044", "131 79, 17F 1F, 144 79"}, {"044 00 00 01 02 03", "111 1F, 144 79"}}, [&] { return erase(); }),
+        0);
 }
 
 TEST_F(CanFaultTest, ABusFullOfLateAnswersIsNoAnswer) {

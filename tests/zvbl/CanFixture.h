@@ -2,9 +2,10 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <memory>
 #include <sstream>
+
+#include <gtest/gtest.h>
 
 #include "libs/zvbl/Timing.h"
 #include "link/ZVBLLIB.h"

@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <numeric>
+
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,7 +20,8 @@ protected:
     void SetUp() override {
         openOn(500000); // a frame that comes twice comes a frame later
         const std::string log = bus->directory() + "/chip";
-        const char *words[] = {ZV32_SIM_PROGRAM, "--chip", "ZV32F403A_1024K", "--can", "can0", "--log", log.c_str(), nullptr};
+        const char *words[] = {ZV32_SIM_PROGRAM, "--chip", "ZV32F403A_1024K", "--can",
+                               "can0",           "--log",  log.c_str(),       nullptr};
         int ready[2];
         ASSERT_EQ(pipe(ready), 0);
         m_chip = fork();
@@ -70,9 +72,8 @@ TEST_P(CanSweepTest, Erasing) {
         const int status = erase();
         goRight();
         EXPECT_TRUE(status == 0 || status == 5) << status;
-        if (status == 0) {
+        if (status == 0)
             EXPECT_EQ(memory(8), zvbl::Bytes(8, 0xFF));
-        }
     }
 }
 

@@ -41,9 +41,7 @@ const Vector vectors[] = {
     {"access protection at the high level",
      {{"084", "184 79"}, {"084 02 FD", "184 79, 184 79"}},
      [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 2); }},
-    {"access protection off",
-     {{"092", "192 79, 192 79"}},
-     [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); }},
+    {"access protection off", {{"092", "192 79, 192 79"}}, [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); }},
     {"sector protection on",
      {{"063", "163 79"}, {"063 02 00 03 1F 1E", "163 79"}},
      [](HANDLE h) {
@@ -201,9 +199,10 @@ TEST_F(CanVectorsTest, FlashSizeIsLowByteFirst) {
 // Replies with a check byte of their own get no second one.
 TEST_F(CanVectorsTest, FirmwareCrcAndSlibStatus) {
     BYTE crc[4] = {}, enabled = 9;
-    EXPECT_EQ(play({{"0AC", "1AC 79"}, {"0AC 08 00 08 00 00", "1AC 79"}, {"0AC 01 02 03", "1AC 79, 1AC DE AD BE EF 22"}},
-                   [&] { return ZVBL_GetFirmwareCRC(link, 0x08000800, 0x102, crc); }),
-              0);
+    EXPECT_EQ(
+        play({{"0AC", "1AC 79"}, {"0AC 08 00 08 00 00", "1AC 79"}, {"0AC 01 02 03", "1AC 79, 1AC DE AD BE EF 22"}},
+             [&] { return ZVBL_GetFirmwareCRC(link, 0x08000800, 0x102, crc); }),
+        0);
     EXPECT_EQ(hex(zvbl::Bytes(crc, crc + 4)), "DE AD BE EF");
     unsigned short start = 0, data = 0, end = 0;
     EXPECT_EQ(play({{"0D3", "1D3 79, 1D3 01 00 04 00 06 01 07 05"}},

@@ -2,6 +2,7 @@
 // candump sees what is on the bus.
 
 #include <csignal>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
@@ -86,9 +87,9 @@ TEST_F(CanWitnessTest, CandumpSeesWhatThePageSays) {
                     {"031 0B AA BB CC DD 01 02 03,031 04 05 06 07 08 03", "131 79"}},
                    [&] { return ZVBL_DNLOAD(link, 0x08000000, data, 12, 0); }),
               0);
-    for (const char *line : {"can0  031   [0]", "can0  131   [1]  79", "can0  031   [5]  08 00 00 00 08",
-                             "can0  131   [1]  79", "can0  031   [8]  0B AA BB CC DD 01 02 03",
-                             "can0  031   [6]  04 05 06 07 08 03", "can0  131   [1]  79"})
+    for (const char *line :
+         {"can0  031   [0]", "can0  131   [1]  79", "can0  031   [5]  08 00 00 00 08", "can0  131   [1]  79",
+          "can0  031   [8]  0B AA BB CC DD 01 02 03", "can0  031   [6]  04 05 06 07 08 03", "can0  131   [1]  79"})
         EXPECT_EQ(dump.line(), line);
 }
 

@@ -36,14 +36,12 @@ struct Call {
 
 const Call calls[] = {
     {"erase", done(eraseBank1), [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
-    {"upload",
-     done(pointAtRam) + UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 02 00", "01 02"}},
+    {"upload", done(pointAtRam) + UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 02 00", "01 02"}},
      [](HANDLE h) {
          BYTE data[2];
          return ZVBL_UPLOAD(h, 0x20000000, data, 2);
      }},
-    {"download",
-     done(pointAtRam) + done("21 01 02 00 00 00 02 00 01 02"),
+    {"download", done(pointAtRam) + done("21 01 02 00 00 00 02 00 01 02"),
      [](HANDLE h) {
          BYTE data[2] = {1, 2};
          return ZVBL_DNLOAD(h, 0x20000000, data, 2, 0);
@@ -54,8 +52,7 @@ const Call calls[] = {
          BYTE length;
          return ZVBL_GET_ID(h, &length, nullptr);
      }},
-    {"go",
-     done(pointAtRam) + UsbScript{{"21 01 02 00 00 00 00 00", ""}, {getStatus, isManifest}},
+    {"go", done(pointAtRam) + UsbScript{{"21 01 02 00 00 00 00 00", ""}, {getStatus, isManifest}},
      [](HANDLE h) { return ZVBL_GO(h, 0x20000000); }},
 };
 
@@ -102,10 +99,9 @@ TEST_F(DfuFailuresTest, AnEraseWithoutAnAnswerIs5AndIsNotSentAgain) {
     const UsbScript script = done(eraseBank1);
     for (std::size_t turn = 0; turn < script.size(); ++turn) {
         SCOPED_TRACE(turn);
-        EXPECT_LT(timeOf([&] {
-                      EXPECT_EQ(playAfresh(upTo(script, turn, silence), [&] { return erase(); }), 5);
-                  }).count(),
-                  2000);
+        EXPECT_LT(
+            timeOf([&] { EXPECT_EQ(playAfresh(upTo(script, turn, silence), [&] { return erase(); }), 5); }).count(),
+            2000);
     }
 }
 
@@ -130,8 +126,12 @@ TEST_F(DfuFailuresTest, EveryStateOfTheBootloaderIsBroughtToIdle) {
         {"09", {{abortRequest, ""}, {getState, "02"}}},
         {"0A", {{clearStatus, ""}, {getState, "02"}}},
         {"03", {{abortRequest, stall}, {getState, "0A"}, {clearStatus, ""}, {getState, "02"}}},
-        {"04", {{getStatus, "00 05 00 00 04 00"}, {getStatus, isDownloadIdle, 5}, {getState, "05"}, {abortRequest, ""},
-                {getState, "02"}}},
+        {"04",
+         {{getStatus, "00 05 00 00 04 00"},
+          {getStatus, isDownloadIdle, 5},
+          {getState, "05"},
+          {abortRequest, ""},
+          {getState, "02"}}},
         {"04", {{getStatus, "04 00 00 00 0A 00"}, {clearStatus, ""}, {getState, "02"}}},
     };
     for (const auto &row : rows) {
@@ -163,9 +163,9 @@ TEST_F(DfuFailuresTest, RefusalsAtTheEndOfACommand) {
                 {"0D", 0x14}, {"0E", 0x14}, {"0F", 0x13}, {"7F", 0x14}};
     for (const auto &row : rows) {
         SCOPED_TRACE(row.status);
-        EXPECT_EQ(playAfresh(UsbScript{{eraseBank1, ""}, {getStatus, isBusy}} + failed(row.status),
-                             [&] { return erase(); }),
-                  row.expected);
+        EXPECT_EQ(
+            playAfresh(UsbScript{{eraseBank1, ""}, {getStatus, isBusy}} + failed(row.status), [&] { return erase(); }),
+            row.expected);
         EXPECT_EQ(play(UsbScript{{eraseBank1, ""}} + failed(row.status), [&] { return erase(); }), row.expected);
         EXPECT_EQ(play(UsbScript{{eraseBank1, stall}} + failed(row.status), [&] { return erase(); }), row.expected);
         EXPECT_EQ(play(done(eraseBank1), [&] { return erase(); }), 0);
@@ -178,11 +178,11 @@ TEST_F(DfuFailuresTest, AStallWithoutAReasonIs0x13) {
 }
 
 TEST_F(DfuFailuresTest, ReadingThatIsRefusedIsTriedThreeTimes) {
-    const UsbScript refused = done(pointAtFlash) +
-                              UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 04 00", stall}} + failed("08");
+    const UsbScript refused =
+        done(pointAtFlash) + UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 04 00", stall}} + failed("08");
     EXPECT_EQ(playAfresh(refused + refused + refused, [&] { return read4(); }), 0x14);
-    const UsbScript isProtected = done(pointAtFlash) +
-                                  UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 04 00", stall}} + failed("0B");
+    const UsbScript isProtected =
+        done(pointAtFlash) + UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 04 00", stall}} + failed("0B");
     const UsbScript script = isProtected + isProtected + isProtected;
     EXPECT_EQ(play(script, [&] { return read4(); }), 0x13);
     EXPECT_EQ(play(script, [&] { return ZVBL_VERIFY(link, 0x08000000, bytes, 4, 0); }), 0x14);
@@ -202,7 +202,8 @@ TEST_F(DfuFailuresTest, AnAnswerOfTheWrongLengthOrSumIs5) {
         const UsbScript once = id + UsbScript{{"A1 02 01 00 00 00 00 10", reply}};
         EXPECT_EQ(playAfresh(once + once + once, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 5);
     }
-    const UsbScript shortRead = done(pointAtFlash) + UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 04 00", "01 02"}};
+    const UsbScript shortRead =
+        done(pointAtFlash) + UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 04 00", "01 02"}};
     EXPECT_EQ(playAfresh(shortRead + shortRead + shortRead, [&] { return read4(); }), 5);
 }
 
@@ -219,8 +220,8 @@ TEST_F(DfuFailuresTest, AStatusThatIsNoneIs5) {
 
 // The cells are not erased: nothing was touched, and it is tried as often as anything else.
 TEST_F(DfuFailuresTest, AWriteThatIsRefusedIs0x14AndIsNotReadBack) {
-    const UsbScript refused = done(pointAtFlash) + UsbScript{{"21 01 02 00 00 00 04 00 01 02 03 04", ""}, {getStatus, isBusy}} +
-                              failed("05");
+    const UsbScript refused =
+        done(pointAtFlash) + UsbScript{{"21 01 02 00 00 00 04 00 01 02 03 04", ""}, {getStatus, isBusy}} + failed("05");
     EXPECT_EQ(playAfresh(refused + refused + refused, [&] { return write4(); }), 0x14);
 }
 
@@ -266,9 +267,9 @@ TEST_F(DfuFailuresTest, UnpluggedWithinAPollTimeIs4AtOnce) {
 
 // It is the answer to the first GETSTATUS that tells that the command was taken.
 TEST_F(DfuFailuresTest, ADeviceThatLeavesBehindItsPollTimeInAResetHasDoneWhatItWasTold) {
-    const std::string commands[] = {
-        "21 01 00 00 00 00 01 00 D4", "21 01 00 00 00 00 01 00 92", "21 01 00 00 00 00 01 00 82",
-        "21 01 00 00 00 00 01 00 73", "21 01 00 00 00 00 06 00 D2 12 34 56 78 08"};
+    const std::string commands[] = {"21 01 00 00 00 00 01 00 D4", "21 01 00 00 00 00 01 00 92",
+                                    "21 01 00 00 00 00 01 00 82", "21 01 00 00 00 00 01 00 73",
+                                    "21 01 00 00 00 00 06 00 D2 12 34 56 78 08"};
     const std::function<int()> run[] = {
         [&] { return ZVBL_ResetMCU(link); }, [&] { return ZVBL_ACCESS_PERM_UNPROTECT(link); },
         [&] { return ZVBL_ACCESS_PROTECT(link); }, [&] { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(link); },

@@ -17,7 +17,8 @@ zvbl::Bytes counting(std::size_t count, std::uint8_t first = 0) {
 }
 
 zvbl::Bytes part(const zvbl::Bytes &bytes, std::size_t from, std::size_t count) {
-    return {bytes.begin() + static_cast<std::ptrdiff_t>(from), bytes.begin() + static_cast<std::ptrdiff_t>(from + count)};
+    return {bytes.begin() + static_cast<std::ptrdiff_t>(from),
+            bytes.begin() + static_cast<std::ptrdiff_t>(from + count)};
 }
 
 template <unsigned size>
@@ -72,11 +73,11 @@ TEST_F(DfuSize64Test, ThePointerIsGoodForBlocksInAnyOrderBehindIt) {
     EXPECT_EQ(play(done("21 01 05 00" + whole), [&] { return write(0x200000C1, data); }), 0);
     EXPECT_EQ(play(done("21 01 03 00" + whole), [&] { return write(0x20000041, data); }), 0);
     zvbl::Bytes back(64);
-    EXPECT_EQ(play({{abortRequest, ""}, {"A1 02 03 00 00 00 40 00", hex(data)}}, [&] { return read(0x20000041, back); }),
-              0);
+    EXPECT_EQ(
+        play({{abortRequest, ""}, {"A1 02 03 00 00 00 40 00", hex(data)}}, [&] { return read(0x20000041, back); }), 0);
     // And back again: what was uploaded has to be ended first.
-    EXPECT_EQ(play(UsbScript{{abortRequest, ""}} + done("21 01 02 00" + whole), [&] { return write(0x20000001, data); }),
-              0);
+    EXPECT_EQ(
+        play(UsbScript{{abortRequest, ""}} + done("21 01 02 00" + whole), [&] { return write(0x20000001, data); }), 0);
     // In front of it, and beside its blocks.
     EXPECT_EQ(play(done("21 01 00 00 00 00 05 00 21 00 00 00 20") + done("21 01 02 00" + whole),
                    [&] { return write(0x20000000, data); }),

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+
 #include <sys/stat.h>
 
 #include "tests/zvbl/DfuFixture.h"
@@ -43,8 +44,11 @@ TEST_F(DfuTraceTest, SetupPacketsStatesAndStatusValues) {
     UsbDevice &first = scene.add(at("1-1", 4, "0123"));
     ASSERT_EQ(list(), 1);
     ASSERT_EQ(Interface_Open(link), 0);
-    first.play(UsbScript{{getState, "05"}, {abortRequest, ""}, {getState, "02"},
-                         {"21 01 00 00 00 00 04 00 44 FF FE 01", ""}, {getStatus, "00 05 00 00 04 00"}} +
+    first.play(UsbScript{{getState, "05"},
+                         {abortRequest, ""},
+                         {getState, "02"},
+                         {"21 01 00 00 00 00 04 00 44 FF FE 01", ""},
+                         {getStatus, "00 05 00 00 04 00"}} +
                failed("04") + UsbScript{{"21 01 00 00 00 00 01 00 D4", usbWords::gone}});
     EXPECT_EQ(ZVBL_ERASE(link, 0xFFFE, nullptr, 0), 0x14);
     EXPECT_EQ(ZVBL_ResetMCU(link), 4);

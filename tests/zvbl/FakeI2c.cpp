@@ -1,6 +1,7 @@
 #include "tests/zvbl/FakeI2c.h"
 
 #include <cerrno>
+
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
 
@@ -70,7 +71,8 @@ long FakeI2c::transfer(UMockdevIoctlData *argument, int &error) {
     const std::string line = next();
     const std::size_t mark = line.find('!');
     if (!line.empty() && line[0] != '!' && line[0] != (reads ? '<' : '>')) {
-        complain(std::string(reads ? "a read of " + std::to_string(told.len) : "a write of " + hex(sent)) + " for " + line);
+        complain(std::string(reads ? "a read of " + std::to_string(told.len) : "a write of " + hex(sent)) + " for " +
+                 line);
     } else if (mark != std::string::npos) {
         error = errorNamed(line.substr(mark + 2));
     } else if (line.empty()) {

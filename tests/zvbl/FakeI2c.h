@@ -18,12 +18,12 @@ public:
     // `rest`: what every transfer behind the last line is, nothing if there must be none.
     void play(Transfers script, const std::string &rest = "");
     std::string finish(); // what went wrong; empty if all lines were played, and nothing else came
-    int count(); // transfers since play()
+    int count();          // transfers since play()
 
-    unsigned address = 0x3C;      // what transfers have to name
-    unsigned long functions = 1;  // I2C_FUNC_I2C
-    int failAt = -1;              // the transfer of this number, from 0, unplugs the bus
-    std::string failure = "EIO";  // and gives this from then on
+    unsigned address = 0x3C;     // what transfers have to name
+    unsigned long functions = 1; // I2C_FUNC_I2C
+    int failAt = -1;             // the transfer of this number, from 0, unplugs the bus
+    std::string failure = "EIO"; // and gives this from then on
 
 protected:
     long answer(unsigned long request, UMockdevIoctlData *argument, int &error) override;

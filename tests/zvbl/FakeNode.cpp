@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <map>
 #include <stdexcept>
-#include <unistd.h>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 FakeNode::FakeNode(const std::string &subsystem, const std::string &name)
     : m_name(name), m_testbed(umockdev_testbed_new()), m_handler(umockdev_ioctl_base_new()) {
@@ -62,9 +62,8 @@ void Pointed::set(const void *bytes, std::size_t count) {
 
 int errorNamed(const std::string &name) {
     static const std::map<std::string, int> errors = {
-        {"EAGAIN", EAGAIN},       {"EBUSY", EBUSY},         {"EINVAL", EINVAL}, {"EIO", EIO},
-        {"EMSGSIZE", EMSGSIZE},   {"ENODEV", ENODEV},       {"ENOTTY", ENOTTY}, {"ENXIO", ENXIO},
-        {"EOPNOTSUPP", EOPNOTSUPP}, {"EREMOTEIO", EREMOTEIO}, {"ESHUTDOWN", ESHUTDOWN},
-        {"ETIMEDOUT", ETIMEDOUT}};
+        {"EAGAIN", EAGAIN},         {"EBUSY", EBUSY},         {"EINVAL", EINVAL},       {"EIO", EIO},
+        {"EMSGSIZE", EMSGSIZE},     {"ENODEV", ENODEV},       {"ENOTTY", ENOTTY},       {"ENXIO", ENXIO},
+        {"EOPNOTSUPP", EOPNOTSUPP}, {"EREMOTEIO", EREMOTEIO}, {"ESHUTDOWN", ESHUTDOWN}, {"ETIMEDOUT", ETIMEDOUT}};
     return errors.at(name);
 }

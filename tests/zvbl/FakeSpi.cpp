@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+
 #include <linux/spi/spidev.h>
 
 #include "tests/zvbl/Pty.h"

@@ -23,11 +23,11 @@ public:
     std::string finish(); // what went wrong; empty if all messages came, none else, and all was fetched
     int count();          // calls since play()
 
-    unsigned mode = 0;            // what the driver has, and was told
+    unsigned mode = 0; // what the driver has, and was told
     unsigned bits = 0;
     unsigned speed = 0;
-    std::string settingsFail;     // what settings fail with, empty: they don't
-    int failAt = -1;              // the call of this number, from 0, fails
+    std::string settingsFail;          // what settings fail with, empty: they don't
+    int failAt = -1;                   // the call of this number, from 0, fails
     std::string failure = "ESHUTDOWN"; // and with this all from then on
 
 protected:

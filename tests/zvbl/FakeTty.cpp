@@ -1,9 +1,10 @@
 #include "tests/zvbl/FakeTty.h"
 
-#include <asm/termbits.h>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+
+#include <asm/termbits.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 

@@ -19,17 +19,18 @@ enum class Fault { none, lost, late, doubled, damaged, refusal };
 
 struct Plan {
     Fault fault = Fault::none;
-    bool onAnswers = true;      // else on what the host sends
-    int position = -1;          // counted from the first byte behind GET
-    int paceMicroseconds = 0;   // of each byte, either way
-    bool hearsAtOnce = false;   // the pace is only that of its own bytes
-    bool spoiled = false;       // the last byte of the memory is not erased
+    bool onAnswers = true;    // else on what the host sends
+    int position = -1;        // counted from the first byte behind GET
+    int paceMicroseconds = 0; // of each byte, either way
+    bool hearsAtOnce = false; // the pace is only that of its own bytes
+    bool spoiled = false;     // the last byte of the memory is not erased
 };
 
 // Knows GET, GET_VER_ROPS, READ and WRITE of 64 bytes of flash. Runs until its line is unplugged.
 class FaultyChip {
 public:
-    FaultyChip(Pty &pty, const Plan &plan) : m_pty(pty), m_plan(plan), m_memory(memorySize, 0xFF), m_thread([this] { serve(); }) {
+    FaultyChip(Pty &pty, const Plan &plan)
+        : m_pty(pty), m_plan(plan), m_memory(memorySize, 0xFF), m_thread([this] { serve(); }) {
         if (plan.spoiled)
             m_memory.back() = 0;
     }
@@ -276,25 +277,47 @@ int success(int) {
 constexpr int answersOfTwoWrites = 6;
 constexpr int bytesOfARead = 10; // two answers and data; what follows is alike
 
-TEST(FaultSweepTest, AnswersOfAWriteLost) { sweep(Fault::lost, true, true, answersOfTwoWrites, success); }
-TEST(FaultSweepTest, AnswersOfAWriteLate) { sweep(Fault::late, true, true, answersOfTwoWrites, success); }
-TEST(FaultSweepTest, AnswersOfAWriteDoubled) { sweep(Fault::doubled, true, true, answersOfTwoWrites, success); }
-TEST(FaultSweepTest, AnswersOfAWriteDamaged) { sweep(Fault::damaged, true, true, answersOfTwoWrites, success); }
+TEST(FaultSweepTest, AnswersOfAWriteLost) {
+    sweep(Fault::lost, true, true, answersOfTwoWrites, success);
+}
+TEST(FaultSweepTest, AnswersOfAWriteLate) {
+    sweep(Fault::late, true, true, answersOfTwoWrites, success);
+}
+TEST(FaultSweepTest, AnswersOfAWriteDoubled) {
+    sweep(Fault::doubled, true, true, answersOfTwoWrites, success);
+}
+TEST(FaultSweepTest, AnswersOfAWriteDamaged) {
+    sweep(Fault::damaged, true, true, answersOfTwoWrites, success);
+}
 
 // An ACK that turned into a NACK behind the data can't be told from a refusal: an error, and no harm.
 TEST(FaultSweepTest, AnswersOfAWriteTurnedIntoNack) {
     sweep(Fault::refusal, true, true, answersOfTwoWrites, [](int position) { return position % 3 == 2 ? 0x14 : 0; });
 }
 
-TEST(FaultSweepTest, BytesOfAReadLost) { sweep(Fault::lost, true, false, bytesOfARead, success); }
-TEST(FaultSweepTest, BytesOfAReadLate) { sweep(Fault::late, true, false, bytesOfARead, success); }
-TEST(FaultSweepTest, BytesOfAReadDoubled) { sweep(Fault::doubled, true, false, bytesOfARead, success); }
-TEST(FaultSweepTest, BytesOfAReadDamaged) { sweep(Fault::damaged, true, false, bytesOfARead, success); }
+TEST(FaultSweepTest, BytesOfAReadLost) {
+    sweep(Fault::lost, true, false, bytesOfARead, success);
+}
+TEST(FaultSweepTest, BytesOfAReadLate) {
+    sweep(Fault::late, true, false, bytesOfARead, success);
+}
+TEST(FaultSweepTest, BytesOfAReadDoubled) {
+    sweep(Fault::doubled, true, false, bytesOfARead, success);
+}
+TEST(FaultSweepTest, BytesOfAReadDamaged) {
+    sweep(Fault::damaged, true, false, bytesOfARead, success);
+}
 
 constexpr int bytesToTheChip = 20; // opcode, address, count and the first data bytes of a write
 
-TEST(FaultSweepTest, BytesToTheChipLost) { sweep(Fault::lost, false, true, bytesToTheChip, success); }
-TEST(FaultSweepTest, BytesToTheChipDoubled) { sweep(Fault::doubled, false, true, bytesToTheChip, success); }
-TEST(FaultSweepTest, BytesToTheChipDamaged) { sweep(Fault::damaged, false, true, bytesToTheChip, success); }
+TEST(FaultSweepTest, BytesToTheChipLost) {
+    sweep(Fault::lost, false, true, bytesToTheChip, success);
+}
+TEST(FaultSweepTest, BytesToTheChipDoubled) {
+    sweep(Fault::doubled, false, true, bytesToTheChip, success);
+}
+TEST(FaultSweepTest, BytesToTheChipDamaged) {
+    sweep(Fault::damaged, false, true, bytesToTheChip, success);
+}
 
 } // namespace

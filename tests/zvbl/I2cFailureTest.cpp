@@ -75,7 +75,10 @@ TEST_F(I2cFailureTest, WithoutAnAcknowledgeTheStartIs0x11InTheTimeout) {
     for (const char *error : {"ENXIO", "EIO"}) {
         trace();
         const auto took = timeOf([&] {
-            EXPECT_EQ(play({}, [&] { return init(); }, std::string(">! ") + error), 0x11) << error;
+            EXPECT_EQ(play(
+                          {}, [&] { return init(); }, std::string(">! ") + error),
+                      0x11)
+                << error;
         });
         EXPECT_GE(took, Milliseconds(60));
         EXPECT_LT(took, Milliseconds(2000));
@@ -98,7 +101,11 @@ TEST_F(I2cFailureTest, WrongAnswersToTheStartAre5) {
     EXPECT_EQ(play({"> 00 FF", "< FF", "> 00 FF", "< FF", "> 00 FF", "< 55"}, [&] { return init(); }), 5);
     EXPECT_EQ(play({"> 00 FF", "< 1F", "> 00 FF", "< 1F", "> 00 FF", "< 1F"}, [&] { return init(); }), 5);
     hurry();
-    const auto took = timeOf([&] { EXPECT_EQ(play({"> 00 FF"}, [&] { return init(); }, "< 76"), 5); });
+    const auto took = timeOf([&] {
+        EXPECT_EQ(play(
+                      {"> 00 FF"}, [&] { return init(); }, "< 76"),
+                  5);
+    });
     EXPECT_LT(took, Milliseconds(2000));
     SetTimeOut(link, 5000);
     EXPECT_EQ(play(get, [&] { return init(); }), 0);
@@ -120,8 +127,12 @@ TEST_F(I2cFailureTest, AnOpcodeOfWhichNobodyKnowsIsNotSentAgain) {
 TEST_F(I2cFailureTest, ACommandThatNobodyTakesIs5InTheTimeout) {
     hurry();
     const auto took = timeOf([&] {
-        EXPECT_EQ(play({}, [&] { return ZVBL_ResetMCU(link); }, ">! ENXIO"), 5);
-        EXPECT_EQ(play({}, [&] { return ZVBL_ResetMCU(link); }, ">! ENXIO"), 5);
+        EXPECT_EQ(play(
+                      {}, [&] { return ZVBL_ResetMCU(link); }, ">! ENXIO"),
+                  5);
+        EXPECT_EQ(play(
+                      {}, [&] { return ZVBL_ResetMCU(link); }, ">! ENXIO"),
+                  5);
     });
     EXPECT_LT(took, Milliseconds(2000));
     EXPECT_NE(trace().find("# getting in step\n> 00 FF\n"), std::string::npos);
@@ -133,7 +144,9 @@ TEST_F(I2cFailureTest, ACommandThatMayBeRepeatedCostsTwoTimeLimits) {
     hurry();
     BYTE enabled = 0;
     trace();
-    EXPECT_EQ(play({}, [&] { return ZVBL_GetSlibStatus(link, &enabled); }, ">! ENXIO"), 5);
+    EXPECT_EQ(play(
+                  {}, [&] { return ZVBL_GetSlibStatus(link, &enabled); }, ">! ENXIO"),
+              5);
     EXPECT_EQ(trace(), "> D3 2C\n# not acknowledged: No such device or address\n# no answer in time\n"
                        "# getting in step\n> 00 FF\n# no answer in time\n");
 }
@@ -170,19 +183,25 @@ TEST_F(I2cFailureTest, EveryAnswerOfEveryCommand) {
 }
 
 TEST_F(I2cFailureTest, AnAnswerMayBeAskedForAgain) {
-    EXPECT_EQ(play({"> D4 2B", "<! ENXIO", "<! EIO", "< 76", "<! ETIMEDOUT", "< 79"}, [&] { return ZVBL_ResetMCU(link); }), 0);
+    EXPECT_EQ(
+        play({"> D4 2B", "<! ENXIO", "<! EIO", "< 76", "<! ETIMEDOUT", "< 79"}, [&] { return ZVBL_ResetMCU(link); }),
+        0);
 }
 
 TEST_F(I2cFailureTest, AChipThatStaysBusyIs5AndIsFoundWhenItIsDone) {
     hurry();
-    EXPECT_EQ(play({"> D4 2B"}, [&] { return ZVBL_ResetMCU(link); }, "< 76"), 5);
+    EXPECT_EQ(play(
+                  {"> D4 2B"}, [&] { return ZVBL_ResetMCU(link); }, "< 76"),
+              5);
     SetTimeOut(link, 5000);
     EXPECT_EQ(play(Transfers(3, ">! ENXIO") + get + reset, [&] { return ZVBL_ResetMCU(link); }), 0);
 }
 
 TEST_F(I2cFailureTest, PollingLeavesPauses) {
     hurry(150);
-    EXPECT_EQ(play({"> D4 2B"}, [&] { return ZVBL_ResetMCU(link); }, "< 76"), 5);
+    EXPECT_EQ(play(
+                  {"> D4 2B"}, [&] { return ZVBL_ResetMCU(link); }, "< 76"),
+              5);
     EXPECT_LT(fake.count(), 300);
     EXPECT_GT(fake.count(), 3);
 }
@@ -236,7 +255,8 @@ TEST_F(I2cFailureTest, AnAdapterThatIsGoneIs3AndComesBack) {
     EXPECT_EQ(Interface_is_Open(link), 1);
     EXPECT_EQ(Interface_Open(link), 3);
     EXPECT_EQ(Interface_is_Open(link), 0);
-    EXPECT_NE(trace().find("# the device is gone\n# closed\n# cannot open: No such file or directory\n"), std::string::npos);
+    EXPECT_NE(trace().find("# the device is gone\n# closed\n# cannot open: No such file or directory\n"),
+              std::string::npos);
     FakeI2c back;
     EXPECT_EQ(Interface_Open(link), 0);
     back.play(reset);

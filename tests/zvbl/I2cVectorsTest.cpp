@@ -21,7 +21,8 @@ protected:
 };
 
 // A GET as the library sends it, which can't know how long the answer is.
-const Transfers get = {"> 00 FF", "< 79", "< 0B", "> 00 FF", "< 79", "< 0B 31 00 01 02 11 21 31 44 63 73 82 92", "< 79"};
+const Transfers get = {"> 00 FF", "< 79", "< 0B", "> 00 FF", "< 79", "< 0B 31 00 01 02 11 21 31 44 63 73 82 92",
+                       "< 79"};
 
 struct Vector {
     const char *name;
@@ -71,7 +72,9 @@ const Vector vectors[] = {
          BYTE bits[] = {0, 3, 31};
          return ZVBL_ERASEPROGRAM_PROTECT(h, 3, bits);
      }},
-    {"sector protection off", {"> 73 8C", "< 79", "< 79"}, [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
+    {"sector protection off",
+     {"> 73 8C", "< 79", "< 79"},
+     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
     {"sLib on",
      {"> D1 2E", "< 79", "> 12 34 56 78 00 04 FF FF 00 07 0B", "< 79"},
      [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},

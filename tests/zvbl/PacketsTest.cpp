@@ -54,7 +54,8 @@ TEST_F(PacketsTest, AFullPacketIs268BytesAndThreeWaits) {
 TEST_F(PacketsTest, LongerDataAreCutAtThePacketSize) {
     const zvbl::Bytes data = counting(600);
     EXPECT_EQ(download(0x08000000, data, 0,
-                       writeOf("08 00 00 00 08", slice(data, 0, 256)) + writeOf("08 00 01 00 09", slice(data, 256, 256)) +
+                       writeOf("08 00 00 00 08", slice(data, 0, 256)) +
+                           writeOf("08 00 01 00 09", slice(data, 256, 256)) +
                            writeOf("08 00 02 00 0A", slice(data, 512, 88))),
               0);
 }

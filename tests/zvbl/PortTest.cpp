@@ -1,8 +1,8 @@
 // The port: opening, sharing, settings, control lines, and two links at once.
 
 #include <asm/termbits.h>
-#include <sys/file.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -99,8 +99,8 @@ TEST_F(PortTest, AnyRateAndShape) {
         float stop;
         tcflag_t size, twoStops;
     } rows[] = {
-        {300, 8, 2, 1.0F, CS8, 0},       {115200, 8, 0, 1.0F, CS8, 0},      {128000, 7, 1, 2.0F, CS7, CSTOPB},
-        {256000, 6, 2, 1.0F, CS6, 0},    {1000000, 5, 0, 1.5F, CS5, CSTOPB}, {1234567, 8, 2, 1.0F, CS8, 0},
+        {300, 8, 2, 1.0F, CS8, 0},    {115200, 8, 0, 1.0F, CS8, 0},       {128000, 7, 1, 2.0F, CS7, CSTOPB},
+        {256000, 6, 2, 1.0F, CS6, 0}, {1000000, 5, 0, 1.5F, CS5, CSTOPB}, {1234567, 8, 2, 1.0F, CS8, 0},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.rate);

@@ -1,10 +1,11 @@
 #include "tests/zvbl/Pty.h"
 
 #include <cstdio>
-#include <poll.h>
-#include <pty.h>
 #include <sstream>
 #include <stdexcept>
+
+#include <poll.h>
+#include <pty.h>
 #include <termios.h>
 #include <unistd.h>
 

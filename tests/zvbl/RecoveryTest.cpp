@@ -67,7 +67,8 @@ TEST_F(RecoveryTest, AChipThatNeverGetsInStepIsGivenUp) {
 
 TEST_F(RecoveryTest, ARefusedFrameIsRepeatedAndTheStepSecuredAtOnce) {
     EXPECT_EQ(play({{"01 FE", "1F"}, inStep, {"01 FE", "1F"}, inStep, versionTurn}, [&] { return version(); }), 0);
-    EXPECT_EQ(play({{"01 FE", "1F"}, inStep, {"01 FE", "1F"}, inStep, {"01 FE", "1F"}}, [&] { return version(); }), 0x13);
+    EXPECT_EQ(play({{"01 FE", "1F"}, inStep, {"01 FE", "1F"}, inStep, {"01 FE", "1F"}}, [&] { return version(); }),
+              0x13);
 }
 
 // Bytes of a damaged group that are still under way are answered too, so one NACK is not enough.
@@ -85,7 +86,8 @@ TEST_F(RecoveryTest, WhatIsPendingBeforeACommandIsOld) {
 TEST_F(RecoveryTest, ADoubledAnswerStopsTheCommand) {
     hurry();
     EXPECT_EQ(play({{"44 BB", "79 79"}}, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }), 5);
-    EXPECT_EQ(play({inStep, {"44 BB", "79"}, {"FF FE 01", "79"}}, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }), 0);
+    EXPECT_EQ(play({inStep, {"44 BB", "79"}, {"FF FE 01", "79"}}, [&] { return ZVBL_ERASE(link, 0xFFFE, nullptr, 0); }),
+              0);
 }
 
 // On a real line the second one comes a character time later: 37 ms at 300 baud.
@@ -116,18 +118,22 @@ TEST_F(RecoveryTest, ACommandIsNotFinishedBehindTheChipsFrameLimit) {
 
 TEST_F(RecoveryTest, AnOpeningByteThatGotLostIsSentAgainBehindTheFrameLimit) {
     hurry(100, 5, 700);
-    EXPECT_EQ(play({{"7F", ""}, {"7F", "79"}, versionTurn}, [&] {
-        const int status = ZVBL_Init_BL(link, 0, 0, 0);
-        return status ? status : version();
-    }), 0);
+    EXPECT_EQ(play({{"7F", ""}, {"7F", "79"}, versionTurn},
+                   [&] {
+                       const int status = ZVBL_Init_BL(link, 0, 0, 0);
+                       return status ? status : version();
+                   }),
+              0);
 }
 
 TEST_F(RecoveryTest, TwoAnswersToTwoOpeningBytesShiftNothing) {
     hurry(100, 5, 700);
-    EXPECT_EQ(play({{"7F", ""}, {"7F", "79 1F"}, versionTurn}, [&] {
-        const int status = ZVBL_Init_BL(link, 0, 0, 0);
-        return status ? status : version();
-    }), 0);
+    EXPECT_EQ(play({{"7F", ""}, {"7F", "79 1F"}, versionTurn},
+                   [&] {
+                       const int status = ZVBL_Init_BL(link, 0, 0, 0);
+                       return status ? status : version();
+                   }),
+              0);
 }
 
 TEST_F(RecoveryTest, NoiseBeforeTheAnswerDoesNotStopAStart) {
@@ -252,7 +258,9 @@ TEST_F(RecoveryTest, OtpIsReadBackAndNeverWrittenTwice) {
     }
     EXPECT_EQ(play({{"31 CE", "1F"}}, [&] { return write(0x1FFFF000, {0x11, 0x22}); }), 0x13);
     EXPECT_EQ(play({inStep, {"31 CE", "79"}, {"1F FF F0 00 10", "79"}, {"01 11 22 32", "1F"}},
-                   [&] { return write(0x1FFFF000, {0x11, 0x22}); }),
+                   [&] {
+                       return write(0x1FFFF000, {0x11, 0x22});
+                   }),
               0x14);
 }
 
@@ -260,7 +268,8 @@ TEST_F(RecoveryTest, OtpIsReadBackAndNeverWrittenTwice) {
 TEST_F(RecoveryTest, ARefusedWriteIsRepeated) {
     const Turn open{"31 CE", "79"}, address{"08 00 00 00 08", "79"};
     const Turn refused{"03 11 22 FF 44 8B", "1F"}, taken{"03 11 22 FF 44 8B", "79"};
-    EXPECT_EQ(play({open, address, refused, inStep, open, address, taken}, [&] { return write(0x08000000, written); }), 0);
+    EXPECT_EQ(play({open, address, refused, inStep, open, address, taken}, [&] { return write(0x08000000, written); }),
+              0);
     const Script never = {open, address, refused, inStep, open, address, refused, inStep, open, address, refused};
     EXPECT_EQ(play(never, [&] { return write(0x08000000, written); }), 0x14);
 }

@@ -7,7 +7,8 @@ constexpr int afterTheEndMs = 2;
 
 } // namespace
 
-ScriptedChip::ScriptedChip(Pty &pty, Script script) : m_pty(pty), m_script(std::move(script)), m_thread([this] { serve(); }) {}
+ScriptedChip::ScriptedChip(Pty &pty, Script script)
+    : m_pty(pty), m_script(std::move(script)), m_thread([this] { serve(); }) {}
 
 ScriptedChip::~ScriptedChip() {
     if (m_thread.joinable())
@@ -30,7 +31,8 @@ void ScriptedChip::serve() {
                 break;
         }
         if (heard != turn.host) {
-            m_complaint = "turn " + std::to_string(i) + ": host sent [" + hex(heard) + "], not [" + hex(turn.host) + "]";
+            m_complaint =
+                "turn " + std::to_string(i) + ": host sent [" + hex(heard) + "], not [" + hex(turn.host) + "]";
             return;
         }
         heard.clear();

@@ -1,11 +1,11 @@
 // A serial port with modem control lines: what the library does to them, and to its driver.
 
-#include <asm/termbits.h>
 #include <cerrno>
+
+#include <asm/termbits.h>
+#include <gtest/gtest.h>
 #include <linux/tty_flags.h>
 #include <sys/ioctl.h>
-
-#include <gtest/gtest.h>
 
 #include "libs/zvbl/Timing.h"
 #include "link/ZVBLLIB.h"

@@ -76,7 +76,8 @@ protected:
 };
 
 TEST_F(SpiFailureTest, AChipThatStartsIsWaitedFor) {
-    EXPECT_EQ(play(Exchanges{{"5A 7F", ""}, {"5A 7F", ""}, {"5A 7F", "00 5A 79"}} + opening, [&] { return init(); }), 0);
+    EXPECT_EQ(play(Exchanges{{"5A 7F", ""}, {"5A 7F", ""}, {"5A 7F", "00 5A 79"}} + opening, [&] { return init(); }),
+              0);
     EXPECT_EQ(play(Exchanges{{"5A 7F", "FF FF"}, {"5A 7F", "FF FF"}} + opening, [&] { return init(); }), 0);
 }
 
@@ -176,12 +177,12 @@ TEST_F(SpiFailureTest, TheSecondAnswerCounts) {
 
 TEST_F(SpiFailureTest, ADamagedReplyIsAskedForAgain) {
     BYTE enabled = 9, length = 0;
-    for (const char *damaged : {"5A 79 5A 01 00 04 00 06 01 07 04", "5A 79 5A 01 00 04", "5A 79 FF FF",
-                                "5A 79 5A 00 FF FF FF FF FF FF 01"}) {
+    for (const char *damaged :
+         {"5A 79 5A 01 00 04 00 06 01 07 04", "5A 79 5A 01 00 04", "5A 79 FF FF", "5A 79 5A 00 FF FF FF FF FF FF 01"}) {
         SCOPED_TRACE(damaged);
-        EXPECT_EQ(play(Exchanges{{"5A D3 2C", damaged}} + opening + slib,
-                       [&] { return ZVBL_GetSlibStatus(link, &enabled); }),
-                  0);
+        EXPECT_EQ(
+            play(Exchanges{{"5A D3 2C", damaged}} + opening + slib, [&] { return ZVBL_GetSlibStatus(link, &enabled); }),
+            0);
         EXPECT_EQ(enabled, 0);
     }
     const Exchanges id = {{"5A 02 FD", "5A 79 5A 01 02 42 41 5A 79"}};

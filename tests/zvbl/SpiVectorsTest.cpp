@@ -61,7 +61,9 @@ const Vector vectors[] = {
          BYTE bits[] = {0, 3, 31};
          return ZVBL_ERASEPROGRAM_PROTECT(h, 3, bits);
      }},
-    {"sector protection off", {{"5A 73 8C", "5A 79 5A 79"}}, [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
+    {"sector protection off",
+     {{"5A 73 8C", "5A 79 5A 79"}},
+     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
     {"sLib on",
      {{"5A D1 2E", "5A 79"}, {"5A 12 34 56 78 00 04 FF FF 00 07 0B", "5A 79"}},
      [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},
@@ -106,10 +108,9 @@ TEST_F(SpiVectorsTest, EveryAnswerMayBeLate) {
         for (int zeros = 1; zeros <= 9; ++zeros) {
             SCOPED_TRACE(std::string(vector.name) + " after " + std::to_string(zeros));
             Exchanges script = vector.script;
-            for (Exchange &exchange : script) {
+            for (Exchange &exchange : script)
                 for (int i = 0; i < zeros; ++i)
                     exchange.fetched.insert(0, "00 ");
-            }
             EXPECT_EQ(play(script, [&] { return vector.call(link); }), 0);
         }
     }
@@ -134,8 +135,8 @@ TEST_F(SpiVectorsTest, VersionAndIdentifier) {
               0);
     EXPECT_EQ(version, 0x21);
     EXPECT_EQ(bid, 0x12);
-    EXPECT_EQ(play({{"5A 02 FD", "5A 79 5A 04 03 47 70 05 07 32 5A 79"}}, [&] { return ZVBL_GET_ID(link, &length, id); }),
-              0);
+    EXPECT_EQ(
+        play({{"5A 02 FD", "5A 79 5A 04 03 47 70 05 07 32 5A 79"}}, [&] { return ZVBL_GET_ID(link, &length, id); }), 0);
     EXPECT_EQ(length, 5);
     EXPECT_EQ(hex(zvbl::Bytes(id, id + 5)), "03 47 70 05 07");
 }
@@ -158,9 +159,7 @@ TEST_F(SpiVectorsTest, FirmwareCrcAndSlibStatus) {
 
 TEST_F(SpiVectorsTest, UserSystemDataRead) {
     BYTE data[4] = {};
-    EXPECT_EQ(play({{"5A E1 1E", "5A 79"},
-                    {"5A 1F FF F8 00 18", "5A 79"},
-                    {"5A 00 03 03", "5A 79 5A A5 01 02 03 A5"}},
+    EXPECT_EQ(play({{"5A E1 1E", "5A 79"}, {"5A 1F FF F8 00 18", "5A 79"}, {"5A 00 03 03", "5A 79 5A A5 01 02 03 A5"}},
                    [&] { return TARGET_GetUserSystemData(link, 0x1FFFF800, data, 4); }),
               0);
     EXPECT_EQ(hex(zvbl::Bytes(data, data + 4)), "A5 01 02 03");
@@ -188,9 +187,10 @@ TEST_F(SpiVectorsTest, TheLongestMessageAndReply) {
                     {"5A 07 FF F8", "00 00 00 5A 79 00 00 00 5A " + bytes + " 00"}},
                    [&] { return TARGET_GetUserSystemData(link, 0x1FFFF800, user.data(), 2048); }),
               0);
-    EXPECT_EQ(play({{"5A E2 1D", "5A 79"}, {"5A 1F FF F8 00 18", "5A 79"}, {"5A 07 FF " + bytes + " F8", "5A 79 5A 79"}},
-                   [&] { return TARGET_SetUserSystemData(link, 0x1FFFF800, user.data(), 2048); }),
-              0);
+    EXPECT_EQ(
+        play({{"5A E2 1D", "5A 79"}, {"5A 1F FF F8 00 18", "5A 79"}, {"5A 07 FF " + bytes + " F8", "5A 79 5A 79"}},
+             [&] { return TARGET_SetUserSystemData(link, 0x1FFFF800, user.data(), 2048); }),
+        0);
 }
 
 TEST_F(SpiVectorsTest, TheSpeed) {

@@ -18,33 +18,80 @@ const std::function<int(HANDLE)> calls[] = {
     [](HANDLE h) { return ZVBL_SetRts(h, 0); },
     [](HANDLE h) { return ZVBL_Init_BL(h, 0, 0, 0); },
     [](HANDLE h) { return ZVBL_SetSpeed(h, 2); },
-    [](HANDLE h) { BYTE b; Commands c; return ZVBL_GET(h, &b, &c); },
-    [](HANDLE h) { BYTE b; return ZVBL_GET_VER_ROPS(h, &b, &b, &b); },
-    [](HANDLE h) { BYTE b; return ZVBL_GET_ID(h, &b, nullptr); },
+    [](HANDLE h) {
+        BYTE b;
+        Commands c;
+        return ZVBL_GET(h, &b, &c);
+    },
+    [](HANDLE h) {
+        BYTE b;
+        return ZVBL_GET_VER_ROPS(h, &b, &b, &b);
+    },
+    [](HANDLE h) {
+        BYTE b;
+        return ZVBL_GET_ID(h, &b, nullptr);
+    },
     [](HANDLE h) { return ZVBL_GO(h, 0x08000000); },
     [](HANDLE h) { return ZVBL_ResetMCU(h); },
-    [](HANDLE h) { BYTE b; return ZVBL_UPLOAD(h, 0x08000000, &b, 1); },
-    [](HANDLE h) { BYTE b = 0; return ZVBL_DNLOAD(h, 0x08000000, &b, 1, 0); },
-    [](HANDLE h) { BYTE b = 0xFF; return ZVBL_DNLOAD(h, 0x08000000, &b, 1, 1); },
-    [](HANDLE h) { BYTE b = 0; return ZVBL_VERIFY(h, 0x08000000, &b, 1, 0); },
-    [](HANDLE h) { BYTE b[2] = {}; return ZVBL_ERASE(h, 1, b, 2048); },
+    [](HANDLE h) {
+        BYTE b;
+        return ZVBL_UPLOAD(h, 0x08000000, &b, 1);
+    },
+    [](HANDLE h) {
+        BYTE b = 0;
+        return ZVBL_DNLOAD(h, 0x08000000, &b, 1, 0);
+    },
+    [](HANDLE h) {
+        BYTE b = 0xFF;
+        return ZVBL_DNLOAD(h, 0x08000000, &b, 1, 1);
+    },
+    [](HANDLE h) {
+        BYTE b = 0;
+        return ZVBL_VERIFY(h, 0x08000000, &b, 1, 0);
+    },
+    [](HANDLE h) {
+        BYTE b[2] = {};
+        return ZVBL_ERASE(h, 1, b, 2048);
+    },
     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); },
     [](HANDLE h) { return ZVBL_BLOCK_ERASE(h, 0xFFFB, 0x08000000); },
-    [](HANDLE h) { BYTE b[4]; return ZVBL_GetFirmwareCRC(h, 0x08000000, 1, b); },
+    [](HANDLE h) {
+        BYTE b[4];
+        return ZVBL_GetFirmwareCRC(h, 0x08000000, 1, b);
+    },
     [](HANDLE h) { return ZVBL_SPIMREMAP(h, 1); },
     [](HANDLE h) { return ZVBL_EnableBank3(h, 0x90, 1024, 0); },
-    [](HANDLE h) { int k; return TARGET_GetFlashSize(h, 0x1FFFF7E0, &k); },
-    [](HANDLE h) { BYTE b; return TARGET_GetUserSystemData(h, 0x1FFFF800, &b, 1); },
-    [](HANDLE h) { BYTE b = 0; return TARGET_SetUserSystemData(h, 0x1FFFF800, &b, 1); },
+    [](HANDLE h) {
+        int k;
+        return TARGET_GetFlashSize(h, 0x1FFFF7E0, &k);
+    },
+    [](HANDLE h) {
+        BYTE b;
+        return TARGET_GetUserSystemData(h, 0x1FFFF800, &b, 1);
+    },
+    [](HANDLE h) {
+        BYTE b = 0;
+        return TARGET_SetUserSystemData(h, 0x1FFFF800, &b, 1);
+    },
     [](HANDLE h) { return ZVBL_ACCESS_PROTECT(h); },
     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 1); },
     [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); },
-    [](HANDLE h) { BYTE b = 0; return ZVBL_ERASEPROGRAM_PROTECT(h, 1, &b); },
+    [](HANDLE h) {
+        BYTE b = 0;
+        return ZVBL_ERASEPROGRAM_PROTECT(h, 1, &b);
+    },
     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); },
     [](HANDLE h) { return ZVBL_EnableSlib(h, 1, 0, 0, 0); },
     [](HANDLE h) { return ZVBL_DisableSlib(h, 1); },
-    [](HANDLE h) { BYTE b; return ZVBL_GetSlibStatus(h, &b); },
-    [](HANDLE h) { BYTE b; unsigned short s; return ZVBL_GetSlibStatus_Ex(h, &b, &s, &s, &s); },
+    [](HANDLE h) {
+        BYTE b;
+        return ZVBL_GetSlibStatus(h, &b);
+    },
+    [](HANDLE h) {
+        BYTE b;
+        unsigned short s;
+        return ZVBL_GetSlibStatus_Ex(h, &b, &s, &s, &s);
+    },
     [](HANDLE h) { return ZVBL_ZV32ISP_TOOL(h); },
 };
 
@@ -80,51 +127,53 @@ TEST_F(StatusTest, NullAndOutOfRangeArgumentsAre0x21AndSendNothing) {
     unsigned short ids[255];
     TDeviceInfo info;
     const Script silence;
-    ASSERT_EQ(play(silence, [&] {
-        EXPECT_EQ(SetCOMSettings(nullptr, 0, "ttyS0", 115200, 8, 2, 1.0F), 0x21);
-        EXPECT_EQ(SetTimeOut(link, 0), 0x21);
-        EXPECT_EQ(ZVBL_SetDtr(link, 2), 0x21);
-        EXPECT_EQ(ZVBL_SetRts(link, 2), 0x21);
-        EXPECT_EQ(ZVBL_GET(link, nullptr, &commands), 0x21);
-        EXPECT_EQ(ZVBL_GET(link, &byte, nullptr), 0x21);
-        EXPECT_EQ(ZVBL_GET_VER_ROPS(link, nullptr, &byte, &byte), 0x21);
-        EXPECT_EQ(ZVBL_GET_VER_ROPS(link, &byte, nullptr, &byte), 0x21);
-        EXPECT_EQ(ZVBL_GET_VER_ROPS(link, &byte, &byte, nullptr), 0x21);
-        EXPECT_EQ(ZVBL_GET_ID(link, nullptr, &byte), 0x21);
-        EXPECT_EQ(ZVBL_UPLOAD(link, 0x08000000, nullptr, 4), 0x21);
-        EXPECT_EQ(ZVBL_UPLOAD(link, 0xFFFFFFFD, many, 4), 0x21);
-        EXPECT_EQ(ZVBL_DNLOAD(link, 0x08000000, nullptr, 4, 0), 0x21);
-        EXPECT_EQ(ZVBL_DNLOAD(link, 0xFFFFFFFD, many, 4, 0), 0x21);
-        EXPECT_EQ(ZVBL_VERIFY(link, 0x08000000, nullptr, 4, 0), 0x21);
-        EXPECT_EQ(ZVBL_VERIFY(link, 0xFFFFFFFD, many, 4, 0), 0x21);
-        EXPECT_EQ(ZVBL_ERASE(link, 1, nullptr, 2048), 0x21);
-        EXPECT_EQ(ZVBL_ERASE(link, 2, many, 2048), 0x21);
-        EXPECT_EQ(ZVBL_ERASE(link, 0xFFFF, nullptr, 0), 0x21);
-        EXPECT_EQ(ZVBL_BLOCK_ERASE(link, 0xFFFE, 0x08000000), 0x21);
-        EXPECT_EQ(ZVBL_GetFirmwareCRC(link, 0x08000000, 0, many), 0x21);
-        EXPECT_EQ(ZVBL_GetFirmwareCRC(link, 0x08000000, 1, nullptr), 0x21);
-        EXPECT_EQ(TARGET_GetFlashSize(link, 0x1FFFF7E0, nullptr), 0x21);
-        EXPECT_EQ(TARGET_GetUserSystemData(link, 0x1FFFF800, nullptr, 16), 0x21);
-        EXPECT_EQ(TARGET_GetUserSystemData(link, 0x1FFFF800, many, 0), 0x21);
-        EXPECT_EQ(TARGET_GetUserSystemData(link, 0x1FFFF800, many, 2049), 0x21);
-        EXPECT_EQ(TARGET_SetUserSystemData(link, 0x1FFFF800, nullptr, 16), 0x21);
-        EXPECT_EQ(TARGET_SetUserSystemData(link, 0x1FFFF800, many, 0), 0x21);
-        EXPECT_EQ(TARGET_SetUserSystemData(link, 0x1FFFF800, many, 2049), 0x21);
-        EXPECT_EQ(ZVBL_ACCESS_PROTECT_LEVEL(link, 0), 0x21);
-        EXPECT_EQ(ZVBL_ACCESS_PROTECT_LEVEL(link, 3), 0x21);
-        EXPECT_EQ(ZVBL_ERASEPROGRAM_PROTECT(link, 0, many), 0x21);
-        EXPECT_EQ(ZVBL_ERASEPROGRAM_PROTECT(link, 1, nullptr), 0x21);
-        EXPECT_EQ(ZVBL_GetSlibStatus(link, nullptr), 0x21);
-        EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, nullptr, &number, &number, &number), 0x21);
-        EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, &byte, nullptr, &number, &number), 0x21);
-        EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, &byte, &number, nullptr, &number), 0x21);
-        EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, &byte, &number, &number, nullptr), 0x21);
-        EXPECT_EQ(ZVBL_GetZVDeviceList(nullptr, ids, ids, &info), 0x21);
-        EXPECT_EQ(ZVBL_GetZVDeviceList(&count, nullptr, ids, &info), 0x21);
-        EXPECT_EQ(ZVBL_GetZVDeviceList(&count, ids, nullptr, &info), 0x21);
-        EXPECT_EQ(ZVBL_GetZVDeviceList(&count, ids, ids, nullptr), 0x21);
-        return 0;
-    }), 0);
+    ASSERT_EQ(play(silence,
+                   [&] {
+                       EXPECT_EQ(SetCOMSettings(nullptr, 0, "ttyS0", 115200, 8, 2, 1.0F), 0x21);
+                       EXPECT_EQ(SetTimeOut(link, 0), 0x21);
+                       EXPECT_EQ(ZVBL_SetDtr(link, 2), 0x21);
+                       EXPECT_EQ(ZVBL_SetRts(link, 2), 0x21);
+                       EXPECT_EQ(ZVBL_GET(link, nullptr, &commands), 0x21);
+                       EXPECT_EQ(ZVBL_GET(link, &byte, nullptr), 0x21);
+                       EXPECT_EQ(ZVBL_GET_VER_ROPS(link, nullptr, &byte, &byte), 0x21);
+                       EXPECT_EQ(ZVBL_GET_VER_ROPS(link, &byte, nullptr, &byte), 0x21);
+                       EXPECT_EQ(ZVBL_GET_VER_ROPS(link, &byte, &byte, nullptr), 0x21);
+                       EXPECT_EQ(ZVBL_GET_ID(link, nullptr, &byte), 0x21);
+                       EXPECT_EQ(ZVBL_UPLOAD(link, 0x08000000, nullptr, 4), 0x21);
+                       EXPECT_EQ(ZVBL_UPLOAD(link, 0xFFFFFFFD, many, 4), 0x21);
+                       EXPECT_EQ(ZVBL_DNLOAD(link, 0x08000000, nullptr, 4, 0), 0x21);
+                       EXPECT_EQ(ZVBL_DNLOAD(link, 0xFFFFFFFD, many, 4, 0), 0x21);
+                       EXPECT_EQ(ZVBL_VERIFY(link, 0x08000000, nullptr, 4, 0), 0x21);
+                       EXPECT_EQ(ZVBL_VERIFY(link, 0xFFFFFFFD, many, 4, 0), 0x21);
+                       EXPECT_EQ(ZVBL_ERASE(link, 1, nullptr, 2048), 0x21);
+                       EXPECT_EQ(ZVBL_ERASE(link, 2, many, 2048), 0x21);
+                       EXPECT_EQ(ZVBL_ERASE(link, 0xFFFF, nullptr, 0), 0x21);
+                       EXPECT_EQ(ZVBL_BLOCK_ERASE(link, 0xFFFE, 0x08000000), 0x21);
+                       EXPECT_EQ(ZVBL_GetFirmwareCRC(link, 0x08000000, 0, many), 0x21);
+                       EXPECT_EQ(ZVBL_GetFirmwareCRC(link, 0x08000000, 1, nullptr), 0x21);
+                       EXPECT_EQ(TARGET_GetFlashSize(link, 0x1FFFF7E0, nullptr), 0x21);
+                       EXPECT_EQ(TARGET_GetUserSystemData(link, 0x1FFFF800, nullptr, 16), 0x21);
+                       EXPECT_EQ(TARGET_GetUserSystemData(link, 0x1FFFF800, many, 0), 0x21);
+                       EXPECT_EQ(TARGET_GetUserSystemData(link, 0x1FFFF800, many, 2049), 0x21);
+                       EXPECT_EQ(TARGET_SetUserSystemData(link, 0x1FFFF800, nullptr, 16), 0x21);
+                       EXPECT_EQ(TARGET_SetUserSystemData(link, 0x1FFFF800, many, 0), 0x21);
+                       EXPECT_EQ(TARGET_SetUserSystemData(link, 0x1FFFF800, many, 2049), 0x21);
+                       EXPECT_EQ(ZVBL_ACCESS_PROTECT_LEVEL(link, 0), 0x21);
+                       EXPECT_EQ(ZVBL_ACCESS_PROTECT_LEVEL(link, 3), 0x21);
+                       EXPECT_EQ(ZVBL_ERASEPROGRAM_PROTECT(link, 0, many), 0x21);
+                       EXPECT_EQ(ZVBL_ERASEPROGRAM_PROTECT(link, 1, nullptr), 0x21);
+                       EXPECT_EQ(ZVBL_GetSlibStatus(link, nullptr), 0x21);
+                       EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, nullptr, &number, &number, &number), 0x21);
+                       EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, &byte, nullptr, &number, &number), 0x21);
+                       EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, &byte, &number, nullptr, &number), 0x21);
+                       EXPECT_EQ(ZVBL_GetSlibStatus_Ex(link, &byte, &number, &number, nullptr), 0x21);
+                       EXPECT_EQ(ZVBL_GetZVDeviceList(nullptr, ids, ids, &info), 0x21);
+                       EXPECT_EQ(ZVBL_GetZVDeviceList(&count, nullptr, ids, &info), 0x21);
+                       EXPECT_EQ(ZVBL_GetZVDeviceList(&count, ids, nullptr, &info), 0x21);
+                       EXPECT_EQ(ZVBL_GetZVDeviceList(&count, ids, ids, nullptr), 0x21);
+                       return 0;
+                   }),
+              0);
 }
 
 TEST_F(StatusTest, LinksThatThisLibraryDoesNotHave) {

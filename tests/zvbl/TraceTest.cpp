@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+
 #include <unistd.h>
 
 #include "tests/zvbl/LinkFixture.h"
@@ -74,7 +75,8 @@ TEST_F(TraceTest, AnOpenThatFailsSaysWhy) {
     std::ifstream in(file);
     std::ostringstream text;
     text << in.rdbuf();
-    EXPECT_NE(text.str().find("/dev/no-such-port # cannot open: No such file or directory\n"), std::string::npos) << text.str();
+    EXPECT_NE(text.str().find("/dev/no-such-port # cannot open: No such file or directory\n"), std::string::npos)
+        << text.str();
 }
 
 TEST_F(TraceTest, WhatArrivedBeforeTheOpenIsGone) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+
 #include <linux/usbdevice_fs.h>
 #include <sys/ioctl.h>
 
@@ -43,25 +44,14 @@ int UsbDevice::serve(UMockdevIoctlClient *client, int &error) {
         umockdev_ioctl_data_unref(answer);
         break;
     }
-    case USBDEVFS_CLAIMINTERFACE:
-        result = !m_pluggedIn ? -ENODEV : facts.heldByAnother ? -EBUSY : 0;
-        break;
+    case USBDEVFS_CLAIMINTERFACE: result = !m_pluggedIn ? -ENODEV : facts.heldByAnother ? -EBUSY : 0; break;
     case USBDEVFS_RELEASEINTERFACE:
-    case USBDEVFS_SETINTERFACE:
-        result = m_pluggedIn ? 0 : -ENODEV;
-        break;
-    case USBDEVFS_SUBMITURB:
-        result = submit(arg);
-        break;
+    case USBDEVFS_SETINTERFACE: result = m_pluggedIn ? 0 : -ENODEV; break;
+    case USBDEVFS_SUBMITURB: result = submit(arg); break;
     case USBDEVFS_REAPURB:
-    case USBDEVFS_REAPURBNDELAY:
-        result = reap(arg);
-        break;
-    case USBDEVFS_DISCARDURB:
-        result = discard();
-        break;
-    default:
-        result = -ENOTTY;
+    case USBDEVFS_REAPURBNDELAY: result = reap(arg); break;
+    case USBDEVFS_DISCARDURB: result = discard(); break;
+    default: result = -ENOTTY;
     }
     error = result < 0 ? -result : 0;
     return result < 0 ? -1 : result;
@@ -74,8 +64,8 @@ int UsbDevice::submit(UMockdevIoctlData *arg) {
     m_urb.urb = umockdev_ioctl_data_resolve(arg, 0, sizeof(usbdevfs_urb), nullptr);
     int length = 0;
     std::memcpy(&length, m_urb.urb->data + offsetof(usbdevfs_urb, buffer_length), sizeof length);
-    m_urb.buffer = umockdev_ioctl_data_resolve(m_urb.urb, offsetof(usbdevfs_urb, buffer),
-                                               static_cast<gsize>(length), nullptr);
+    m_urb.buffer =
+        umockdev_ioctl_data_resolve(m_urb.urb, offsetof(usbdevfs_urb, buffer), static_cast<gsize>(length), nullptr);
     perform();
     return 0;
 }
@@ -112,9 +102,9 @@ std::string UsbDevice::standardAnswer(const Bytes &setup) const {
     if (setup[1] != 6 || setup[3] != 3)
         return usbWords::stall;
     switch (setup[2]) {
-    case 0:  return "04 03 09 04";
-    case 2:  return stringDescriptor(facts.name);
-    case 3:  return stringDescriptor(facts.serial);
+    case 0: return "04 03 09 04";
+    case 2: return stringDescriptor(facts.name);
+    case 3: return stringDescriptor(facts.serial);
     default: return usbWords::stall;
     }
 }
@@ -130,7 +120,8 @@ std::string UsbDevice::scriptedAnswer(const Bytes &host) {
     }
     const UsbTurn &turn = m_script[m_turn];
     if (m_complaint.empty() && seen != turn.host)
-        m_complaint = "turn " + std::to_string(m_turn) + ": " + seen.substr(0, telling) + " in place of " + turn.host.substr(0, telling);
+        m_complaint = "turn " + std::to_string(m_turn) + ": " + seen.substr(0, telling) + " in place of " +
+                      turn.host.substr(0, telling);
     if (m_complaint.empty() && now - m_answered < std::chrono::milliseconds(turn.gapMs))
         m_complaint = "turn " + std::to_string(m_turn) + " came too early";
     if (!m_complaint.empty())

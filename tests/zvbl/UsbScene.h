@@ -65,10 +65,10 @@ public:
     void plugIn();
     void unplug();
     void awaitUnplugged(); // behind a script by which it goes away
-    void plugInAgain(); // under the next number, as behind a reset
+    void plugInAgain();    // under the next number, as behind a reset
     void play(UsbScript script);
     void playForEver(UsbScript script); // the last turn again and again
-    std::string finish(); // what went wrong with the script; empty if all of it was played, and no more
+    std::string finish();               // what went wrong with the script; empty if all of it was played, and no more
     std::string node() const;
     UsbDeviceFacts facts;
 

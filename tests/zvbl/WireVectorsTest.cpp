@@ -33,9 +33,15 @@ const Vector vectors[] = {
          BYTE sector[] = {0x05, 0x80};
          return ZVBL_ERASE(h, 1, sector, 4096);
      }},
-    {"erase of bank 1", {{"44 BB", "79"}, {"FF FE 01", "79"}}, [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
-    {"erase of bank 2", {{"44 BB", "79"}, {"FF FD 02", "79"}}, [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFD, nullptr, 0); }},
-    {"erase of Bank 3", {{"44 BB", "79"}, {"FF FC 03", "79"}}, [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFC, nullptr, 0); }},
+    {"erase of bank 1",
+     {{"44 BB", "79"}, {"FF FE 01", "79"}},
+     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
+    {"erase of bank 2",
+     {{"44 BB", "79"}, {"FF FD 02", "79"}},
+     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFD, nullptr, 0); }},
+    {"erase of Bank 3",
+     {{"44 BB", "79"}, {"FF FC 03", "79"}},
+     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFC, nullptr, 0); }},
     {"erase of a block",
      {{"44 BB", "79"}, {"FF FB 04", "79"}, {"08 03 00 00 0B", "79"}},
      [](HANDLE h) { return ZVBL_BLOCK_ERASE(h, 0xFFFB, 0x08030000); }},
@@ -57,9 +63,7 @@ const Vector vectors[] = {
     {"sLib on",
      {{"D1 2E", "79"}, {"12 34 56 78 00 04 FF FF 00 07 0B", "79"}},
      [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},
-    {"sLib off",
-     {{"D2 2D", "79"}, {"12 34 56 78 08", "79"}},
-     [](HANDLE h) { return ZVBL_DisableSlib(h, 0x12345678); }},
+    {"sLib off", {{"D2 2D", "79"}, {"12 34 56 78 08", "79"}}, [](HANDLE h) { return ZVBL_DisableSlib(h, 0x12345678); }},
     {"remap off", {{"B7 48", "79"}, {"00 FF", "79"}}, [](HANDLE h) { return ZVBL_SPIMREMAP(h, 0); }},
     {"remap on", {{"B7 48", "79"}, {"01 FE", "79"}}, [](HANDLE h) { return ZVBL_SPIMREMAP(h, 1); }},
     {"Bank 3 on",
@@ -127,7 +131,8 @@ TEST_F(WireVectorsTest, EveryOpcodeHasItsMember) {
 
 TEST_F(WireVectorsTest, VersionComesAsVersionReserveBid) {
     BYTE version = 0, reserve = 0, bid = 0;
-    EXPECT_EQ(play({{"01 FE", "79 21 FF 12 79"}}, [&] { return ZVBL_GET_VER_ROPS(link, &version, &reserve, &bid); }), 0);
+    EXPECT_EQ(play({{"01 FE", "79 21 FF 12 79"}}, [&] { return ZVBL_GET_VER_ROPS(link, &version, &reserve, &bid); }),
+              0);
     EXPECT_EQ(version, 0x21);
     EXPECT_EQ(reserve, 0xFF);
     EXPECT_EQ(bid, 0x12);

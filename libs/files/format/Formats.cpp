@@ -1,7 +1,6 @@
 #include "libs/files/format/Formats.h"
 
 #include <cstring>
-
 #include <strings.h>
 
 #include "libs/files/format/Binary.h"

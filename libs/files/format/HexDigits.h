@@ -67,8 +67,8 @@ inline __m128i decodeLanes(const unsigned char *text, __m128i &valid) {
     const __m128i isDigit = _mm_cmpeq_epi8(_mm_min_epu8(digit, _mm_set1_epi8(9)), digit);
     const __m128i isLetter = _mm_cmpeq_epi8(_mm_min_epu8(letter, _mm_set1_epi8(5)), letter);
     valid = _mm_and_si128(valid, _mm_or_si128(isDigit, isLetter));
-    const __m128i values = _mm_or_si128(_mm_and_si128(digit, isDigit),
-                                        _mm_and_si128(_mm_add_epi8(letter, _mm_set1_epi8(10)), isLetter));
+    const __m128i values =
+        _mm_or_si128(_mm_and_si128(digit, isDigit), _mm_and_si128(_mm_add_epi8(letter, _mm_set1_epi8(10)), isLetter));
     // The first character of a pair is in the low byte of its lane.
     return _mm_or_si128(_mm_and_si128(_mm_slli_epi16(values, 4), _mm_set1_epi16(0xF0)), _mm_srli_epi16(values, 8));
 }

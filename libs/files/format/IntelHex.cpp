@@ -70,7 +70,8 @@ Status Reader::readRecord() {
 
     // The checksum is decoded with the data, behind them.
     BYTE *data = m_runs.room(length + 1);
-    if (!decodeBytes(text + 1 + 2 * HeadBytes, length + 1, data, sum) || (sum & 0xFF) != 0 || !m_window.pass(characters))
+    if (!decodeBytes(text + 1 + 2 * HeadBytes, length + 1, data, sum) || (sum & 0xFF) != 0 ||
+        !m_window.pass(characters))
         return Status::BadFormat;
     if (type == Data)
         return takeData(static_cast<unsigned>(head[1] << 8 | head[2]), data, length);
@@ -136,7 +137,8 @@ Status writeIntelHex(const std::vector<const Element *> &elements, const std::st
                 if (moved != Status::Ok)
                     return moved;
             }
-            const std::uint32_t length = std::min({element->length - done, PageSize - offset, std::uint32_t(WrittenData)});
+            const std::uint32_t length =
+                std::min({element->length - done, PageSize - offset, std::uint32_t(WrittenData)});
             const Status written = writeRecord(file, Data, offset, element->bytes.get() + done, length);
             if (written != Status::Ok)
                 return written;

@@ -101,7 +101,8 @@ Status Reader::take(Role role, std::uint32_t address, std::size_t length) {
 }
 
 Status writeRecord(AtomicFile &file, unsigned type, std::uint32_t address, const BYTE *data, std::size_t length) {
-    static_assert(MarkLength + 2 * (1 + MaxAddress + WrittenData + 1) + 1 <= AtomicFile::MaxLine, "a line has its room");
+    static_assert(MarkLength + 2 * (1 + MaxAddress + WrittenData + 1) + 1 <= AtomicFile::MaxLine,
+                  "a line has its room");
     char *const line = file.line();
     const std::size_t addressBytes = Types[type].addressBytes;
     BYTE head[1 + MaxAddress] = {static_cast<BYTE>(addressBytes + length + 1)};

@@ -16,10 +16,9 @@ constexpr CanSpeed canSpeeds[] = {
 
 // By its code or by its rate; null: the chip knows no such speed.
 inline const CanSpeed *findCanSpeed(unsigned long speed) {
-    for (const CanSpeed &row : canSpeeds) {
+    for (const CanSpeed &row : canSpeeds)
         if (row.code == speed || row.bitsPerSecond == speed)
             return &row;
-    }
     return nullptr;
 }
 

@@ -58,10 +58,10 @@ Status DfuFraming::transfer(const Command &command, Bytes &reply, Duration timeo
 
 Status DfuFraming::carry(const Command &command, Bytes &reply) {
     switch (command.opcode) {
-    case wire::opRead:  return read(command, reply);
+    case wire::opRead: return read(command, reply);
     case wire::opWrite: return write(command);
-    case wire::opGo:    return go(command);
-    default:            return further(command, reply);
+    case wire::opGo: return go(command);
+    default: return further(command, reply);
     }
 }
 

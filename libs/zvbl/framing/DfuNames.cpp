@@ -5,13 +5,15 @@
 namespace zvbl {
 namespace {
 
-constexpr const char *stateNames[] = {
-    "appIDLE",       "appDETACH",         "dfuIDLE",     "dfuDNLOAD-SYNC",          "dfuDNBUSY",       "dfuDNLOAD-IDLE",
-    "dfuMANIFEST-SYNC", "dfuMANIFEST", "dfuMANIFEST-WAIT-RESET", "dfuUPLOAD-IDLE", "dfuERROR"};
+constexpr const char *stateNames[] = {"appIDLE",          "appDETACH",   "dfuIDLE",
+                                      "dfuDNLOAD-SYNC",   "dfuDNBUSY",   "dfuDNLOAD-IDLE",
+                                      "dfuMANIFEST-SYNC", "dfuMANIFEST", "dfuMANIFEST-WAIT-RESET",
+                                      "dfuUPLOAD-IDLE",   "dfuERROR"};
 
-constexpr const char *statusNames[] = {
-    "OK",        "errTARGET",  "errFILE",    "errWRITE",    "errERASE",  "errCHECK_ERASED", "errPROG",    "errVERIFY",
-    "errADDRESS", "errNOTDONE", "errFIRMWARE", "errVENDOR", "errUSBR", "errPOR",          "errUNKNOWN", "errSTALLEDPKT"};
+constexpr const char *statusNames[] = {"OK",         "errTARGET",       "errFILE",     "errWRITE",
+                                       "errERASE",   "errCHECK_ERASED", "errPROG",     "errVERIFY",
+                                       "errADDRESS", "errNOTDONE",      "errFIRMWARE", "errVENDOR",
+                                       "errUSBR",    "errPOR",          "errUNKNOWN",  "errSTALLEDPKT"};
 
 } // namespace
 

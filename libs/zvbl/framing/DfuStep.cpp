@@ -86,14 +86,10 @@ Status DfuFraming::recoverFrom(std::uint8_t state) {
     case dfuDownloadSync:
     case dfuDownloadIdle:
     case dfuManifestSync:
-    case dfuUploadIdle:
-        return m_port.send(DfuRequest::abort, 0, {}, m_timeout);
-    case dfuDownloadBusy:
-        return awaitDone(false);
-    case dfuError:
-        return m_port.send(DfuRequest::clearStatus, 0, {}, m_timeout);
-    default:
-        return damaged("it has left its bootloader");
+    case dfuUploadIdle: return m_port.send(DfuRequest::abort, 0, {}, m_timeout);
+    case dfuDownloadBusy: return awaitDone(false);
+    case dfuError: return m_port.send(DfuRequest::clearStatus, 0, {}, m_timeout);
+    default: return damaged("it has left its bootloader");
     }
 }
 

@@ -10,7 +10,7 @@ namespace zvbl {
 namespace {
 
 constexpr unsigned long usualSpeed = 150000;
-constexpr std::size_t answerSize = 2; // the start byte and the answer
+constexpr std::size_t answerSize = 2;                            // the start byte and the answer
 constexpr auto longestPatience = std::chrono::milliseconds(200); // for one opening byte
 
 } // namespace

@@ -30,9 +30,9 @@ private:
     void take(std::size_t count, Bytes &bytes);
 
     SpiPort &m_port;
-    Bytes m_heard;              // fetched and not taken yet
-    std::size_t m_toSend = 0;   // groups of the command that are still to be sent
-    std::size_t m_toFetch = 0;  // bytes that follow its last ACK at once, as far as that is known
+    Bytes m_heard;             // fetched and not taken yet
+    std::size_t m_toSend = 0;  // groups of the command that are still to be sent
+    std::size_t m_toFetch = 0; // bytes that follow its last ACK at once, as far as that is known
 };
 
 } // namespace zvbl

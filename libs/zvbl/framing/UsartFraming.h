@@ -46,8 +46,8 @@ private:
 
     Duration m_timeout{};
     Step m_step = Step::kept;
-    Bytes m_heard;            // received, and not taken yet
-    TimePoint m_lastSent{};   // when the last byte sent has left the line, by its rate
+    Bytes m_heard;          // received, and not taken yet
+    TimePoint m_lastSent{}; // when the last byte sent has left the line, by its rate
     TimePoint m_lastHeard{};
 
     // Whether bytes come at the line's rate, and not at once as through a pseudo terminal: then an

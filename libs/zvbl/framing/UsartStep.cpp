@@ -8,8 +8,8 @@ namespace zvbl {
 namespace {
 
 constexpr int rounds = 3;
-constexpr int slowCharacters = 3;    // the quiet time is never shorter than so many
-constexpr int longestBabble = 512;   // characters that may come late; the longest reply is half of it
+constexpr int slowCharacters = 3;  // the quiet time is never shorter than so many
+constexpr int longestBabble = 512; // characters that may come late; the longest reply is half of it
 
 // The chip's clock may be slower than ours.
 Duration withMargin(Duration limit) {

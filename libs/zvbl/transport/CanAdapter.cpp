@@ -15,7 +15,7 @@ constexpr auto answerLimit = std::chrono::milliseconds(500);
 constexpr auto openingLimit = std::chrono::milliseconds(1000);
 constexpr auto closingLimit = std::chrono::milliseconds(100);
 constexpr auto firstAnswer = std::chrono::milliseconds(100); // most adapters say something to C
-constexpr auto quiet = std::chrono::milliseconds(20); // no line is under way behind it
+constexpr auto quiet = std::chrono::milliseconds(20);        // no line is under way behind it
 constexpr auto refusalPause = std::chrono::milliseconds(1);
 constexpr std::size_t longestLine = 64;
 
@@ -35,8 +35,13 @@ struct StateRow {
 };
 
 constexpr StateRow stateRows[] = {
-    {0, "its receive queue is full"}, {1, "its transmit queue is full"}, {2, "error warning"}, {3, "it lost frames"},
-    {5, "error passive"},             {6, "arbitration lost"},           {7, "bus error"},
+    {0, "its receive queue is full"},
+    {1, "its transmit queue is full"},
+    {2, "error warning"},
+    {3, "it lost frames"},
+    {5, "error passive"},
+    {6, "arbitration lost"},
+    {7, "bus error"},
 };
 
 int digit(char c) {
@@ -123,7 +128,8 @@ Status CanAdapter::open(const LinkSettings &settings) {
     }
     m_opened = true;
     Answer answer = Answer::none;
-    return tell("V", answer, Clock::now() + answerLimit) == Status::gone ? Status::cantOpen : Status::ok; // for the trace
+    return tell("V", answer, Clock::now() + answerLimit) == Status::gone ? Status::cantOpen
+                                                                         : Status::ok; // for the trace
 }
 
 Status CanAdapter::reconfigure(const LinkSettings &settings) {
@@ -201,13 +207,13 @@ Status CanAdapter::tell(const std::string &command, Answer &answer, TimePoint de
 // What the adapter itself says about its bus.
 void CanAdapter::explain() {
     Answer answer = Answer::none;
-    if (!m_trace.on() || m_unanswered > 0 || tell("F", answer, Clock::now() + closingLimit) != Status::ok || m_text.size() < 3)
+    if (!m_trace.on() || m_unanswered > 0 || tell("F", answer, Clock::now() + closingLimit) != Status::ok ||
+        m_text.size() < 3)
         return;
     const int state = number(m_text, 1, 2);
-    for (const StateRow &row : stateRows) {
+    for (const StateRow &row : stateRows)
         if (state > 0 && (state >> row.bit & 1))
             m_trace.remark(std::string("the adapter says: ") + row.text);
-    }
 }
 
 Status CanAdapter::write(const std::string &line, TimePoint deadline) {

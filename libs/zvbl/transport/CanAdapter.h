@@ -62,13 +62,13 @@ private:
     // Frames that the adapter has not acknowledged yet. It says yes or no to each, in their order. Three fit
     // into the line buffer of the smallest ones.
     std::size_t m_unanswered = 0;
-    std::size_t m_window = 3;     // how many of them may be
+    std::size_t m_window = 3; // how many of them may be
     std::string m_lastLine;
     TimePoint m_lastSent{};
-    bool m_sendAgain = false;     // the last one was refused
-    bool m_orderBroken = false;   // one was refused that others had followed
-    bool m_countLost = false;     // an acknowledge was lost
-    TimePoint m_busFree{};        // by then the bus has carried all that the adapter was given
+    bool m_sendAgain = false;   // the last one was refused
+    bool m_orderBroken = false; // one was refused that others had followed
+    bool m_countLost = false;   // an acknowledge was lost
+    TimePoint m_busFree{};      // by then the bus has carried all that the adapter was given
 };
 
 } // namespace zvbl

@@ -4,14 +4,15 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <utility>
+#include <vector>
+
 #include <linux/can/netlink.h>
 #include <linux/rtnetlink.h>
 #include <net/if.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
-#include <utility>
-#include <vector>
 
 namespace zvbl {
 namespace {
@@ -104,7 +105,7 @@ std::pair<const char *, std::size_t> find(unsigned short type, const char *attri
 }
 
 ifinfomsg interfaceOf(int index) {
-    ifinfomsg interface{};
+    ifinfomsg interface {};
     interface.ifi_index = index;
     return interface;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+
 #include <linux/can/error.h>
 #include <linux/can/raw.h>
 #include <net/if.h>
@@ -67,7 +68,7 @@ CanFrame fromKernel(const can_frame &frame) {
 }
 
 bool isUp(int fd, int index) {
-    ifreq interface{};
+    ifreq interface {};
     return if_indextoname(static_cast<unsigned>(index), interface.ifr_name) != nullptr &&
            ioctl(fd, SIOCGIFFLAGS, &interface) == 0 && (interface.ifr_flags & IFF_UP) != 0;
 }
@@ -188,10 +189,9 @@ Status CanSocket::await(TimePoint deadline) {
 Status CanSocket::judge(const can_frame &error) {
     if (error.can_id & CAN_ERR_BUSOFF)
         return fail("bus-off");
-    for (const ErrorRow &row : errorRows) {
+    for (const ErrorRow &row : errorRows)
         if ((error.can_id & row.flag) && (row.detail == 0 || (error.data[1] & row.detail)))
             m_trace.remark(row.text);
-    }
     return Status::ok;
 }
 

@@ -4,8 +4,8 @@
 
 #include <sys/types.h>
 
-#include "libs/zvbl/Trace.h"
 #include "libs/zvbl/Status.h"
+#include "libs/zvbl/Trace.h"
 
 namespace zvbl {
 

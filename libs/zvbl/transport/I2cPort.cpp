@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
 
@@ -27,8 +28,7 @@ Meaning meaningOf(int error) {
     case EOPNOTSUPP: // an adapter that can't do messages of this length
     case EACCES:
     case EPERM:
-    case ENOMEM:
-        return Meaning::refused;
+    case ENOMEM: return Meaning::refused;
     default: // EIO, ETIMEDOUT, EBUSY, EPROTO, EINTR and what else there is
         return Meaning::unknown;
     }

@@ -1,9 +1,10 @@
 #include "libs/zvbl/transport/SerialLine.h"
 
-#include <asm/termbits.h>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+
+#include <asm/termbits.h>
 #include <linux/serial.h>
 #include <linux/tty_flags.h>
 #include <sys/ioctl.h>

@@ -10,8 +10,8 @@ namespace zvbl {
 // Sets raw mode and the line settings. False with errno set: the driver refuses them.
 bool setSerialLine(int fd, const LinkSettings &settings);
 
-void flushSerialLine(int fd);      // throws away what is received and what is not sent yet
-void askForLowLatency(int fd);     // a wish: not every driver can
+void flushSerialLine(int fd);  // throws away what is received and what is not sent yet
+void askForLowLatency(int fd); // a wish: not every driver can
 Duration serialCharacterTime(const LinkSettings &settings);
 
 } // namespace zvbl

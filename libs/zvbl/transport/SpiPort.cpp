@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+
 #include <linux/spi/spidev.h>
 
 namespace zvbl {
@@ -81,8 +82,8 @@ Status SpiPort::exchange(const Bytes &message, std::size_t count, Bytes &heard) 
     spi_ioc_transfer parts[2] = {part(message.data(), nullptr, message.size(), m_speed),
                                  part(zeros.data(), fetched.data(), zeros.size(), m_speed)};
     parts[0].cs_change = 1;
-    const bool done = message.empty() ? m_node.control(SPI_IOC_MESSAGE(1), &parts[1])
-                                      : m_node.control(SPI_IOC_MESSAGE(2), parts);
+    const bool done =
+        message.empty() ? m_node.control(SPI_IOC_MESSAGE(1), &parts[1]) : m_node.control(SPI_IOC_MESSAGE(2), parts);
     if (!done) {
         m_trace.remark(std::string("cannot send: ") + std::strerror(errno));
         return Status::gone;

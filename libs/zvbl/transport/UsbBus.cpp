@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <libusb.h>
 #include <memory>
 #include <optional>
+
+#include <libusb.h>
 
 #include "libs/zvbl/wire/Wire.h"
 
@@ -92,9 +93,9 @@ std::optional<UsbTarget> describe(libusb_device *device) {
     const std::optional<DfuInterface> dfu = findDfu(device);
     if (!dfu)
         return std::nullopt;
-    return UsbTarget{placeOf(device),          descriptor.idVendor, descriptor.idProduct,
-                     descriptor.iSerialNumber, descriptor.iProduct, *dfu,
-                     device};
+    return UsbTarget{
+        placeOf(device), descriptor.idVendor, descriptor.idProduct, descriptor.iSerialNumber, descriptor.iProduct, *dfu,
+        device};
 }
 
 } // namespace
@@ -117,10 +118,9 @@ UsbBus::UsbBus() {
     }
     libusb_set_option(m_context, LIBUSB_OPTION_LOG_LEVEL, LIBUSB_LOG_LEVEL_NONE);
     const ssize_t count = libusb_get_device_list(m_context, &m_devices);
-    for (ssize_t i = 0; i < count; ++i) {
+    for (ssize_t i = 0; i < count; ++i)
         if (std::optional<UsbTarget> target = describe(m_devices[i]))
             m_targets.push_back(std::move(*target));
-    }
     std::sort(m_targets.begin(), m_targets.end(),
               [](const UsbTarget &a, const UsbTarget &b) { return a.place < b.place; });
 }
@@ -162,10 +162,10 @@ std::string UsbHandle::text(std::uint8_t number) {
 
 std::string usbErrorText(int error) {
     switch (error) {
-    case LIBUSB_ERROR_ACCESS:    return std::strerror(EACCES);
-    case LIBUSB_ERROR_BUSY:      return std::strerror(EBUSY);
+    case LIBUSB_ERROR_ACCESS: return std::strerror(EACCES);
+    case LIBUSB_ERROR_BUSY: return std::strerror(EBUSY);
     case LIBUSB_ERROR_NO_DEVICE: return std::strerror(ENODEV);
-    default:                     return libusb_strerror(static_cast<libusb_error>(error));
+    default: return libusb_strerror(static_cast<libusb_error>(error));
     }
 }
 

@@ -21,9 +21,7 @@ struct UsbPlace {
 
     std::string name() const; // as the kernel writes it: 1-2.3
     bool operator==(const UsbPlace &other) const { return bus == other.bus && ports == other.ports; }
-    bool operator<(const UsbPlace &other) const {
-        return bus != other.bus ? bus < other.bus : ports < other.ports;
-    }
+    bool operator<(const UsbPlace &other) const { return bus != other.bus ? bus < other.bus : ports < other.ports; }
 };
 
 // The interface of the Device Firmware Upgrade class in DFU mode, and its functional descriptor (USB DFU 1.1,
@@ -41,7 +39,7 @@ struct UsbTarget {
     UsbPlace place;
     std::uint16_t vendor = 0;
     std::uint16_t product = 0;
-    std::uint8_t serialText = 0;  // numbers of string descriptors, 0 for none
+    std::uint8_t serialText = 0; // numbers of string descriptors, 0 for none
     std::uint8_t productText = 0;
     DfuInterface dfu;
     libusb_device *device = nullptr; // lives as long as the bus that it was found on

@@ -1,8 +1,9 @@
 #include "libs/zvbl/transport/UsbDevices.h"
 
 #include <array>
-#include <libusb.h>
 #include <mutex>
+
+#include <libusb.h>
 
 #include "libs/zvbl/Trace.h"
 
@@ -52,10 +53,9 @@ std::optional<Found> look(const UsbTarget &target) {
 void give(const std::vector<Found> &found) {
     Numbers &known = numbers();
     const std::lock_guard<std::mutex> lock(known.mutex);
-    for (std::size_t i = 0; i < mostUsbDevices; ++i) {
+    for (std::size_t i = 0; i < mostUsbDevices; ++i)
         if (!known.all[i].restarts)
             known.all[i].device = i < found.size() ? std::optional(found[i].identity) : std::nullopt;
-    }
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 #include "libs/zvbl/transport/UsbPort.h"
 
 #include <algorithm>
-#include <libusb.h>
 #include <thread>
+
+#include <libusb.h>
 #include <unistd.h>
 
 #include "libs/zvbl/wire/Wire.h"
@@ -28,7 +29,7 @@ unsigned milliseconds(Duration timeout) {
 Bytes setupPacket(std::uint8_t requestType, std::uint8_t request, std::uint16_t value, std::uint16_t index,
                   std::size_t length) {
     const auto low = [](std::size_t number) { return static_cast<std::uint8_t>(number); };
-    return {requestType, request,         low(value),  low(value >> 8U),
+    return {requestType, request,          low(value),  low(value >> 8U),
             low(index),  low(index >> 8U), low(length), low(length >> 8U)};
 }
 

@@ -17,17 +17,17 @@ constexpr std::uint8_t busy = 0x76; // I2C: read again
 constexpr std::uint8_t sync = 0x7F;
 
 // The links that travel in messages.
-constexpr std::uint8_t i2cAddress = 0x3C;      // 7 bits
-constexpr std::uint8_t spiStart = 0x5A;        // opens a message, and an answer
-constexpr std::uint8_t spiIdle = 0x00;         // the host fetches; the chip has nothing to say
-constexpr std::uint16_t canFromChip = 0x100;   // added to the opcode
-constexpr unsigned canStartSpeed = 250000;     // bits per second behind a reset
+constexpr std::uint8_t i2cAddress = 0x3C;    // 7 bits
+constexpr std::uint8_t spiStart = 0x5A;      // opens a message, and an answer
+constexpr std::uint8_t spiIdle = 0x00;       // the host fetches; the chip has nothing to say
+constexpr std::uint16_t canFromChip = 0x100; // added to the opcode
+constexpr unsigned canStartSpeed = 250000;   // bits per second behind a reset
 
 // USB DFU 1.1 and its extension.
-constexpr std::uint16_t dfuVendorId = 0x1209;  // of the simulated chip
+constexpr std::uint16_t dfuVendorId = 0x1209; // of the simulated chip
 constexpr std::uint16_t dfuProductId = 0x0001;
-constexpr std::uint16_t dfuVersion = 0x011A;   // bcdDFUVersion
-constexpr std::uint8_t dfuSetPointer = 0x21;   // commands of block 0; as opcodes they mean something else
+constexpr std::uint16_t dfuVersion = 0x011A; // bcdDFUVersion
+constexpr std::uint8_t dfuSetPointer = 0x21; // commands of block 0; as opcodes they mean something else
 constexpr std::uint8_t dfuErase = 0x41;
 constexpr unsigned dfuCommandBlock = 0;
 constexpr unsigned dfuReplyBlock = 1;
@@ -71,12 +71,12 @@ constexpr std::uint16_t eraseBank3 = 0xFFFC;
 constexpr std::uint16_t eraseBlock = 0xFFFB;
 
 // Sizes.
-constexpr unsigned maxPacket = 256;          // bytes of one READ or WRITE
-constexpr unsigned writeGranularity = 4;     // main flash and SPIM: length and address of a WRITE
-constexpr unsigned blockSize = 0x10000;      // bytes of one block of eraseBlock
+constexpr unsigned maxPacket = 256;      // bytes of one READ or WRITE
+constexpr unsigned writeGranularity = 4; // main flash and SPIM: length and address of a WRITE
+constexpr unsigned blockSize = 0x10000;  // bytes of one block of eraseBlock
 constexpr unsigned spimSectorSize = 4096;
-constexpr unsigned firstSpimSector = 32768;  // a sector number from here up is a SPIM sector
-constexpr unsigned maxUserData = 2048;       // compact bytes of one user system data exchange
+constexpr unsigned firstSpimSector = 32768; // a sector number from here up is a SPIM sector
+constexpr unsigned maxUserData = 2048;      // compact bytes of one user system data exchange
 constexpr std::uint32_t toolVersion = 0x20001;
 
 // Addresses of the target.

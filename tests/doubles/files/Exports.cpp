@@ -1,12 +1,11 @@
 // Every function of libFiles.so.1, recorded and answered by the script; the format stands on top of Script.h.
 
-#include "device/FilesInc.h"
-
 #include <algorithm>
 #include <cstring>
 #include <mutex>
 
 #include "Script.h"
+#include "device/FilesInc.h"
 
 using namespace filesdouble;
 
@@ -43,29 +42,25 @@ unsigned int done(const std::string &call, unsigned int status) {
 
 // Ends a call that makes an image: makes it on success.
 unsigned int made(const std::string &call, unsigned int status, HANDLE *image, std::vector<Element> elements) {
-    if (status == success) {
+    if (status == success)
         *image = new Image{nextImage(), std::move(elements)};
-    }
     log(call + " ->" + imageText(status == success ? *image : nullptr) + " " + hex(status, 1));
     return status;
 }
 
 std::vector<Element> elementsOf(const MAPPING &map, unsigned int bank3Kilobytes) {
     std::vector<Element> elements;
-    for (DWORD i = 0; i < map.NbSectors; ++i) {
+    for (DWORD i = 0; i < map.NbSectors; ++i)
         elements.push_back({map.pSectors[i].dwStartAddress, std::vector<BYTE>(map.pSectors[i].dwSectorSize, 0xFF)});
-    }
-    for (DWORD offset = 0; offset < DWORD{bank3Kilobytes} * 1024; offset += spimSectorSize) {
+    for (DWORD offset = 0; offset < DWORD{bank3Kilobytes} * 1024; offset += spimSectorSize)
         elements.push_back({spimStart + offset, std::vector<BYTE>(spimSectorSize, 0xFF)});
-    }
     return elements;
 }
 
 std::string elementText(const IMAGEELEMENT &element) {
     std::string shown;
-    for (DWORD i = 0; element.Data != nullptr && i < std::min<DWORD>(element.dwDataLength, 4); ++i) {
+    for (DWORD i = 0; element.Data != nullptr && i < std::min<DWORD>(element.dwDataLength, 4); ++i)
         shown += hex(element.Data[i], 2);
-    }
     return " address=" + hex(element.dwAddress, 8) + " length=" + std::to_string(element.dwDataLength) +
            " data=" + (element.Data == nullptr ? "null" : shown);
 }
@@ -119,11 +114,10 @@ unsigned int FILES_ImageFromFile(const char *path, HANDLE *image, int program) {
 unsigned int FILES_ImageToFile(const char *path, HANDLE image) {
     const std::lock_guard<std::mutex> lock(mutex);
     std::size_t bytes = 0;
-    for (const Element &element : imageOf(image)->elements) {
+    for (const Element &element : imageOf(image)->elements)
         bytes += element.data.size();
-    }
-    return done("FILES_ImageToFile path=" + text(path) + imageText(image) + " elements=" +
-                    std::to_string(imageOf(image)->elements.size()) + " bytes=" + std::to_string(bytes),
+    return done("FILES_ImageToFile path=" + text(path) + imageText(image) +
+                    " elements=" + std::to_string(imageOf(image)->elements.size()) + " bytes=" + std::to_string(bytes),
                 answer("FILES_ImageToFile", success));
 }
 
@@ -151,16 +145,14 @@ unsigned int FILES_GetImageElement(HANDLE image, unsigned int index, PIMAGEELEME
     const std::string call = "FILES_GetImageElement" + imageText(image) + " index=" + std::to_string(index) +
                              (element->Data == nullptr ? " data=null" : " data=set");
     unsigned int status = answer("FILES_GetImageElement", success);
-    if (index >= imageOf(image)->elements.size()) {
+    if (index >= imageOf(image)->elements.size())
         status = badParameter;
-    }
     if (status == success) {
         const Element &stored = imageOf(image)->elements[index];
         element->dwAddress = stored.address;
         element->dwDataLength = stored.data.size();
-        if (element->Data != nullptr) {
+        if (element->Data != nullptr)
             std::copy(stored.data.begin(), stored.data.end(), element->Data);
-        }
     }
     return done(call, status);
 }
@@ -169,16 +161,15 @@ unsigned int FILES_SetImageElement(HANDLE image, unsigned int index, BYTE insert
     const std::lock_guard<std::mutex> lock(mutex);
     std::vector<Element> &elements = imageOf(image)->elements;
     unsigned int status = answer("FILES_SetImageElement", success);
-    if (insert == 0 && index >= elements.size()) {
+    if (insert == 0 && index >= elements.size())
         status = badParameter;
-    }
     if (status == success) {
         const Element stored{element.dwAddress, std::vector<BYTE>(element.Data, element.Data + element.dwDataLength)};
-        if (insert != 0) {
-            elements.insert(elements.begin() + static_cast<long>(std::min<std::size_t>(index, elements.size())), stored);
-        } else {
+        if (insert != 0)
+            elements.insert(elements.begin() + static_cast<long>(std::min<std::size_t>(index, elements.size())),
+                            stored);
+        else
             elements[index] = stored;
-        }
     }
     return done("FILES_SetImageElement" + imageText(image) + " index=" + std::to_string(index) +
                     " insert=" + std::to_string(insert) + elementText(element),
@@ -194,9 +185,8 @@ unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name
         std::strcpy(name, mapAnswer().name.c_str());
         *packetSize = mapAnswer().packet;
         *sectorsPerSector = mapAnswer().sectorsPerSector;
-        if (mapping != nullptr) {
+        if (mapping != nullptr)
             fillSectors(*mapping);
-        }
     }
     return done("FILES_GetMemoryMapping path=" + text(path) + (mapping == nullptr ? " mapping=null" : " mapping=set"),
                 status);

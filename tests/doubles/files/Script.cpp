@@ -27,10 +27,12 @@ struct Script {
 };
 
 constexpr const char *functions[] = {
-    "FILES_CreateImage",     "FILES_CreateImageFromMapping", "FILES_DestroyImage",
-    "FILES_ImageFromFile",   "FILES_ImageToFile",            "FILES_SetImageName",
-    "FILES_GetImageElement", "FILES_FilterImageForOperation", "FILES_GetImageNbElement",
-    "FILES_SetImageElement", "FILES_GetMemoryMapping",
+    "FILES_CreateImage",       "FILES_CreateImageFromMapping",
+    "FILES_DestroyImage",      "FILES_ImageFromFile",
+    "FILES_ImageToFile",       "FILES_SetImageName",
+    "FILES_GetImageElement",   "FILES_FilterImageForOperation",
+    "FILES_GetImageNbElement", "FILES_SetImageElement",
+    "FILES_GetMemoryMapping",
 };
 
 bool isFunction(const std::string &name) {
@@ -48,9 +50,8 @@ Keys keysOf(std::istringstream &words) {
     Keys keys;
     for (std::string word; words >> word;) {
         const auto equals = word.find('=');
-        if (equals != std::string::npos) {
+        if (equals != std::string::npos)
             keys[word.substr(0, equals)] = word.substr(equals + 1);
-        }
     }
     return keys;
 }
@@ -72,9 +73,8 @@ void readMap(const Keys &keys, MapAnswer &map) {
 void readLine(const std::string &line, Script &script) {
     std::istringstream words(line);
     std::string first;
-    if (!(words >> first) || first[0] == '#') {
+    if (!(words >> first) || first[0] == '#')
         return;
-    }
     const Keys keys = keysOf(words);
     if (first == "element") {
         const BYTE fill = static_cast<BYTE>(number(keys, "fill", 16, 0xA5));
@@ -97,15 +97,12 @@ Script load(const std::string &path) {
     Script script;
     script.path = path;
     std::ifstream file(path);
-    if (!path.empty() && !file) {
+    if (!path.empty() && !file)
         refuse(path);
-    }
-    for (std::string line; std::getline(file, line);) {
+    for (std::string line; std::getline(file, line);)
         readLine(line, script);
-    }
-    if (!script.ownElements) {
+    if (!script.ownElements)
         script.elements.push_back({0x08000000, std::vector<BYTE>(2048, 0xA5)});
-    }
     return script;
 }
 
@@ -118,9 +115,8 @@ Script &script() {
     // Never destroyed: a job's thread may call while the process ends.
     static Script &current = *new Script(load(environment("FILES_DOUBLE_SCRIPT")));
     const std::string path = environment("FILES_DOUBLE_SCRIPT");
-    if (path != current.path) {
+    if (path != current.path)
         current = load(path);
-    }
     return current;
 }
 
@@ -136,11 +132,9 @@ const MapAnswer &mapAnswer() {
 
 unsigned int answer(const std::string &function, unsigned int success) {
     const unsigned long call = ++script().calls[function];
-    for (const Rule &rule : script().rules) {
-        if (rule.function == function && (rule.nth == 0 || rule.nth == call)) {
+    for (const Rule &rule : script().rules)
+        if (rule.function == function && (rule.nth == 0 || rule.nth == call))
             return rule.status;
-        }
-    }
     return success;
 }
 
@@ -150,9 +144,8 @@ unsigned long nextImage() {
 
 void log(const std::string &line) {
     const std::string path = environment("FILES_DOUBLE_LOG");
-    if (!path.empty()) {
+    if (!path.empty())
         std::ofstream(path, std::ios::app) << line + "\n";
-    }
 }
 
 std::string hex(unsigned long value, int digits) {

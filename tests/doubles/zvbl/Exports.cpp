@@ -1,11 +1,10 @@
 // Every function of libZVBLLIB.so.1, recorded and answered by the script.
 
-#include "link/ZVBLLIB.h"
-
 #include <algorithm>
 #include <cstring>
 
 #include "Script.h"
+#include "link/ZVBLLIB.h"
 
 using zvbldouble::Answer;
 using zvbldouble::bytesText;
@@ -15,12 +14,30 @@ using zvbldouble::format;
 namespace {
 
 // The capability record by name, in its order.
-const char *const CapabilityNames[] = {
-    "GET_CMD", "GET_VER_ROPS_CMD", "GET_ID_CMD", "SET_SPEED_CMD", "READ_CMD", "GO_CMD", "WRITE_CMD", "ERASE_CMD",
-    "ERASE_EXT_CMD", "ERASEPROGRAM_PROTECT_CMD", "ERASEPROGRAM_TEMP_UNPROTECT_CMD",
-    "ERASEPROGRAM_PERM_UNPROTECT_CMD", "ACCESS_PROTECT_CMD", "ACCESS_TEMP_UNPROTECT_CMD",
-    "ACCESS_PERM_UNPROTECT_CMD", "FIRMWARE_CRC_CMD", "ENABLE_BANK3_CMD", "ZV32_ISP_CMD", "ENABLE_SLIB_CMD",
-    "DISABLE_SLIB_CMD", "GET_SLIB_STATUS_CMD", "REMAP_ENABLE_CMD", "RESET_MCU_CMD", "ACCESS_LEVEL_PROTECT_CMD"};
+const char *const CapabilityNames[] = {"GET_CMD",
+                                       "GET_VER_ROPS_CMD",
+                                       "GET_ID_CMD",
+                                       "SET_SPEED_CMD",
+                                       "READ_CMD",
+                                       "GO_CMD",
+                                       "WRITE_CMD",
+                                       "ERASE_CMD",
+                                       "ERASE_EXT_CMD",
+                                       "ERASEPROGRAM_PROTECT_CMD",
+                                       "ERASEPROGRAM_TEMP_UNPROTECT_CMD",
+                                       "ERASEPROGRAM_PERM_UNPROTECT_CMD",
+                                       "ACCESS_PROTECT_CMD",
+                                       "ACCESS_TEMP_UNPROTECT_CMD",
+                                       "ACCESS_PERM_UNPROTECT_CMD",
+                                       "FIRMWARE_CRC_CMD",
+                                       "ENABLE_BANK3_CMD",
+                                       "ZV32_ISP_CMD",
+                                       "ENABLE_SLIB_CMD",
+                                       "DISABLE_SLIB_CMD",
+                                       "GET_SLIB_STATUS_CMD",
+                                       "REMAP_ENABLE_CMD",
+                                       "RESET_MCU_CMD",
+                                       "ACCESS_LEVEL_PROTECT_CMD"};
 constexpr size_t CapabilityCount = sizeof CapabilityNames / sizeof *CapabilityNames;
 static_assert(CapabilityCount * sizeof(BOOL) == sizeof(Commands), "one name per member");
 
@@ -59,10 +76,9 @@ void zvbl_double_reset() {
 BYTE SetCOMSettings(HANDLE *link, int portNumber, const char *portName, int baud, int dataBits, int parity,
                     float stopBits) {
     const std::string name = portName == nullptr ? "null" : "\"" + std::string(portName) + "\"";
-    const Answer answer =
-        called("SetCOMSettings", linkText(*link) + format(" port=%d name=%s baud=%d bits=%d parity=%d stop=%.1f",
-                                                          portNumber, name.c_str(), baud, dataBits, parity,
-                                                          double(stopBits)));
+    const Answer answer = called(
+        "SetCOMSettings", linkText(*link) + format(" port=%d name=%s baud=%d bits=%d parity=%d stop=%.1f", portNumber,
+                                                   name.c_str(), baud, dataBits, parity, double(stopBits)));
     if (answer.ok() && *link == nullptr)
         *link = zvbldouble::makeLink();
     return answer.status;
@@ -120,7 +136,8 @@ BYTE ZVBL_GetZVDeviceList(signed char *count, unsigned short *vendorIds, unsigne
 }
 
 BYTE ZVBL_Init_BL(HANDLE link, unsigned short address, unsigned long rate, BYTE dutyCycle) {
-    return called("ZVBL_Init_BL", linkText(link) + format(" addr=%X rate=%lu duty=%u", address, rate, dutyCycle)).status;
+    return called("ZVBL_Init_BL", linkText(link) + format(" addr=%X rate=%lu duty=%u", address, rate, dutyCycle))
+        .status;
 }
 
 BYTE ZVBL_SetSpeed(HANDLE link, unsigned long speed) {
@@ -173,26 +190,32 @@ BYTE ZVBL_UPLOAD(HANDLE link, unsigned int address, BYTE *data, unsigned int len
 }
 
 BYTE ZVBL_DNLOAD(HANDLE link, unsigned int address, BYTE *data, unsigned int length, BYTE optimise) {
-    return called("ZVBL_DNLOAD", linkText(link) + format(" addr=%08X ", address) + bytesText(data, length) +
-                                     format(" optimise=%u", optimise),
-                  address).status;
+    return called("ZVBL_DNLOAD",
+                  linkText(link) + format(" addr=%08X ", address) + bytesText(data, length) +
+                      format(" optimise=%u", optimise),
+                  address)
+        .status;
 }
 
 BYTE ZVBL_VERIFY(HANDLE link, unsigned int address, BYTE *data, unsigned int length, BYTE optimise) {
-    return called("ZVBL_VERIFY", linkText(link) + format(" addr=%08X ", address) + bytesText(data, length) +
-                                     format(" optimise=%u", optimise),
-                  address).status;
+    return called("ZVBL_VERIFY",
+                  linkText(link) + format(" addr=%08X ", address) + bytesText(data, length) +
+                      format(" optimise=%u", optimise),
+                  address)
+        .status;
 }
 
 BYTE ZVBL_ERASE(HANDLE link, unsigned short selector, BYTE *sectors, unsigned int sectorSize) {
     const std::string list = sectors == nullptr ? "null" : format("%u", sectors[0] | sectors[1] << 8);
-    return called("ZVBL_ERASE", linkText(link) + format(" selector=%X sector=%s size=%u", selector, list.c_str(),
-                                                        sectorSize),
-                  selector).status;
+    return called("ZVBL_ERASE",
+                  linkText(link) + format(" selector=%X sector=%s size=%u", selector, list.c_str(), sectorSize),
+                  selector)
+        .status;
 }
 
 BYTE ZVBL_BLOCK_ERASE(HANDLE link, unsigned short selector, unsigned int address) {
-    return called("ZVBL_BLOCK_ERASE", linkText(link) + format(" selector=%X addr=%08X", selector, address), address).status;
+    return called("ZVBL_BLOCK_ERASE", linkText(link) + format(" selector=%X addr=%08X", selector, address), address)
+        .status;
 }
 
 BYTE ZVBL_GetFirmwareCRC(HANDLE link, unsigned int address, unsigned short sectors, BYTE *crc) {
@@ -209,8 +232,9 @@ BYTE ZVBL_SPIMREMAP(HANDLE link, BYTE remap) {
 }
 
 BYTE ZVBL_EnableBank3(HANDLE link, BYTE flashType, unsigned int size, unsigned int flashAddress) {
-    return called("ZVBL_EnableBank3", linkText(link) + format(" type=%u size=%u addr=%08X", flashType, size,
-                                                              flashAddress)).status;
+    return called("ZVBL_EnableBank3",
+                  linkText(link) + format(" type=%u size=%u addr=%08X", flashType, size, flashAddress))
+        .status;
 }
 
 BYTE TARGET_GetFlashSize(HANDLE link, unsigned int address, int *kilobytes) {
@@ -229,9 +253,9 @@ BYTE TARGET_GetUserSystemData(HANDLE link, unsigned int address, BYTE *data, uns
 }
 
 BYTE TARGET_SetUserSystemData(HANDLE link, unsigned int address, BYTE *data, unsigned int length) {
-    return called("TARGET_SetUserSystemData", linkText(link) + format(" addr=%08X ", address) +
-                                                  bytesText(data, length),
-                  address).status;
+    return called("TARGET_SetUserSystemData", linkText(link) + format(" addr=%08X ", address) + bytesText(data, length),
+                  address)
+        .status;
 }
 
 BYTE ZVBL_ACCESS_PROTECT(HANDLE link) {
@@ -260,7 +284,8 @@ BYTE ZVBL_ERASEPROGRAM_PERM_UNPROTECT(HANDLE link) {
 BYTE ZVBL_EnableSlib(HANDLE link, unsigned int password, unsigned short startSector, unsigned short startDataSector,
                      unsigned short endSector) {
     return called("ZVBL_EnableSlib", linkText(link) + format(" password=%08X start=%u datastart=%u end=%u", password,
-                                                             startSector, startDataSector, endSector)).status;
+                                                             startSector, startDataSector, endSector))
+        .status;
 }
 
 BYTE ZVBL_DisableSlib(HANDLE link, unsigned int password) {

@@ -1,9 +1,5 @@
 #include "Script.h"
 
-#include <fcntl.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
@@ -14,6 +10,10 @@
 #include <set>
 #include <sstream>
 #include <vector>
+
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace zvbldouble {
 namespace {

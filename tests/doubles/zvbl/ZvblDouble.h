@@ -1,8 +1,7 @@
 #pragma once
 
-// For tests that run with the double in the place of the library: a fresh log and, where wanted, a script, for the life of the object.
-
-#include <dlfcn.h>
+// For tests that run with the double in the place of the library: a fresh log and, where wanted, a script, for the life
+// of the object.
 
 #include <cstdlib>
 #include <filesystem>
@@ -10,6 +9,8 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+
+#include <dlfcn.h>
 
 class ZvblDouble {
 public:
