@@ -1,25 +1,17 @@
 #include "app/Otp.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
+#include "app/FileNames.h"
 #include "app/Memory.h"
+#include "app/OtpFile.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"
 #include "app/Walk.h"
 #include "link/CCom.h"
 #include "link/ZVBLLIB.h"
 
-QList<OTP_CONFIG_INFO> m_listWriteOTPData;
-
 namespace {
 
-constexpr int blockLength = 32;
-constexpr int recordLength = 38; // address, block, lock flag, write flag
-// MEANT: records are counted by 40 and stepped by 38, so a long file loses its last ones.
-constexpr int countLength = 40;
+constexpr int blockLength = sizeof(OTP_CONFIG_INFO::pData);
 
 struct OtpArea {
     unsigned int dataAddress;
@@ -47,25 +39,6 @@ const OtpArea &areaOf(int family) {
     return noArea;
 }
 
-// Empty for what is not a readable file.
-std::string readFile(const std::string &path) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored))
-        return std::string();
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
-
-OTP_CONFIG_INFO parseRecord(const BYTE *record) {
-    OTP_CONFIG_INFO info;
-    for (int i = 0; i < 4; ++i)
-        info.PartAddress = info.PartAddress << 8 | record[i];
-    std::copy_n(record + 4, blockLength, info.pData);
-    info.LockFlag = record[36];
-    info.WriteFlag = record[37];
-    return info;
-}
-
 bool write(CCom *obCCom, unsigned int address, BYTE *data, unsigned int length) {
     return ZVBL_DNLOAD(obCCom->m_handle, address, data, length, 0) == 0;
 }
@@ -87,7 +60,10 @@ bool takeFileName(SubOptionWalk &walk) {
 
 int program(CCom *obCCom) {
     InitOTPAndLOCKInfo();
-    OTPProjectFileOpen(g_shareParameter.c_otpfilename);
+    if (!OTPProjectFileOpen(g_shareParameter.c_otpfilename)) {
+        printLine("Get OTP data from the configuration file failed!");
+        return OTP_FAILED;
+    }
     if (!WriteOTPData(obCCom))
         return OTP_FAILED;
     printLine("set OTP data to device successfully!");
@@ -104,18 +80,10 @@ void InitOTPAndLOCKInfo() {
     g_shareParameter.OTP_Lock_Length = area.lockLength;
 }
 
-int OTPProjectFileOpen(const std::string &FilePath) {
-    m_listWriteOTPData.clear();
-    const std::string content = readFile(FilePath);
-    const BYTE *record = reinterpret_cast<const BYTE *>(content.data());
-    for (std::size_t count = content.size() / countLength; count > 0; --count, record += recordLength)
-        m_listWriteOTPData.append(parseRecord(record));
-    return 1;
-}
-
 int WriteOTPData(CCom *obCCom) {
     if (obCCom == nullptr)
         return 0;
+    // MEANT: nothing bounds a record's address, and the sum wraps: a file can write anywhere in the chip.
     for (OTP_CONFIG_INFO &info : m_listWriteOTPData)
         if (info.WriteFlag == 0 &&
             !write(obCCom, g_shareParameter.OTP_Data_Address + info.PartAddress, info.pData, blockLength))

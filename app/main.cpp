@@ -1,10 +1,10 @@
 #include <clocale>
-#include <csignal>
 #include <string>
 #include <vector>
 
 #include <QCoreApplication>
 
+#include "app/Process.h"
 #include "app/Report.h"
 #include "app/Usage.h"
 #include "app/Walk.h"
@@ -34,8 +34,10 @@ void loadStartValues() {
 } // namespace
 
 int main(int argc, char **argv) {
-    // A reader of the output that goes away must not cut a programming run short.
-    std::signal(SIGPIPE, SIG_IGN);
+    if (!holdStandardDescriptors())
+        return unexpectedEnd;
+    reportUnexpectedEnds();
+    takeFailedWritesAsErrors();
 
     // It takes words of its own out of the line that it is given, so it gets a copy.
     int applicationArgc = argc;

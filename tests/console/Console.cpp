@@ -1,6 +1,7 @@
 #include "Console.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -47,10 +48,13 @@ void openAs(const std::string &path, int flags, int number) {
     close(opened);
 }
 
-[[noreturn]] void becomeProgram(const std::string &directory, const std::vector<std::string> &words, int output) {
+[[noreturn]] void becomeProgram(const std::string &directory, const std::vector<std::string> &words, int output,
+                                const std::set<int> &closed) {
     openAs("/dev/null", O_RDONLY, 0);
     dup2(output, 1);
     openAs(directory + "/stderr", O_WRONLY | O_CREAT | O_TRUNC, 2);
+    for (const int descriptor : closed)
+        close(descriptor);
     setenv("LD_LIBRARY_PATH", DOUBLES, 1);
     setenv("ZVBL_DOUBLE_LOG", (directory + "/calls").c_str(), 1);
     setenv("ZVBL_DOUBLE_SCRIPT", (directory + "/script").c_str(), 1);
@@ -67,10 +71,16 @@ void openAs(const std::string &path, int flags, int number) {
     _exit(127);
 }
 
-int runProgram(const std::string &directory, const std::vector<std::string> &words, int output) {
+pid_t startProgram(const std::string &directory, const std::vector<std::string> &words, int output,
+                   const std::set<int> &closed = {}) {
     const pid_t child = fork();
     if (child == 0)
-        becomeProgram(directory, words, output);
+        becomeProgram(directory, words, output, closed);
+    return child;
+}
+
+int runProgram(const std::string &directory, const std::vector<std::string> &words, int output) {
+    const pid_t child = startProgram(directory, words, output);
     int status = 0;
     if (child < 0 || waitpid(child, &status, 0) != child)
         throw std::runtime_error("the program cannot be run");
@@ -183,11 +193,36 @@ int Console::statusOf(const std::string &line, int output) {
     return runProgram(directory, split(line), output);
 }
 
+std::vector<std::string> Console::descriptorsWithout(const std::set<int> &closed, const std::string &line) {
+    const pid_t child = startProgram(directory, split(line), 1, closed);
+    int status = 0;
+    waitpid(child, &status, WUNTRACED);
+    std::vector<std::string> descriptors;
+    for (int number = 0; number <= 2; ++number) {
+        std::error_code none;
+        const std::string entry = "/proc/" + std::to_string(child) + "/fd/" + std::to_string(number);
+        descriptors.push_back(std::filesystem::read_symlink(entry, none).string());
+    }
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+    return descriptors;
+}
+
 Outcome Console::run(const std::string &line) {
     return runWords(split(line));
 }
 
+Outcome Console::runToAnUnexpectedEnd(const std::string &line) {
+    return runAndListen(split(line));
+}
+
 Outcome Console::runWords(const std::vector<std::string> &words) {
+    Outcome result = runAndListen(words);
+    EXPECT_EQ(result.errors, "");
+    return result;
+}
+
+Outcome Console::runAndListen(const std::vector<std::string> &words) {
     file("calls", "");
     file("files", "");
     Outcome result;
@@ -196,9 +231,9 @@ Outcome Console::runWords(const std::vector<std::string> &words) {
     close(sink);
     const std::string output = readFile(path("stdout"));
     EXPECT_TRUE(startsWith(output, banner)) << output;
-    EXPECT_EQ(readFile(path("stderr")), "");
     result.text = abbreviate(output.substr(std::min(banner.size(), output.size())));
     result.calls = withoutHandles(lines(readFile(path("calls"))));
     result.files = lines(abbreviate(readFile(path("files"))));
+    result.errors = readFile(path("stderr"));
     return result;
 }

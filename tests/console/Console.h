@@ -2,6 +2,7 @@
 
 // Runs the real program against the recording doubles of its two libraries.
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@ struct Outcome {
     std::string text;               // standard output behind the banner
     std::vector<std::string> calls; // of the bootloader library, without the link's handle, and sleeps
     std::vector<std::string> files; // of the file library
+    std::string errors;             // standard error
 
     // The calls of one function, in order.
     std::vector<std::string> callsOf(const std::string &function) const;
@@ -58,12 +60,18 @@ public:
     // Runs the words of the line, in which "@" is the directory, and checks what holds for every run: the
     // banner, and nothing on standard error.
     Outcome run(const std::string &line);
-    // The same for words that hold blanks or are empty.
+    // The same without a look at standard error.
+    Outcome runToAnUnexpectedEnd(const std::string &line);
+    // The same as run for words that hold blanks or are empty.
     Outcome runWords(const std::vector<std::string> &words);
     // Runs the line with standard output on the given descriptor and tells the status alone.
     int statusOf(const std::string &line, int output);
+    // Runs the line without some of the descriptors 0 to 2 up to where it stops itself, and tells what they are then;
+    // "" for one that is closed. Afterwards the process is gone.
+    std::vector<std::string> descriptorsWithout(const std::set<int> &closed, const std::string &line);
 
 private:
+    Outcome runAndListen(const std::vector<std::string> &words);
     std::string resolve(std::string text) const;
     std::vector<std::string> split(const std::string &line) const;
     std::string abbreviate(std::string text) const;

@@ -1,8 +1,11 @@
+#include "app/OtpFile.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "app/Otp.h"
@@ -64,6 +67,25 @@ TEST_F(OtpFile, WhatIsNoFileHasNoRecords) {
         EXPECT_EQ(OTPProjectFileOpen(path), 1);
         EXPECT_TRUE(m_listWriteOTPData.isEmpty()) << path;
     }
+}
+
+TEST_F(OtpFile, FifoIsNotWaitedFor) {
+    const std::string path = directory + "/fifo.zvtp";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(OTPProjectFileOpen(path), 1);
+    EXPECT_TRUE(m_listWriteOTPData.isEmpty());
+}
+
+TEST_F(OtpFile, LargerThanAnyChipIsRefused) {
+    ASSERT_EQ(recordsOf(std::string(40, '\0')), 1);
+    const std::string path = directory + "/large.zvtp";
+    for (const std::uintmax_t size : {(1U << 20) + 1U, 1U << 30}) {
+        std::ofstream(path, std::ios::app);
+        std::filesystem::resize_file(path, size); // without its blocks
+        EXPECT_EQ(OTPProjectFileOpen(path), 0) << size;
+        EXPECT_TRUE(m_listWriteOTPData.isEmpty()) << size;
+    }
+    EXPECT_EQ(recordsOf(std::string(1 << 20, '\0')), 26214);
 }
 
 TEST_F(OtpFile, WithoutALinkNothingIsWritten) {

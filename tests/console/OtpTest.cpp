@@ -101,6 +101,30 @@ TEST_F(OtpTest, NothingToWriteIsASuccess) {
     }
 }
 
+TEST_F(OtpTest, FileLargerThanAnyChipIsRefused) {
+    console.file("a.zvtp", std::string((1 << 20) + 1, '\0'));
+    const Outcome run = connected("-otp --fn @/a.zvtp");
+    EXPECT_EQ(run.text, titles + "Get OTP data from the configuration file failed!\n");
+    EXPECT_EQ(run.status, 64);
+    EXPECT_TRUE(run.changes().empty());
+}
+
+// A file of somebody else's may write the program and the RAM as well.
+TEST_F(OtpTest, RecordsReachAnyAddress) {
+    const struct {
+        unsigned int offset;
+        const char *address;
+    } table[] = {
+        {0xE8001C00, "08000000"}, {0x00001C00, "20000000"}, {0x00001400, "1FFFF800"}, {0xFFFFFFFF, "1FFFE3FF"}};
+    for (const auto &row : table) {
+        otpFile({record(row.offset, 'A', 1, 0)});
+        const Outcome run = connected("-otp --fn @/a.ZVTP");
+        EXPECT_EQ(run.status, 0) << row.address;
+        ASSERT_EQ(run.changes().size(), 1U) << row.address;
+        EXPECT_EQ(run.changes()[0].substr(12, 13), std::string("addr=") + row.address);
+    }
+}
+
 TEST_F(OtpTest, LastRecordsAreCutOff) {
     console.file("a.zvtp", record(0, 'A', 1, 0) + record(0x20, 'B', 1, 0)); // 76 bytes
     EXPECT_EQ(connected("-otp --fn @/a.zvtp").changes().size(), 1U);

@@ -41,6 +41,26 @@ TEST_F(ProcessTest, ReaderThatWentAway) {
     close(ends[1]);
 }
 
+// Otherwise a port would take such a number, and what is printed would go to the chip.
+TEST_F(ProcessTest, ClosedStandardDescriptorsAreHeld) {
+    console.script("Interface_Open signal=" + std::to_string(SIGSTOP));
+    const std::string null = "/dev/null";
+    const std::string line = "-com --pn ttyS0 -e --all";
+    EXPECT_EQ(console.descriptorsWithout({0, 1, 2}, line), std::vector<std::string>({null, null, null}));
+    const std::vector<std::string> one = console.descriptorsWithout({1}, line);
+    EXPECT_EQ(one[1], null);
+    EXPECT_EQ(one[2], console.path("stderr"));
+}
+
+TEST_F(ProcessTest, ExceptionIsALineAndAStatus) {
+    console.script("ZVBL_GO throw=unheard-of");
+    const Outcome run = console.runToAnUnexpectedEnd("-com --pn ttyS0 -r -e --all");
+    EXPECT_EQ(run.status, 70);
+    EXPECT_EQ(run.errors, "ZV32_ISP_Console: unexpected end: unheard-of\n");
+    EXPECT_EQ(run.text, connectText("USART"));
+    EXPECT_EQ(run.changes().size(), 1U);
+}
+
 // In Turkish the capital of "i" is another letter.
 TEST_F(ProcessTest, LocaleOfTheUser) {
     const std::string build =

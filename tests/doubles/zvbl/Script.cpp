@@ -9,6 +9,7 @@
 #include <mutex>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include <fcntl.h>
@@ -90,7 +91,7 @@ const std::map<std::string, std::set<std::string>> &functionKeys() {
 }
 
 Rule parseRule(const std::string &path, const std::string &line) {
-    static const std::set<std::string> common{"status", "delay", "signal", "nth", "from", "to"};
+    static const std::set<std::string> common{"status", "delay", "signal", "throw", "nth", "from", "to"};
     std::istringstream words(line);
     Rule rule;
     words >> rule.function;
@@ -203,6 +204,8 @@ Answer called(const char *function, const std::string &arguments, uint32_t at) {
         spend(answer.number("delay", 0));
     if (answer.has("signal"))
         std::raise(int(answer.number("signal", 0)));
+    if (answer.has("throw"))
+        throw std::runtime_error(answer.text("throw", ""));
     return answer;
 }
 

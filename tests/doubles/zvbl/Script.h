@@ -20,7 +20,8 @@
 //     ZVBL_UPLOAD at=1FFFB100 data=000000000000470F
 //
 //   Every function: status=N (decimal, or 0x..), delay=MS (real time), signal=N (raised in the process before
-//   the answer); the conditions nth=N, from=N, to=N and, where there is an address or an erase selector, at=HEX.
+//   the answer), throw=TEXT (as an exception, which a library never does: for what the process makes of one); the
+//   conditions nth=N, from=N, to=N and, where there is an address or an erase selector, at=HEX.
 //   Its own keys, data in hexadecimal digits:
 //     Interface_is_Open          open=0|1           (default: as opened and closed)
 //     ZVBL_GetZVDeviceList       count=N            (1)
