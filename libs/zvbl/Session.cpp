@@ -56,9 +56,7 @@ Status Session::close() {
 }
 
 Status Session::setTimeout(std::chrono::milliseconds timeout) {
-    if (timeout <= timeout.zero())
-        return Status::badArgument;
-    m_timeout = timeout;
+    m_timeout = timeout == timeout.zero() ? defaultTimeout : timeout;
     return Status::ok;
 }
 

@@ -42,7 +42,7 @@ public:
     Status open(); // an open link is closed and opened afresh
     Status close();
     bool isOpen() const { return m_parts.transport != nullptr; }
-    Status setTimeout(std::chrono::milliseconds timeout);
+    Status setTimeout(std::chrono::milliseconds timeout);           // 0: the one that holds until another is set
     void setPacketSize(std::size_t bytes) { m_packetSize = bytes; } // 1 to 256
     Status setLine(ControlLine line, bool high);
 
@@ -80,6 +80,8 @@ public:
     Status getSlibStatus(SlibStatus &status);
 
 private:
+    static constexpr std::chrono::milliseconds defaultTimeout{5000};
+
     // One try for what must not happen twice, three for the rest.
     enum class Tries { once = 1, thrice = 3 };
 
@@ -92,7 +94,7 @@ private:
 
     const LinkKind *m_kind = nullptr;
     LinkSettings m_settings;
-    std::chrono::milliseconds m_timeout{5000};
+    std::chrono::milliseconds m_timeout = defaultTimeout;
     std::size_t m_packetSize = wire::maxPacket;
 
     std::unique_ptr<Trace> m_trace;

@@ -41,14 +41,17 @@ Status Session::getVersion(Version &version) {
 }
 
 // The caller asks twice, for the length and for the bytes, and has room for the length it was told: a
-// chip that answers another one the second time is not believed.
+// chip that answers another one the second time is not believed, nor one whose identifier is none.
 Status Session::getId(Bytes &id) {
     Command get{wire::opGetId};
     get.reply = {true, 0, Reply::End::ack};
     if (const Status status = exchange(get, id, Tries::thrice); status != Status::ok)
         return status;
-    if (m_idLength && *m_idLength != id.size())
+    const bool isIdentifier = id.size() == wire::shortId || id.size() == wire::longId;
+    if (!isIdentifier || (m_idLength && *m_idLength != id.size())) {
+        m_trace->remark("not an identifier");
         return Status::noAnswer;
+    }
     m_idLength = id.size();
     return Status::ok;
 }

@@ -1,5 +1,7 @@
 // How a failure becomes a status byte, row by row, and what the arguments have to be.
 
+#include <algorithm>
+#include <cstring>
 #include <functional>
 #include <thread>
 
@@ -130,7 +132,6 @@ TEST_F(StatusTest, NullAndOutOfRangeArgumentsAre0x21AndSendNothing) {
     ASSERT_EQ(play(silence,
                    [&] {
                        EXPECT_EQ(SetCOMSettings(nullptr, 0, "ttyS0", 115200, 8, 2, 1.0F), 0x21);
-                       EXPECT_EQ(SetTimeOut(link, 0), 0x21);
                        EXPECT_EQ(ZVBL_SetDtr(link, 2), 0x21);
                        EXPECT_EQ(ZVBL_SetRts(link, 2), 0x21);
                        EXPECT_EQ(ZVBL_GET(link, nullptr, &commands), 0x21);
@@ -252,6 +253,46 @@ TEST_F(StatusTest, AnIdThatChangesItsLengthIs5) {
     BYTE length = 0, id[2] = {};
     EXPECT_EQ(play({{"02 FD", "79 01 02 42 79"}}, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 0);
     EXPECT_EQ(play({{"02 FD", "79 04 03 47 70 05 07 79"}}, [&] { return ZVBL_GET_ID(link, &length, id); }), 5);
+}
+
+// A PID, or a PID and a series. The caller's buffer holds no more.
+TEST_F(StatusTest, AnIdentifierOfAnotherLengthIs5AndNothingIsCopied) {
+    for (const std::size_t size : {1U, 3U, 4U, 6U, 256U}) {
+        SCOPED_TRACE(size);
+        zvbl::Bytes answer{0x79, static_cast<std::uint8_t>(size - 1)};
+        answer.resize(2 + size, 0x42);
+        answer.push_back(0x79);
+        const Script script = {{hex("02 FD"), hex(answer)}};
+        BYTE length = 0xAA, id[300] = {};
+        EXPECT_EQ(play(script, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 5);
+        EXPECT_EQ(length, 0xAA);
+        EXPECT_EQ(play(script, [&] { return ZVBL_GET_ID(link, &length, id); }), 5);
+        EXPECT_EQ(std::count(std::begin(id), std::end(id), 0x42), 0);
+    }
+}
+
+// The most that a counted reply can hold: it stays in the record.
+TEST_F(StatusTest, AListOf255OpcodesFillsTheRecordAndNoMore) {
+    struct {
+        Commands commands;
+        BYTE behind[16];
+    } room;
+    std::memset(&room, 0x55, sizeof room);
+    zvbl::Bytes answer{0x79, 0xFF, 0x21};
+    for (int opcode = 0; opcode < 255; ++opcode)
+        answer.push_back(static_cast<std::uint8_t>(opcode));
+    answer.push_back(0x79);
+    BYTE version = 0;
+    EXPECT_EQ(play({{"00 FF", hex(answer)}}, [&] { return ZVBL_GET(link, &version, &room.commands); }), 0);
+    EXPECT_EQ(room.commands.ACCESS_LEVEL_PROTECT_CMD, 1);
+    EXPECT_EQ(std::count(std::begin(room.behind), std::end(room.behind), 0x55), 16);
+}
+
+// As long as a link waits that was never told anything.
+TEST_F(StatusTest, ATimeLimitOf0IsThatOfTheLibrary) {
+    EXPECT_EQ(SetTimeOut(link, 20), 0);
+    EXPECT_EQ(SetTimeOut(link, 0), 0);
+    EXPECT_EQ(play({{"D4 2B", "79", 200}}, [&] { return ZVBL_ResetMCU(link); }), 0);
 }
 
 TEST_F(StatusTest, ADeviceThatGoesAwayIs4AtOnce) {

@@ -76,6 +76,8 @@ constexpr unsigned writeGranularity = 4; // main flash and SPIM: length and addr
 constexpr unsigned blockSize = 0x10000;  // bytes of one block of eraseBlock
 constexpr unsigned spimSectorSize = 4096;
 constexpr unsigned firstSpimSector = 32768; // a sector number from here up is a SPIM sector
+constexpr unsigned shortId = 2;             // bytes of an identifier: the PID
+constexpr unsigned longId = 5;              // or the PID and the series
 constexpr unsigned maxUserData = 2048;      // compact bytes of one user system data exchange
 constexpr std::uint32_t toolVersion = 0x20001;
 
