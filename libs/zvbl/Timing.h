@@ -15,6 +15,7 @@ struct Timing {
     Duration frameLimit = std::chrono::milliseconds(wire::frameLimitMs); // the chip drops a command behind it
     Duration quiet = std::chrono::milliseconds(20);                      // nothing late is to come behind it
     Duration opening = std::chrono::milliseconds(100);                   // CAN: from one opening frame to the next
+    Duration longestPoll = std::chrono::minutes(10);                     // DFU: whatever a device asks for
 };
 
 // What links that are opened from now on use. For tests.

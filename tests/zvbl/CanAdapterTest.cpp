@@ -10,6 +10,7 @@
 
 #include "libs/zvbl/Timing.h"
 #include "link/ZVBLLIB.h"
+#include "tests/zvbl/Babbler.h"
 #include "tests/zvbl/LinkFixture.h"
 
 namespace {
@@ -131,7 +132,7 @@ TEST_F(CanAdapterTest, ALineThatIsNoFrameIsNoAnswer) {
         EXPECT_LT(steady_clock::now() - from, milliseconds(1500));
         EXPECT_EQ(play({inStep, line("t0D40\r", "z\rt1D4179\r")}, [&] { return reset(); }), 0);
     }
-    EXPECT_TRUE(traced("# not a frame: t1D41G9"));
+    EXPECT_TRUE(traced("x not a frame: t1D41G9"));
 }
 
 TEST_F(CanAdapterTest, AfterSilenceTheTraceSaysWhatTheAdapterKnows) {
@@ -289,6 +290,38 @@ TEST_F(CanAdapterTest, TheTraceTellsOfFramesAndCommands) {
     EXPECT_EQ(resetWorks(), 0);
     EXPECT_EQ(trace(),
               "# open 1000000 8N1\n# adapter: S5 yes\n# adapter: O yes\n# adapter: V V1013\n> 0D4\n< 1D4 79\n");
+}
+
+// Whoever reads the trace is told nothing by it but what it says.
+TEST_F(CanAdapterTest, WhatIsNotPrintableIsWrittenAsANumber) {
+    hurry();
+    EXPECT_EQ(play({line("t0D40\r", "z\rt1\x1B[2JD\r"), line("F\r", "F0\n\x9B"
+                                                                    "31m > 31 CE\r")},
+                   [&] { return reset(); }),
+              5);
+    EXPECT_TRUE(traced("x not a frame: t1\\x1B[2JD\n"));
+    EXPECT_TRUE(traced("# adapter: F F0\\x0A\\x9B31m > 31 CE\n"));
+}
+
+// One that never stops talking: no call waits longer than it may.
+TEST_F(CanAdapterTest, BabbleEndsNoCallLate) {
+    hurry();
+    for (const char *babble : {"U", "\r", "t1550\r", "tU\r"}) {
+        SCOPED_TRACE(babble);
+        zvbl::Bytes bytes;
+        for (int i = 0; i < 100; ++i)
+            for (const char *letter = babble; *letter; ++letter)
+                bytes.push_back(static_cast<std::uint8_t>(*letter));
+        const auto from = steady_clock::now();
+        {
+            const Babbler babbler(pty, bytes, Babbler::Begin::whenSpokenTo, bytesOf("z\rt144179\r"));
+            EXPECT_EQ(ZVBL_ERASE(link, 0xFFFE, nullptr, 0), 5);
+            EXPECT_EQ(Interface_Close(link), 0);
+        }
+        EXPECT_LT(steady_clock::now() - from, milliseconds(4000));
+        ASSERT_EQ(play(opening, [&] { return Interface_Open(link); }), 0);
+    }
+    EXPECT_LT(std::filesystem::file_size(directory / "trace"), 500000U);
 }
 
 } // namespace

@@ -50,12 +50,12 @@ TEST_F(DfuListTest, OnlyOurDevicesInDfuModeCount) {
     EXPECT_EQ(row(0).substr(0, 7), "usb 1-4");
 }
 
-TEST_F(DfuListTest, ALongNameIsCutAndWhatIsNotPrintableLeftOut) {
+TEST_F(DfuListTest, ALongNameIsCutAndWhatIsNotPrintableIsANumber) {
     UsbDeviceFacts facts = at("1-1", 2, "12\n34");
     facts.name = std::string(110, 'x');
     scene.add(facts);
     ASSERT_EQ(list(), 1);
-    EXPECT_EQ(row(0), "usb 1-1 serial 1234 " + std::string(78, 'x'));
+    EXPECT_EQ(row(0), "usb 1-1 serial 12\\x0A34 " + std::string(74, 'x'));
 }
 
 TEST_F(DfuListTest, MoreThan99Devices) {

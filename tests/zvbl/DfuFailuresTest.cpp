@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "libs/zvbl/Timing.h"
 #include "tests/zvbl/DfuFixture.h"
 
 using namespace dfu;
@@ -248,6 +249,16 @@ TEST_F(DfuFailuresTest, PollTimesAreWaitedForAndEachAnswerBeginsAnew) {
     EXPECT_EQ(playAfresh(script, [&] { return erase(); }), 0);
     const UsbScript high = {{eraseBank1, ""}, {getStatus, "00 00 01 00 04 00"}, {getStatus, isDownloadIdle, 256}};
     EXPECT_EQ(playAfresh(high, [&] { return erase(); }), 0);
+}
+
+// 24 bits of milliseconds are 4.6 hours.
+TEST_F(DfuFailuresTest, APollTimeIsBelievedUpToALimit) {
+    zvbl::Timing timing;
+    timing.longestPoll = std::chrono::milliseconds(50);
+    zvbl::setTiming(timing);
+    const UsbScript done = {{eraseBank1, ""}, {getStatus, "00 FF FF FF 04 00"}, {getStatus, isDownloadIdle, 50}};
+    EXPECT_EQ(playAfresh(done, [&] { return erase(); }), 0);
+    zvbl::setTiming({});
 }
 
 TEST_F(DfuFailuresTest, BusyForEverIs5OneTimeLimitBehindTheTimeThatWasTold) {

@@ -125,4 +125,13 @@ TEST_F(DfuTraceTest, ADeviceThatIsNotBack) {
                        "dfu0 # cannot open: usb 1-1 is another device now\n");
 }
 
+TEST_F(DfuTraceTest, StringsAreWrittenAsTheyMayBeShown) {
+    UsbDeviceFacts facts = at("1-1", 4, "01\n9 dfu # closed");
+    facts.name = "A\x1B[2J";
+    scene.add(facts);
+    ASSERT_EQ(list(), 1);
+    EXPECT_EQ(lines(), "dfu # device 0: usb 1-1 serial 01\\x0A9 dfu # closed A\\x1B[2J\n");
+    EXPECT_STREQ(info.deviceInfo[0], "usb 1-1 serial 01\\x0A9 dfu # closed A\\x1B[2J");
+}
+
 } // namespace

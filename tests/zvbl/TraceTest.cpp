@@ -1,11 +1,15 @@
 // The file that ZVBL_TRACE names.
 
+#include "libs/zvbl/Trace.h"
+
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/zvbl/LinkFixture.h"
@@ -41,6 +45,12 @@ protected:
         }
         return all;
     }
+    static std::string textOf(const std::string &path) {
+        std::ifstream file(path);
+        std::ostringstream text;
+        text << file.rdbuf();
+        return text.str();
+    }
     std::filesystem::path directory;
 };
 
@@ -72,11 +82,8 @@ TEST_F(TraceTest, AnOpenThatFailsSaysWhy) {
     HANDLE other = nullptr;
     ASSERT_EQ(SetCOMSettings(&other, 0, "/dev/no-such-port", 115200, 8, 2, 1.0F), 0);
     EXPECT_EQ(Interface_Open(other), 3);
-    std::ifstream in(file);
-    std::ostringstream text;
-    text << in.rdbuf();
-    EXPECT_NE(text.str().find("/dev/no-such-port # cannot open: No such file or directory\n"), std::string::npos)
-        << text.str();
+    EXPECT_NE(textOf(file).find("/dev/no-such-port # cannot open: No such file or directory\n"), std::string::npos)
+        << textOf(file);
 }
 
 TEST_F(TraceTest, WhatArrivedBeforeTheOpenIsGone) {
@@ -101,6 +108,82 @@ TEST_F(TraceTest, AFileThatCannotBeWrittenChangesNothing) {
         traceTo(path);
         EXPECT_EQ(play({{"D4 2B", "79"}}, [&] { return ZVBL_ResetMCU(link); }), 0);
     }
+}
+
+TEST_F(TraceTest, APortNameIsOneWordWithoutWhatIsNotPrintable) {
+    const std::string file = directory / "trace";
+    setenv("ZVBL_TRACE", file.c_str(), 1);
+    HANDLE other = nullptr;
+    ASSERT_EQ(SetCOMSettings(&other, 0, "/dev/no > 31\n\x1B[2J", 115200, 8, 2, 1.0F), 0);
+    EXPECT_EQ(Interface_Open(other), 3);
+    EXPECT_NE(textOf(file).find(" /dev/no\\x20>\\x2031\\x0A\\x1B[2J # cannot open: No such file or directory\n"),
+              std::string::npos)
+        << textOf(file);
+}
+
+TEST_F(TraceTest, WhatIsDiscardedInARowIsListedUpToALimit) {
+    const std::string file = directory / "trace";
+    traceTo(file);
+    ASSERT_EQ(Interface_Close(link), 0);
+    {
+        zvbl::Trace trace(pty.path());
+        for (int i = 0; i < 3; ++i) {
+            const zvbl::Bytes bytes(4000, 0x55);
+            trace.discarded(bytes.data(), bytes.size());
+        }
+        trace.remark("and on");
+        trace.discarded("a frame");
+    }
+    std::string expected = "# open 1000000 8E1\n# closed\nx";
+    const auto list = [&](int count) {
+        while (count-- > 0)
+            expected += " 55";
+    };
+    list(4000);
+    expected += "\nx";
+    list(96);
+    expected += "\nx 7904 more\n# and on\nx a frame\n";
+    EXPECT_EQ(lines(file), expected);
+}
+
+// In a directory that others may write to, a link leads where its owner wants.
+TEST_F(TraceTest, ALinkOfSomebodyElseIsNotFollowedWhereOthersMayWrite) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can make a link of somebody else";
+    const std::filesystem::path file = directory / "trace", victim = directory / "victim";
+    constexpr uid_t somebody = 12345;
+    std::ofstream(victim) << "";
+    std::filesystem::create_symlink(victim, file);
+    ASSERT_EQ(chmod(directory.c_str(), 0777), 0);
+    ASSERT_EQ(lchown(file.c_str(), somebody, somebody), 0);
+    traceTo(file);
+    ASSERT_EQ(Interface_Close(link), 0);
+    EXPECT_EQ(textOf(victim), "");
+    ASSERT_EQ(chmod(directory.c_str(), 0755), 0);
+    traceTo(file);
+    ASSERT_EQ(Interface_Close(link), 0);
+    EXPECT_NE(textOf(victim), "");
+}
+
+TEST_F(TraceTest, AnOwnLinkIsFollowed) {
+    const std::filesystem::path file = directory / "trace", other = directory / "other";
+    std::filesystem::create_symlink(other, file);
+    ASSERT_EQ(chmod(directory.c_str(), 0777), 0);
+    traceTo(file);
+    ASSERT_EQ(Interface_Close(link), 0);
+    EXPECT_EQ(lines(other), "# open 1000000 8E1\n# closed\n");
+}
+
+TEST_F(TraceTest, StandardErrorCanBeNamed) {
+    const std::string file = directory / "error";
+    const int kept = dup(STDERR_FILENO), made = open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    dup2(made, STDERR_FILENO);
+    traceTo("/dev/stderr");
+    Interface_Close(link);
+    dup2(kept, STDERR_FILENO);
+    close(kept);
+    close(made);
+    EXPECT_EQ(lines(file), "# open 1000000 8E1\n# closed\n");
 }
 
 } // namespace

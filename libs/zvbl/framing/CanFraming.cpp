@@ -181,18 +181,18 @@ Status CanFraming::discardUntilQuiet(TimePoint bound) {
 // Makes sure that no frame came twice, as far as that can be told by now.
 Status CanFraming::expectSilence(std::uint8_t opcode) {
     const TimePoint until = m_lastHeard + doubleTime();
+    const TimePoint bound = std::max<TimePoint>(until, Clock::now() + m_timing.quiet);
     CanFrame frame;
-    Status status = Status::ok;
-    while (status == Status::ok) {
-        status = hear(frame, until);
-        if (status == Status::ok)
-            note(frame, false);
-        if (status == Status::ok && isAnswerTo(opcode, frame)) {
-            m_trace.remark("more than the answer");
-            return Status::noAnswer;
-        }
+    for (;;) {
+        const Status status = hear(frame, until);
+        if (status != Status::ok)
+            return status == Status::noAnswer ? Status::ok : status;
+        note(frame, false);
+        if (!isAnswerTo(opcode, frame) && Clock::now() < bound)
+            continue;
+        m_trace.remark(isAnswerTo(opcode, frame) ? "more than the answer" : "the bus does not fall silent");
+        return Status::noAnswer;
     }
-    return status == Status::noAnswer ? Status::ok : status;
 }
 
 // The disturbance, and the frame once more.

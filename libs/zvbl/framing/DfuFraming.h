@@ -18,7 +18,7 @@ struct DfuStatus {
 // of their own there, all others travel as opcode and groups in block 0.
 class DfuFraming : public Framing {
 public:
-    DfuFraming(UsbPort &port, const Timing &, Trace &trace) : m_port(port), m_trace(trace) {}
+    DfuFraming(UsbPort &port, const Timing &timing, Trace &trace) : m_port(port), m_timing(timing), m_trace(trace) {}
 
     Status start(const StartSettings &settings, Duration timeout) override;
     Status setSpeed(unsigned long speed, Duration timeout) override;
@@ -51,6 +51,7 @@ private:
     Status damaged(const char *why);
 
     UsbPort &m_port;
+    const Timing m_timing;
     Trace &m_trace;
     Duration m_timeout{};
     State m_state = State::lost;

@@ -15,7 +15,7 @@ constexpr auto shortestPoll = std::chrono::milliseconds(1);
 } // namespace
 
 // The device tells how long it will be busy: that is waited for, and the timeout on top of the longest time
-// that it told, counted from its first answer.
+// that it told, counted from its first answer. What it tells is believed up to a limit: 24 bits are hours.
 Status DfuFraming::awaitDone(bool resets) {
     std::optional<TimePoint> first;
     TimePoint limit{};
@@ -36,7 +36,8 @@ Status DfuFraming::awaitDone(bool resets) {
         if (answer.state != dfuDownloadBusy && answer.state != dfuDownloadSync)
             return damaged("not a state that belongs here");
         // No time at all is one to be asked at once, but not again and again.
-        const Duration poll = first ? std::max(answer.pollTime, shortestPoll) : answer.pollTime;
+        const Duration asked = first ? std::max(answer.pollTime, shortestPoll) : answer.pollTime;
+        const Duration poll = std::min<Duration>(asked, m_timing.longestPoll);
         const TimePoint now = Clock::now();
         first = first.value_or(now);
         limit = std::max(limit, *first + poll + m_timeout);

@@ -174,18 +174,33 @@ Status UsartFraming::hear(TimePoint deadline) {
 }
 
 void UsartFraming::discard() {
-    m_trace.discarded(m_heard.data(), m_heard.size());
-    m_heard.clear();
+    discardAllBut(0);
 }
 
-// Throws away what has arrived so far.
+void UsartFraming::discardAllBut(std::size_t last) {
+    const std::size_t count = m_heard.size() - std::min(last, m_heard.size());
+    m_trace.discarded(m_heard.data(), count);
+    m_heard.erase(m_heard.begin(), m_heard.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
+// Throws away what has arrived so far. noAnswer: it does not end.
 Status UsartFraming::discardReceived() {
+    const TimePoint bound = Clock::now() + m_timing.frameLimit;
     Status status = Status::ok;
     while (status == Status::ok) {
         discard();
         status = hear(TimePoint{});
+        if (status == Status::ok && Clock::now() >= bound) {
+            discard();
+            return neverSilent();
+        }
     }
     return status == Status::noAnswer ? Status::ok : status;
+}
+
+Status UsartFraming::neverSilent() {
+    m_trace.remark("the line does not fall silent");
+    return Status::noAnswer;
 }
 
 void UsartFraming::learnPace(std::size_t count, Duration took) {

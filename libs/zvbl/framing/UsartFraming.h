@@ -36,7 +36,9 @@ private:
     Status take(std::size_t count, Bytes &bytes);
     Status hear(TimePoint deadline);
     Status discardReceived();
+    Status neverSilent();
     void discard();
+    void discardAllBut(std::size_t last);
     void learnPace(std::size_t count, Duration took);
     bool isTooEarly(std::size_t sent, TimePoint from) const;
 

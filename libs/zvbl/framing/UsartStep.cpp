@@ -43,7 +43,7 @@ Status UsartFraming::start(const StartSettings &, Duration timeout) {
             m_step = Step::kept;
             return Status::ok;
         }
-        heardWrong = heardWrong || !heard.empty();
+        heardWrong = heardWrong || !heard.empty() || status == Status::outOfStep;
         wait = true;
     }
     return heardWrong ? Status::noAnswer : Status::noStart;
@@ -98,8 +98,12 @@ Status UsartFraming::listenUntilQuiet() {
     const Duration quiet = std::max(m_timing.quiet, slowCharacters * m_port.characterTime());
     const TimePoint bound = Clock::now() + m_timeout + longestBabble * m_port.characterTime();
     Status status = Status::ok;
-    while (status == Status::ok && Clock::now() < bound)
+    while (status == Status::ok) {
+        discardAllBut(longestBabble);
+        if (Clock::now() >= bound)
+            return neverSilent();
         status = hear(Clock::now() + quiet);
+    }
     return status == Status::noAnswer ? Status::ok : status;
 }
 

@@ -109,7 +109,8 @@ CanAdapter::~CanAdapter() {
     try {
         Answer answer = Answer::none;
         m_unanswered = 0;
-        while (hear(TimePoint{}) == Status::ok) { // what is old is no answer
+        const TimePoint bound = Clock::now() + closingLimit;
+        while (hear(TimePoint{}) == Status::ok && Clock::now() < bound) { // what is old is no answer
         }
         // It is waited for, or the port would throw it away at its close; the device may be gone as well.
         [[maybe_unused]] const Status status = tell("C", answer, Clock::now() + closingLimit);
@@ -196,7 +197,7 @@ Status CanAdapter::tell(const std::string &command, Answer &answer, TimePoint de
     m_text.clear();
     Status status = write(command + carriageReturn, deadline);
     while (status == Status::ok && m_answer == Answer::none)
-        status = hear(deadline);
+        status = Clock::now() < deadline ? hear(deadline) : Status::noAnswer;
     m_asking = false;
     answer = m_answer;
     const std::string yes = m_text.empty() ? "yes" : m_text;
@@ -241,7 +242,7 @@ Status CanAdapter::send(const CanFrame &frame, TimePoint deadline) {
 Status CanAdapter::awaitRoom(TimePoint deadline) {
     Status status = hear(TimePoint{});
     while ((status == Status::ok || status == Status::noAnswer) && m_unanswered >= m_window && !m_orderBroken) {
-        status = hear(deadline);
+        status = Clock::now() < deadline ? hear(deadline) : Status::noAnswer;
         if (status == Status::noAnswer)
             return loseCount("the adapter does not take the frames");
     }
@@ -281,11 +282,14 @@ Status CanAdapter::breakOrder() {
 }
 
 Status CanAdapter::receive(CanFrame &frame, TimePoint deadline) {
+    const TimePoint bound = std::max<TimePoint>(deadline, Clock::now() + quiet); // of bytes that are no frame
     while (m_frames.empty()) {
         if (m_orderBroken)
             return breakOrder();
         if (const Status status = hear(deadline); status != Status::ok)
             return status;
+        if (m_frames.empty() && Clock::now() >= bound)
+            return Status::noAnswer;
     }
     frame = m_frames.front();
     m_frames.pop_front();
@@ -330,7 +334,7 @@ void CanAdapter::takeLine(const std::string &line) {
     CanFrame frame;
     if (!line.empty() && line.front() == 't') {
         if (!isFrame(line, frame))
-            m_trace.remark("not a frame: " + line);
+            m_trace.discarded("not a frame: " + line);
         else if ((frame.id & 0x700) == wire::canFromChip)
             m_frames.push_back(frame);
     } else if (m_asking) {

@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "libs/zvbl/Text.h"
 #include "libs/zvbl/framing/Polling.h"
 #include "libs/zvbl/transport/CanNetlink.h"
 #include "libs/zvbl/wire/Wire.h"
@@ -20,6 +21,7 @@ namespace zvbl {
 namespace {
 
 constexpr auto longestPoll = std::chrono::hours(1);
+constexpr auto errorPatience = std::chrono::milliseconds(20); // how long a look without waiting reads errors
 
 // Answers of chips: 100 to 1FF, 11 bits, with data.
 constexpr can_filter chipsOnly = {wire::canFromChip, 0x700 | CAN_EFF_FLAG | CAN_RTR_FLAG};
@@ -92,7 +94,7 @@ Status CanSocket::open(const LinkSettings &settings) {
     m_index = static_cast<int>(if_nametoindex(settings.portName.c_str()));
     const int error = m_index == 0 ? ENODEV : bindSocket();
     if (error != 0) {
-        m_trace.remark(std::string("cannot open: ") + std::strerror(error));
+        m_trace.remark("cannot open: " + errorText(error));
         return Status::cantOpen;
     }
     readCanBitRate(m_index, m_bitRate); // without an answer it is a bus whose rate nobody can tell
@@ -143,7 +145,7 @@ Status CanSocket::send(const CanFrame &frame, TimePoint deadline) {
         if (::write(m_fd, &out, sizeof out) == sizeof out)
             return Status::ok;
         if (errno != ENOBUFS && errno != EAGAIN && errno != EINTR)
-            return fail(std::string("cannot send: ") + std::strerror(errno));
+            return fail("cannot send: " + errorText(errno));
         if (!polling.again()) {
             m_trace.remark("cannot send in time: nobody takes the frames off the queue");
             return Status::noAnswer;
@@ -153,6 +155,7 @@ Status CanSocket::send(const CanFrame &frame, TimePoint deadline) {
 }
 
 Status CanSocket::receive(CanFrame &frame, TimePoint deadline) {
+    const TimePoint bound = std::max<TimePoint>(deadline, Clock::now() + errorPatience);
     while (!m_gone) {
         can_frame in{};
         const ssize_t count = ::recv(m_fd, &in, sizeof in, 0);
@@ -162,11 +165,11 @@ Status CanSocket::receive(CanFrame &frame, TimePoint deadline) {
             return Status::ok;
         }
         if (count == static_cast<ssize_t>(sizeof in))
-            status = judge(in);
+            status = Clock::now() < bound ? judge(in) : Status::noAnswer;
         else if (count < 0 && errno == EAGAIN)
             status = await(deadline);
         else if (count < 0 && errno != EINTR)
-            status = fail(std::string("the bus is gone: ") + std::strerror(errno));
+            status = fail("the bus is gone: " + errorText(errno));
         if (status != Status::ok)
             return status;
     }
@@ -199,7 +202,7 @@ Status CanSocket::mayChangeBitRate() {
     const int error = mayChangeCanInterface(m_index);
     if (error == 0)
         return Status::ok;
-    m_trace.remark("the bus stays at " + describe(m_bitRate) + ": " + std::strerror(error));
+    m_trace.remark("the bus stays at " + describe(m_bitRate) + ": " + errorText(error));
     return Status::gone;
 }
 
@@ -207,11 +210,11 @@ Status CanSocket::mayChangeBitRate() {
 Status CanSocket::setBitRate(unsigned bitsPerSecond) {
     const int error = setCanBitRate(m_index, bitsPerSecond);
     if (error != 0)
-        return fail("the bus does not take " + describe(bitsPerSecond) + ": " + std::strerror(error));
+        return fail("the bus does not take " + describe(bitsPerSecond) + ": " + errorText(error));
     closeSocket();
     m_bitRate = bitsPerSecond;
     if (const int failure = bindSocket(); failure != 0)
-        return fail(std::string("cannot open again: ") + std::strerror(failure));
+        return fail("cannot open again: " + errorText(failure));
     m_gone = false;
     m_trace.remark("the bus is at " + describe(bitsPerSecond));
     return Status::ok;

@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "libs/zvbl/Text.h"
+
 namespace zvbl {
 
 std::string devicePath(const std::string &portName) {
@@ -30,7 +32,7 @@ Status DeviceNode::open(const std::string &portName) {
     // O_NONBLOCK and O_NOCTTY: the name may be that of anything.
     m_fd = ::open(m_path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (m_fd < 0 || flock(m_fd, LOCK_EX | LOCK_NB) != 0 || stat(m_path.c_str(), &node) != 0)
-        return refuse(std::strerror(errno));
+        return refuse(errorText(errno));
     m_device = node.st_dev;
     m_number = node.st_ino;
     return Status::ok;

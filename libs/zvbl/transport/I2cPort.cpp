@@ -6,6 +6,8 @@
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
 
+#include "libs/zvbl/Text.h"
+
 namespace zvbl {
 namespace {
 
@@ -41,7 +43,7 @@ Status I2cPort::open(const LinkSettings &settings) {
         return status;
     unsigned long functions = 0;
     if (!m_node.control(I2C_FUNCS, &functions))
-        return m_node.refuse(std::strerror(errno));
+        return m_node.refuse(errorText(errno));
     if (!(functions & I2C_FUNC_I2C))
         return m_node.refuse("the adapter speaks SMBus only");
     m_trace.remark("open I2C");
@@ -77,7 +79,7 @@ Status I2cPort::judge(int error) {
     const Meaning meaning = meaningOf(error);
     if (error != m_told)
         m_trace.remark(std::string(meaning == Meaning::refused ? "cannot send: " : "not acknowledged: ") +
-                       std::strerror(error));
+                       errorText(error));
     m_told = error;
     if (!m_node.isThere() || error == ENODEV || error == ESHUTDOWN) {
         m_trace.remark("the device is gone");

@@ -10,6 +10,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "libs/zvbl/Text.h"
 #include "libs/zvbl/transport/DeviceNode.h"
 #include "libs/zvbl/transport/SerialLine.h"
 
@@ -65,7 +66,7 @@ Status SerialPort::open(const LinkSettings &settings) {
 Status SerialPort::take(const std::string &path) {
     m_fd = ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (m_fd < 0 || !isatty(m_fd) || flock(m_fd, LOCK_EX | LOCK_NB) != 0) {
-        m_trace.remark(std::string("cannot open: ") + std::strerror(errno));
+        m_trace.remark("cannot open: " + errorText(errno));
         if (m_fd >= 0)
             ::close(m_fd);
         m_fd = -1;
@@ -78,7 +79,7 @@ Status SerialPort::take(const std::string &path) {
 Status SerialPort::reconfigure(const LinkSettings &settings) {
     if (!setSerialLine(m_fd, settings)) {
         const bool refused = errno == EINVAL;
-        m_trace.remark("the driver refuses " + describe(settings) + ": " + std::strerror(errno));
+        m_trace.remark("the driver refuses " + describe(settings) + ": " + errorText(errno));
         return refused ? Status::badArgument : Status::cantOpen;
     }
     m_characterTime = serialCharacterTime(settings);
@@ -90,7 +91,7 @@ Status SerialPort::setLine(ControlLine line, bool high) {
     const int bit = line == ControlLine::dtr ? TIOCM_DTR : TIOCM_RTS;
     const std::string name = line == ControlLine::dtr ? "DTR" : "RTS";
     if (ioctl(m_fd, high ? TIOCMBIS : TIOCMBIC, &bit) != 0)
-        return fail("no line " + name + ": " + std::strerror(errno));
+        return fail("no line " + name + ": " + errorText(errno));
     m_trace.remark(name + (high ? " high" : " low"));
     return Status::ok;
 }
@@ -108,7 +109,7 @@ Status SerialPort::send(const Bytes &bytes, TimePoint deadline) {
             if (status != Status::ok)
                 return status;
         } else if (errno != EINTR) {
-            return fail(std::string("cannot send: ") + std::strerror(errno));
+            return fail("cannot send: " + errorText(errno));
         }
     }
     return Status::ok;

@@ -7,6 +7,8 @@
 
 #include <linux/spi/spidev.h>
 
+#include "libs/zvbl/Text.h"
+
 namespace zvbl {
 namespace {
 
@@ -50,11 +52,11 @@ Status SpiPort::open(const LinkSettings &settings) {
 Status SpiPort::setUp() {
     std::uint8_t mode = 0;
     if (!m_node.control(SPI_IOC_RD_MODE, &mode))
-        return m_node.refuse(std::strerror(errno));
+        return m_node.refuse(errorText(errno));
     mode &= SPI_CS_HIGH; // how the board is wired; the rest may be what another program left
     std::uint8_t bits = bitsPerWord;
     if (!m_node.control(SPI_IOC_WR_MODE, &mode) || !m_node.control(SPI_IOC_WR_BITS_PER_WORD, &bits))
-        return m_node.refuse(std::string("mode 0 with 8 bits: ") + std::strerror(errno));
+        return m_node.refuse("mode 0 with 8 bits: " + errorText(errno));
     return Status::ok;
 }
 
@@ -66,7 +68,7 @@ Status SpiPort::setLine(ControlLine line, bool) {
 Status SpiPort::setSpeed(std::uint32_t speed) {
     if (!m_node.control(SPI_IOC_WR_MAX_SPEED_HZ, &speed)) {
         const bool refused = errno == EINVAL;
-        m_trace.remark("the driver refuses " + std::to_string(speed) + " Hz: " + std::strerror(errno));
+        m_trace.remark("the driver refuses " + std::to_string(speed) + " Hz: " + errorText(errno));
         return refused ? Status::badArgument : Status::gone;
     }
     m_speed = speed;
@@ -85,7 +87,7 @@ Status SpiPort::exchange(const Bytes &message, std::size_t count, Bytes &heard) 
     const bool done =
         message.empty() ? m_node.control(SPI_IOC_MESSAGE(1), &parts[1]) : m_node.control(SPI_IOC_MESSAGE(2), parts);
     if (!done) {
-        m_trace.remark(std::string("cannot send: ") + std::strerror(errno));
+        m_trace.remark("cannot send: " + errorText(errno));
         return Status::gone;
     }
     heard.insert(heard.end(), fetched.begin(), fetched.end());

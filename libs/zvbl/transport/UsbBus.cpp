@@ -8,6 +8,7 @@
 
 #include <libusb.h>
 
+#include "libs/zvbl/Text.h"
 #include "libs/zvbl/wire/Wire.h"
 
 namespace zvbl {
@@ -154,17 +155,14 @@ std::string UsbHandle::text(std::uint8_t number) {
     unsigned char read[longestText];
     const int length = libusb_get_string_descriptor_ascii(m_handle, number, read, longestText);
     m_mute = length == LIBUSB_ERROR_TIMEOUT;
-    std::string text(read, read + std::max(length, 0));
-    const auto unprintable = [](char letter) { return letter < ' ' || letter > '~'; };
-    text.erase(std::remove_if(text.begin(), text.end(), unprintable), text.end());
-    return text;
+    return printable(std::string(read, read + std::max(length, 0)));
 }
 
 std::string usbErrorText(int error) {
     switch (error) {
-    case LIBUSB_ERROR_ACCESS: return std::strerror(EACCES);
-    case LIBUSB_ERROR_BUSY: return std::strerror(EBUSY);
-    case LIBUSB_ERROR_NO_DEVICE: return std::strerror(ENODEV);
+    case LIBUSB_ERROR_ACCESS: return errorText(EACCES);
+    case LIBUSB_ERROR_BUSY: return errorText(EBUSY);
+    case LIBUSB_ERROR_NO_DEVICE: return errorText(ENODEV);
     default: return libusb_strerror(static_cast<libusb_error>(error));
     }
 }

@@ -77,8 +77,8 @@ public:
     int error() const { return m_error; } // of libusb; 0 when it is open
     libusb_device_handle *get() const { return m_handle; }
 
-    // A string descriptor, what is not printable taken out; empty if there is none. A device that does not
-    // answer is not asked again: each time would be a second.
+    // A string descriptor, printable; empty if there is none. A device that does not answer is not asked again:
+    // each time would be a second.
     std::string text(std::uint8_t number);
 
 private:
