@@ -3,12 +3,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <iostream>
+#include <new>
 #include <optional>
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include "sim/LogFile.h"
 #include "sim/Options.h"
 #include "sim/Signals.h"
 #include "sim/State.h"
@@ -73,9 +75,14 @@ int serve(Options &options, std::ostream &out) {
     return error.empty() ? ended : failed;
 }
 
-} // namespace
+// What is opened later must not become one of the three: a port as standard error would get the log.
+void openStandardDescriptors() {
+    for (int fd = 0; fd <= 2; ++fd)
+        if (fcntl(fd, F_GETFD) == -1 && errno == EBADF)
+            open("/dev/null", O_RDWR);
+}
 
-int run(int argc, char **argv, const FrontTable &fronts) {
+int runOptions(int argc, char **argv, const FrontTable &fronts) {
     Options options;
     std::string error;
     if (!parseOptions(argc, argv, fronts, options, error))
@@ -90,8 +97,21 @@ int run(int argc, char **argv, const FrontTable &fronts) {
         return runBeside(argv, options.front->program);
     if (options.log.empty())
         return serve(options, std::cerr);
-    std::ofstream file(options.log, std::ios::app);
-    return file ? serve(options, file) : complain("cannot write \"" + options.log + "\"", failed);
+    LogFile file;
+    return file.open(options.log, error) ? serve(options, file.stream()) : complain(error, failed);
+}
+
+} // namespace
+
+int run(int argc, char **argv, const FrontTable &fronts) {
+    openStandardDescriptors();
+    try {
+        return runOptions(argc, argv, fronts);
+    } catch (const std::bad_alloc &) {
+        return complain("out of memory", failed);
+    } catch (const std::exception &failure) {
+        return complain(failure.what(), failed);
+    }
 }
 
 } // namespace sim

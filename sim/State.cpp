@@ -1,234 +1,120 @@
 #include "sim/State.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <memory>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "sim/Crc32.h"
+#include "sim/StateImage.h"
 
 namespace sim {
 
 namespace {
 
-constexpr char magic[] = "ZV32SIM1";
-constexpr std::uint8_t blank = 0xFF;
-constexpr std::size_t worthSkipping = 64; // a shorter run of FF costs less than the head of a new run
-constexpr std::size_t crcLength = 4;
-
-void put32(Bytes &out, std::uint32_t value) {
-    for (unsigned shift = 0; shift < 32; shift += 8)
-        out.push_back(static_cast<std::uint8_t>(value >> shift));
+// -1 at the first failure.
+ssize_t readWhole(int fd, Bytes &bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t length = read(fd, bytes.data() + done, bytes.size() - done);
+        if (length == 0)
+            break;
+        if (length < 0 && errno != EINTR)
+            return -1;
+        done += static_cast<std::size_t>(length > 0 ? length : 0);
+    }
+    bytes.resize(done);
+    return static_cast<ssize_t>(done);
 }
 
-void putText(Bytes &out, std::string_view text) {
-    put32(out, static_cast<std::uint32_t>(text.size()));
-    out.insert(out.end(), text.begin(), text.end());
-}
-
-// The length of the run of FF at `at`, up to `end`.
-std::size_t blankRun(const std::uint8_t *data, std::size_t at, std::size_t end) {
-    std::size_t i = at;
-    std::uint64_t word = 0;
-    while (i + sizeof word <= end && (std::memcpy(&word, data + i, sizeof word), word == ~std::uint64_t{0}))
-        i += sizeof word;
-    while (i < end && data[i] == blank)
-        ++i;
-    return i - at;
-}
-
-// Where the run of content that starts at `at` ends: before a stretch of FF that is worth skipping.
-std::size_t contentEnd(const std::uint8_t *data, std::size_t at, std::size_t end) {
-    while (at < end) {
-        const std::size_t run = data[at] == blank ? blankRun(data, at, end) : 0;
-        if (run >= worthSkipping || at + run == end)
-            return at;
-        at += std::max<std::size_t>(run, 1);
-    }
-    return end;
-}
-
-void putCells(Bytes &out, const Cells &cells) {
-    put32(out, static_cast<std::uint32_t>(cells.size()));
-    const std::size_t countAt = out.size();
-    put32(out, 0);
-    std::uint32_t runs = 0;
-    std::size_t at = blankRun(cells.data(), 0, cells.size());
-    while (at < cells.size()) {
-        const std::size_t end = contentEnd(cells.data(), at, cells.size());
-        put32(out, static_cast<std::uint32_t>(at));
-        put32(out, static_cast<std::uint32_t>(end - at));
-        out.insert(out.end(), cells.data() + at, cells.data() + end);
-        ++runs;
-        at = end + blankRun(cells.data(), end, cells.size());
-    }
-    Bytes count;
-    put32(count, runs);
-    std::copy(count.begin(), count.end(), out.begin() + static_cast<std::ptrdiff_t>(countAt));
-}
-
-// Takes a file apart; once something is missing, `good` stays false.
-class Reader {
-public:
-    explicit Reader(const Bytes &file) : file_(file) {}
-
-    bool good = true;
-
-    const std::uint8_t *take(std::size_t length) {
-        if (!good || length > file_.size() - at_) {
-            good = false;
-            return nullptr;
-        }
-        at_ += length;
-        return file_.data() + (at_ - length);
-    }
-
-    std::uint32_t number() {
-        const std::uint8_t *bytes = take(4);
-        std::uint32_t value = 0;
-        for (unsigned i = 0; bytes != nullptr && i < 4; ++i)
-            value |= static_cast<std::uint32_t>(bytes[i]) << (8 * i);
-        return value;
-    }
-
-    std::string text() {
-        const std::uint32_t length = number();
-        const std::uint8_t *bytes = take(length);
-        return bytes == nullptr ? std::string() : std::string(reinterpret_cast<const char *>(bytes), length);
-    }
-
-    bool atEnd() const { return good && at_ == file_.size(); }
-
-private:
-    const Bytes &file_;
-    std::size_t at_ = 0;
-};
-
-// Fills the cells; false for another size or a run outside of it.
-bool takeCells(Reader &in, Cells &cells) {
-    if (in.number() != cells.size() || !in.good)
-        return false;
-    std::fill_n(cells.raw(), cells.size(), blank);
-    for (std::uint32_t runs = in.number(); in.good && runs > 0; --runs) {
-        const std::size_t at = in.number();
-        const std::size_t length = in.number();
-        const std::uint8_t *bytes = in.take(length);
-        if (bytes == nullptr || at > cells.size() || length > cells.size() - at)
+bool writeWhole(int fd, const Bytes &bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t length = write(fd, bytes.data() + done, bytes.size() - done);
+        if (length < 0 && errno != EINTR)
             return false;
-        std::copy(bytes, bytes + length, cells.raw() + at);
+        done += static_cast<std::size_t>(length > 0 ? length : 0);
     }
-    return in.good;
+    return true;
 }
 
-Slib::Area takeArea(Reader &in) {
-    Slib::Area area;
-    area.enabled = in.number() != 0;
-    area.password = in.number();
-    area.start = static_cast<std::uint16_t>(in.number());
-    area.dataStart = static_cast<std::uint16_t>(in.number());
-    area.end = static_cast<std::uint16_t>(in.number());
-    return area;
-}
-
-bool readAll(std::FILE *in, Bytes &file) {
-    std::uint8_t piece[65536];
-    std::size_t length = 0;
-    while ((length = std::fread(piece, 1, sizeof piece, in)) > 0)
-        file.insert(file.end(), piece, piece + length);
-    return std::ferror(in) == 0;
-}
-
-bool soundFile(const Bytes &file) {
-    constexpr std::size_t magicLength = sizeof magic - 1;
-    if (file.size() < magicLength + crcLength || std::memcmp(file.data(), magic, magicLength) != 0)
-        return false;
-    Bytes crc;
-    put32(crc, crc32(file.data(), file.size() - crcLength));
-    return std::equal(crc.begin(), crc.end(), file.end() - static_cast<std::ptrdiff_t>(crcLength));
+// The mode of a file that is replaced stays; a new one gets what the umask leaves.
+mode_t modeFor(const std::string &path) {
+    constexpr mode_t permissions = 07777;
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0)
+        return info.st_mode & permissions;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
 }
 
 } // namespace
 
-Bytes StateFile::encode() const {
-    Bytes out(magic, magic + sizeof magic - 1);
-    putText(out, chip_.facts().name);
-    for (const Chip::Section &section : chip_.sections())
-        putCells(out, *section.cells);
-    const Slib::Area &area = chip_.slib();
-    for (const std::uint32_t value : {std::uint32_t{area.enabled}, area.password, std::uint32_t{area.start},
-                                      std::uint32_t{area.dataStart}, std::uint32_t{area.end}})
-        put32(out, value);
-    put32(out, crc32(out.data(), out.size()));
-    return out;
-}
-
-bool StateFile::decode(const Bytes &file, std::string &error) {
-    if (!soundFile(file)) {
-        error = "\"" + path_ + "\" is no state file, or a damaged one";
-        return false;
-    }
-    const Bytes body(file.begin(), file.end() - static_cast<std::ptrdiff_t>(crcLength));
-    Reader in(body);
-    in.take(sizeof magic - 1);
-    const std::string name = in.text();
-    if (name != chip_.facts().name) {
-        error = "\"" + path_ + "\" holds the memory of another chip: " + name;
-        return false;
-    }
-    for (const Chip::Section &section : chip_.sections()) {
-        if (!takeCells(in, *section.cells)) {
-            error = "\"" + path_ + "\" does not fit: another size of " + section.name;
-            return false;
-        }
-    }
-    chip_.restoreSlib(takeArea(in));
-    if (!in.atEnd())
-        error = "\"" + path_ + "\" is no state file, or a damaged one";
-    return in.atEnd();
-}
-
-bool StateFile::load(std::string &error) {
+bool StateFile::readAll(int fd, Bytes &file, std::string &error) {
     struct stat info {};
-    if (stat(path_.c_str(), &info) != 0 && errno == ENOENT)
-        return true;
-    if (info.st_mode != 0 && !S_ISREG(info.st_mode)) {
+    const bool known = fd >= 0 && fstat(fd, &info) == 0;
+    if (known && !S_ISREG(info.st_mode)) {
         error = "\"" + path_ + "\" is not a file"; // a pipe or a device would never end
         return false;
     }
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(path_.c_str(), "rb"), std::fclose);
-    Bytes file;
-    if (!in || !readAll(in.get(), file)) {
-        error = "cannot read \"" + path_ + "\": " + std::strerror(errno);
+    if (known && static_cast<std::uint64_t>(info.st_size) > longestState(chip_)) {
+        error = "\"" + path_ + "\" is too long for a state file of this chip";
         return false;
     }
-    if (!decode(file, error))
+    file.resize(known ? static_cast<std::size_t>(info.st_size) : 0);
+    if (known && readWhole(fd, file) >= 0)
+        return true;
+    error = "cannot read \"" + path_ + "\": " + std::strerror(errno);
+    return false;
+}
+
+bool StateFile::load(std::string &error) {
+    const int fd = open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0 && errno == ENOENT)
+        return true;
+    Bytes file;
+    const bool read = readAll(fd, file, error);
+    if (fd >= 0)
+        close(fd);
+    if (!read)
         return false;
+    const std::string wrong = decodeState(file, chip_);
+    if (!wrong.empty()) {
+        error = "\"" + path_ + "\" " + wrong;
+        return false;
+    }
     chip_.reset(); // what the option bytes protect holds from power on
     everSaved_ = true;
     savedChanges_ = chip_.changes();
     return true;
 }
 
-bool StateFile::writeBeside(const Bytes &file, const std::string &temporary) const {
-    std::unique_ptr<std::FILE, int (*)(std::FILE *)> out(std::fopen(temporary.c_str(), "wb"), std::fclose);
-    if (!out)
+// A file of nobody else's: made anew, for its owner alone until it is whole.
+bool StateFile::replace(const Bytes &file) const {
+    std::string temporary = path_ + ".XXXXXX";
+    const int fd = mkostemp(temporary.data(), O_CLOEXEC);
+    if (fd < 0)
         return false;
-    const bool written = std::fwrite(file.data(), 1, file.size(), out.get()) == file.size();
-    return std::fclose(out.release()) == 0 && written;
+    const bool written = writeWhole(fd, file) && fchmod(fd, modeFor(path_)) == 0 && fsync(fd) == 0;
+    int failure = errno;
+    if (close(fd) == 0 && written && std::rename(temporary.c_str(), path_.c_str()) == 0)
+        return true;
+    failure = written ? errno : failure;
+    unlink(temporary.c_str());
+    errno = failure;
+    return false;
 }
 
 bool StateFile::save(std::string &error) {
     const std::uint64_t changes = chip_.changes();
     if (everSaved_ && changes == savedChanges_)
         return true;
-    const std::string temporary = path_ + "." + std::to_string(getpid());
-    if (!writeBeside(encode(), temporary) || std::rename(temporary.c_str(), path_.c_str()) != 0) {
+    if (!replace(encodeState(chip_))) {
         error = "cannot write \"" + path_ + "\": " + std::strerror(errno);
-        std::remove(temporary.c_str());
         return false;
     }
     everSaved_ = true;

@@ -6,8 +6,8 @@
 
 namespace sim {
 
-// The file that keeps a chip's memory between runs. Runs of FF are left out, the end holds a checksum,
-// and a file is always written whole beside the old one and renamed over it.
+// The file that keeps a chip's memory between runs. It is always written whole beside the old one, under a name
+// that nobody knows before, and renamed over it.
 class StateFile {
 public:
     StateFile(std::string path, Chip &chip) : path_(std::move(path)), chip_(chip) {}
@@ -20,9 +20,8 @@ public:
     bool save(std::string &error);
 
 private:
-    Bytes encode() const;
-    bool decode(const Bytes &file, std::string &error);
-    bool writeBeside(const Bytes &file, const std::string &temporary) const;
+    bool readAll(int fd, Bytes &file, std::string &error);
+    bool replace(const Bytes &file) const;
 
     std::string path_;
     Chip &chip_;

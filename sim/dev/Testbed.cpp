@@ -228,6 +228,15 @@ void Testbed::connected(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void
     testbed.clients_.push_back(static_cast<_UMockdevIoctlClient *>(g_object_ref(client)));
 }
 
+// An exception must not get into the C code that calls.
+static std::optional<DeviceAnswer> handlerAnswer(const Testbed::Handler &handler, DeviceCall &call) {
+    try {
+        return handler(call);
+    } catch (const std::exception &) {
+        return DeviceAnswer::fail(ENOMEM);
+    }
+}
+
 bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const Handler &handler) {
     File &file = *static_cast<File *>(g_object_get_data(G_OBJECT(client), fileKey));
     std::optional<DeviceAnswer> answer;
@@ -235,7 +244,7 @@ bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const 
         const std::unique_lock<std::mutex> held = lock();
         if (file.generation == generation_) {
             DeviceCall call(kind, client, file.number, file.settings);
-            answer = handler(call);
+            answer = handlerAnswer(handler, call);
         }
         if (file.generation != generation_)
             answer = DeviceAnswer::fail(ENODEV);

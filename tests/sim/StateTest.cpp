@@ -150,6 +150,19 @@ TEST_F(State, nothingLiesBesideTheFile) {
     EXPECT_NE(error.find(path), std::string::npos) << error;
 }
 
+TEST_F(State, aLinkThatSomebodyElseLaidBesideItIsNotFollowed) {
+    const std::string victim = directory + "/victim";
+    const std::string trap = path + "." + std::to_string(getpid());
+    std::ofstream(victim) << "mine";
+    ASSERT_EQ(symlink(victim.c_str(), trap.c_str()), 0);
+    Rig rig("ZV32F421_64K");
+    ASSERT_TRUE(StateFile(path, rig.chip).save(error)) << error;
+    std::ifstream in(victim);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "mine");
+    std::remove(victim.c_str());
+    std::remove(trap.c_str());
+}
+
 TEST_F(State, everyDamageIsRefused) {
     Rig rig("ZV32F421_64K");
     ASSERT_TRUE(rig.chip.write(0x08000000, {1, 2, 3, 4}).done());

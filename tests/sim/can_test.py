@@ -15,8 +15,7 @@ import time
 import tty
 import unittest
 
-import process_test
-from process_test import CHIP, SIM, SimulatorTest, wait_for
+from simulator import CHIP, SIM, SimulatorTest, run, wait_for
 
 DOUBLES = sys.argv.pop(1)
 SHIM = os.path.join(DOUBLES, "libcan_shim.so")
@@ -339,7 +338,7 @@ class CanUtils(CanTest):
 class NoInterface(CanTest):
     def test_is_status_1(self):
         for words in (["--can", "nocan7"], ["--can", "lo"]):
-            result = process_test.run("--chip", CHIP, *words)
+            result = run("--chip", CHIP, *words)
             self.assertEqual((result.returncode, result.stdout), (1, ""))
             self.assertIn(words[1], result.stderr)
 

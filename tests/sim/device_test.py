@@ -9,22 +9,13 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
-SIM = sys.argv.pop(1)
-CHIP = "ZV32F403A_1024K"
+from simulator import CHIP, SIM, SimulatorTest, wait_for
+
 HERE = os.path.dirname(os.path.abspath(__file__))
 TOOLS = os.environ["PATH"] + ":/usr/sbin:/sbin"
-
-
-def wait_for(condition):
-    deadline = time.monotonic() + 10
-    while not condition():
-        if time.monotonic() > deadline:
-            raise AssertionError("it never came")
-        time.sleep(0.002)
 
 
 class Simulator:
@@ -56,15 +47,8 @@ class Simulator:
         return self.process.returncode, said
 
 
-class DeviceTest(unittest.TestCase):
+class DeviceTest(SimulatorTest):
     front = ""
-
-    def setUp(self):
-        self.directory = tempfile.mkdtemp(prefix="zv32-dev-")
-        self.addCleanup(shutil.rmtree, self.directory)
-
-    def path(self, name):
-        return os.path.join(self.directory, name)
 
     @contextlib.contextmanager
     def simulator(self, *words):

@@ -13,7 +13,7 @@ import time
 import unittest
 
 from client import Client
-from process_test import CHIP, SIM, SimulatorTest, run, wait_for
+from simulator import CHIP, SIM, SimulatorTest, run, wait_for
 
 PRELOAD = "libumockdev-preload.so.0"
 START = "0x08000000"
