@@ -10,6 +10,7 @@
 #include "device/FilesInc.h"
 #include "foundation/LibraryTypes.h"
 #include "link/EnBank3Param.h"
+#include "link/ThreadEnd.h"
 #include "link/ZVBLLIB.h"
 
 class CCom;
@@ -40,7 +41,7 @@ public:
     bool m_bHasJumpToUserProgram = false;                  // the chip left its bootloader by a jump
     signed char m_InterfaceType;                           // as in CCom
     int m_BID = 0;                                         // block identifier, BID byte high, reserve byte low
-    CCom *m_hCCOM;                                         // the link that owns this object
+    CCom *m_hCCOM;                                         // the link that owns this object; null once it is gone
     quint32 m_uiAddr = 0x3C;                               // I2C address
     ulong m_ulRate = 400000;                               // I2C rate, Hz
     BYTE m_bDutyCycle = 0;                                 // I2C duty cycle
@@ -104,8 +105,15 @@ public:
     void EnableSlib(EnableSlibParam param);
     void DisableSlib(uint password);
     void DisableSlibCheck(uint password);
-    // Destroys the current job, if there is one.
+    // Destroys the current job, if there is one, when it has ended. From the listener of a job, and so from a
+    // job starter there, it comes back at once and the job is destroyed at its end; the job after it begins
+    // then.
     void FreeOperation();
+    // Destroys a control, or nothing for null. From the listener of one of its jobs it comes back at once, and
+    // the control is destroyed when that job has ended.
+    static void Destroy(CBootLoader *control);
+    // The runs of freed jobs that were still under way, for the next job to wait for.
+    std::vector<ThreadEnd> RunsToEnd() const;
 
     // User system data of the target.
 
@@ -164,4 +172,10 @@ private:
     int openUserSystemDataFile(const std::string &path, PIMAGEELEMENT &element);
     int takeElement(PIMAGEELEMENT element);
     int probeFlashSizeRegister();
+    // Whether a job of this control, a freed one included, runs on the calling thread.
+    bool isOnJobsThread() const;
+    // Frees the current job without waiting for it.
+    void setJobAside();
+
+    std::vector<ThreadEnd> m_runsToEnd;
 };

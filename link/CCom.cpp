@@ -58,7 +58,7 @@ void CCom::copySettings(const CCom &other) {
 }
 
 void CCom::dropBootLoader() {
-    delete m_ObBootLoader;
+    CBootLoader::Destroy(m_ObBootLoader);
     m_ObBootLoader = nullptr;
 }
 

@@ -48,7 +48,7 @@ public:
     // A copy shares the handle and never the bootloader control, which belongs to one link alone.
     CCom(const CCom &other);
     CCom &operator=(const CCom &other);
-    // Destroys the bootloader control and leaves the port as it is.
+    // Destroys the bootloader control, as Close does, and leaves the port as it is.
     ~CCom();
 
     // Sets the defaults, forgets handle and bootloader control, and builds the support lists.
@@ -82,7 +82,9 @@ public:
 
     // Opens the port and makes the bootloader control.
     int Open();
-    // Destroys the bootloader control and closes the port.
+    // Destroys the bootloader control and closes the port. From the listener of a job the port closes at once
+    // and the job, which fails at its next call of the library, is destroyed with the control at its end; the
+    // link may be opened again after that.
     int Close();
     bool IsOpen() const;
     signed char GetInterfaceType() const;

@@ -26,7 +26,8 @@ BYTE CBootLoader::startBootloader() {
 
 BYTE CBootLoader::startUsart() {
     // The operator may have reset the chip by hand, so a board that is not wired for it still gets its try.
-    m_hCCOM->SetBootOption();
+    if (m_hCCOM != nullptr)
+        m_hCCOM->SetBootOption();
     const BYTE status = ZVBL_Init_BL(m_handle, 0, 0, 0);
     if (status == 0)
         ZVBL_ZV32ISP_TOOL(m_handle); // older bootloaders refuse it

@@ -1,24 +1,46 @@
 #include "operations/COperation.h"
 
+#include "foundation/Result.h"
 #include "link/BootLoader.h"
 
-COperation::COperation(CBootLoader *obBootLoader) : m_obBootLoader(obBootLoader) {}
+COperation::COperation(CBootLoader *obBootLoader) : m_obBootLoader(obBootLoader) {
+    if (obBootLoader)
+        m_earlierRuns = obBootLoader->RunsToEnd();
+}
 
 COperation::~COperation() {
     WaitUntilEnded();
 }
 
 void COperation::run() {
-    m_threadEnd.watchThisThread();
+    m_run.watchThisThread();
+    for (const ThreadEnd &earlier : m_earlierRuns)
+        earlier.wait();
     Work();
 }
 
 int COperation::Start() {
+    if (!m_run.claim())
+        return 0;
     ChangeStatus(SRART);
-    if (IsSubOperation())
-        return Work();
-    m_threadEnd = ThreadEnd();
+    if (!IsSubOperation())
+        return startThread();
+    m_run.enter();
+    const int result = Work();
+    m_run.release();
+    return result;
+}
+
+int COperation::startThread() {
     start(QThread::InheritPriority);
+    const bool isMade = isRunning() || isFinished();
+    if (isMade) {
+        m_run.leftToTheThread();
+        return 0;
+    }
+    m_run.enter();
+    abend(CResult::UNKNOWN_ERROR);
+    m_run.release();
     return 0;
 }
 
@@ -114,9 +136,15 @@ bool COperation::HasStart() const {
 }
 
 void COperation::WaitUntilEnded() {
-    const bool wasStarted = isRunning() || isFinished();
-    if (wasStarted)
-        m_threadEnd.wait();
+    m_run.wait();
+}
+
+void COperation::DeleteWhenEnded() {
+    m_run.atEnd([this] { delete this; });
+}
+
+const ThreadEnd &COperation::Run() const {
+    return m_run;
 }
 
 void COperation::ChangeStatus(Status emStatus) {

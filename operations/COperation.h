@@ -2,12 +2,13 @@
 
 #include <atomic>
 #include <string>
+#include <vector>
 
 #include <QObject>
 #include <QThread>
 
+#include "link/ThreadEnd.h"
 #include "operations/OperationTypes.h"
-#include "operations/ThreadEnd.h"
 
 class CBootLoader;
 
@@ -15,6 +16,9 @@ class CBootLoader;
 // reported to the listener. A top-level job runs on its own thread. A sub-operation runs on the
 // thread of the job that owns it, reports only its start and its progress, and hands its failure to
 // its owner as a return value. Results are 0 or a CResult code.
+// The listener is called on the job's thread. It may call everything of the job and of the bootloader
+// control, close the link and delete it: what would have to wait for the job comes back at once, and the
+// job lives until it has ended. It must not delete the job or the control itself.
 class COperation : public QThread {
 public:
     COperation() = default;
@@ -44,13 +48,18 @@ public:
     bool IsSubOperation() const;
 
     // Runs a sub-operation to its end and returns its result; starts the thread of a top-level job
-    // and returns 0.
+    // and returns 0. Without a thread to be had, the job ends with UNKNOWN_ERROR on the calling one.
+    // Without effect on a job that has not ended; WaitUntilEnded tells when it has.
     int Start();
     // Clears the started mark; interrupts nothing.
     void Stop();
     bool HasStart() const;
-    // Returns when the job's thread, if it has one, has left the job for good.
+    // Returns when the job's thread, if it has one, has left the job for good; at once on that thread.
     void WaitUntilEnded();
+    // Deletes the job once it has ended; at once when it does not run. Waits for nothing.
+    void DeleteWhenEnded();
+    // The run that WaitUntilEnded waits for.
+    const ThreadEnd &Run() const;
 
     void ChangeStatus(Status emStatus);
     void CallCommand(Command emCommand);
@@ -75,8 +84,10 @@ public:
     lpFunc m_lpFunc = nullptr;
 
 private:
+    int startThread();
     int abend(int result);
     int finish();
 
-    ThreadEnd m_threadEnd;
+    ThreadEnd m_run;
+    std::vector<ThreadEnd> m_earlierRuns; // of jobs on the same link, which come first
 };

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "link/BootLoader.h"
 #include "operations/Operation.h"
 
@@ -16,13 +18,51 @@ void replaceJob(CBootLoader *control, void *parameters = nullptr) {
 
 } // namespace
 
+std::vector<ThreadEnd> CBootLoader::RunsToEnd() const {
+    return m_runsToEnd;
+}
+
+bool CBootLoader::isOnJobsThread() const {
+    return (m_ObOperation && m_ObOperation->Run().isOnThisThread()) ||
+           std::any_of(m_runsToEnd.begin(), m_runsToEnd.end(),
+                       [](const ThreadEnd &run) { return run.isOnThisThread(); });
+}
+
+void CBootLoader::setJobAside() {
+    if (!m_ObOperation)
+        return;
+    if (m_ObOperation->Run().isUnderWay())
+        m_runsToEnd.push_back(m_ObOperation->Run());
+    m_ObOperation->DeleteWhenEnded();
+    m_ObOperation = nullptr;
+}
+
 void CBootLoader::FreeOperation() {
+    if (isOnJobsThread()) {
+        setJobAside();
+        return;
+    }
+    for (const ThreadEnd &run : m_runsToEnd)
+        run.wait();
+    m_runsToEnd.clear();
     if (!m_ObOperation)
         return;
     // The job's last event comes from its thread, so the thread may still be on its way out.
     m_ObOperation->WaitUntilEnded();
     delete m_ObOperation;
     m_ObOperation = nullptr;
+}
+
+void CBootLoader::Destroy(CBootLoader *control) {
+    if (!control || !control->isOnJobsThread()) {
+        delete control;
+        return;
+    }
+    control->setJobAside();
+    control->m_hCCOM = nullptr;
+    // The run that was added last ends last, since every job waits for those before it.
+    ThreadEnd last = control->m_runsToEnd.back();
+    last.atEnd([control] { delete control; });
 }
 
 void CBootLoader::EraseFlash(EraseParam param) {

@@ -17,3 +17,7 @@ void CBootLoader::FreeOperation() {
     delete m_ObOperation;
     m_ObOperation = nullptr;
 }
+
+void CBootLoader::Destroy(CBootLoader *control) {
+    delete control;
+}
