@@ -152,8 +152,9 @@ public:
     // be made gives its own code and must not be taken for "not protected".
     int GetAccessProtectiosStatus(bool *protectedFlag);
     // 0 when none of the sectors is under erase and program protection, SYS_ERASEPROGRAM_PROTECTION when one
-    // is or when reading is refused, and the code of the failure when the check could not be made. Sector
-    // numbers are those of an erase: from 32768 up they are SPIM sectors. An empty list is the whole device.
+    // is, SYS_ACCESS_PROTECTION when the chip refuses to be read, and the code of the failure when the check
+    // could not be made. Sector numbers are those of an erase: from 32768 up they are SPIM sectors. An empty list is
+    // the whole device.
     int HasBeenEraseProgramProtect(QList<int> sectors);
     // Removes flash access protection, which erases the flash, and reconnects, on the calling thread.
     int ReadoutUnProtectNoThread();

@@ -6,6 +6,7 @@
 
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
+#include "link/Refusal.h"
 #include "usersystemdata/CUserSystemData.h"
 
 namespace {
@@ -14,11 +15,6 @@ constexpr BYTE AccessProtectionOff = 0xA5;
 constexpr int FirstSpimSector = 32768;
 constexpr uint MassEraseMilliseconds = 100000;
 constexpr uint UsualMilliseconds = 5000;
-
-// A chip that answers and says no is protected; a chip that does not answer may be anything.
-bool isRefusal(int result) {
-    return result == CResult::SYS_CMD_NOT_ALLOWED || result == CResult::SYS_CMD_FAIL;
-}
 
 // Whether erase and program protection covers one of the sectors; an empty list is the whole device.
 bool coversOneOf(CUserSystemData &optionBytes, const QList<int> &sectors, bool haveSpim) {
@@ -74,7 +70,7 @@ int CBootLoader::HasBeenEraseProgramProtect(QList<int> sectors) {
     std::vector<BYTE> block;
     const int result = readOptionBytes(block);
     if (isRefusal(result))
-        return CResult::SYS_ERASEPROGRAM_PROTECTION;
+        return CResult::SYS_ACCESS_PROTECTION;
     if (result != CResult::SUCCESS)
         return result;
     CUserSystemData optionBytes(familyNumber(), m_BID, m_ObDevice, block.data(), static_cast<quint32>(block.size()));

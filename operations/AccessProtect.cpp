@@ -39,7 +39,7 @@ int CAccessProtect::Action() {
     if (result != 0)
         return result;
     if (!isProtected)
-        return CResult::SYS_CMD_FAIL;
+        return CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING;
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;

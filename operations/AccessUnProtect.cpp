@@ -32,7 +32,7 @@ int CAccessUnProtect::Action() {
     if (result != 0)
         return result;
     if (isProtected)
-        return CResult::SYS_CMD_FAIL;
+        return CResult::SYS_ACCESS_PROTECTION;
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;

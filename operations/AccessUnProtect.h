@@ -8,5 +8,6 @@ public:
     explicit CAccessUnProtect(CBootLoader *obBootLoader);
 
     int InitAction() override;
+    // SYS_ACCESS_PROTECTION when the chip took the command and is protected all the same.
     int Action() override;
 };

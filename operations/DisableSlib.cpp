@@ -64,5 +64,5 @@ int CDisableSlib::disable() {
     result = readEnabled(enabled);
     if (result != 0)
         return result;
-    return enabled ? CResult::SYS_CMD_FAIL : 0;
+    return enabled ? CResult::SLIB_HASBEEN_ENABLE_ERROR : 0;
 }

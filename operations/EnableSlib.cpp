@@ -80,5 +80,5 @@ int CEnableSlib::readBack() {
         return CResult::Convert(status);
     const bool asAsked = enabled == 1 && start == m_Parameters.m_usStartSector &&
                          startData == m_Parameters.m_usStartDataSector && end == m_Parameters.m_usEndSector;
-    return asAsked ? 0 : CResult::SYS_CMD_FAIL;
+    return asAsked ? 0 : CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING;
 }

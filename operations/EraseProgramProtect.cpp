@@ -62,5 +62,5 @@ int CEraseProgramProtect::readBack(const QList<int> &asked) {
     if (result != 0)
         return result;
     const bool all = std::all_of(asked.begin(), asked.end(), [&](int bit) { return protectedNow.contains(bit); });
-    return all ? 0 : CResult::SYS_CMD_FAIL;
+    return all ? 0 : CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING;
 }

@@ -31,7 +31,7 @@ int CEraseProgramUnProtect::Action() {
     if (result != 0)
         return result;
     if (!protectedBits.isEmpty())
-        return CResult::SYS_CMD_FAIL;
+        return CResult::SYS_ERASEPROGRAM_PROTECTION;
     CalculatePercent();
     CallCommand(COMMAND_DONE);
     return 0;

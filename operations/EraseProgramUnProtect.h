@@ -9,5 +9,6 @@ public:
     explicit CEraseProgramUnProtect(CBootLoader *obBootLoader);
 
     int InitAction() override;
+    // SYS_ERASEPROGRAM_PROTECTION when the chip took the command and a sector is protected all the same.
     int Action() override;
 };

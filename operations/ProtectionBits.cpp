@@ -4,6 +4,7 @@
 
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
+#include "link/Refusal.h"
 #include "operations/JobSteps.h"
 #include "usersystemdata/CUserSystemData.h"
 
@@ -43,7 +44,7 @@ int readProtected(CBootLoader &control, QList<int> &bits) {
     bits.clear();
     const int result = control.GetUserSystemData();
     if (result != 0)
-        return result == CResult::SYS_CMD_NOT_ALLOWED ? CResult::SYS_ACCESS_PROTECTION : result;
+        return isRefusal(result) ? CResult::SYS_ACCESS_PROTECTION : result;
     CUserSystemData *data = control.m_ObUserSystemData;
     if (!data)
         return CResult::UNKNOWN_ERROR;

@@ -37,8 +37,8 @@ TEST_F(ProtectionChecksTest, ARefusedReadIsAProtectedChip) {
         bool answer = false;
         EXPECT_EQ(bootLoader().GetAccessProtectiosStatus(&answer), CResult::SUCCESS);
         EXPECT_TRUE(answer);
-        EXPECT_EQ(check({0}), CResult::SYS_ERASEPROGRAM_PROTECTION);
-        EXPECT_EQ(check({}), CResult::SYS_ERASEPROGRAM_PROTECTION);
+        EXPECT_EQ(check({0}), CResult::SYS_ACCESS_PROTECTION);
+        EXPECT_EQ(check({}), CResult::SYS_ACCESS_PROTECTION);
     }
 }
 

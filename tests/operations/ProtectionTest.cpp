@@ -93,7 +93,7 @@ TEST_F(ProtectionTest, AccessOnFailures) {
         {"Interface_Open status=3", CResult::COM_CANT_OPEN_COM, "the port does not come back"},
         {"ZVBL_Init_BL status=0x11", CResult::SYS_CANT_INIT_BL, "the chip does not come back"},
         {"TARGET_GetUserSystemData status=5", CResult::COM_READ_FAIL, "the status cannot be read"},
-        {isOpen.c_str(), CResult::SYS_CMD_FAIL, "the chip says that it is open"},
+        {isOpen.c_str(), CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING, "the chip says that it is open"},
     };
     for (const auto &one : cases) {
         library.script(one.script);
@@ -122,8 +122,8 @@ TEST_F(ProtectionTest, AccessOffFailures) {
         {"ZVBL_ACCESS_PERM_UNPROTECT status=0x13", CResult::SYS_CMD_NOT_ALLOWED},
         {"Interface_Open status=3", CResult::COM_CANT_OPEN_COM},
         {"TARGET_GetUserSystemData status=4", CResult::COM_SEND_FAIL},
-        {"TARGET_GetUserSystemData status=0x13", CResult::SYS_CMD_FAIL},
-        {isProtected.c_str(), CResult::SYS_CMD_FAIL},
+        {"TARGET_GetUserSystemData status=0x13", CResult::SYS_ACCESS_PROTECTION},
+        {isProtected.c_str(), CResult::SYS_ACCESS_PROTECTION},
     };
     for (const auto &one : cases) {
         library.script(one.script);
@@ -206,11 +206,12 @@ TEST_F(ProtectionTest, SectorsOnFailures) {
         bool sent;
     } cases[] = {
         {"TARGET_GetUserSystemData status=0x13", CResult::SYS_ACCESS_PROTECTION, false},
+        {"TARGET_GetUserSystemData status=0x14", CResult::SYS_ACCESS_PROTECTION, false},
         {"TARGET_GetUserSystemData status=5", CResult::COM_READ_FAIL, false},
         {"ZVBL_ERASEPROGRAM_PROTECT status=0x14", CResult::SYS_CMD_FAIL, true},
         {"Interface_Open status=3", CResult::COM_CANT_OPEN_COM, true},
         {"TARGET_GetUserSystemData status=5 nth=2", CResult::COM_READ_FAIL, true},
-        {epp("FFFFFFFF", "FEFFFFFF"), CResult::SYS_CMD_FAIL, true}, // only one of the two
+        {epp("FFFFFFFF", "FEFFFFFF"), CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING, true}, // only one of the two
     };
     for (const auto &one : cases) {
         library.script(one.script);
@@ -236,8 +237,8 @@ TEST_F(ProtectionTest, SectorsOffFailures) {
         {"ZVBL_ERASEPROGRAM_PERM_UNPROTECT status=0x13", CResult::SYS_CMD_NOT_ALLOWED},
         {"Interface_Open status=3", CResult::COM_CANT_OPEN_COM},
         {"TARGET_GetUserSystemData status=5", CResult::COM_READ_FAIL},
-        {"TARGET_GetUserSystemData data=A5FFFFFFFFFFFF7F", CResult::SYS_CMD_FAIL}, // SPIM is left
-        {"TARGET_GetUserSystemData data=A5FFFFFFFFFEFFFF", CResult::SYS_CMD_FAIL},
+        {"TARGET_GetUserSystemData data=A5FFFFFFFFFFFF7F", CResult::SYS_ERASEPROGRAM_PROTECTION}, // SPIM is left
+        {"TARGET_GetUserSystemData data=A5FFFFFFFFFEFFFF", CResult::SYS_ERASEPROGRAM_PROTECTION},
     };
     for (const auto &one : cases) {
         library.script(one.script);
@@ -251,7 +252,7 @@ TEST_F(ProtectionTest, BitsOfNoSectorDoNotCount) {
     // 16 bits for 32 sectors; the upper half of the array covers nothing but SPIM at its very end.
     library.script("TARGET_GetUserSystemData data=A5FFFFFFFFFF007F nth=1\n"
                    "TARGET_GetUserSystemData data=A5FFFFFFFFFF00FF from=2");
-    EXPECT_EQ(unprotectSectors(), CResult::SYS_CMD_FAIL);
+    EXPECT_EQ(unprotectSectors(), CResult::SYS_ERASEPROGRAM_PROTECTION);
     EXPECT_EQ(unprotectSectors(), 0);
 }
 

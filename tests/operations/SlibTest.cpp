@@ -72,10 +72,10 @@ TEST_F(SlibTest, EnableFailures) {
         {"ZVBL_EnableSlib status=0x14" + asAsked, CResult::SYS_CMD_FAIL, true},
         {"Interface_Open status=3" + asAsked, CResult::COM_CANT_OPEN_COM, true},
         {"ZVBL_GetSlibStatus_Ex status=5", CResult::COM_READ_FAIL, true},
-        {"ZVBL_GetSlibStatus_Ex enabled=0 start=1 datastart=2 end=3", CResult::SYS_CMD_FAIL, true},
-        {"ZVBL_GetSlibStatus_Ex enabled=1 start=1 datastart=2 end=4", CResult::SYS_CMD_FAIL, true},
-        {"ZVBL_GetSlibStatus_Ex enabled=1 start=1 datastart=3 end=3", CResult::SYS_CMD_FAIL, true},
-        {"ZVBL_GetSlibStatus_Ex enabled=1 start=0 datastart=2 end=3", CResult::SYS_CMD_FAIL, true},
+        {"ZVBL_GetSlibStatus_Ex enabled=0 start=1 datastart=2 end=3", CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING, true},
+        {"ZVBL_GetSlibStatus_Ex enabled=1 start=1 datastart=2 end=4", CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING, true},
+        {"ZVBL_GetSlibStatus_Ex enabled=1 start=1 datastart=3 end=3", CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING, true},
+        {"ZVBL_GetSlibStatus_Ex enabled=1 start=0 datastart=2 end=3", CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING, true},
     };
     connect(f413);
     for (const auto &one : cases) {
@@ -122,7 +122,7 @@ TEST_F(SlibTest, DisableFailures) {
         {"ZVBL_GetSlibStatus enabled=1\nZVBL_DisableSlib status=0x14", 7, CResult::SLIB_DISABLE_PASSWORD_ERROR},
         {"ZVBL_GetSlibStatus enabled=1\nZVBL_DisableSlib status=0x13", 7, CResult::SYS_CMD_NOT_ALLOWED},
         {"ZVBL_GetSlibStatus enabled=1 nth=1\nInterface_Open status=3", 7, CResult::COM_CANT_OPEN_COM},
-        {"ZVBL_GetSlibStatus enabled=1", 7, CResult::SYS_CMD_FAIL},
+        {"ZVBL_GetSlibStatus enabled=1", 7, CResult::SLIB_HASBEEN_ENABLE_ERROR},
         {"ZVBL_GetSlibStatus enabled=1 nth=1\nZVBL_GetSlibStatus status=4 nth=2", 7, CResult::COM_SEND_FAIL},
     };
     connect(f413);

@@ -23,11 +23,11 @@ Access protection, proven by what the chip still does.
   $ line -e --sec 0-0
   Erase
   
-  The device is erase and program protection!
+  The device is access protection!
   [51]
   $ line -d --fn ./image.bin
   
-  The device is erase and program protection!
+  The device is access protection!
   [3]
   $ line -r
   Your code is running... (0x08000000)
