@@ -43,11 +43,7 @@ int CEnBank3::Action() {
         if (status != 0)
             return CResult::Convert(status);
     }
-    m_obBootLoader->GetUserSystemData(); // only one family needs it, and that one sees below whether it came
-    uint address = 0;
-    const int result = flashAddress(address);
-    if (result != 0)
-        return result;
+    const uint address = flashAddress();
     const int status = ZVBL_EnableBank3(link, m_Parameters.m_bFlashType, m_Parameters.m_uiFlashSize << 10, address);
     if (status != 0)
         return CResult::Convert(status);
@@ -56,15 +52,10 @@ int CEnBank3::Action() {
     return 0;
 }
 
-int CEnBank3::flashAddress(uint &address) const {
-    address = m_Parameters.m_uiFlashDA;
-    if (jobsteps::familyOf(m_obBootLoader) != ZV32F413)
-        return 0;
-    const CUserSystemData *data = m_obBootLoader->m_ObUserSystemData;
-    if (!data)
-        return CResult::UNKNOWN_ERROR;
-    // A bank whose keys are blank has no encrypted range.
-    if (keysAreBlank(*data))
-        address = 0;
-    return 0;
+// A bank whose keys are blank has no encrypted range. Keys that the chip does not show now, because it is
+// under access protection, decide nothing: it answers the enabling itself.
+uint CEnBank3::flashAddress() {
+    const bool isRead = m_obBootLoader->GetUserSystemData() == 0;
+    const bool isAsked = isRead && jobsteps::familyOf(m_obBootLoader) == ZV32F413;
+    return isAsked && keysAreBlank(*m_obBootLoader->m_ObUserSystemData) ? 0 : m_Parameters.m_uiFlashDA;
 }

@@ -15,5 +15,5 @@ public:
     EnBank3Param m_Parameters;
 
 private:
-    int flashAddress(uint &address) const;
+    uint flashAddress();
 };

@@ -52,11 +52,22 @@ TEST_F(EnBank3Test, BlankKeysMeanNoEncryptedRangeOnOneFamily) {
     }
 }
 
-TEST_F(EnBank3Test, UnknownKeysOnThatFamilyEnableNothing) {
+TEST_F(EnBank3Test, KeysThatCannotBeReadLeaveTheAnswerToTheChip) {
     connect(f413);
-    library.script("TARGET_GetUserSystemData status=0x13");
-    EXPECT_EQ(enable({false, false, 0x90, 1, 0x1000}), CResult::UNKNOWN_ERROR);
-    EXPECT_EQ(sent(), Lines());
+    const std::string refused = "TARGET_GetUserSystemData status=0x13\n";
+    library.script(refused + "ZVBL_EnableBank3 status=0x13");
+    EXPECT_EQ(enable({false, false, 0x90, 1, 0x1000}), CResult::SYS_CMD_NOT_ALLOWED);
+    EXPECT_EQ(sent(), Lines{"ZVBL_EnableBank3 h=1001 type=144 size=1024 addr=00001000"});
+    library.script(refused);
+    EXPECT_EQ(enable({false, false, 0x90, 1, 0x1000}), 0);
+}
+
+TEST_F(EnBank3Test, KeysOfAnEarlierReadingNeverDecide) {
+    connect(f413);
+    library.script(withKeys("FFFFFFFFFFFFFFFF") + " nth=1\nTARGET_GetUserSystemData status=0x13 from=2");
+    EXPECT_EQ(bootLoader().GetUserSystemData(), 0);
+    EXPECT_EQ(enable({false, false, 0x90, 1, 0x1000}), 0);
+    EXPECT_EQ(sent(), Lines{"ZVBL_EnableBank3 h=1001 type=144 size=1024 addr=00001000"});
 }
 
 TEST_F(EnBank3Test, OtherFamiliesDoWithoutTheKeys) {
