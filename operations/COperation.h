@@ -81,6 +81,7 @@ public:
     CActionInfo m_ActionInfo;
     CAbendInfo m_AbendInfo;
     std::string m_strInfoStringName; // with INFO_TYPE_INFO, which no job raises
+    static uint crc32table[258];     // MEANT: declared only, as the host computes no CRC
     lpFunc m_lpFunc = nullptr;
 
 private:

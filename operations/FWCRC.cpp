@@ -72,6 +72,7 @@ int CFWCRC::Action() {
             if (!jobsteps::fileNameOf(m_obProgramFile.at(i).m_StrPath, fileName))
                 return 0;
             m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_FWCRC), fileName);
+            m_InitInfo.m_strName = m_strName;
             Callback(INFO_TYPE_INIT);
         }
         const uint offset = m_uiAddressOffset.at(i);

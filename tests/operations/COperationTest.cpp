@@ -230,6 +230,10 @@ TEST_F(COperationTest, PercentIs100WhereAJobHasNoFormula) {
     EXPECT_EQ(counting.m_iAddSectorNum, 0);
 }
 
+TEST_F(COperationTest, TheTableOfTheChecksumIsDeclared) {
+    EXPECT_TRUE((std::is_same<decltype(COperation::crc32table), uint[258]>::value));
+}
+
 TEST_F(COperationTest, TheKindsHaveTheirNumbers) {
     const std::vector<int> kinds = {OP_ERASE,
                                     OP_DOWNLOAD,

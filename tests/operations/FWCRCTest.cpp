@@ -15,9 +15,8 @@ TEST_F(FWCRCTest, OpensAndWalksTheFiles) {
         events.clear();
         image("element address=08000000\nelement address=08000800");
         EXPECT_EQ(check({path("a.hex"), path("b.bin")}, {0, 0x08001000}), 0);
-        // The second INIT shows the record's own name, which only the preparation fills.
         EXPECT_EQ(events, (Lines{"INIT Firmware CRC Check------(a.hex)", "ACTION 0",
-                                 "INIT Firmware CRC Check------(a.hex)", "ACTION 0", "DONE"}));
+                                 "INIT Firmware CRC Check------(b.bin)", "ACTION 0", "DONE"}));
         EXPECT_EQ(job().m_strName, "Firmware CRC Check------(b.bin)");
         EXPECT_EQ(lastInit.m_strFilePath, path("b.bin"));
         EXPECT_EQ(lastInit.m_uiFileSize, 4096u);

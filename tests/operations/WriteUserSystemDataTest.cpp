@@ -36,6 +36,7 @@ TEST_F(WriteUserSystemDataTest, WritesItsCopy) {
 }
 
 TEST_F(WriteUserSystemDataTest, TheProjectsJobDoesTheSame) {
+    EXPECT_FALSE((std::is_base_of<CWriteUserSystemData, CWriteUserSystemDataProject>::value)) << "a job of its own";
     connect(f413);
     EXPECT_EQ(write<CWriteUserSystemDataProject>(elementImage()), 0);
     EXPECT_EQ(calls({"TARGET_SetUserSystemData"}).size(), 1u);
@@ -57,11 +58,17 @@ TEST_F(WriteUserSystemDataTest, WithoutData) {
     EXPECT_EQ(library.log(), "");
 }
 
-TEST_F(WriteUserSystemDataTest, ASecondRecordReplacesTheFirst) {
-    CWriteUserSystemData job(nullptr);
+template <class Job>
+void expectTheSecondRecord() {
+    Job job(nullptr);
     BYTE first[] = {1, 2, 3}, second[] = {9};
     job.SetParameters(first, 3);
     job.SetParameters(second, 1);
     EXPECT_EQ(job.m_UserSystemDataLen, 1u);
     EXPECT_EQ(job.m_UserSystemData[0], 9);
+}
+
+TEST_F(WriteUserSystemDataTest, ASecondRecordReplacesTheFirst) {
+    expectTheSecondRecord<CWriteUserSystemData>();
+    expectTheSecondRecord<CWriteUserSystemDataProject>();
 }
