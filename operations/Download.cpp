@@ -29,7 +29,7 @@ CDownload::CDownload(CBootLoader *obBootLoader)
 }
 
 CDownload::~CDownload() {
-    dropFiles();
+    m_lsProgramFile.clear();
     delete[] m_Parameters.m_UserSystemDataArray;
     delete m_obErase;
     delete m_obVerify;
@@ -76,10 +76,13 @@ int CDownload::InitAction() {
         result = ConfirmAddressOffset();
     if (result == 0)
         result = checkSectors();
-    if (result == 0 && m_Parameters.m_bEnBank3)
-        result = suboperations::prepareBank3(*this);
-    if (result != 0 || IsCancel())
+    if (result != 0)
         return result;
+    if (m_Parameters.m_bEnBank3) {
+        result = suboperations::prepareBank3(*this);
+        if (!suboperations::goesOn(*this, result))
+            return result;
+    }
     return prepareFlash();
 }
 
@@ -87,6 +90,10 @@ int CDownload::InitAction() {
 int CDownload::checkSectors() {
     if (!m_obBootLoader)
         return 0;
+    if (!m_obBootLoader->m_ObDevice)
+        return CResult::UNKNOWN_ERROR;
+    if (!jobsteps::isTrustedMap(*m_obBootLoader->m_ObDevice))
+        return CResult::PROGRAM_INPUT_PARAMS_ERROR;
     const QList<int> sectors = GetNecessarySectorIndex();
     return sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
 }
@@ -173,8 +180,8 @@ void CDownload::CalculatePercent(CProgramFile *pFile) {
 }
 
 int CDownload::ActionDone() {
-    const int result = suboperations::finishDownload(*this);
-    if (result != 0 || IsCancel()) {
+    int result = 0;
+    if (!suboperations::finishDownload(*this, result)) {
         ResetMcuAfterEnableSlib();
         return result;
     }

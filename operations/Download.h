@@ -53,7 +53,7 @@ public:
     void SetParameters(void *p) override; // a DownloadParam
     void SetOperationInfoDelegate(void *pFun) override;
 
-    // Takes the files over.
+    // Lends the files to the job.
     void SetDownLoadFile(QList<CProgramFile *> lsProgramFile);
     int OpenFile();
     int ConfirmAddressOffset();
@@ -82,8 +82,9 @@ public:
     int WriteSN(uint uiSNAddress, uint uiSNNumber, uint uiSNStep);
     int EnableSlib(uint uiPassword, ushort usStartSector, ushort usStartDataSector, ushort usEndSector);
 
-    QList<CProgramFile *> m_lsProgramFile; // one per path
-    CErase *m_obErase = nullptr;           // the sub-operations are owned
+    // One per path. MEANT: not owned; they stay until the process ends, but for the one that m_obVerify had last.
+    QList<CProgramFile *> m_lsProgramFile;
+    CErase *m_obErase = nullptr; // the sub-operations are owned
     CVerify *m_obVerify = nullptr;
     CWriteSN *m_obWriteSN = nullptr;
     CAccessProtect *m_obFAP = nullptr;
@@ -95,7 +96,6 @@ public:
 
 private:
     QList<COperation *> subOperations() const;
-    void dropFiles();
     int checkSectors();
     int prepareFlash();
     QList<int> sectorsByCount(uint startAddress, int count);

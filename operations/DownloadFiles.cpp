@@ -1,3 +1,7 @@
+#include <memory>
+#include <mutex>
+#include <utility>
+
 #include <QSet>
 
 #include "device/Device.h"
@@ -7,7 +11,6 @@
 #include "operations/BlockSplit.h"
 #include "operations/Download.h"
 #include "operations/JobSteps.h"
-#include "operations/Verify.h"
 
 // The part of a download that deals with its images: opening them, where they go, and which sectors
 // and blocks they touch.
@@ -28,28 +31,30 @@ QList<int> withoutRepeats(const QList<int> &sectors) {
     return unique;
 }
 
-} // namespace
-
-void CDownload::dropFiles() {
-    if (m_obVerify)
-        m_obVerify->SetVerifyFile(nullptr); // it would delete the file that it was lent last
-    qDeleteAll(m_lsProgramFile);
-    m_lsProgramFile.clear();
+// Nobody deletes an image that a job has opened, but the verify that had it last.
+CProgramFile *keptToTheEnd(std::unique_ptr<CProgramFile> file) {
+    static std::mutex mutex;
+    static auto &files = *new QList<CProgramFile *>;
+    const std::lock_guard<std::mutex> lock(mutex);
+    files.append(file.release());
+    return files.last();
 }
+
+} // namespace
 
 void CDownload::SetDownLoadFile(QList<CProgramFile *> lsProgramFile) {
     m_lsProgramFile = lsProgramFile;
 }
 
 int CDownload::OpenFile() {
-    dropFiles();
+    m_lsProgramFile.clear();
     for (const std::string &path : m_Parameters.m_strDownPathFile) {
-        auto *file = new CProgramFile;
-        m_lsProgramFile.append(file);
+        auto file = std::make_unique<CProgramFile>();
         file->SetOptimizeForOpen(m_Parameters.m_bOptimize);
         const int result = jobsteps::openImage(*file, path, jobsteps::deviceOf(m_obBootLoader));
         if (result != 0)
             return result;
+        m_lsProgramFile.append(keptToTheEnd(std::move(file)));
     }
     if (!m_lsProgramFile.isEmpty()) {
         m_InitInfo.m_strFilePath = m_lsProgramFile.first()->m_StrPath;

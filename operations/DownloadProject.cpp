@@ -62,18 +62,19 @@ int CDownloadProject::InitAction() {
     COperation::InitAction();
     m_InitInfo.m_strFilePath = first.FilePath;
     m_InitInfo.m_uiFileSize = static_cast<uint>(first.FileSize);
-    result = unlock();
-    if (result == 0 && !IsCancel() && m_Parameters.m_bEnBank3)
-        result = suboperations::prepareBank3(*this);
-    if (result != 0 || IsCancel())
+    if (!prepare(result))
         return result;
     result = Erase(m_Parameters.m_enEraseMode);
-    if (result == 0 && m_Parameters.m_bEnableSlib)
+    if (result != 0)
+        return result;
+    if (m_Parameters.m_bEnableSlib) {
         result = EnableSlib(m_Parameters.m_uiEnablePassword, m_Parameters.m_usStartSector,
                             m_Parameters.m_usStartDataSector, m_Parameters.m_usEndSector);
-    if (result == 0 && !IsCancel())
-        m_hasGetEraseProgramProtectStatus = false;
-    return result;
+        if (!suboperations::goesOn(*this, result))
+            return result;
+    }
+    m_hasGetEraseProgramProtectStatus = false;
+    return 0;
 }
 
 int CDownloadProject::checkRecord() const {
@@ -85,17 +86,21 @@ int CDownloadProject::checkRecord() const {
     return 0;
 }
 
-// Takes away what stands in the way of the download, and refuses what may not be taken away.
-int CDownloadProject::unlock() {
-    int result = 0;
-    if (m_Parameters.m_bRDUP)
-        result = RDUP();
-    if (result == 0 && !IsCancel() && m_Parameters.m_bDisableSlib)
-        result = DisableSlib(m_Parameters.m_uiDisablePassword);
+// Takes away what stands in the way of the download, and refuses what may not be taken away. False after
+// the step that failed or was cancelled.
+bool CDownloadProject::prepare(int &result) {
+    const auto step = [&](int code) { return suboperations::goesOn(*this, result = code); };
+    result = 0;
+    if (m_Parameters.m_bRDUP && !step(RDUP()))
+        return false;
+    if (m_Parameters.m_bDisableSlib && !step(DisableSlib(m_Parameters.m_uiDisablePassword)))
+        return false;
     // The families without an sLib area do not know the question.
-    if (result == 0 && !IsCancel() && m_obBootLoader->m_pCmds->GET_SLIB_STATUS_CMD == 1)
+    if (m_obBootLoader->m_pCmds->GET_SLIB_STATUS_CMD == 1)
         result = DownloadFileInSlibCheck();
-    return result;
+    if (result != 0)
+        return false;
+    return !m_Parameters.m_bEnBank3 || step(suboperations::prepareBank3(*this));
 }
 
 int CDownloadProject::Action() {
@@ -175,8 +180,8 @@ void CDownloadProject::CalculatePercent(int size) {
 
 int CDownloadProject::ActionDone() {
     m_hasGetEraseProgramProtectStatus = false;
-    const int result = suboperations::finishDownload(*this);
-    if (result != 0 || IsCancel())
+    int result = 0;
+    if (!suboperations::finishDownload(*this, result))
         return result;
     if (m_Parameters.m_bJump)
         return JumpToUserProgram();

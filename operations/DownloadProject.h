@@ -93,7 +93,7 @@ public:
 private:
     QList<COperation *> subOperations() const;
     int checkRecord() const;
-    int unlock();
+    bool prepare(int &result);
     int checkSectors();
     void describe(const SFileInfo &file);
     int downloadPart(const HEXFILEPARTINFO &part);

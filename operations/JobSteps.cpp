@@ -50,6 +50,21 @@ int sectorOf(uint address, uint flashSectorSize) {
     return static_cast<int>(address - flashBase) / static_cast<int>(flashSectorSize);
 }
 
+bool isTrustedMap(const CDevice &device) {
+    if (!device.m_CMapping)
+        return true;
+    const PMAPPING table = device.m_CMapping->GetIpMapping();
+    bool hasFlash = false;
+    for (DWORD i = 0; table && i < table->NbSectors; ++i) {
+        const MAPPINGSECTOR &sector = table->pSectors[i];
+        const bool isFlash = sector.dwStartAddress >= flashBase && sector.dwStartAddress < spimBase;
+        if (isFlash && sector.dwSectorSize != device.m_ISectorSize)
+            return false;
+        hasFlash = hasFlash || isFlash;
+    }
+    return hasFlash;
+}
+
 int openImage(CProgramFile &file, const std::string &path, CDevice *device) {
     int result = CResult::UNKNOWN_ERROR;
     // Another program may still be writing the file.

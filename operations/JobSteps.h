@@ -40,6 +40,10 @@ CDevice *deviceOf(const CBootLoader *control);
 // The sector of an address: -1 below flash, 32768 and up from SPIM's base.
 int sectorOf(uint address, uint flashSectorSize);
 
+// Whether the sector table of the map agrees with the sizes that an erase goes by: else an image would be
+// cut by one size and erased by another. A description without a map is asked nothing.
+bool isTrustedMap(const CDevice &device);
+
 // Opens an image, up to ten times a second apart, and refuses one without elements.
 int openImage(CProgramFile &file, const std::string &path, CDevice *device);
 

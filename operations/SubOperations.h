@@ -5,6 +5,7 @@
 #include "foundation/LibraryTypes.h"
 #include "foundation/Result.h"
 #include "link/EnBank3Param.h"
+#include "operations/COperation.h"
 
 class CAccessProtect;
 class CEnBank3;
@@ -43,19 +44,22 @@ int prepareBank3(Download &job) {
     return job.EnBank3();
 }
 
-// The steps behind a download that were asked for: serial number, user system data, access protection.
-// Stops at a failure and at a cancel.
+// Whether the job goes on after a step of it: not after a failure, nor after a cancel.
+inline bool goesOn(const COperation &job, int result) {
+    return result == 0 && !job.IsCancel();
+}
+
+// The steps after a download that were asked for: serial number, user system data, access protection.
+// False after the one that failed or was cancelled.
 template <class Download>
-int finishDownload(Download &job) {
+bool finishDownload(Download &job, int &result) {
     const auto &asked = job.m_Parameters;
-    int result = 0;
-    if (asked.m_bWriteSN)
-        result = job.WriteSN(asked.m_uiSNAddress, asked.m_uiSNNumber, asked.m_uiSNStep);
-    if (result == 0 && !job.IsCancel() && asked.m_UserSystemDataArray)
-        result = job.ApplyUserSystemData(asked.m_UserSystemDataArray, asked.m_UserSystemDataLen);
-    if (result == 0 && !job.IsCancel() && asked.m_bFAP)
-        result = job.FAP();
-    return result;
+    const auto step = [&](int code) { return goesOn(job, result = code); };
+    result = 0;
+    return (!asked.m_bWriteSN || step(job.WriteSN(asked.m_uiSNAddress, asked.m_uiSNNumber, asked.m_uiSNStep))) &&
+           (!asked.m_UserSystemDataArray ||
+            step(job.ApplyUserSystemData(asked.m_UserSystemDataArray, asked.m_UserSystemDataLen))) &&
+           (!asked.m_bFAP || step(job.FAP()));
 }
 
 } // namespace suboperations

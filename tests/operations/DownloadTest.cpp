@@ -1,5 +1,6 @@
 #include <QList>
 
+#include "files/CFiles.h"
 #include "tests/operations/OperationsTest.h"
 
 namespace {
@@ -29,6 +30,7 @@ protected:
         bootLoader().DownloadToDevice(parameters);
         return run();
     }
+    CDownload &job() { return static_cast<CDownload &>(*bootLoader().m_ObOperation); }
     // A compact block's element image, all pairs of value and complement.
     BYTE *userSystemData(BYTE protection) {
         BYTE *bytes = new BYTE[48];
@@ -378,6 +380,55 @@ TEST_F(DownloadTest, AnEmptyImageIsRefused) {
     EXPECT_EQ(library.log(), "");
 }
 
+TEST_F(DownloadTest, AFileIsTakenOnceItIsOpenAndHasElements) {
+    connect(f413);
+    for (const char *script : {"no-elements", "FILES_ImageFromFile status=5"}) {
+        image(script);
+        EXPECT_NE(download({"a.hex"}), 0);
+        EXPECT_TRUE(job().m_lsProgramFile.isEmpty()) << script;
+    }
+    std::string secondFails = oneSmall;
+    for (int attempt = 2; attempt <= 11; ++attempt)
+        secondFails += "\nFILES_ImageFromFile status=5 nth=" + std::to_string(attempt);
+    image(secondFails);
+    EXPECT_EQ(download({"a.hex", "b.hex"}), CResult::FILES_BADFORMAT);
+    ASSERT_EQ(job().m_lsProgramFile.size(), 1);
+    EXPECT_EQ(job().m_lsProgramFile.first()->m_StrPath, path("a.hex"));
+}
+
+TEST_F(DownloadTest, AJobDoesNotDeleteTheFilesItWasLent) {
+    connect(f413);
+    image(oneSmall);
+    CProgramFile file;
+    EXPECT_EQ(file.Open(path("a.hex"), bootLoader().m_ObDevice), 0);
+    {
+        CDownload lent(&bootLoader());
+        lent.SetDownLoadFile({&file});
+    }
+    EXPECT_EQ(file.m_StrPath, path("a.hex"));
+    EXPECT_EQ(file.GetElementCount(), 1);
+}
+
+// The sectors that an erase goes by stand in one section of a map, those that an image is cut by in all of it.
+TEST_F(DownloadTest, AMapThatDisagreesWithItselfEndsTheDownloadBeforeTheErase) {
+    connect(f413);
+    image(oneSmall);
+    for (const EraseMode mode : {ERASEMODE_NONE, NECESSARY, GLOBAL}) {
+        parameters.m_enEraseMode = mode;
+        bootLoader().m_ObDevice->m_ISectorSize = 1024;
+        EXPECT_EQ(download({"a.hex"}), CResult::PROGRAM_INPUT_PARAMS_ERROR);
+        EXPECT_EQ(library.log(), "");
+        bootLoader().m_ObDevice->m_ISectorSize = 2048;
+        PMAPPING table = bootLoader().m_ObDevice->m_CMapping->GetIpMapping();
+        const DWORD sectors = table->NbSectors;
+        table->NbSectors = 0;
+        EXPECT_EQ(download({"a.hex"}), CResult::PROGRAM_INPUT_PARAMS_ERROR) << "a table without sectors";
+        EXPECT_EQ(library.log(), "");
+        table->NbSectors = sectors;
+        EXPECT_EQ(download({"a.hex"}), 0);
+    }
+}
+
 TEST_F(DownloadTest, AFileOfNoKnownTypeIsRefused) {
     connect(f413);
     image(oneSmall);
@@ -413,6 +464,29 @@ TEST_F(DownloadTest, ASecondPathWithoutSlashGoesRoundUntilCancelled) {
     EXPECT_EQ(events.back(), "CANCEL");
     EXPECT_EQ(rounds, 50);
     EXPECT_EQ(calls({"ZVBL_DNLOAD"}).size(), 1u) << "the cursors stay at their end";
+}
+
+TEST_F(DownloadTest, WithoutSpimACancelDoesNotKeepTheEraseAway) {
+    connect(f413);
+    image(oneSmall);
+    parameters.m_strDownPathFile = {path("a.hex")};
+    bootLoader().DownloadToDevice(parameters);
+    const std::string log = runCancelledAtFirstCall();
+    EXPECT_NE(log.find(eraseOf(0)), std::string::npos) << log;
+    EXPECT_EQ(log.find("ZVBL_DNLOAD"), std::string::npos) << log;
+    EXPECT_EQ(events.back(), "CANCEL");
+}
+
+TEST_F(DownloadTest, ACancelAfterSpimWasEnabledKeepsTheEraseAway) {
+    connect(f403a);
+    image(oneSmall);
+    parameters.m_strDownPathFile = {path("a.hex")};
+    parameters.m_bEnBank3 = true;
+    bootLoader().DownloadToDevice(parameters);
+    const std::string log = runCancelledAtFirstCall();
+    EXPECT_NE(log.find("ZVBL_EnableBank3"), std::string::npos) << log;
+    EXPECT_EQ(log.find("ZVBL_ERASE"), std::string::npos) << log;
+    EXPECT_EQ(events.back(), "CANCEL");
 }
 
 TEST_F(DownloadTest, CancelWhileWriting) {

@@ -2,6 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 const Chip f403a{"ZV32F403A_1024K", "70050347", "07", "0347700507", 2048, 512, 2};
 const Chip f403_1{"ZV32F403_1_1024K", "70050341", "01", "0341700501", 2048, 512, 2};
@@ -63,6 +68,26 @@ int OperationsTest::run(COperation &job) {
     job.Start();
     job.WaitUntilEnded();
     return abendCode;
+}
+
+// The library writes its log into a pipe here, and waits in the first call for somebody to read.
+std::string OperationsTest::runCancelledAtFirstCall() {
+    const std::string usualLog = std::getenv("ZVBL_DOUBLE_LOG"), pipe = path("pipe");
+    EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    setenv("ZVBL_DOUBLE_LOG", pipe.c_str(), 1);
+    COperation &job = *bootLoader().m_ObOperation;
+    listen(job);
+    job.Start();
+    while (!job.IsContinue())
+        std::this_thread::yield();
+    job.Cancel();
+    const int reader = ::open(pipe.c_str(), O_RDWR | O_NONBLOCK);
+    job.WaitUntilEnded();
+    setenv("ZVBL_DOUBLE_LOG", usualLog.c_str(), 1);
+    std::string log(65536, '\0');
+    log.resize(static_cast<std::size_t>(std::max<ssize_t>(::read(reader, log.data(), log.size()), 0)));
+    ::close(reader);
+    return log;
 }
 
 void OperationsTest::listen(COperation &job) {

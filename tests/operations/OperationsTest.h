@@ -48,6 +48,10 @@ protected:
     int run();
     int run(COperation &job);
 
+    // The same, with the job cancelled between its preparation's beginning and its first call of the link library;
+    // gives the calls as the log tells them.
+    std::string runCancelledAtFirstCall();
+
     // Installs the listener.
     static void listen(COperation &job);
 

@@ -382,6 +382,37 @@ TEST_F(ProjectTest, TheFinishingSteps) {
     EXPECT_EQ(userSystemData[1], 0x00);
 }
 
+TEST_F(ProjectTest, WithoutAStepBeforeItACancelDoesNotKeepTheEraseAway) {
+    connect(f413);
+    parameters.m_DownFileInfo = {file({part(0x08000000, 16)})};
+    bootLoader().DownloadToDeviceProject(parameters);
+    const std::string log = runCancelledAtFirstCall();
+    EXPECT_NE(log.find("ZVBL_ERASE h=1001 selector=1 sector=0"), std::string::npos) << log;
+    EXPECT_EQ(log.find("ZVBL_DNLOAD"), std::string::npos) << log;
+    EXPECT_EQ(events.back(), "CANCEL");
+}
+
+TEST_F(ProjectTest, ACancelAfterSpimWasEnabledKeepsTheEraseAway) {
+    connect(f403a);
+    parameters.m_bEnBank3 = true;
+    parameters.m_DownFileInfo = {file({part(0x08000000, 16)})};
+    bootLoader().DownloadToDeviceProject(parameters);
+    const std::string log = runCancelledAtFirstCall();
+    EXPECT_EQ(log.find("ZVBL_ERASE"), std::string::npos) << log;
+    EXPECT_EQ(events.back(), "CANCEL");
+}
+
+TEST_F(ProjectTest, AFinishWithoutStepsIsNotCancelled) {
+    connect(f413);
+    CDownloadProject project(&bootLoader());
+    parameters.m_DownFileInfo = {file({part(0x08000000, 16)}, "HEX", 0x08000188)};
+    parameters.m_bJump = true;
+    project.SetParameters(&parameters);
+    project.CallCommand(COMMAND_CANCEL);
+    EXPECT_EQ(project.ActionDone(), 0);
+    EXPECT_EQ(calls({"ZVBL_GO"}), Lines{"ZVBL_GO h=1001 addr=08000188"});
+}
+
 TEST_F(ProjectTest, CancelBetweenChunks) {
     connect(f413);
     onEvent = [&](InfoType) {
