@@ -1,4 +1,4 @@
-#include "sim/usb/AcmDevice.h"
+#include "sim/links/usb/AcmDevice.h"
 
 #include <gtest/gtest.h>
 

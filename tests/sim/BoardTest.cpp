@@ -1,6 +1,6 @@
 // The board: control lines, and what they do to the chip.
 
-#include "sim/Board.h"
+#include "sim/bootloader/Board.h"
 
 #include <array>
 

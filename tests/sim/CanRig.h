@@ -2,7 +2,7 @@
 
 #include <deque>
 
-#include "sim/fronts/SlcanAdapter.h"
+#include "sim/links/SlcanAdapter.h"
 #include "tests/sim/Rig.h"
 
 namespace sim {

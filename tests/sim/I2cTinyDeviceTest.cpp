@@ -1,4 +1,4 @@
-#include "sim/usb/I2cTinyDevice.h"
+#include "sim/links/usb/I2cTinyDevice.h"
 
 #include <gtest/gtest.h>
 

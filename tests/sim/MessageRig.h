@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "sim/fronts/I2cProtocol.h"
-#include "sim/fronts/SpiProtocol.h"
+#include "sim/links/I2cProtocol.h"
+#include "sim/links/SpiProtocol.h"
 #include "tests/sim/Rig.h"
 
 namespace sim {

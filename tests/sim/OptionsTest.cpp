@@ -1,6 +1,6 @@
 // The command line of the simulator.
 
-#include "sim/Options.h"
+#include "sim/program/Options.h"
 
 #include <gtest/gtest.h>
 

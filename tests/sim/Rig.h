@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "sim/fronts/SerialLine.h"
+#include "sim/links/SerialLine.h"
 
 namespace sim {
 

@@ -1,6 +1,6 @@
 // The file that keeps a chip's memory.
 
-#include "sim/State.h"
+#include "sim/program/State.h"
 
 #include <cstdlib>
 #include <fstream>

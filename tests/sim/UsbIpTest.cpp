@@ -1,4 +1,4 @@
-#include "sim/usb/UsbIp.h"
+#include "sim/links/usb/UsbIp.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "sim/usb/DfuDevice.h"
-#include "sim/usb/UsbCable.h"
+#include "sim/links/usb/DfuDevice.h"
+#include "sim/links/usb/UsbCable.h"
 #include "tests/sim/Rig.h"
 
 namespace sim {

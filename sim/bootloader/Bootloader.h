@@ -1,0 +1,215 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "sim/bootloader/Log.h"
+#include "sim/chip/Chip.h"
+
+namespace sim {
+
+struct CommandRow;
+
+// What the chip wants to send, and from when: an ACK or NACK, or a whole reply.
+struct Output {
+    Bytes bytes;
+    Nanoseconds at = 0;
+    bool reply = false;
+    bool checked = false;   // a reply that ends in a check byte of its own
+    unsigned linkSpeed = 0; // behind it the link runs at so many bits per second; 0 for no change
+};
+
+// What a command does behind a group.
+enum class Next { end, nextGroup, reset, leave, powerLost };
+
+// One command that is under way: what its steps may use and leave for each other.
+class Exchange {
+public:
+    Exchange(Chip &target, const Bytes &opcodes, Faults &faults, Log &log, std::vector<Output> &out)
+        : chip(target), supported(opcodes), faults_(faults), log_(log), out_(out) {}
+
+    Chip &chip;
+    const Bytes &supported; // the opcodes that GET lists
+
+    // The address that the host sent; refusals name it.
+    void setAddress(std::uint32_t address) { address_ = address; }
+    std::uint32_t address() const { return address_.value_or(0); }
+
+    // Answers behind a group. refuse() tells the reason.
+    Next accept(Next next = Next::end);
+    Next refuse(const std::string &why);
+
+    // ACK for a group that is in order, with another one to come; else NACK.
+    Next goOn(const Outcome &outcome = {});
+
+    // ACK or NACK for work that has just been done, at the time when it is done.
+    Next conclude(const Outcome &outcome, Next next = Next::end);
+
+    // Whether an injected fault wants the coming answer to be a NACK; counts the answers.
+    bool refusedByFault();
+
+    void send(const Bytes &bytes); // the whole reply
+    void sendChecked(Bytes bytes); // and the XOR of its bytes, on every link
+
+    // The link changes its speed, bits per second, behind the answer that was just given.
+    void changeLinkSpeed(unsigned speed);
+
+    // What came of the last work, for links that tell more than a NACK.
+    const Outcome &outcome() const { return outcome_; }
+
+    // A group that tells the length of the next one, whose step can't: and what that one needs of it.
+    void expect(std::size_t length, const Bytes &told);
+    std::size_t expected() const { return expected_; }
+    const Bytes &told() const { return told_; }
+
+    void begin(const CommandRow &row);
+    const CommandRow *row = nullptr;
+    std::size_t step = 0;
+    Nanoseconds now = 0;
+
+private:
+    void answer(std::uint8_t byte);
+
+    Faults &faults_;
+    Log &log_;
+    std::vector<Output> &out_;
+    unsigned answers_ = 0;
+    Outcome outcome_;
+    std::optional<std::uint32_t> address_;
+    std::size_t expected_ = 0;
+    Bytes told_;
+};
+
+// One group of bytes from the host.
+struct Step {
+    std::size_t (*length)(const Bytes &arrived); // of the whole group, as far as what arrived tells; 0: see expect()
+    bool (*sound)(const Bytes &group);           // its checksum
+    Next (*act)(Exchange &exchange, const Bytes &group);
+};
+
+enum class Guard { none, access, high }; // refused under access protection; under its high level
+
+struct CommandRow {
+    std::uint8_t opcode;
+    const char *name;
+    Guard guard;
+    Next (*begin)(Exchange &exchange); // answers the opcode
+    std::vector<Step> steps;
+};
+
+// The `begin` of a command that only waits for its groups.
+Next awaitGroups(Exchange &exchange);
+
+// What a chip runs behind a reset.
+enum class Start { bootloader, application };
+
+using CommandTable = std::vector<CommandRow>;
+const CommandTable &fixedCommands();
+const CommandTable &ownCommands();
+const CommandTable &i2cCommands(); // variants of I2C
+const CommandTable &canCommands(); // additions of CAN
+
+// The resident bootloader: commands come as an opcode and groups of bytes, answers go out with the
+// time from which they may leave. It knows neither the link that carries them nor a clock.
+class Bootloader {
+public:
+    // What the link makes different: `variants` are commands that have other groups on it, `additions`
+    // commands that there are on no other.
+    Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants = nullptr,
+               const CommandTable *additions = nullptr);
+    Bootloader(const Bootloader &) = delete;
+    Bootloader &operator=(const Bootloader &) = delete;
+
+    // From a reset until it listens; what arrives meanwhile is lost.
+    static constexpr Nanoseconds startTime = 20 * millisecond;
+
+    // Whether bytes reach the bootloader: not while the chip starts or is held in reset, and not while it
+    // runs its own program.
+    bool listening(Nanoseconds now) const;
+
+    // Until then the chip works at its flash and takes nothing in.
+    Nanoseconds busyUntil() const { return busyUntil_; }
+
+    // Whether an opcode belongs next.
+    bool idle() const { return exchange_.row == nullptr; }
+
+    void command(std::uint8_t opcode, Nanoseconds now);
+    void feed(std::uint8_t byte, Nanoseconds now);
+
+    // Inside a command, for links that travel in messages: how long the group is that belongs next, as far
+    // as what has arrived of it and `more` behind that tell, and how much has arrived.
+    std::size_t groupLength(const Bytes &more) const;
+    std::size_t groupArrived() const { return group_.size(); }
+
+    // Something came in the place of that group: NACK, and the command is over.
+    void refuseGroup(const std::string &why, Nanoseconds now);
+
+    // A command in one message, its opcode and all its groups. One that is longer or shorter than that is
+    // refused behind its opcode, and nothing of it is carried out.
+    void whole(std::uint8_t opcode, const Bytes &groups, Nanoseconds now);
+
+    // The same for a command in a form that only this link has: in a row of its own, supported or not.
+    void whole(const CommandRow &row, const Bytes &groups, Nanoseconds now);
+
+    // How the last command went on behind its last answer, and what came of its work.
+    Next ended() const { return ended_; }
+    const Outcome &outcome() const { return exchange_.outcome(); }
+
+    // Whether a fault has made the chip silent, until a reset.
+    bool silent() const { return silent_; }
+
+    // Drops a command that is under way; nothing of it is carried out.
+    void drop(const std::string &why);
+
+    // Bytes outside a command: what the link's own framing answers.
+    void answer(std::uint8_t byte, Nanoseconds now);
+    void refuse(const std::string &why, Nanoseconds now);
+
+    // The last answer in front of a reset left only now, because the host had to fetch it: the chip starts now.
+    void startFrom(Nanoseconds now) { listensFrom_ = now + startTime; }
+
+    // The reset button, and the power.
+    void reset(Nanoseconds now);
+    void losePower(Nanoseconds now);
+
+    // The pins: what every start from now on starts, and the reset line. While it is held the chip does
+    // nothing, and what was under way is lost.
+    void select(Start start) { selected_ = start; }
+    void hold(Nanoseconds now);
+    void release(Nanoseconds now);
+
+    unsigned resets() const { return chip_.resets(); }
+
+    std::vector<Output> takeOutput();
+
+private:
+    const CommandRow *rowOf(std::uint8_t opcode) const;
+    bool guarded(const CommandRow &row) const;
+    std::size_t lengthOf(const Bytes &group) const;
+    bool admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds now);
+    void take(const Bytes &group, Nanoseconds now);
+    void wholeBehindOpcode(const Bytes &groups);
+    void follow(Next next);
+    void start(Nanoseconds now);
+    void leave();
+
+    Chip &chip_;
+    Faults &faults_;
+    Log &log_;
+    const CommandTable *variants_;
+    const CommandTable *additions_;
+    std::vector<Output> out_;
+    Exchange exchange_;
+    Bytes supported_;
+    Bytes group_;
+    Next ended_ = Next::end;
+    Start selected_ = Start::bootloader;
+    bool held_ = false;
+    bool gone_ = false; // it runs its own program
+    bool silent_ = false;
+    Nanoseconds listensFrom_ = 0;
+    Nanoseconds busyUntil_ = 0;
+};
+
+} // namespace sim

@@ -1,0 +1,50 @@
+#include "sim/chip/Cells.h"
+
+#include <algorithm>
+
+namespace sim {
+
+namespace {
+constexpr std::uint8_t erased = 0xFF;
+}
+
+Cells::Cells(std::size_t size, CellKind kind, std::size_t stepLength, Faults &faults)
+    : bytes_(size, erased), kind_(kind), stepLength_(stepLength), faults_(&faults) {}
+
+Bytes Cells::read(std::size_t offset, std::size_t length) const {
+    const auto first = bytes_.begin() + static_cast<std::ptrdiff_t>(offset);
+    return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
+}
+
+bool Cells::canProgram(std::size_t offset, const Bytes &bytes) const {
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        if (bytes[i] != erased && bytes_[offset + i] != erased)
+            return false;
+    return true;
+}
+
+bool Cells::program(std::size_t offset, const Bytes &bytes) {
+    if (faults_->powerFails(kind_))
+        return false;
+    for (std::size_t i = 0; i < bytes.size(); i += stepLength_) {
+        const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(i);
+        const auto last = first + static_cast<std::ptrdiff_t>(std::min(stepLength_, bytes.size() - i));
+        if (std::all_of(first, last, [](std::uint8_t byte) { return byte == erased; }))
+            continue;
+        // Programming can only clear bits.
+        std::transform(first, last, bytes_.begin() + static_cast<std::ptrdiff_t>(offset + i),
+                       bytes_.begin() + static_cast<std::ptrdiff_t>(offset + i),
+                       [](std::uint8_t byte, std::uint8_t cell) { return static_cast<std::uint8_t>(byte & cell); });
+        ++changes_;
+        if (faults_->programmed(kind_))
+            return false;
+    }
+    return true;
+}
+
+void Cells::erase(std::size_t offset, std::size_t length) {
+    std::fill_n(bytes_.begin() + static_cast<std::ptrdiff_t>(offset), length, erased);
+    ++changes_;
+}
+
+} // namespace sim

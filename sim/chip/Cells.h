@@ -1,0 +1,54 @@
+#pragma once
+
+#include "sim/chip/ChipTable.h"
+#include "sim/chip/Fault.h"
+
+namespace sim {
+
+// What became of something that the chip was asked to do.
+struct Outcome {
+    enum class Kind { done, refused, powerLost };
+    Kind kind = Kind::done;
+    std::string why;        // of a refusal
+    bool notErased = false; // it was refused because of what a cell holds
+
+    static Outcome refuse(std::string why) { return {Kind::refused, std::move(why), false}; }
+    static Outcome refuseNotErased(std::string why) { return {Kind::refused, std::move(why), true}; }
+    static Outcome powerLost() { return {Kind::powerLost, {}, false}; }
+    bool done() const { return kind == Kind::done; }
+};
+
+// A non-volatile array. Erased cells read FF, and only those can be programmed. The power can fail
+// behind each programming step; what the steps before it wrote stays.
+class Cells {
+public:
+    // `stepLength`: bytes that one programming step writes.
+    Cells(std::size_t size, CellKind kind, std::size_t stepLength, Faults &faults);
+
+    std::size_t size() const { return bytes_.size(); }
+    const std::uint8_t *data() const { return bytes_.data(); }
+    Bytes read(std::size_t offset, std::size_t length) const;
+
+    // Whether every byte but FF would go into an erased cell.
+    bool canProgram(std::size_t offset, const Bytes &bytes) const;
+
+    // Programs in ascending order; steps of FF throughout are left out. False when the power went.
+    bool program(std::size_t offset, const Bytes &bytes);
+
+    void erase(std::size_t offset, std::size_t length);
+
+    // For loading a saved content: the cells behind the physics.
+    std::uint8_t *raw() { return bytes_.data(); }
+
+    // Counts changes, so that an unchanged memory need not be saved.
+    std::uint64_t changes() const { return changes_; }
+
+private:
+    Bytes bytes_;
+    CellKind kind_;
+    std::size_t stepLength_;
+    Faults *faults_;
+    std::uint64_t changes_ = 0;
+};
+
+} // namespace sim

@@ -1,0 +1,205 @@
+#include "sim/chip/Chip.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "libs/zvbl/wire/Wire.h"
+#include "sim/chip/Crc32.h"
+
+namespace sim {
+
+namespace {
+
+constexpr std::uint8_t blank = 0xFF;
+
+// A serial number of its own for every kind of chip, the same in every run.
+Bytes uniqueIdOf(const ChipFacts &chip, unsigned number) {
+    constexpr std::size_t length = 12;
+    Bytes id;
+    std::uint32_t word = number;
+    while (id.size() < length) {
+        word = crc32(reinterpret_cast<const std::uint8_t *>(chip.name.data()), chip.name.size(), word);
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            id.push_back(static_cast<std::uint8_t>(word >> shift));
+    }
+    return id;
+}
+
+Bytes blockIdentifierOf(const ChipFacts &chip) {
+    constexpr std::uint8_t ofChipsWithoutBid = 0x41;
+    Bytes bytes(8, blank);
+    bytes[6] = chip.bid != 0 ? chip.bid : ofChipsWithoutBid;
+    return bytes;
+}
+
+} // namespace
+
+Chip::Chip(const ChipFacts &facts, std::size_t spimSize, FlashTime flashTime, Faults &faults, unsigned number)
+    : facts_(facts), flashTime_(flashTime), flash_(facts.flashKb * 1024, CellKind::flash, 1, faults),
+      options_(facts, faults), otp_(facts, faults), spim_(facts.spim ? spimSize : 0, faults),
+      protection_(facts, options_), ram_(facts.ramKb * 1024) {
+    layOutMemory(number);
+}
+
+void Chip::layOutMemory(unsigned number) {
+    const auto cells = [](const Cells &of) {
+        return [&of](std::size_t offset, std::size_t length) { return of.read(offset, length); };
+    };
+    regions_.push_back({wire::flashBase, flash_.size(), wire::writeGranularity,
+                        [this](std::size_t offset, std::size_t length) { return readFlash(offset, length); },
+                        [this](std::size_t offset, const Bytes &bytes) { return writeFlash(offset, bytes); }});
+    regions_.push_back({wire::spimBase, spim_.cells().size(), wire::writeGranularity, cells(spim_.cells()),
+                        [this](std::size_t offset, const Bytes &bytes) { return writeSpim(offset, bytes); }});
+    regions_.push_back({layoutOf(facts_).address, options_.cells().size(), 1, cells(options_.cells()), {}});
+    regions_.push_back({facts_.otpAddress, otp_.data().size(), 1, cells(otp_.data()),
+                        [this](std::size_t offset, const Bytes &bytes) { return otp_.writeData(offset, bytes); }});
+    regions_.push_back({Otp::lockAddress, otp_.locks().size(), 1, cells(otp_.locks()),
+                        [this](std::size_t offset, const Bytes &bytes) { return otp_.writeLocks(offset, bytes); }});
+    regions_.push_back({wire::ramBase, ram_.size(), 1,
+                        [this](std::size_t offset, std::size_t length) {
+                            const auto first = ram_.begin() + static_cast<std::ptrdiff_t>(offset);
+                            return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
+                        },
+                        [this](std::size_t offset, const Bytes &bytes) {
+                            std::copy(bytes.begin(), bytes.end(), ram_.begin() + static_cast<std::ptrdiff_t>(offset));
+                            return Outcome{};
+                        }});
+    addIdentification(number);
+}
+
+void Chip::addIdentification(unsigned number) {
+    const auto fixed = [this](std::uint32_t base, const Bytes &content) {
+        regions_.push_back({base,
+                            content.size(),
+                            1,
+                            [content](std::size_t offset, std::size_t length) {
+                                const auto first = content.begin() + static_cast<std::ptrdiff_t>(offset);
+                                return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
+                            },
+                            {}});
+    };
+    fixed(wire::flashSizeRegister,
+          {static_cast<std::uint8_t>(facts_.flashKb), static_cast<std::uint8_t>(facts_.flashKb >> 8)});
+    fixed(wire::uniqueId, uniqueIdOf(facts_, number));
+    fixed(wire::blockIdentifier, blockIdentifierOf(facts_));
+}
+
+void Chip::reset() {
+    protection_.latch();
+    spim_.reset();
+    ++resets_;
+}
+
+void Chip::losePower() {
+    std::fill(ram_.begin(), ram_.end(), std::uint8_t{0});
+    reset();
+}
+
+const Chip::Region *Chip::regionAt(std::uint32_t address, std::size_t length) const {
+    for (const Region &region : regions_) {
+        const std::size_t size = region.base == wire::spimBase ? spim_.enabledSize() : region.size;
+        if (address >= region.base && length <= size && address - region.base <= size - length)
+            return &region;
+    }
+    return nullptr;
+}
+
+Outcome Chip::checkRead(std::uint32_t address, std::size_t length) const {
+    return regionAt(address, length) != nullptr ? Outcome{} : Outcome::refuse("not inside a memory of this chip");
+}
+
+Outcome Chip::checkWrite(std::uint32_t address, std::size_t length) const {
+    const Region *region = regionAt(address, length);
+    if (region == nullptr)
+        return Outcome::refuse("not inside a memory of this chip");
+    if (!region->write)
+        return Outcome::refuse("this memory cannot be written");
+    return address % region->granularity == 0 ? Outcome{} : Outcome::refuse("address is not a multiple of 4");
+}
+
+Outcome Chip::read(std::uint32_t address, std::size_t length, Bytes &bytes) const {
+    const Outcome outcome = checkRead(address, length);
+    if (outcome.done()) {
+        const Region *region = regionAt(address, length);
+        bytes = region->read(address - region->base, length);
+    }
+    return outcome;
+}
+
+Outcome Chip::write(std::uint32_t address, const Bytes &bytes) {
+    const Outcome outcome = checkWrite(address, bytes.size());
+    if (!outcome.done())
+        return outcome;
+    const Region *region = regionAt(address, bytes.size());
+    if (bytes.size() % region->granularity != 0)
+        return Outcome::refuse("length is not a multiple of 4");
+    return region->write(address - region->base, bytes);
+}
+
+Outcome Chip::checkGo(std::uint32_t address) const {
+    const Region *region = regionAt(address, 1);
+    const bool runnable = region != nullptr && (region->base == wire::flashBase || region->base == wire::spimBase ||
+                                                region->base == wire::ramBase);
+    return runnable ? Outcome{} : Outcome::refuse("no code can run there");
+}
+
+bool Chip::goResets(std::uint32_t address) const {
+    constexpr std::uint32_t word = 4;
+    return facts_.goToEndResets && address == wire::flashBase + flash_.size() - word;
+}
+
+Bytes Chip::readFlash(std::size_t offset, std::size_t length) const {
+    Bytes bytes = flash_.read(offset, length);
+    for (std::size_t i = 0; i < length; ++i)
+        if (slib_.hides(static_cast<unsigned>((offset + i) / facts_.sectorSize)))
+            bytes[i] = blank;
+    return bytes;
+}
+
+Outcome Chip::writeFlash(std::size_t offset, const Bytes &bytes) {
+    const std::size_t last = (offset + bytes.size() - 1) / facts_.sectorSize;
+    for (std::size_t sector = offset / facts_.sectorSize; sector <= last; ++sector) {
+        const auto number = static_cast<unsigned>(sector);
+        if (protection_.sectorProtected(number) || slib_.covers(number))
+            return Outcome::refuse("sector " + std::to_string(number) + " is protected");
+    }
+    if (!flash_.canProgram(offset, bytes))
+        return Outcome::refuseNotErased("cell not erased");
+    spendProgramming(bytes.size());
+    return flash_.program(offset, bytes) ? Outcome{} : Outcome::powerLost();
+}
+
+Outcome Chip::writeSpim(std::size_t offset, const Bytes &bytes) {
+    if (protection_.spimProtected())
+        return Outcome::refuse("SPIM is protected");
+    if (!spim_.cells().canProgram(offset, bytes))
+        return Outcome::refuseNotErased("cell not erased");
+    spendProgramming(bytes.size());
+    return spim_.cells().program(offset, bytes) ? Outcome{} : Outcome::powerLost();
+}
+
+void Chip::spendProgramming(std::size_t bytes) {
+    constexpr Nanoseconds page = 256;
+    time_ += flashTime_.program256 * static_cast<Nanoseconds>(bytes) / page;
+}
+
+Nanoseconds Chip::takeTime() {
+    return std::exchange(time_, 0);
+}
+
+std::vector<Chip::Section> Chip::sections() {
+    return {{"flash", &flash_},
+            {"option bytes", &options_.cells()},
+            {"OTP data", &otp_.data()},
+            {"OTP locks", &otp_.locks()},
+            {"SPIM", &spim_.cells()}};
+}
+
+std::uint64_t Chip::changes() {
+    std::uint64_t sum = slib_.changes();
+    for (const Section &section : sections())
+        sum += section.cells->changes();
+    return sum;
+}
+
+} // namespace sim

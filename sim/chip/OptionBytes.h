@@ -1,0 +1,30 @@
+#pragma once
+
+#include "sim/chip/Cells.h"
+
+namespace sim {
+
+// The option bytes: every byte of the compact form lies in memory with its complement behind it.
+class OptionBytes {
+public:
+    OptionBytes(const ChipFacts &chip, Faults &faults);
+
+    // Item `i` of the compact form; one whose complement does not match reads FF.
+    std::uint8_t item(std::size_t i) const;
+    Bytes compact() const;
+
+    // What the factory puts there: no protection, everything else FF.
+    Bytes factory() const;
+
+    // Erases all, then programs every byte with its complement, one pair a step. False when the power went.
+    bool write(const Bytes &compact);
+
+    Cells &cells() { return cells_; }
+    const Cells &cells() const { return cells_; }
+
+private:
+    const OptionLayout *layout_;
+    Cells cells_;
+};
+
+} // namespace sim

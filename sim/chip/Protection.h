@@ -1,0 +1,44 @@
+#pragma once
+
+#include "sim/chip/OptionBytes.h"
+
+namespace sim {
+
+// The access protection byte: this value leaves the chip open, any other protects it.
+constexpr std::uint8_t accessOpen = 0xA5;
+constexpr std::uint8_t accessLow = 0x00;
+constexpr std::uint8_t accessHigh = 0xCC; // on chips with levels: cannot be undone
+
+enum class AccessLevel { open, low, high };
+
+// What the option bytes protect. Taken over at a reset: what is written later holds from the next one on.
+class Protection {
+public:
+    Protection(const ChipFacts &chip, const OptionBytes &options);
+
+    void latch();
+
+    AccessLevel access() const { return access_; }
+    bool sectorProtected(unsigned sector) const;
+    bool spimProtected() const;
+
+    // The number of groups that the option bytes have bits for.
+    unsigned groups() const;
+
+    // The compact option bytes as they have to be written for a change; nothing is written here.
+    Bytes withAccess(AccessLevel level) const;
+    Bytes withGroupsProtected(const Bytes &groupNumbers) const;
+    Bytes withGroupsOpen() const;
+
+private:
+    unsigned groupOf(unsigned sector) const;
+    bool groupProtected(unsigned group) const;
+
+    const ChipFacts *chip_;
+    const OptionLayout *layout_;
+    const OptionBytes *options_;
+    AccessLevel access_ = AccessLevel::open;
+    Bytes epp_;
+};
+
+} // namespace sim

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <deque>
+#include <optional>
+
+#include "sim/bootloader/Bootloader.h"
+
+namespace sim {
+
+// What is left of a message when its bytes have gone by one by one: lost ones are missing, doubled ones stand
+// twice, and behind a hang-up nothing follows.
+struct Passage {
+    Bytes bytes;
+    Nanoseconds late = 0;
+    bool hangup = false;
+    std::optional<unsigned> replugMs;
+};
+
+Passage pass(const Bytes &bytes, Direction direction, Faults &faults);
+
+// The chip on a link where every group is one message and the host fetches the answers: they wait until it
+// does. A chip that resets or leaves behind its last answer stays there until that has been fetched.
+class Mailbox {
+public:
+    explicit Mailbox(Bootloader &bootloader) : bootloader_(bootloader) {}
+
+    // Whether there is a chip on the link.
+    bool there(Nanoseconds now) const { return departure_.has_value() || bootloader_.listening(now); }
+
+    // Whether it is at its flash and takes nothing in.
+    bool working(Nanoseconds now) const { return now < bootloader_.busyUntil(); }
+
+    // A message: the opcode with its complement, or the group that belongs next, or a NACK.
+    void group(const Bytes &bytes, Nanoseconds now);
+
+    // What the link's own framing answers.
+    void answer(std::uint8_t byte, Nanoseconds now);
+
+    // The answer that is next, null for none; and what becomes of its bytes on the way, once they leave.
+    Output *next() { return answers_.empty() ? nullptr : &answers_.front(); }
+    std::optional<Passage> leaving;
+
+    void fetched(Nanoseconds now);   // the host has it
+    void throwAway(Nanoseconds now); // all of them
+
+    void reset(Nanoseconds now);
+    void losePower(Nanoseconds now);
+
+private:
+    void opening(const Bytes &bytes, Nanoseconds now);
+    void collect();
+    void followDeparture(Nanoseconds now);
+    void forget();
+
+    Bootloader &bootloader_;
+    std::deque<Output> answers_;
+    std::optional<Next> departure_; // a reset or the end, behind the last answer
+};
+
+} // namespace sim

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "sim/bootloader/Log.h"
+#include "sim/links/Mailbox.h"
+
+namespace sim {
+
+// The chip as a target on an SPI bus: what is clocked in while it is selected is one message, a group or a
+// fetch. Every byte is told with the time at which it is through.
+class SpiProtocol {
+public:
+    SpiProtocol(Bootloader &bootloader, Faults &faults, Log &log);
+
+    // Chip select; both ends are told.
+    void select(Nanoseconds now);
+    void deselect(Nanoseconds now);
+
+    // A byte from the host; the one that the chip sends meanwhile.
+    std::uint8_t shift(std::uint8_t byte, Nanoseconds now);
+
+    // Unplugged by a fault.
+    const std::optional<Passage> &hangup() const { return hangup_; }
+
+    void reset(Nanoseconds now) { mailbox_.reset(now); }
+    void losePower(Nanoseconds now);
+
+private:
+    enum class Kind { none, fetch, message };
+
+    std::uint8_t fetch(Nanoseconds now);
+    void take(const Bytes &message, Nanoseconds now);
+    void group(const Bytes &group, Nanoseconds now);
+
+    Bootloader &bootloader_;
+    Mailbox mailbox_;
+    Faults &faults_;
+    Log &log_;
+    unsigned resets_;
+    bool inStep_ = false;
+    bool present_ = false; // what the chip was when it was selected
+    bool working_ = false;
+    Kind kind_ = Kind::none;
+    Bytes message_;
+    std::size_t sent_ = 0; // bytes of the answer that is leaving
+    std::optional<Passage> hangup_;
+};
+
+} // namespace sim

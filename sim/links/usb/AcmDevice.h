@@ -1,0 +1,45 @@
+#pragma once
+
+#include "sim/bootloader/Board.h"
+#include "sim/links/SerialLine.h"
+#include "sim/links/usb/StandardRequests.h"
+#include "sim/links/usb/UsbPlug.h"
+
+namespace sim {
+
+// A USB serial adapter with the chip's USART behind it: the Abstract Control Model of the Communications
+// Device Class (CDC 1.2, PSTN 1.2), which every system has a driver for.
+class AcmDevice : public UsbDevice {
+public:
+    // It has power and has started by now. `pace`: bytes take the time that they need at the rate that the
+    // host has set.
+    AcmDevice(const Wiring &wiring, Bootloader &bootloader, Faults &faults, Log &log, bool pace, Nanoseconds now);
+
+    const UsbDescriptors &descriptors() const override { return descriptors_; }
+    UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) override;
+    UsbAnswer out(std::uint8_t endpoint, const Bytes &data, Nanoseconds now) override;
+    UsbAnswer in(std::uint8_t endpoint, std::size_t length, Nanoseconds now) override;
+    void busReset(Nanoseconds now) override;
+    UsbPresence presence(Nanoseconds now) override;
+    std::optional<Nanoseconds> nextEvent(Nanoseconds now) override;
+    void pressReset(Nanoseconds now) override;
+    void losePower(Nanoseconds now) override;
+
+private:
+    UsbAnswer setLineCoding(const Bytes &coding, Nanoseconds now);
+    UsbAnswer setControlLines(unsigned lines, Nanoseconds now);
+    void followHangup(Nanoseconds now);
+    void powerUp(Nanoseconds now);
+
+    Log &log_;
+    const bool pace_;
+    const UsbDescriptors descriptors_;
+    StandardRequests standard_{descriptors_};
+    Board board_;
+    UsartProtocol protocol_;
+    SerialLine line_;
+    Bytes coding_;
+    UsbPlug plug_;
+};
+
+} // namespace sim

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "sim/chip/Chip.h"
+#include "sim/links/usb/UsbDevice.h"
+
+namespace sim {
+
+// The most that one block carries.
+constexpr std::uint16_t dfuTransferSize = 4096;
+
+// What a chip in its bootloader says of itself: one interface in DFU mode, whose string describes the flash,
+// and as serial number the unique identifier.
+UsbDescriptors dfuDescriptors(const Chip &chip);
+
+} // namespace sim

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "sim/chip/Fault.h"
+#include "sim/links/usb/UsbDevice.h"
+
+namespace sim {
+
+// The cable between a host and a device: control transfers take their time on it, and what is to go wrong goes
+// wrong there. Standard requests are left alone, so that what a host asks while it gets to know a device does
+// not move the places of faults. Everything else passes.
+class UsbCable : public UsbDevice {
+public:
+    // `pace`: transfers take about the time that they need on a full-speed bus.
+    UsbCable(UsbDevice &device, Faults &faults, bool pace) : device_(device), faults_(faults), pace_(pace) {}
+
+    const UsbDescriptors &descriptors() const override { return device_.descriptors(); }
+    UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) override;
+    UsbAnswer out(std::uint8_t endpoint, const Bytes &data, Nanoseconds now) override;
+    UsbAnswer in(std::uint8_t endpoint, std::size_t length, Nanoseconds now) override;
+    void busReset(Nanoseconds now) override { device_.busReset(now); }
+    UsbPresence presence(Nanoseconds now) override;
+    std::optional<Nanoseconds> nextEvent(Nanoseconds now) override;
+    void pressReset(Nanoseconds now) override;
+    void losePower(Nanoseconds now) override;
+
+private:
+    void advance(Nanoseconds now);
+    ByteEffect damage(Direction direction, Bytes &data);
+    void unplug(const ByteEffect &effect, Nanoseconds now);
+    Nanoseconds busTime(std::size_t length) const;
+    UsbAnswer deliver(const UsbSetup &setup, UsbAnswer answer, Nanoseconds arrival);
+
+    UsbDevice &device_;
+    Faults &faults_;
+    bool pace_;
+    Nanoseconds free_ = 0; // endpoint 0 carries one transfer at a time
+    bool unplugged_ = false;
+    std::optional<Nanoseconds> replugAt_;
+};
+
+} // namespace sim

@@ -1,0 +1,272 @@
+#include "sim/ports/nodes/Testbed.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <stdexcept>
+#include <utility>
+
+#include <umockdev.h>
+#include <unistd.h>
+
+#include "sim/ports/Clock.h"
+
+namespace sim {
+
+namespace {
+
+// Where there is no /sys, umockdev takes that for a mock environment.
+bool isPreloaded() {
+    const char *preload = std::getenv("LD_PRELOAD");
+    return preload != nullptr && std::strstr(preload, "libumockdev-preload") != nullptr;
+}
+
+constexpr char fileKey[] = "zv32-file"; // what hangs on a client
+
+// What a call of this library left in `problem`.
+bool told(GError *problem, std::string &error) {
+    if (problem == nullptr)
+        return true;
+    error = problem->message;
+    g_error_free(problem);
+    return false;
+}
+
+std::string taken(gchar *text) {
+    const std::string copy = text ? text : "";
+    g_free(text);
+    return copy;
+}
+
+} // namespace
+
+// ---- a client's memory
+
+ClientMemory::ClientMemory(const ClientMemory &other) : data_(other.data_) {
+    if (data_ != nullptr)
+        g_object_ref(data_);
+}
+
+ClientMemory &ClientMemory::operator=(ClientMemory other) {
+    std::swap(data_, other.data_);
+    return *this;
+}
+
+ClientMemory::~ClientMemory() {
+    if (data_ != nullptr)
+        g_object_unref(data_);
+}
+
+std::size_t ClientMemory::size() const {
+    return data_ == nullptr ? 0 : static_cast<std::size_t>(data_->data_len);
+}
+
+std::uint8_t *ClientMemory::bytes() const {
+    return data_ == nullptr ? nullptr : data_->data;
+}
+
+ClientMemory ClientMemory::behind(std::size_t offset, std::size_t length) const {
+    if (data_ == nullptr || length == 0 || get<void *>(offset) == nullptr)
+        return ClientMemory();
+    GError *problem = nullptr;
+    _UMockdevIoctlData *found = umockdev_ioctl_data_resolve(data_, offset, length, &problem);
+    std::string error;
+    return told(problem, error) ? ClientMemory(found) : ClientMemory();
+}
+
+bool ClientMemory::reload() const {
+    GError *problem = nullptr;
+    const bool done = data_ != nullptr && umockdev_ioctl_data_reload(data_, &problem);
+    std::string error;
+    return told(problem, error) && done;
+}
+
+void ClientMemory::point(std::size_t offset, const ClientMemory &target) const {
+    umockdev_ioctl_data_set_ptr(data_, offset, target.data_);
+}
+
+// ---- a call
+
+unsigned long DeviceCall::request() const {
+    return umockdev_ioctl_client_get_request(client_);
+}
+
+ClientMemory DeviceCall::buffer() const {
+    _UMockdevIoctlData *argument = umockdev_ioctl_client_get_arg(client_);
+    return ClientMemory(static_cast<_UMockdevIoctlData *>(g_object_ref(argument)));
+}
+
+unsigned long DeviceCall::number() const {
+    return buffer().get<unsigned long>();
+}
+
+ClientMemory DeviceCall::memory(std::size_t length) const {
+    return buffer().behind(0, length);
+}
+
+DeviceAnswer DeviceCall::execute() const {
+    int number = 0;
+    GError *problem = nullptr;
+    const int result = umockdev_ioctl_client_execute(client_, &number, &problem);
+    std::string error;
+    return told(problem, error) ? DeviceAnswer{result, number} : DeviceAnswer::fail(EIO);
+}
+
+// ---- the testbed
+
+struct Testbed::Node {
+    Testbed &testbed;
+    std::string path;
+    Handler handler;
+    UMockdevIoctlBase *base;
+};
+
+// A node that a client has open.
+struct Testbed::File {
+    std::uintptr_t number;
+    unsigned generation; // in which it was opened
+    DeviceCall::Settings settings;
+};
+
+Testbed::Testbed() {
+    testbed_ = umockdev_testbed_new();
+    if (!isPreloaded() || !umockdev_in_mock_environment()) {
+        g_object_unref(testbed_);
+        throw std::runtime_error("device nodes need LD_PRELOAD=libumockdev-preload.so.0");
+    }
+    root_ = taken(umockdev_testbed_get_root_dir(testbed_));
+}
+
+Testbed::~Testbed() {
+    for (Node *node : nodes_)
+        umockdev_testbed_detach_ioctl(testbed_, node->path.c_str(), nullptr);
+    g_object_unref(testbed_); // ends the thread of the handlers
+    for (Node *node : nodes_) {
+        g_object_unref(node->base);
+        delete node;
+    }
+    for (_UMockdevIoctlClient *client : clients_)
+        g_object_unref(client);
+}
+
+bool Testbed::add(const std::string &description, std::string &error) {
+    GError *problem = nullptr;
+    umockdev_testbed_add_from_string(testbed_, description.c_str(), &problem);
+    return told(problem, error);
+}
+
+bool Testbed::attach(const std::string &path, Handler handler, std::string &error) {
+    const auto same = [&](const Node *node) { return node->path == path; };
+    if (std::any_of(nodes_.begin(), nodes_.end(), same))
+        return true;
+    auto *node = new Node{*this, path, std::move(handler), umockdev_ioctl_base_new()};
+    nodes_.push_back(node);
+    g_signal_connect(node->base, "client-connected", G_CALLBACK(connected), node);
+    g_signal_connect(node->base, "handle-ioctl", G_CALLBACK(handleIoctl), node);
+    g_signal_connect(node->base, "handle-read", G_CALLBACK(handleRead), node);
+    g_signal_connect(node->base, "handle-write", G_CALLBACK(handleWrite), node);
+    GError *problem = nullptr;
+    umockdev_testbed_attach_ioctl(testbed_, path.c_str(), node->base, &problem);
+    return told(problem, error);
+}
+
+void Testbed::remove(const std::string &path, const std::vector<std::string> &nodes) {
+    cutOff();
+    withdraw(path, nodes);
+}
+
+void Testbed::withdraw(const std::string &path, const std::vector<std::string> &nodes) {
+    // Without an uevent: umockdev aborts the sender when a listener leaves in that moment, as a client does
+    // whose device has gone. Who has the device open is told by ENODEV.
+    const std::string device = "/sys" + path;
+    umockdev_testbed_remove_device(testbed_, device.c_str());
+    for (const std::string &node : nodes)
+        unlink((root_ + node).c_str()); // umockdev leaves the file of a node with contents
+}
+
+int Testbed::terminal(const std::string &node) const {
+    return umockdev_testbed_get_dev_fd(testbed_, node.c_str());
+}
+
+bool Testbed::somebodyConnected() const {
+    const std::lock_guard<std::mutex> lock(clientsMutex_);
+    const auto last = std::remove_if(clients_.begin(), clients_.end(), [](_UMockdevIoctlClient *client) {
+        if (umockdev_ioctl_client_get_connected(client))
+            return false;
+        g_object_unref(client);
+        return true;
+    });
+    clients_.erase(last, clients_.end());
+    return !clients_.empty();
+}
+
+bool Testbed::isOpen(std::uintptr_t file) const {
+    somebodyConnected(); // forgets those who left
+    const std::lock_guard<std::mutex> lock(clientsMutex_);
+    return std::any_of(clients_.begin(), clients_.end(), [file](_UMockdevIoctlClient *client) {
+        return static_cast<File *>(g_object_get_data(G_OBJECT(client), fileKey))->number == file;
+    });
+}
+
+void Testbed::awaitClients() const {
+    constexpr Nanoseconds longest = 2 * second;
+    const Nanoseconds end = clockNow() + longest;
+    while (somebodyConnected() && clockNow() < end) {
+        const struct timespec moment = timespecOf(millisecond);
+        nanosleep(&moment, nullptr);
+    }
+}
+
+void Testbed::connected(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    Testbed &testbed = static_cast<Node *>(node)->testbed;
+    testbed.somebodyConnected(); // forgets those who left
+    const auto forget = [](void *file) { delete static_cast<File *>(file); };
+    g_object_set_data_full(G_OBJECT(client), fileKey, new File{++testbed.files_, testbed.generation_, {}}, forget);
+    const std::lock_guard<std::mutex> lock(testbed.clientsMutex_);
+    testbed.clients_.push_back(static_cast<_UMockdevIoctlClient *>(g_object_ref(client)));
+}
+
+// An exception must not get into the C code that calls.
+static std::optional<DeviceAnswer> handlerAnswer(const Testbed::Handler &handler, DeviceCall &call) {
+    try {
+        return handler(call);
+    } catch (const std::exception &) {
+        return DeviceAnswer::fail(ENOMEM);
+    }
+}
+
+bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const Handler &handler) {
+    File &file = *static_cast<File *>(g_object_get_data(G_OBJECT(client), fileKey));
+    std::optional<DeviceAnswer> answer;
+    {
+        const std::unique_lock<std::mutex> held = lock();
+        if (file.generation == generation_) {
+            DeviceCall call(kind, client, file.number, file.settings);
+            answer = handlerAnswer(handler, call);
+        }
+        if (file.generation != generation_)
+            answer = DeviceAnswer::fail(ENODEV);
+    }
+    if (answer)
+        umockdev_ioctl_client_complete(client, answer->result, answer->error);
+    return answer.has_value();
+}
+
+int Testbed::handleIoctl(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    const Node &of = *static_cast<Node *>(node);
+    return of.testbed.served(DeviceCall::Kind::ioctl, client, of.handler);
+}
+
+int Testbed::handleRead(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    const Node &of = *static_cast<Node *>(node);
+    return of.testbed.served(DeviceCall::Kind::read, client, of.handler);
+}
+
+int Testbed::handleWrite(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void *node) {
+    const Node &of = *static_cast<Node *>(node);
+    return of.testbed.served(DeviceCall::Kind::write, client, of.handler);
+}
+
+} // namespace sim

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "sim/links/SerialLine.h"
+#include "sim/ports/pty/Pty.h"
+
+namespace sim {
+
+// The chip's USART at a terminal: carries bytes between the two at the real time. It has no loop of its
+// own: whoever runs it calls work() when the terminal has something, and no later than due().
+class TerminalLine {
+public:
+    // With `pace` bytes take the time that they need at the rate that is set on the terminal.
+    TerminalLine(Pty &pty, bool pace, Bootloader &bootloader, Faults &faults, Log &log);
+
+    // Takes bytes in and gives out those that are due. Whether any went by.
+    bool work();
+    std::optional<Nanoseconds> due() const;
+    Nanoseconds lastTraffic() const { return lastTraffic_; }
+
+    // What has not left yet is lost.
+    void forget() { line_.toHost().clear(); }
+
+    // Set when a fault unplugs the terminal and all that was to be delivered before that is.
+    const SerialLine::Hangup *hangup() const;
+    void replug() { line_.replug(); }
+
+private:
+    bool takeFromHost();
+    bool giveToHost();
+
+    Pty &pty_;
+    bool pace_;
+    Log &log_;
+    UsartProtocol protocol_;
+    SerialLine line_;
+    Nanoseconds lastTraffic_ = 0;
+};
+
+} // namespace sim
