@@ -1,6 +1,5 @@
 #include "sim/links/CanLine.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace sim {
@@ -12,57 +11,51 @@ unsigned bitsOf(const CanFrame &frame) {
     return head + data + tail + (head + data) / 10;
 }
 
-// What befalls one byte befalls its frame, but damage. A frame without data goes by as one byte: its
-// identifier. False when the bus is unplugged instead.
-bool CanLine::befall(CanFrame &frame, Direction direction, ByteEffect &effect) {
-    if (!concernsChip(frame))
-        return true;
-    for (std::size_t i = 0; i < std::max<std::size_t>(frame.data.size(), 1); ++i) {
-        const ByteEffect one = faults_.byte(direction);
-        if (one.hangup) {
-            hangup_ = Hangup{one.replugMs};
-            return false;
-        }
-        effect.lost |= one.lost;
-        effect.doubled |= one.doubled;
-        effect.lateMs += one.lateMs;
-        if (frame.data.empty())
-            frame.id ^= one.damage;
-        else
-            frame.data[i] = static_cast<std::uint8_t>(frame.data[i] ^ one.damage);
-    }
-    return true;
+// The bytes by which faults count a frame. One without data goes by as one byte: its identifier.
+static Bytes countedBytes(const CanFrame &frame) {
+    return frame.data.empty() ? Bytes{0} : frame.data;
 }
 
-CanLine::Passage CanLine::fromHost(const CanFrame &sent, Nanoseconds now, unsigned speed) {
+// What befalls one byte befalls its frame, but damage.
+Lane::Ride CanLine::carry(Lane &lane, CanFrame &frame, Nanoseconds ready, unsigned speed) {
+    if (!concernsChip(frame))
+        return {{}, {lane.carryUnharmed(ready, speed, bitsOf(frame))}};
+    Lane::Ride ride = lane.carry(countedBytes(frame), ready, speed, bitsOf(frame));
+    if (ride.passage.hangup)
+        hangup_ = ride.passage.hangup;
+    else if (frame.data.empty())
+        frame.id ^= ride.passage.inPlace[0];
+    else
+        frame.data = ride.passage.inPlace;
+    return ride;
+}
+
+CanLine::Sent CanLine::fromHost(const CanFrame &sent, Nanoseconds now, unsigned speed) {
+    Sent result{now};
+    if (hangup_)
+        return result;
     CanFrame frame = sent;
-    ByteEffect effect;
-    Passage passage{now};
-    if (hangup_ || !befall(frame, Direction::rx, effect))
-        return passage;
     const unsigned pace = !pace_ ? 0 : speed != 0 ? speed : chip_.speed(now);
-    Nanoseconds late = effect.lateMs * millisecond;
-    for (int copies = effect.doubled ? 2 : 1; copies > 0; --copies) {
-        passage.through = rx_.through(now, pace, std::exchange(late, 0), bitsOf(frame));
-        if (!effect.lost) {
-            passage.noise = !chip_.receive(frame, speed, passage.through);
+    const Lane::Ride ride = carry(rx_, frame, now, pace);
+    for (const Nanoseconds at : ride.through) {
+        result.through = at;
+        if (!ride.passage.lost) {
+            result.noise = !chip_.receive(frame, speed, at);
             for (TimedFrame &timed : chip_.takeOutput())
                 deliver(std::move(timed));
         }
     }
-    return passage;
+    return result;
 }
 
 void CanLine::deliver(TimedFrame timed) {
-    ByteEffect effect;
-    if (hangup_ || !befall(timed.frame, Direction::tx, effect))
+    if (hangup_)
         return;
-    const Nanoseconds ready = timed.at;
-    Nanoseconds late = effect.lateMs * millisecond;
-    for (int copies = effect.doubled ? 2 : 1; copies > 0; --copies) {
-        timed.at = tx_.through(ready, pace_ ? timed.speed : 0, std::exchange(late, 0), bitsOf(timed.frame));
-        chip_.sent(timed, timed.at);
-        if (!effect.lost)
+    const Lane::Ride ride = carry(tx_, timed.frame, timed.at, pace_ ? timed.speed : 0);
+    for (const Nanoseconds at : ride.through) {
+        timed.at = at;
+        chip_.sent(timed, at);
+        if (!ride.passage.lost)
             toHost_.push_back(timed);
     }
 }
@@ -70,8 +63,8 @@ void CanLine::deliver(TimedFrame timed) {
 void CanLine::replug() {
     hangup_.reset();
     toHost_.clear();
-    rx_ = Pacer{};
-    tx_ = Pacer{};
+    rx_.replug();
+    tx_.replug();
 }
 
 } // namespace sim

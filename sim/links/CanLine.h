@@ -5,7 +5,7 @@
 
 #include "sim/chip/Fault.h"
 #include "sim/links/CanProtocol.h"
-#include "sim/links/SerialLine.h"
+#include "sim/links/Passage.h"
 
 namespace sim {
 
@@ -13,34 +13,32 @@ namespace sim {
 // there. Frames are handed on at once, with the time at which they are due.
 class CanLine {
 public:
-    CanLine(CanProtocol &chip, Faults &faults, bool pace) : chip_(chip), faults_(faults), pace_(pace) {}
+    CanLine(CanProtocol &chip, Faults &faults, bool pace)
+        : chip_(chip), pace_(pace), rx_(Direction::rx, faults), tx_(Direction::tx, faults) {}
 
     // What became of a frame of the host.
-    struct Passage {
+    struct Sent {
         Nanoseconds through;
         bool noise = false; // the chip has another speed
     };
 
     // A frame leaves the host, at its speed in bits per second; 0 where that cannot be told.
-    Passage fromHost(const CanFrame &frame, Nanoseconds now, unsigned speed);
+    Sent fromHost(const CanFrame &frame, Nanoseconds now, unsigned speed);
 
     // Frames for the host, in the order in which they are due.
     std::deque<TimedFrame> &toHost() { return toHost_; }
 
-    // Unplugged by a fault. The value is the time until it is plugged in again, if ever.
-    using Hangup = SerialLine::Hangup;
     const std::optional<Hangup> &hangup() const { return hangup_; }
     void replug();
 
 private:
-    bool befall(CanFrame &frame, Direction direction, ByteEffect &effect);
+    Lane::Ride carry(Lane &lane, CanFrame &frame, Nanoseconds ready, unsigned speed);
     void deliver(TimedFrame timed);
 
     CanProtocol &chip_;
-    Faults &faults_;
     bool pace_;
-    Pacer rx_;
-    Pacer tx_;
+    Lane rx_;
+    Lane tx_;
     std::deque<TimedFrame> toHost_;
     std::optional<Hangup> hangup_;
 };

@@ -24,7 +24,7 @@ bool I2cProtocol::write(const Bytes &bytes, Nanoseconds now) {
         return false; // it waited with its reset for somebody to read the answer
     const Passage passage = pass(bytes, Direction::rx, faults_);
     if (passage.hangup)
-        hangup_ = passage;
+        hangup_ = passage.hangup;
     else if (!passage.bytes.empty())
         mailbox_.group(passage.bytes, now + passage.late);
     return true;
@@ -54,7 +54,7 @@ I2cProtocol::Read I2cProtocol::read(std::size_t length, Nanoseconds now) {
         read.at = std::max(next->at, now);
         mailbox_.fetched(read.at);
         if (passage.hangup)
-            hangup_ = passage;
+            hangup_ = passage.hangup;
     }
     return read;
 }

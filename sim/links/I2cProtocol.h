@@ -25,7 +25,7 @@ public:
     Read read(std::size_t length, Nanoseconds now);
 
     // Unplugged by a fault in the last transfer.
-    const std::optional<Passage> &hangup() const { return hangup_; }
+    const std::optional<Hangup> &hangup() const { return hangup_; }
 
     void reset(Nanoseconds now) { mailbox_.reset(now); }
     void losePower(Nanoseconds now);
@@ -35,7 +35,7 @@ private:
 
     Mailbox mailbox_;
     Faults &faults_;
-    std::optional<Passage> hangup_;
+    std::optional<Hangup> hangup_;
 };
 
 } // namespace sim

@@ -6,22 +6,6 @@
 
 namespace sim {
 
-Passage pass(const Bytes &bytes, Direction direction, Faults &faults) {
-    Passage passage;
-    for (const std::uint8_t byte : bytes) {
-        const ByteEffect effect = faults.byte(direction);
-        if (effect.hangup) {
-            passage.hangup = true;
-            passage.replugMs = effect.replugMs;
-            break;
-        }
-        passage.late += effect.lateMs * millisecond;
-        const std::size_t copies = effect.lost ? 0 : effect.doubled ? 2 : 1;
-        passage.bytes.insert(passage.bytes.end(), copies, static_cast<std::uint8_t>(byte ^ effect.damage));
-    }
-    return passage;
-}
-
 void Mailbox::group(const Bytes &bytes, Nanoseconds now) {
     if (bootloader_.idle()) {
         opening(bytes, now);

@@ -4,19 +4,9 @@
 #include <optional>
 
 #include "sim/bootloader/Bootloader.h"
+#include "sim/links/Passage.h"
 
 namespace sim {
-
-// What is left of a message when its bytes have gone by one by one: lost ones are missing, doubled ones stand
-// twice, and behind a hang-up nothing follows.
-struct Passage {
-    Bytes bytes;
-    Nanoseconds late = 0;
-    bool hangup = false;
-    std::optional<unsigned> replugMs;
-};
-
-Passage pass(const Bytes &bytes, Direction direction, Faults &faults);
 
 // The chip on a link where every group is one message and the host fetches the answers: they wait until it
 // does. A chip that resets or leaves behind its last answer stays there until that has been fetched.

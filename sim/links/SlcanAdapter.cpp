@@ -140,9 +140,9 @@ SlcanAdapter::Reply SlcanAdapter::transmit(const std::string &line, Nanoseconds 
         state_.flags |= transmitQueueFull;
         return {false, "16 frames are waiting for the bus"};
     }
-    const CanLine::Passage passage = bus_.fromHost(frame, now, state_.speed);
-    state_.unsent.push_back(passage.through);
-    if (passage.noise)
+    const CanLine::Sent sent = bus_.fromHost(frame, now, state_.speed);
+    state_.unsent.push_back(sent.through);
+    if (sent.noise)
         state_.flags |= busError;
     return {true, frame.extended ? "Z" : "z"};
 }

@@ -64,7 +64,7 @@ std::uint8_t SpiProtocol::fetch(Nanoseconds now) {
     const std::uint8_t byte = sent_ < passage.bytes.size() ? passage.bytes[sent_++] : wire::spiIdle;
     if (sent_ == passage.bytes.size()) {
         if (passage.hangup)
-            hangup_ = passage;
+            hangup_ = passage.hangup;
         mailbox_.fetched(now);
     }
     return byte;
@@ -75,7 +75,7 @@ void SpiProtocol::deselect(Nanoseconds now) {
         return;
     const Passage passage = pass(message_, Direction::rx, faults_);
     if (passage.hangup)
-        hangup_ = passage;
+        hangup_ = passage.hangup;
     else if (present_ && !passage.bytes.empty())
         take(passage.bytes, now + passage.late);
 }

@@ -19,7 +19,7 @@ public:
     std::uint8_t shift(std::uint8_t byte, Nanoseconds now);
 
     // Unplugged by a fault.
-    const std::optional<Passage> &hangup() const { return hangup_; }
+    const std::optional<Hangup> &hangup() const { return hangup_; }
 
     void reset(Nanoseconds now) { mailbox_.reset(now); }
     void losePower(Nanoseconds now);
@@ -42,7 +42,7 @@ private:
     Kind kind_ = Kind::none;
     Bytes message_;
     std::size_t sent_ = 0; // bytes of the answer that is leaving
-    std::optional<Passage> hangup_;
+    std::optional<Hangup> hangup_;
 };
 
 } // namespace sim

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "sim/program/FaultOption.h"
+
 namespace sim {
 
 const char helpText[] =
@@ -105,7 +107,7 @@ bool setWiring(Options &options, const char *value, std::string &error) {
 }
 
 bool setFault(Options &options, const char *value, std::string &error) {
-    return options.faults.add(value, error);
+    return addFault(options.faults, value, error);
 }
 
 template <std::string Options::*Member>

@@ -1,5 +1,6 @@
 // What `--fault` injects.
 
+#include "sim/program/FaultOption.h"
 #include "tests/sim/Vectors.h"
 
 namespace sim {
@@ -311,7 +312,7 @@ TEST(FaultSpec, badOnesAreRefusedWithAReason) {
                              "boom@1"}) {
         Faults faults;
         std::string error;
-        EXPECT_FALSE(faults.add(spec, error)) << spec;
+        EXPECT_FALSE(addFault(faults, spec, error)) << spec;
         EXPECT_NE(error.find(std::string("\"") + spec + "\""), std::string::npos) << error;
     }
 }

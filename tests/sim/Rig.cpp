@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "sim/program/FaultOption.h"
+
 namespace sim {
 
 namespace {
@@ -16,7 +18,7 @@ Faults makeFaults(const std::vector<std::string> &specs) {
     Faults faults;
     std::string error;
     for (const std::string &spec : specs)
-        if (!faults.add(spec, error))
+        if (!addFault(faults, spec, error))
             throw std::invalid_argument(error);
     return faults;
 }

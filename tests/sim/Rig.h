@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "sim/links/SerialLine.h"
+#include "sim/links/UsartLine.h"
 
 namespace sim {
 
@@ -35,7 +35,7 @@ public:
     Chip chip;
     Bootloader bootloader{chip, faults, log};
     UsartProtocol protocol{bootloader};
-    SerialLine line{protocol, faults};
+    UsartLine line{protocol, faults};
     Nanoseconds now = second;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "sim/bootloader/Board.h"
-#include "sim/links/SerialLine.h"
+#include "sim/links/UsartLine.h"
 #include "sim/links/usb/StandardRequests.h"
 #include "sim/links/usb/UsbPlug.h"
 
@@ -37,7 +37,7 @@ private:
     StandardRequests standard_{descriptors_};
     Board board_;
     UsartProtocol protocol_;
-    SerialLine line_;
+    UsartLine line_;
     Bytes coding_;
     UsbPlug plug_;
 };

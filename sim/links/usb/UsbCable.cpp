@@ -20,30 +20,22 @@ Nanoseconds UsbCable::busTime(std::size_t length) const {
 }
 
 // All bytes of a data stage; a stage without data counts as one byte. `data` becomes what arrives.
-ByteEffect UsbCable::damage(Direction direction, Bytes &data) {
-    ByteEffect all;
-    Bytes arrived;
-    for (std::size_t i = 0; i < std::max<std::size_t>(data.size(), 1); ++i) {
-        const ByteEffect effect = faults_.byte(direction);
-        all.lost = all.lost || effect.lost || (data.empty() && effect.damage != 0);
-        all.doubled = all.doubled || effect.doubled;
-        all.lateMs += effect.lateMs;
-        if (effect.hangup) {
-            all.hangup = true;
-            all.replugMs = effect.replugMs;
-        }
-        if (!data.empty())
-            arrived.insert(arrived.end(), effect.doubled ? 2 : 1, static_cast<std::uint8_t>(data[i] ^ effect.damage));
+Passage UsbCable::carry(Direction direction, Bytes &data) {
+    Passage passage = pass(data.empty() ? Bytes{0} : data, direction, faults_);
+    if (data.empty()) {
+        passage.lost |= passage.damaged;
+        return passage;
     }
-    // The length of a transfer is told in front of it: of too many bytes the last ones fall off.
+    // The length of a transfer is told before it: of too many bytes the last ones fall off.
+    Bytes arrived = passage.bytes;
     arrived.resize(data.size());
     data = arrived;
-    return all;
+    return passage;
 }
 
-void UsbCable::unplug(const ByteEffect &effect, Nanoseconds now) {
+void UsbCable::unplug(const Hangup &hangup, Nanoseconds now) {
     unplugged_ = true;
-    replugAt_ = effect.replugMs ? std::optional(now + *effect.replugMs * millisecond) : std::nullopt;
+    replugAt_ = hangup.replugMs ? std::optional(now + *hangup.replugMs * millisecond) : std::nullopt;
 }
 
 UsbAnswer UsbCable::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
@@ -54,15 +46,15 @@ UsbAnswer UsbCable::control(const UsbSetup &setup, const Bytes &out, Nanoseconds
     if (setup.standard())
         return device_.control(setup, out, start);
     Bytes data = out;
-    const ByteEffect effect = setup.towardsHost() ? ByteEffect{} : damage(Direction::rx, data);
-    if (effect.hangup)
-        unplug(effect, now);
-    if (effect.hangup || effect.lost)
+    const Passage passage = setup.towardsHost() ? Passage{} : carry(Direction::rx, data);
+    if (passage.hangup)
+        unplug(*passage.hangup, now);
+    if (passage.hangup || passage.lost)
         return UsbAnswer::silent();
     const Nanoseconds way = setup.towardsHost() ? 0 : busTime(data.size());
-    const Nanoseconds arrival = start + effect.lateMs * millisecond + way;
+    const Nanoseconds arrival = start + passage.late + way;
     UsbAnswer answer = device_.control(setup, data, arrival);
-    if (effect.doubled && out.empty())
+    if (passage.doubled && out.empty())
         answer = device_.control(setup, data, arrival);
     free_ = arrival;
     return deliver(setup, answer, arrival);
@@ -72,12 +64,12 @@ UsbAnswer UsbCable::deliver(const UsbSetup &setup, UsbAnswer answer, Nanoseconds
     if (answer.kind == UsbAnswer::Kind::silent || !setup.towardsHost())
         return answer;
     if (answer.kind == UsbAnswer::Kind::done && !answer.data.empty()) {
-        const ByteEffect effect = damage(Direction::tx, answer.data);
-        if (effect.hangup)
-            unplug(effect, arrival);
-        if (effect.hangup || effect.lost)
+        const Passage passage = carry(Direction::tx, answer.data);
+        if (passage.hangup)
+            unplug(*passage.hangup, arrival);
+        if (passage.hangup || passage.lost)
             return UsbAnswer::silent();
-        answer.at += effect.lateMs * millisecond;
+        answer.at += passage.late;
     }
     answer.at += busTime(answer.data.size());
     free_ = answer.at;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/chip/Fault.h"
+#include "sim/links/Passage.h"
 #include "sim/links/usb/UsbDevice.h"
 
 namespace sim {
@@ -25,8 +25,8 @@ public:
 
 private:
     void advance(Nanoseconds now);
-    ByteEffect damage(Direction direction, Bytes &data);
-    void unplug(const ByteEffect &effect, Nanoseconds now);
+    Passage carry(Direction direction, Bytes &data);
+    void unplug(const Hangup &hangup, Nanoseconds now);
     Nanoseconds busTime(std::size_t length) const;
     UsbAnswer deliver(const UsbSetup &setup, UsbAnswer answer, Nanoseconds arrival);
 

@@ -29,7 +29,7 @@ std::optional<Nanoseconds> TerminalLine::due() const {
     return pace_ && now - lastTraffic_ < awakeBehind ? std::optional(now) : std::nullopt;
 }
 
-const SerialLine::Hangup *TerminalLine::hangup() const {
+const Hangup *TerminalLine::hangup() const {
     return line_.hangup() && line_.toHost().empty() ? &*line_.hangup() : nullptr;
 }
 

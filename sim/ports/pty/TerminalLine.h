@@ -3,7 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include "sim/links/SerialLine.h"
+#include "sim/links/UsartLine.h"
 #include "sim/ports/pty/Pty.h"
 
 namespace sim {
@@ -24,7 +24,7 @@ public:
     void forget() { line_.toHost().clear(); }
 
     // Set when a fault unplugs the terminal and all that was to be delivered before that is.
-    const SerialLine::Hangup *hangup() const;
+    const Hangup *hangup() const;
     void replug() { line_.replug(); }
 
 private:
@@ -35,7 +35,7 @@ private:
     bool pace_;
     Log &log_;
     UsartProtocol protocol_;
-    SerialLine line_;
+    UsartLine line_;
     Nanoseconds lastTraffic_ = 0;
 };
 
