@@ -119,8 +119,8 @@ Next eraseBlock(Exchange &x, const Bytes &group) {
 
 // ---- protection
 
-Next protectGroups(Exchange &x, const Bytes &group) {
-    return x.conclude(x.chip.protectGroups(payload(group, 1)), Next::reset);
+Next protectBits(Exchange &x, const Bytes &group) {
+    return x.conclude(x.chip.protectBits(payload(group, 1)), Next::reset);
 }
 
 // The opcode is answered at once, the work by a second answer.
@@ -130,8 +130,8 @@ Next ackThenWork(Exchange &x) {
     return x.refusedByFault() ? x.refuse("fault") : x.conclude(Work(x.chip), Next::reset);
 }
 
-Outcome unprotectGroups(Chip &chip) {
-    return chip.unprotectGroups();
+Outcome unprotectBits(Chip &chip) {
+    return chip.unprotectBits();
 }
 Outcome protectAccess(Chip &chip) {
     return chip.protectAccess(AccessLevel::low);
@@ -165,8 +165,8 @@ const CommandTable &fixedCommands() {
          Guard::access,
          awaitGroups,
          {{eraseExtLength, xorSound, eraseExt}, {exactly<5>, xorSound, eraseBlock}}},
-        {opEppProtect, "ERASEPROGRAM_PROTECT", Guard::access, awaitGroups, {{countedByByte, xorSound, protectGroups}}},
-        {opEppUnprotect, "ERASEPROGRAM_PERM_UNPROTECT", Guard::access, ackThenWork<unprotectGroups>, {}},
+        {opEppProtect, "ERASEPROGRAM_PROTECT", Guard::access, awaitGroups, {{countedByByte, xorSound, protectBits}}},
+        {opEppUnprotect, "ERASEPROGRAM_PERM_UNPROTECT", Guard::access, ackThenWork<unprotectBits>, {}},
         {opAccessProtect, "ACCESS_PROTECT", Guard::none, ackThenWork<protectAccess>, {}},
         {opAccessUnprotect, "ACCESS_PERM_UNPROTECT", Guard::high, ackThenWork<unprotectAccess>, {}},
     };

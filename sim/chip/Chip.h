@@ -63,8 +63,8 @@ public:
     Outcome checkAccess(AccessLevel level) const;
     Outcome protectAccess(AccessLevel level);
     Outcome unprotectAccess(); // erases the flash
-    Outcome protectGroups(const Bytes &groups);
-    Outcome unprotectGroups();
+    Outcome protectBits(const Bytes &bits);
+    Outcome unprotectBits();
 
     const Slib::Area &slib() const { return slib_.area(); }
     Outcome enableSlib(const Slib::Area &wanted);

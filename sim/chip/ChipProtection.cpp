@@ -34,15 +34,15 @@ Outcome Chip::unprotectAccess() {
     return programOptions(options_.factory());
 }
 
-Outcome Chip::protectGroups(const Bytes &groups) {
-    for (const unsigned group : groups)
-        if (group >= protection_.groups())
-            return Outcome::refuse("there is no protection bit " + std::to_string(group));
-    return programOptions(protection_.withGroupsProtected(groups));
+Outcome Chip::protectBits(const Bytes &bits) {
+    for (const unsigned bit : bits)
+        if (bit >= protection_.bits())
+            return Outcome::refuse("there is no protection bit " + std::to_string(bit));
+    return programOptions(protection_.withBitsProtected(bits));
 }
 
-Outcome Chip::unprotectGroups() {
-    return programOptions(protection_.withGroupsOpen());
+Outcome Chip::unprotectBits() {
+    return programOptions(protection_.withBitsOpen());
 }
 
 Outcome Chip::enableSlib(const Slib::Area &wanted) {

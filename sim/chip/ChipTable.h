@@ -14,9 +14,9 @@ struct OptionLayout {
     char name;
     std::uint32_t address;             // of the option bytes in the chip's memory
     std::size_t accessByte;            // flash access protection
-    std::vector<std::size_t> eppBytes; // erase and program protection, bit 0 of the first one is group 0
-    bool wideGroups;                   // groups from 32 up cover 128 KiB each; SPIM has no group
-    bool resetsAfterWrite;             // the chip resets by itself behind a write of its option bytes
+    std::vector<std::size_t> eppBytes; // erase and program protection, the first one has bits 0 to 7
+    bool wideBits;                     // bits from 32 up cover 128 KiB each; SPIM has no bit
+    bool resetsAfterWrite;             // the chip resets by itself after a write of its option bytes
 };
 
 // What one chip is. The simulator's own data: never read from the programmer's map files.
@@ -27,7 +27,7 @@ struct ChipFacts {
     std::size_t idLength; // 2 or 5 bytes travel
     unsigned flashKb;
     unsigned sectorSize;
-    unsigned sectorsPerGroup; // of one erase/program protection bit
+    unsigned sectorsPerBit; // of one erase/program protection bit
     char layout;
     std::size_t userDataLength; // compact option bytes
     std::uint8_t version;

@@ -5,9 +5,9 @@
 namespace sim {
 
 namespace {
-constexpr unsigned lastNarrowGroup = 31;
-constexpr unsigned firstWideGroup = 32;
-constexpr unsigned wideGroupBytes = 128 * 1024;
+constexpr unsigned lastNarrowBit = 31;
+constexpr unsigned firstWideBit = 32;
+constexpr unsigned wideBitBytes = 128 * 1024;
 constexpr unsigned bitsPerByte = 8;
 constexpr std::uint8_t openByte = 0xFF;
 } // namespace
@@ -27,28 +27,28 @@ void Protection::latch() {
         epp_.push_back(options_->item(place));
 }
 
-unsigned Protection::groups() const {
+unsigned Protection::bits() const {
     return static_cast<unsigned>(layout_->eppBytes.size()) * bitsPerByte;
 }
 
-unsigned Protection::groupOf(unsigned sector) const {
-    const unsigned narrow = sector / chip_->sectorsPerGroup;
-    if (!layout_->wideGroups)
-        return std::min(narrow, lastNarrowGroup); // the last bit covers everything up to the end
-    const unsigned boundary = wideGroupBytes / chip_->sectorSize;
-    return sector < boundary ? narrow : firstWideGroup + (sector - boundary) / boundary;
+unsigned Protection::bitOf(unsigned sector) const {
+    const unsigned narrow = sector / chip_->sectorsPerBit;
+    if (!layout_->wideBits)
+        return std::min(narrow, lastNarrowBit); // the last bit covers everything up to the end
+    const unsigned boundary = wideBitBytes / chip_->sectorSize;
+    return sector < boundary ? narrow : firstWideBit + (sector - boundary) / boundary;
 }
 
-bool Protection::groupProtected(unsigned group) const {
-    return (epp_[group / bitsPerByte] >> (group % bitsPerByte) & 1) == 0;
+bool Protection::bitProtects(unsigned bit) const {
+    return (epp_[bit / bitsPerByte] >> (bit % bitsPerByte) & 1) == 0;
 }
 
 bool Protection::sectorProtected(unsigned sector) const {
-    return groupProtected(groupOf(sector));
+    return bitProtects(bitOf(sector));
 }
 
 bool Protection::spimProtected() const {
-    return !layout_->wideGroups && groupProtected(lastNarrowGroup);
+    return !layout_->wideBits && bitProtects(lastNarrowBit);
 }
 
 Bytes Protection::withAccess(AccessLevel level) const {
@@ -57,16 +57,16 @@ Bytes Protection::withAccess(AccessLevel level) const {
     return bytes;
 }
 
-Bytes Protection::withGroupsProtected(const Bytes &groupNumbers) const {
+Bytes Protection::withBitsProtected(const Bytes &numbers) const {
     Bytes bytes = options_->compact();
-    for (const unsigned group : groupNumbers) {
-        std::uint8_t &byte = bytes[layout_->eppBytes[group / bitsPerByte]];
-        byte = static_cast<std::uint8_t>(byte & ~(1U << (group % bitsPerByte)));
+    for (const unsigned bit : numbers) {
+        std::uint8_t &byte = bytes[layout_->eppBytes[bit / bitsPerByte]];
+        byte = static_cast<std::uint8_t>(byte & ~(1U << (bit % bitsPerByte)));
     }
     return bytes;
 }
 
-Bytes Protection::withGroupsOpen() const {
+Bytes Protection::withBitsOpen() const {
     Bytes bytes = options_->compact();
     for (const std::size_t place : layout_->eppBytes)
         bytes[place] = openByte;

@@ -22,17 +22,17 @@ public:
     bool sectorProtected(unsigned sector) const;
     bool spimProtected() const;
 
-    // The number of groups that the option bytes have bits for.
-    unsigned groups() const;
+    // How many bits of erase and program protection the option bytes have.
+    unsigned bits() const;
 
     // The compact option bytes as they have to be written for a change; nothing is written here.
     Bytes withAccess(AccessLevel level) const;
-    Bytes withGroupsProtected(const Bytes &groupNumbers) const;
-    Bytes withGroupsOpen() const;
+    Bytes withBitsProtected(const Bytes &numbers) const;
+    Bytes withBitsOpen() const;
 
 private:
-    unsigned groupOf(unsigned sector) const;
-    bool groupProtected(unsigned group) const;
+    unsigned bitOf(unsigned sector) const;
+    bool bitProtects(unsigned bit) const;
 
     const ChipFacts *chip_;
     const OptionLayout *layout_;
