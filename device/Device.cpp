@@ -6,7 +6,7 @@
 #include <QSettings>
 #include <QVariant>
 
-#include "foundation/ShareParameter.h"
+#include "device/Families.h"
 
 namespace {
 
@@ -14,19 +14,6 @@ constexpr char mapDirectory[] = "./Map/"; // below the working directory
 
 constexpr unsigned int flashSizeRegister = 0x1FFFF7E0;
 constexpr unsigned int userSystemDataLength = 0x1000;
-
-struct FamilyFacts {
-    unsigned int userSystemDataAddress;
-    unsigned int blockSize;
-};
-
-constexpr FamilyFacts blockEraseFamilies = {0x1FFFC000, 0x10000};
-constexpr FamilyFacts otherFamilies = {0x1FFFF800, 0};
-
-FamilyFacts factsOf(const std::string &serial) {
-    const int family = QString::fromStdString(serial).toInt(nullptr, 16);
-    return family == ZV32F435 || family == ZV32F437 ? blockEraseFamilies : otherFamilies;
-}
 
 QStringList mapFiles() {
     const QStringList filter(QStringLiteral("*.ZVmap"));
@@ -67,9 +54,9 @@ CZV32F4Device::CZV32F4Device(std::string strPID, std::string strSerial, int iFla
     const std::string subName = m_StrSubName.empty() ? std::string() : "_" + m_StrSubName;
     m_StrTarget = m_StrName + subName + "_" + std::to_string(m_IFlashSize) + "K";
     m_CMapping = new CMapping(m_StrTarget);
-    const FamilyFacts facts = factsOf(m_StrSerial);
-    m_UiUserSystemDataAddress = facts.userSystemDataAddress;
-    m_BlockSize = facts.blockSize;
+    const Family &family = familyOf(*this);
+    m_UiUserSystemDataAddress = family.userSystemDataAddress;
+    m_BlockSize = family.eraseBlock;
     m_UiUserSystemDataLen = userSystemDataLength;
     m_UiFlashSizeAdd = m_UiFlashSizeAddress;
 }

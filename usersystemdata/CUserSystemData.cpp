@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "foundation/ShareParameter.h"
+#include "device/Families.h"
 #include "usersystemdata/Layouts.h"
 #include "usersystemdata/SwitchByte.h"
 
@@ -13,20 +13,10 @@ namespace {
 constexpr quint32 elementLength = 4096;
 constexpr BYTE erased = 0xFF;
 
-struct SectorsPerBit {
-    int family;
-    BYTE sectors;
-};
-
-// Elsewhere the map file tells it.
-constexpr SectorsPerBit fixedSectorsPerBit[] = {
-    {ZV32F415, 2}, {ZV32WB415, 2}, {ZV32F421, 4}, {ZV32F425, 4}, {ZV32L021, 4},
-};
-
-BYTE sectorsPerBit(int family, const CDevice *device) {
-    for (const SectorsPerBit &row : fixedSectorsPerBit)
-        if (row.family == family)
-            return row.sectors;
+BYTE sectorsPerBit(int series, const CDevice *device) {
+    const int fixed = familyOf(series).sectorsPerBit;
+    if (fixed != 0)
+        return static_cast<BYTE>(fixed);
     return device == nullptr ? BYTE{0} : device->m_BSectorsPerBit;
 }
 

@@ -4,7 +4,7 @@
 
 // Which byte of the compact form holds what, per family.
 
-enum class OptionItem { Fap, Ssb, Ssb1, Data, Epp, Eopb0, Res1, Bank3Key };
+enum class OptionItem { fap, ssb, ssb1, data, epp, eopb0, res1, bank3Key };
 
 // A row stands for `count` bytes from `firstByte` on, which hold the item's bytes from `firstIndex` on.
 struct LayoutRow {
@@ -27,7 +27,7 @@ struct OptionLengths {
     int epp;
 };
 
-// The rows of a family; a value that names none has those of the default layout.
+// The rows of a family, a MCUSERIALS value.
 OptionLayout optionLayout(int family);
 
 // Lengths in bytes. The sector size in bytes.

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-#include "foundation/ShareParameter.h"
+#include "device/Families.h"
 #include "usersystemdata/CUserSystemData.h"
 
 namespace {
@@ -19,7 +19,7 @@ constexpr int lastByte = 3;       // of the sectors counted singly
 constexpr int spimSectors = 32768;
 
 bool hasGroups(const CUserSystemData &data) {
-    return data.m_MCUSerials == ZV32F435 || data.m_MCUSerials == ZV32F437;
+    return familyOf(data.m_MCUSerials).has(wideGroups);
 }
 
 // Sectors in 128 KiB.

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "device/Device.h"
-#include "foundation/ShareParameter.h"
+#include "device/Families.h"
 
 namespace {
 
@@ -55,16 +55,11 @@ TEST_F(MapFiles, EveryPidFindsItsOwnFile) {
     }
 }
 
-const MCUSERIALS Families[] = {ZV32F403_1, ZV32F403_2, ZV32F413, ZV32F415, ZV32F403A, ZV32F407, ZV32F421,
-                               ZV32F435,   ZV32F437,   ZV32F425, ZV32L021, ZV32WB415, ZV32F423, ZV32F405,
-                               ZV32F402,   ZV32F455,   ZV32F456, ZV32F457, ZV32A403A, ZV32M412, ZV32M416,
-                               ZV32G412,   ZV32A423,   ZV32F490, ZV32F422, ZV32F426};
-
 TEST_F(MapFiles, EveryFamilyHasOneToFourAndNoOtherHasAny) {
     const std::vector<Shipped> maps = shippedMaps();
     std::size_t found = 0;
-    for (const MCUSERIALS family : Families) {
-        const QString serial = QString("%1").arg(static_cast<int>(family), 2, 16, QChar('0')).toUpper();
+    for (const int series : knownSeries()) {
+        const QString serial = QString("%1").arg(series, 2, 16, QChar('0')).toUpper();
         const auto count =
             std::count_if(maps.begin(), maps.end(), [&](const Shipped &map) { return map.serial == serial; });
         EXPECT_GE(count, 1) << serial.toStdString();
@@ -94,6 +89,17 @@ TEST_F(MapFiles, NoPidIsPartOfAnother) {
             for (const QString &pid : one.pids)
                 EXPECT_TRUE(one.target == other.target || !other.pids.join(' ').contains(pid))
                     << pid.toStdString() << " in " << other.target.toStdString();
+    }
+}
+
+TEST_F(MapFiles, SectorsPerBitAreThoseOfAFamilyThatDoesNotAskTheMap) {
+    CDeviceManager manager;
+    for (const Shipped &map : shippedMaps()) {
+        const CDevice *device =
+            manager.GetDevice(map.pids.value(0).toStdString(), map.serial.toStdString(), map.kilobytes);
+        ASSERT_NE(device, nullptr);
+        const int fixed = familyOf(*device).sectorsPerBit;
+        EXPECT_TRUE(fixed == 0 || fixed == device->m_BSectorsPerBit) << map.target.toStdString();
     }
 }
 
