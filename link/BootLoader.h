@@ -164,8 +164,7 @@ private:
     BYTE startBootloader();
     BYTE startUsart();
     BYTE startCan();
-    // The family number and the PID, flash size and series texts that a device description is asked for by.
-    int familyNumber() const;
+    // The PID, flash size and series texts that a device description is asked for by.
     int identify(std::string &pid, std::string &series, int &flashSize);
     // Reads the compact form into a block of its own.
     int readOptionBytes(std::vector<BYTE> &block);

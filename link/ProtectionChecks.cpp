@@ -4,6 +4,7 @@
 
 #include <QSet>
 
+#include "device/Families.h"
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
 #include "link/Refusal.h"
@@ -73,7 +74,8 @@ int CBootLoader::HasBeenEraseProgramProtect(QList<int> sectors) {
         return CResult::SYS_ACCESS_PROTECTION;
     if (result != CResult::SUCCESS)
         return result;
-    CUserSystemData optionBytes(familyNumber(), m_BID, m_ObDevice, block.data(), static_cast<quint32>(block.size()));
+    CUserSystemData optionBytes(seriesOf(*m_ObDevice), m_BID, m_ObDevice, block.data(),
+                                static_cast<quint32>(block.size()));
     return coversOneOf(optionBytes, sectors, m_ObDevice->m_haveBank3) ? CResult::SYS_ERASEPROGRAM_PROTECTION
                                                                       : CResult::SUCCESS;
 }

@@ -1,9 +1,9 @@
 // The option bytes on their way between the chip, the model and a file.
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
+#include "device/Families.h"
 #include "files/UserSystemDataFile.h"
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
@@ -17,24 +17,15 @@ namespace {
 constexpr quint32 LongestElement = 4096;
 constexpr quint32 ShortestElement = USERSYSTEMDATA_LENGTH_403;
 
-// The chips that take new option bytes into use only after a reset by command.
-bool needsResetAfterWrite(int family) {
-    return family == ZV32F435 || family == ZV32F437;
-}
-
 bool isElementLength(DWORD length) {
     return length >= ShortestElement && length <= LongestElement;
 }
 
 } // namespace
 
-int CBootLoader::familyNumber() const {
-    return static_cast<int>(std::strtoul(m_ObDevice->m_StrSerial.c_str(), nullptr, 16));
-}
-
 int CBootLoader::readOptionBytes(std::vector<BYTE> &block) {
-    const int length =
-        CUserSystemData::GetUserSystemDataLength(familyNumber(), m_BID, static_cast<int>(m_ObDevice->m_ISectorSize));
+    const int length = CUserSystemData::GetUserSystemDataLength(seriesOf(*m_ObDevice), m_BID,
+                                                                static_cast<int>(m_ObDevice->m_ISectorSize));
     block.assign(static_cast<size_t>(length), 0xFF);
     const int status = TARGET_GetUserSystemData(m_handle, m_ObDevice->m_UiUserSystemDataAddress, block.data(),
                                                 static_cast<unsigned int>(length));
@@ -52,7 +43,7 @@ int CBootLoader::GetUserSystemData() {
     if (m_ObUserSystemData != nullptr)
         m_ObUserSystemData->Set(block.data(), length);
     else
-        m_ObUserSystemData = new CUserSystemData(familyNumber(), m_BID, m_ObDevice, block.data(), length);
+        m_ObUserSystemData = new CUserSystemData(seriesOf(*m_ObDevice), m_BID, m_ObDevice, block.data(), length);
     return result;
 }
 
@@ -68,7 +59,7 @@ int CBootLoader::SetUserSystemData() {
     const quint32 length = m_ObUserSystemData->Get(bytes);
     const std::unique_ptr<BYTE[]> block(bytes);
     int status = TARGET_SetUserSystemData(m_handle, m_ObDevice->m_UiUserSystemDataAddress, bytes, length);
-    if (status == 0 && needsResetAfterWrite(familyNumber()))
+    if (status == 0 && familyOf(*m_ObDevice).has(resetsForOptions))
         status = ZVBL_ResetMCU(m_handle);
     if (status != 0)
         return CResult::Convert(status);

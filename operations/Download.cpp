@@ -1,6 +1,7 @@
 #include "operations/Download.h"
 
 #include "device/Device.h"
+#include "device/Families.h"
 #include "files/CFiles.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
@@ -148,8 +149,7 @@ bool CDownload::announce(const CProgramFile &file) {
 
 // The first two families read back what they hold only after a restart, which switches SPIM off.
 int CDownload::restartFirst403() {
-    const int family = jobsteps::familyOf(m_obBootLoader);
-    if (family != ZV32F403_1 && family != ZV32F403_2)
+    if (!jobsteps::familyOf(m_obBootLoader).has(restartsBeforeVerify))
         return 0;
     const int result = ResetMcu403B();
     return result == 0 && m_Parameters.m_bEnBank3 ? EnBank3() : result;

@@ -1,4 +1,5 @@
 #include "device/Device.h"
+#include "device/Families.h"
 #include "files/CFiles.h"
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
@@ -20,8 +21,7 @@ int CDownload::Erase(EraseMode enEraseMode) {
         return 0;
     int result = 0;
     if (enEraseMode == NECESSARY) {
-        const int family = jobsteps::familyOf(m_obBootLoader);
-        const bool hasBlocks = family == ZV32F435 || family == ZV32F437;
+        const bool hasBlocks = jobsteps::familyOf(m_obBootLoader).eraseBlock != 0;
         result = hasBlocks ? SetEraseBlockNecessary() : SetEraseNecessary();
     } else {
         EraseParam wholeDevice;

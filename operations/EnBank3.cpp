@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "device/Families.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "foundation/ShareParameter.h"
@@ -56,6 +57,6 @@ int CEnBank3::Action() {
 // under access protection, decide nothing: it answers the enabling itself.
 uint CEnBank3::flashAddress() {
     const bool isRead = m_obBootLoader->GetUserSystemData() == 0;
-    const bool isAsked = isRead && jobsteps::familyOf(m_obBootLoader) == ZV32F413;
+    const bool isAsked = isRead && jobsteps::familyOf(m_obBootLoader).has(blankKeysOpenBank3);
     return isAsked && keysAreBlank(*m_obBootLoader->m_ObUserSystemData) ? 0 : m_Parameters.m_uiFlashDA;
 }

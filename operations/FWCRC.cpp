@@ -1,6 +1,7 @@
 #include "operations/FWCRC.h"
 
 #include "device/Device.h"
+#include "device/Families.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "foundation/ShareParameter.h"
@@ -61,8 +62,7 @@ int CFWCRC::ConfirmAddressOffset() {
 }
 
 int CFWCRC::Action() {
-    const int family = jobsteps::familyOf(m_obBootLoader);
-    const bool first403 = family == ZV32F403_1 || family == ZV32F403_2;
+    const bool first403 = jobsteps::familyOf(m_obBootLoader).has(firstFirmwareCrc);
     for (int i = 0; i < m_obProgramFile.size(); ++i) {
         if (i > 0) {
             m_InitInfo.m_strFilePath = m_obProgramFile.at(i).m_StrPath;

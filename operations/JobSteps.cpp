@@ -1,9 +1,9 @@
 #include "operations/JobSteps.h"
 
-#include <QString>
 #include <QThread>
 
 #include "device/Device.h"
+#include "device/Families.h"
 #include "files/CFiles.h"
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
@@ -37,9 +37,9 @@ CDevice *deviceOf(const CBootLoader *control) {
     return control ? control->m_ObDevice : nullptr;
 }
 
-int familyOf(const CBootLoader *control) {
+const Family &familyOf(const CBootLoader *control) {
     const CDevice *device = deviceOf(control);
-    return device ? QString::fromStdString(device->m_StrSerial).toInt(nullptr, 16) : 0;
+    return device ? ::familyOf(*device) : ::familyOf(0);
 }
 
 int sectorOf(uint address, uint flashSectorSize) {

@@ -10,6 +10,7 @@
 class CBootLoader;
 class CDevice;
 class CProgramFile;
+struct Family;
 
 // Steps that several jobs share. Results are 0 or a CResult code, unless told otherwise.
 namespace jobsteps {
@@ -31,8 +32,8 @@ bool fileNameOf(const std::string &path, std::string &fileName);
 // done of total in percent, truncated; multiplied first. A total of 0 is all done.
 int percentOf(uint done, uint total);
 
-// The family, a MCUSERIALS value; 0 without a device.
-int familyOf(const CBootLoader *control);
+// The family of the device in use; that of none without one.
+const Family &familyOf(const CBootLoader *control);
 
 // The device in use; null without one.
 CDevice *deviceOf(const CBootLoader *control);
