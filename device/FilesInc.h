@@ -38,7 +38,8 @@ static_assert(sizeof(MAPPING) == 280 && offsetof(MAPPING, pSectors) == 272, "bin
 static_assert(sizeof(IMAGEELEMENT) == 24, "binary contract");
 
 // Every status below is a 32-bit word, 0x12340000 for success; FILES_GetMemoryMapping alone answers
-// 0 for success. No function throws, prints or exits.
+// 0 for success. A handle that was never given out is a bad parameter. No function throws, prints or
+// exits. One image is used by one thread at a time, different images by as many as there are.
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -49,7 +50,8 @@ unsigned int FILES_CreateImage(HANDLE *image, int one);
 // sector of the given Bank 3 size in KB.
 unsigned int FILES_CreateImageFromMapping(HANDLE *image, PMAPPING mapping, unsigned int bank3Size);
 
-// Frees the image and nulls the handle.
+// Frees the image and nulls the handle. A handle is a block of operator new: who drops it with
+// operator delete instead does no harm, the memory of the image is then freed later.
 unsigned int FILES_DestroyImage(HANDLE *image);
 
 // Reads a file: program 1 for a program image, 0 for a user system data image.

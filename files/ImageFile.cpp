@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
@@ -52,14 +53,19 @@ CFiles::CFiles(const CFiles &other) {
 
 CFiles &CFiles::operator=(const CFiles &other) {
     if (this != &other) {
-        release();
+        if (HasOpen())
+            Close();
+        FreeImageElement();
         copyFrom(other);
     }
     return *this;
 }
 
 CFiles::~CFiles() {
-    release();
+    FreeImageElement();
+    // MEANT: the library is not told. Its handles are blocks that may be dropped like this.
+    ::operator delete(m_pImage);
+    m_pImage = nullptr;
 }
 
 void CFiles::copyFrom(const CFiles &other) {
@@ -76,14 +82,6 @@ void CFiles::copyFrom(const CFiles &other) {
         if (element.Data != nullptr)
             std::memcpy(element.Data, bytes, element.dwDataLength);
         m_lsElement.append(element);
-    }
-}
-
-void CFiles::release() {
-    FreeImageElement();
-    if (m_pImage != nullptr) {
-        FILES_DestroyImage(&m_pImage);
-        m_pImage = nullptr;
     }
 }
 

@@ -10,6 +10,9 @@
 // The kind of an image file, told by its path.
 enum Type : int { UNKNOWN = 0, BIN = 1, HEX = 2, S19 = 3 };
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 // An image while an action works on it: the file library's image, and its elements as a list that is
 // walked one by one. Used by one thread at a time. Every int result is a CResult code.
 class CFiles {
@@ -51,6 +54,9 @@ public:
     // A copy has an image and element bytes of its own. If the library gives it no image, it is closed.
     CFiles(const CFiles &other);
     CFiles &operator=(const CFiles &other);
+    // Drops the handle of an open image without a call of the library. MEANT: not virtual, so an image
+    // file is destroyed as what it is, never through this class.
+    ~CFiles();
 
     // The base steps: close what is open and, for Open, tell the type.
     virtual int Open(std::string strPath, CDevice *obDevice);
@@ -81,16 +87,12 @@ public:
     Type ParseFileType(std::string strPath);
 
 protected:
-    // Not virtual: an image file is destroyed as what it is, never through this class.
-    ~CFiles();
-
     // Fetches one element of the image into the list. Gives the library's status, or
     // FILES_UNEXPECTEDERROR when there is no memory for the bytes.
     unsigned int appendElement(unsigned int index);
 
-    // Frees image and elements, and nulls the handle.
-    void release();
-
 private:
     void copyFrom(const CFiles &other);
 };
+
+#pragma GCC diagnostic pop

@@ -2,6 +2,9 @@
 
 #include "files/ImageFile.h"
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // of CFiles
+
 // A program image: opened for download and verify, created for upload.
 class CProgramFile final : public CFiles {
 public:
@@ -33,3 +36,5 @@ private:
     unsigned int collectChosen(unsigned int count, int flashSectorNum);
     unsigned int replaceImage();
 };
+
+#pragma GCC diagnostic pop

@@ -2,6 +2,9 @@
 
 #include "files/ImageFile.h"
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // of CFiles
+
 // A user system data image: one element, the element form of the option bytes.
 class CUserSystemDataFile final : public CFiles {
 public:
@@ -11,3 +14,5 @@ public:
     // Makes an image of one element of the device's user system data length at address 0.
     int Create(CDevice *obDevice) override;
 };
+
+#pragma GCC diagnostic pop

@@ -1,4 +1,4 @@
-// The C border: null pointers, statuses and exceptions end here.
+// The C border: null pointers, foreign handles, statuses and exceptions end here.
 
 #include <algorithm>
 #include <cstring>
@@ -7,6 +7,7 @@
 #include "device/FilesInc.h"
 #include "libs/files/AtomicFile.h"
 #include "libs/files/Filter.h"
+#include "libs/files/Handles.h"
 #include "libs/files/Image.h"
 #include "libs/files/InputFile.h"
 #include "libs/files/MapFile.h"
@@ -37,8 +38,13 @@ unsigned int answer(Work work) noexcept {
     return status == Status::Ok ? NoError : static_cast<unsigned int>(status);
 }
 
-Image *imageOf(HANDLE handle) {
-    return static_cast<Image *>(handle);
+// Does the work on the image of a handle.
+template <typename Work>
+unsigned int answerFor(HANDLE handle, Work work) noexcept {
+    return answer([&] {
+        const std::shared_ptr<Image> image = files::handles::find(handle);
+        return image ? work(*image) : Status::BadParameter;
+    });
 }
 
 Status readImage(const char *path, bool program, HANDLE *handle) {
@@ -54,11 +60,11 @@ Status readImage(const char *path, bool program, HANDLE *handle) {
     const Status read = format->read(file, program ? files::FlashBase : 0, runs);
     if (read != Status::Ok)
         return read;
-    auto image = std::make_unique<Image>();
+    auto image = std::make_shared<Image>();
     image->flat = format->flat;
     const Status finished = runs.finish(image->elements);
     if (finished == Status::Ok)
-        *handle = image.release();
+        *handle = files::handles::give(std::move(image));
     return finished;
 }
 
@@ -90,7 +96,7 @@ unsigned int FILES_CreateImage(HANDLE *image, int) {
         if (!image)
             return Status::BadParameter;
         *image = nullptr;
-        *image = new Image;
+        *image = files::handles::give(std::make_shared<Image>());
         return Status::Ok;
     });
 }
@@ -100,19 +106,18 @@ unsigned int FILES_CreateImageFromMapping(HANDLE *image, PMAPPING mapping, unsig
         if (!image || !mapping)
             return Status::BadParameter;
         *image = nullptr;
-        auto made = std::make_unique<Image>();
+        auto made = std::make_shared<Image>();
         const Status status = made->makeSectors(*mapping, std::uint64_t(bank3Size) * 1024);
         if (status == Status::Ok)
-            *image = made.release();
+            *image = files::handles::give(std::move(made));
         return status;
     });
 }
 
 unsigned int FILES_DestroyImage(HANDLE *image) {
     return answer([&] {
-        if (!image || !*image)
+        if (!image || !files::handles::take(*image))
             return Status::BadParameter;
-        delete imageOf(*image);
         *image = nullptr;
         return Status::Ok;
     });
@@ -127,41 +132,41 @@ unsigned int FILES_ImageFromFile(const char *path, HANDLE *image, int program) {
     });
 }
 
-unsigned int FILES_ImageToFile(const char *path, HANDLE image) {
-    return answer([&] { return path && image ? writeImage(path, *imageOf(image)) : Status::BadParameter; });
+unsigned int FILES_ImageToFile(const char *path, HANDLE handle) {
+    return answerFor(handle, [&](Image &image) { return path ? writeImage(path, image) : Status::BadParameter; });
 }
 
-unsigned int FILES_SetImageName(HANDLE image, const char *name) {
-    return answer([&] {
-        if (!image || !name)
+unsigned int FILES_SetImageName(HANDLE handle, const char *name) {
+    return answerFor(handle, [&](Image &image) {
+        if (!name)
             return Status::BadParameter;
-        imageOf(image)->name = name;
+        image.name = name;
         return Status::Ok;
     });
 }
 
-unsigned int FILES_FilterImageForOperation(HANDLE image, PMAPPING mapping, int operation, BYTE optimise) {
-    return answer([&] {
-        if (!image || !mapping || operation != FilterOperation)
+unsigned int FILES_FilterImageForOperation(HANDLE handle, PMAPPING mapping, int operation, BYTE optimise) {
+    return answerFor(handle, [&](Image &image) {
+        if (!mapping || operation != FilterOperation)
             return Status::BadParameter;
-        return files::filterImage(*imageOf(image), *mapping, optimise != 0);
+        return files::filterImage(image, *mapping, optimise != 0);
     });
 }
 
-unsigned int FILES_GetImageNbElement(HANDLE image, unsigned int *count) {
-    return answer([&] {
-        if (!image || !count)
+unsigned int FILES_GetImageNbElement(HANDLE handle, unsigned int *count) {
+    return answerFor(handle, [&](Image &image) {
+        if (!count)
             return Status::BadParameter;
-        *count = static_cast<unsigned int>(imageOf(image)->elements.size());
+        *count = static_cast<unsigned int>(image.elements.size());
         return Status::Ok;
     });
 }
 
-unsigned int FILES_GetImageElement(HANDLE image, unsigned int index, PIMAGEELEMENT element) {
-    return answer([&] {
-        if (!image || !element || index >= imageOf(image)->elements.size())
+unsigned int FILES_GetImageElement(HANDLE handle, unsigned int index, PIMAGEELEMENT element) {
+    return answerFor(handle, [&](Image &image) {
+        if (!element || index >= image.elements.size())
             return Status::BadParameter;
-        const files::Element &source = imageOf(image)->elements[index];
+        const files::Element &source = image.elements[index];
         element->dwAddress = source.address;
         element->dwDataLength = source.length;
         if (element->Data)
@@ -170,12 +175,9 @@ unsigned int FILES_GetImageElement(HANDLE image, unsigned int index, PIMAGEELEME
     });
 }
 
-unsigned int FILES_SetImageElement(HANDLE image, unsigned int index, BYTE insert, IMAGEELEMENT element) {
-    return answer([&] {
-        if (!image)
-            return Status::BadParameter;
-        return insert ? imageOf(image)->insert(index, element) : imageOf(image)->replace(index, element);
-    });
+unsigned int FILES_SetImageElement(HANDLE handle, unsigned int index, BYTE insert, IMAGEELEMENT element) {
+    return answerFor(
+        handle, [&](Image &image) { return insert ? image.insert(index, element) : image.replace(index, element); });
 }
 
 unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name, short *packetSize, PMAPPING mapping,

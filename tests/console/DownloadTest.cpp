@@ -58,6 +58,21 @@ TEST_F(DownloadTest, Optimises) {
               run.files.end());
 }
 
+// The check and the job each open the image; neither gives it back to the library.
+TEST_F(DownloadTest, TheOrderOfTheFileCalls) {
+    const Calls opened = {"FILES_ImageFromFile",     "FILES_SetImageName",    "FILES_FilterImageForOperation",
+                          "FILES_GetImageNbElement", "FILES_GetImageElement", "FILES_GetImageElement"};
+    Calls expected = {"FILES_GetMemoryMapping", "FILES_GetMemoryMapping"};
+    expected.insert(expected.end(), opened.begin(), opened.end());
+    expected.insert(expected.end(), opened.begin(), opened.end());
+    for (const char *line : {"-d --fn @/a.hex", "-d --fn @/a.hex --v"}) {
+        Calls names;
+        for (const std::string &call : connected(line).files)
+            names.push_back(call.substr(0, call.find(' ')));
+        EXPECT_EQ(names, expected) << line;
+    }
+}
+
 TEST_F(DownloadTest, PercentSteps) {
     console.filesScript("element address=08000000\nelement address=08000800\nelement address=08001000");
     const Outcome run = connected("-d --fn @/a.hex");

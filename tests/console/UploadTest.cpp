@@ -29,8 +29,7 @@ TEST_F(UploadTest, Sectors) {
         EXPECT_EQ(run.callsOf("ZVBL_UPLOAD"),
                   (Calls{"ZVBL_UPLOAD addr=08000000 len=2048", "ZVBL_UPLOAD addr=08000800 len=2048"}))
             << line;
-        EXPECT_EQ(run.files[run.files.size() - 2],
-                  "FILES_ImageToFile path=@/up.bin image=2 elements=2 bytes=4096 -> 12340000")
+        EXPECT_EQ(run.files.back(), "FILES_ImageToFile path=@/up.bin image=2 elements=2 bytes=4096 -> 12340000")
             << line;
         EXPECT_TRUE(run.changes().empty()) << line;
     }

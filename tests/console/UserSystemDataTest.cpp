@@ -19,8 +19,10 @@ TEST_F(UserSystemDataTest, Get) {
                   start + "Get user system data to file\nrunning...\nGet user system data to file succeed!\n");
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(run.callsOf("TARGET_GetUserSystemData").size(), 1U);
-        ASSERT_FALSE(run.files.empty());
-        EXPECT_NE(run.files[run.files.size() - 2].find("FILES_ImageToFile path=@/a.bin"), std::string::npos);
+        ASSERT_EQ(run.files.size(), 5U);
+        EXPECT_EQ(run.files[2], "FILES_CreateImage one=1 -> image=1 12340000");
+        EXPECT_NE(run.files[3].find("FILES_SetImageElement image=1 index=0 insert=1"), std::string::npos);
+        EXPECT_EQ(run.files[4], "FILES_ImageToFile path=@/a.bin image=1 elements=1 bytes=4096 -> 12340000");
         EXPECT_TRUE(run.changes().empty());
     }
 }
@@ -33,6 +35,7 @@ TEST_F(UserSystemDataTest, Set) {
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(run.changes().size(), 1U);
         EXPECT_EQ(run.callsOf("TARGET_SetUserSystemData").size(), 1U);
+        EXPECT_EQ(run.files.back(), "FILES_GetImageElement image=1 index=0 data=set -> 12340000");
     }
 }
 

@@ -1,3 +1,6 @@
+#include <cstdlib>
+#include <type_traits>
+
 #include "ModelTest.h"
 #include "files/CFiles.h"
 #include "foundation/Result.h"
@@ -186,14 +189,29 @@ TEST_F(OpenFile, IsEmptyOnceClosed) {
     EXPECT_EQ(double_->calls(), Lines{"FILES_DestroyImage image=1 -> 8"});
 }
 
-TEST_F(OpenFile, LeavesItsImageToTheLibraryAtTheEnd) {
+TEST_F(OpenFile, CallsNothingAtItsEnd) {
     open(twoElements);
     {
         CProgramFile other;
         ASSERT_EQ(other.Open("/x/b.bin", &device), 0);
         double_->calls();
     }
-    EXPECT_EQ(double_->calls(), Lines{"FILES_DestroyImage image=2 -> 12340000"});
+    EXPECT_EQ(double_->calls(), Lines{});
+}
+
+TEST(ImageFile, CanBeMadeAsAnObjectOfItsOwn) {
+    const Workplace workplace;
+    FilesDouble files(workplace);
+    {
+        CFiles file;
+        EXPECT_EQ(file.Open("/x/a.srec", nullptr), 0);
+        EXPECT_EQ(file.m_Type, S19);
+        EXPECT_EQ(file.Create(nullptr), 0);
+        EXPECT_FALSE(file.HasOpen());
+        file.m_lsElement.append({0, 4, static_cast<BYTE *>(std::malloc(4))}); // freed at its end
+    }
+    EXPECT_EQ(files.calls(), Lines{});
+    EXPECT_FALSE(std::has_virtual_destructor<CFiles>::value);
 }
 
 TEST_F(OpenFile, IsCopiedDeeply) {

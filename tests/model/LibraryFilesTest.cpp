@@ -48,6 +48,25 @@ TEST(LibraryFiles, AnImageComesInElementsOfOneSector) {
     EXPECT_EQ(file.m_UiFileSize, 5000u);
 }
 
+// Each file drops its handle at its end, and most get the address of the one before.
+TEST(LibraryFiles, FilesThatEndWhileTheyAreOpenLeaveTheOthersAlone) {
+    const Bench bench;
+    bench.workplace.write("a.bin", firmware());
+    bench.workplace.write("b.bin", "short");
+    CDevice device = bench.device;
+    CProgramFile kept;
+    ASSERT_EQ(kept.Open(bench.workplace.path("a.bin"), &device), 0);
+    for (int i = 0; i < 100; ++i) {
+        CProgramFile file;
+        ASSERT_EQ(file.Open(bench.workplace.path(i % 2 == 0 ? "b.bin" : "a.bin"), &device), 0);
+        ASSERT_EQ(file.m_UiFileSize, i % 2 == 0 ? 5u : 5000u);
+        ASSERT_EQ(file.Save(bench.workplace.path("c.bin")), 0);
+        ASSERT_EQ(content(bench.workplace.path("c.bin")), i % 2 == 0 ? "short" : firmware());
+    }
+    ASSERT_EQ(kept.Save(bench.workplace.path("c.bin")), 0);
+    EXPECT_EQ(content(bench.workplace.path("c.bin")), firmware());
+}
+
 TEST(LibraryFiles, ACopySavesTheSameBytes) {
     const Bench bench;
     bench.workplace.write("a.bin", firmware());

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <mutex>
+#include <new>
 
 #include "Script.h"
 #include "device/FilesInc.h"
@@ -23,12 +25,34 @@ struct Image {
 
 std::mutex mutex;
 
+// As in the library, a handle is a block that its owner may drop without a call.
+std::map<HANDLE, Image> &images() {
+    static auto &all = *new std::map<HANDLE, Image>; // a job's thread may call while the process ends
+    return all;
+}
+
 Image *imageOf(HANDLE handle) {
-    return static_cast<Image *>(handle);
+    const auto found = images().find(handle);
+    return found == images().end() ? nullptr : &found->second;
 }
 
 std::string imageText(HANDLE handle) {
-    return " image=" + std::to_string(handle == nullptr ? 0 : imageOf(handle)->number);
+    if (handle == nullptr)
+        return " image=0";
+    const Image *image = imageOf(handle);
+    return image == nullptr ? " image=unknown" : " image=" + std::to_string(image->number);
+}
+
+const std::vector<Element> &elementsOf(HANDLE handle) {
+    static const auto &none = *new std::vector<Element>;
+    const Image *image = imageOf(handle);
+    return image == nullptr ? none : image->elements;
+}
+
+// The scripted status of a call for an image; a handle that was never given out is a bad parameter.
+unsigned int answerFor(HANDLE handle, const std::string &function) {
+    const unsigned int status = answer(function, success);
+    return imageOf(handle) == nullptr && status == success ? badParameter : status;
 }
 
 std::string text(const char *value) {
@@ -42,8 +66,10 @@ unsigned int done(const std::string &call, unsigned int status) {
 
 // Ends a call that makes an image: makes it on success.
 unsigned int made(const std::string &call, unsigned int status, HANDLE *image, std::vector<Element> elements) {
-    if (status == success)
-        *image = new Image{nextImage(), std::move(elements)};
+    if (status == success) {
+        *image = ::operator new(1);
+        images()[*image] = {nextImage(), std::move(elements)};
+    }
     log(call + " ->" + imageText(status == success ? *image : nullptr) + " " + hex(status, 1));
     return status;
 }
@@ -100,9 +126,11 @@ unsigned int FILES_CreateImageFromMapping(HANDLE *image, PMAPPING mapping, unsig
 unsigned int FILES_DestroyImage(HANDLE *image) {
     const std::lock_guard<std::mutex> lock(mutex);
     const std::string call = "FILES_DestroyImage" + imageText(*image);
-    delete imageOf(*image);
+    const bool known = images().erase(*image) != 0;
+    if (known)
+        ::operator delete(*image);
     // The handle stays: a library that does not null it must not be destroyed with twice.
-    return done(call, answer("FILES_DestroyImage", success));
+    return done(call, answer("FILES_DestroyImage", known ? success : badParameter));
 }
 
 unsigned int FILES_ImageFromFile(const char *path, HANDLE *image, int program) {
@@ -113,29 +141,31 @@ unsigned int FILES_ImageFromFile(const char *path, HANDLE *image, int program) {
 
 unsigned int FILES_ImageToFile(const char *path, HANDLE image) {
     const std::lock_guard<std::mutex> lock(mutex);
+    const std::vector<Element> elements = elementsOf(image);
     std::size_t bytes = 0;
-    for (const Element &element : imageOf(image)->elements)
+    for (const Element &element : elements)
         bytes += element.data.size();
     return done("FILES_ImageToFile path=" + text(path) + imageText(image) +
-                    " elements=" + std::to_string(imageOf(image)->elements.size()) + " bytes=" + std::to_string(bytes),
-                answer("FILES_ImageToFile", success));
+                    " elements=" + std::to_string(elements.size()) + " bytes=" + std::to_string(bytes),
+                answerFor(image, "FILES_ImageToFile"));
 }
 
 unsigned int FILES_SetImageName(HANDLE image, const char *name) {
     const std::lock_guard<std::mutex> lock(mutex);
-    return done("FILES_SetImageName" + imageText(image) + " name=" + text(name), answer("FILES_SetImageName", success));
+    return done("FILES_SetImageName" + imageText(image) + " name=" + text(name),
+                answerFor(image, "FILES_SetImageName"));
 }
 
 unsigned int FILES_FilterImageForOperation(HANDLE image, PMAPPING mapping, int operation, BYTE optimise) {
     const std::lock_guard<std::mutex> lock(mutex);
     return done("FILES_FilterImageForOperation" + imageText(image) + " sectors=" + std::to_string(mapping->NbSectors) +
                     " operation=" + std::to_string(operation) + " optimise=" + std::to_string(optimise),
-                answer("FILES_FilterImageForOperation", success));
+                answerFor(image, "FILES_FilterImageForOperation"));
 }
 
 unsigned int FILES_GetImageNbElement(HANDLE image, unsigned int *count) {
     const std::lock_guard<std::mutex> lock(mutex);
-    const unsigned int status = answer("FILES_GetImageNbElement", success);
+    const unsigned int status = answerFor(image, "FILES_GetImageNbElement");
     *count = status == success ? static_cast<unsigned int>(imageOf(image)->elements.size()) : 0;
     return done("FILES_GetImageNbElement" + imageText(image) + " count=" + std::to_string(*count), status);
 }
@@ -144,8 +174,8 @@ unsigned int FILES_GetImageElement(HANDLE image, unsigned int index, PIMAGEELEME
     const std::lock_guard<std::mutex> lock(mutex);
     const std::string call = "FILES_GetImageElement" + imageText(image) + " index=" + std::to_string(index) +
                              (element->Data == nullptr ? " data=null" : " data=set");
-    unsigned int status = answer("FILES_GetImageElement", success);
-    if (index >= imageOf(image)->elements.size())
+    unsigned int status = answerFor(image, "FILES_GetImageElement");
+    if (index >= elementsOf(image).size())
         status = badParameter;
     if (status == success) {
         const Element &stored = imageOf(image)->elements[index];
@@ -159,11 +189,11 @@ unsigned int FILES_GetImageElement(HANDLE image, unsigned int index, PIMAGEELEME
 
 unsigned int FILES_SetImageElement(HANDLE image, unsigned int index, BYTE insert, IMAGEELEMENT element) {
     const std::lock_guard<std::mutex> lock(mutex);
-    std::vector<Element> &elements = imageOf(image)->elements;
-    unsigned int status = answer("FILES_SetImageElement", success);
-    if (insert == 0 && index >= elements.size())
+    unsigned int status = answerFor(image, "FILES_SetImageElement");
+    if (insert == 0 && index >= elementsOf(image).size())
         status = badParameter;
     if (status == success) {
+        std::vector<Element> &elements = imageOf(image)->elements;
         const Element stored{element.dwAddress, std::vector<BYTE>(element.Data, element.Data + element.dwDataLength)};
         if (insert != 0)
             elements.insert(elements.begin() + static_cast<long>(std::min<std::size_t>(index, elements.size())),

@@ -6,7 +6,9 @@
 //   FILES_ImageFromFile path=/x/a.hex program=1 -> image=1 12340000
 //   FILES_SetImageElement image=1 index=0 insert=1 address=08000000 length=2048 data=A5A5A5A5 -> 12340000
 // Addresses, data and the answered status are hexadecimal, everything else is decimal. Images are numbered from 1
-// in the order of their making, over again with a new script; 0 is the null handle. Data shows the first four bytes.
+// in the order of their making, over again with a new script; 0 is the null handle, and "unknown" one that was
+// never given out. Handles are blocks that may be dropped with operator delete, which makes no line. Data shows the
+// first four bytes.
 //
 // FILES_DOUBLE_SCRIPT names a file of what to answer, read at the first call and again whenever the
 // variable names another file. A line is empty, a comment (#), or one of
