@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <mutex>
 
 #include <fcntl.h>
 #include <sys/xattr.h>
@@ -17,6 +16,8 @@ namespace {
 
 constexpr std::size_t WritebackSize = 4 * 1024 * 1024;
 constexpr int NameAttempts = 100;
+constexpr mode_t privateMode = 0600;
+constexpr mode_t newMode = 0666;
 constexpr const char *AclAttribute = "system.posix_acl_access";
 
 bool writeAll(int fd, const unsigned char *bytes, std::size_t length) {
@@ -38,11 +39,19 @@ std::string descriptorPath(int fd) {
 }
 
 // `directory`/.`base`.<pid>-<attempt>.tmp
-std::string temporaryName(const std::string &directory, const std::string &target, int attempt) {
-    const std::size_t slash = target.rfind('/');
-    std::string base = slash == std::string::npos ? target : target.substr(slash + 1);
+std::string temporaryName(const SaveTarget &target, int attempt) {
+    std::string base = target.path.substr(target.path.rfind('/') + 1);
     base.resize(std::min<std::size_t>(base.size(), NAME_MAX / 2));
-    return directory + "/." + base + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
+    return target.directory + "/." + base + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
+}
+
+// The permissions of a new file, as the kernel would give them.
+mode_t modeOfNewFile() {
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
+    const mode_t mask = ::umask(0077); // there is no way to only read it that works everywhere
+    ::umask(mask);
+    return newMode & ~mask;
 }
 
 } // namespace
@@ -57,44 +66,23 @@ AtomicFile::~AtomicFile() {
 }
 
 Status AtomicFile::create(const char *path) {
-    const Status located = locate(path);
+    const Status located = m_target.locate(path);
     if (located != Status::Ok)
         return located;
     const Status opened = openTemporary();
-    if (opened == Status::Ok && m_replaces)
+    if (opened == Status::Ok && m_target.exists)
         keepPermissions();
     return opened;
 }
 
-Status AtomicFile::locate(const char *path) {
-    m_target = path;
-    struct stat info;
-    if (::lstat(path, &info) == 0) {
-        char *real = ::realpath(path, nullptr);
-        if (!real)
-            return Status::UnableToOpenFile;
-        m_target = real;
-        std::free(real);
-        // rename would replace a file that this user may not write.
-        if (::stat(m_target.c_str(), &m_old) != 0 || !S_ISREG(m_old.st_mode) ||
-            ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0)
-            return Status::UnableToOpenFile;
-        m_replaces = true;
-    }
-    const std::size_t slash = m_target.rfind('/');
-    if (slash == std::string::npos)
-        m_directory = ".";
-    else
-        m_directory = m_target.substr(0, slash == 0 ? 1 : slash);
-    return Status::Ok;
-}
-
 Status AtomicFile::openTemporary() {
+    // What a file without a name may get from the umask and the directory, the kernel knows best.
+    const mode_t unnamedMode = m_target.exists ? privateMode : newMode;
     if (::access("/proc/self/fd", X_OK) == 0)
-        m_fd = ::open(m_directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+        m_fd = ::open(m_target.directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, unnamedMode);
     for (int i = 0; m_fd < 0 && i < NameAttempts; ++i) {
-        const std::string name = temporaryName(m_directory, m_target, i);
-        m_fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        const std::string name = temporaryName(m_target, i);
+        m_fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateMode);
         if (m_fd >= 0)
             m_temporary = name;
         else if (errno != EEXIST)
@@ -106,14 +94,14 @@ Status AtomicFile::openTemporary() {
 void AtomicFile::keepPermissions() {
     // The owner first: chown clears the set-user-ID bits. A user who may not give files away keeps
     // the file as his own, and then without those bits.
-    mode_t mode = m_old.st_mode & 07777;
-    if (::fchown(m_fd, m_old.st_uid, m_old.st_gid) != 0) {
+    mode_t mode = m_target.old.st_mode & 07777;
+    if (::fchown(m_fd, m_target.old.st_uid, m_target.old.st_gid) != 0) {
         mode &= 0777;
-        (void)!::fchown(m_fd, static_cast<uid_t>(-1), m_old.st_gid);
+        (void)!::fchown(m_fd, static_cast<uid_t>(-1), m_target.old.st_gid);
     }
     (void)::fchmod(m_fd, mode);
     char acl[4096];
-    const ssize_t length = ::getxattr(m_target.c_str(), AclAttribute, acl, sizeof acl);
+    const ssize_t length = ::getxattr(m_target.path.c_str(), AclAttribute, acl, sizeof acl);
     if (length > 0)
         (void)::fsetxattr(m_fd, AclAttribute, acl, static_cast<std::size_t>(length), 0);
 }
@@ -170,6 +158,8 @@ void AtomicFile::put(const unsigned char *bytes, std::size_t length) {
 Status AtomicFile::commit() {
     if (flush() != Status::Ok)
         return m_failure;
+    if (!m_temporary.empty() && !m_target.exists)
+        (void)::fchmod(m_fd, modeOfNewFile());
     if (::fsync(m_fd) != 0)
         return Status::GeneralError;
     const Status linked = link();
@@ -180,10 +170,11 @@ Status AtomicFile::commit() {
 Status AtomicFile::link() {
     if (m_temporary.empty()) {
         const std::string self = descriptorPath(m_fd);
-        if (!m_replaces && ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_target.c_str(), AT_SYMLINK_FOLLOW) == 0)
+        if (!m_target.exists &&
+            ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_target.path.c_str(), AT_SYMLINK_FOLLOW) == 0)
             return Status::Ok;
         for (int i = 0; m_temporary.empty() && i < NameAttempts; ++i) {
-            const std::string name = temporaryName(m_directory, m_target, i);
+            const std::string name = temporaryName(m_target, i);
             if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
                 m_temporary = name;
             else if (errno != EEXIST)
@@ -192,14 +183,14 @@ Status AtomicFile::link() {
         if (m_temporary.empty())
             return Status::UnableToOpenTempFile;
     }
-    if (::rename(m_temporary.c_str(), m_target.c_str()) != 0)
+    if (::rename(m_temporary.c_str(), m_target.path.c_str()) != 0)
         return Status::UnableToOpenFile;
     m_temporary.clear();
     return Status::Ok;
 }
 
 Status AtomicFile::syncDirectory() const {
-    const int fd = ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int fd = ::open(m_target.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0)
         return Status::Ok; // a directory may be writable and not readable
     // Some file systems cannot flush a directory and say so with EINVAL.

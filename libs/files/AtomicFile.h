@@ -4,8 +4,7 @@
 #include <memory>
 #include <string>
 
-#include <sys/stat.h>
-
+#include "libs/files/SaveTarget.h"
 #include "libs/files/Status.h"
 
 namespace files {
@@ -16,7 +15,8 @@ namespace files {
 // The bytes go into a file without a name (O_TMPFILE), which the kernel itself drops when the
 // process ends, however it ends. Only a target that exists already needs a second name, for the
 // moment between linkat and rename. A file system without O_TMPFILE gets a named temporary file,
-// removed on every failure that the process survives.
+// removed on every failure that the process survives. Whatever has a name or takes the place of
+// another file is for its owner alone until it is given the permissions that it keeps.
 class AtomicFile {
 public:
     AtomicFile();
@@ -52,7 +52,6 @@ public:
 private:
     static constexpr std::size_t BufferSize = 256 * 1024;
 
-    Status locate(const char *path);
     Status openTemporary();
     void keepPermissions();
     Status flush();
@@ -60,11 +59,8 @@ private:
     Status link();
     Status syncDirectory() const;
 
-    std::string m_target;    // with symbolic links resolved
-    std::string m_directory; // of the target, "." if it names none
+    SaveTarget m_target;
     std::string m_temporary; // the temporary name, empty while there is none
-    struct stat m_old;
-    bool m_replaces = false; // the target exists; m_old is valid
     int m_fd = -1;
     Status m_failure = Status::Ok;
     std::unique_ptr<unsigned char[]> m_buffer;

@@ -10,6 +10,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,6 +30,7 @@ struct {
     int calls = 0;
     bool unnamedFiles = true; // the file system has O_TMPFILE
     std::string hit;          // the call that the fault met
+    unsigned mode = 0;        // that the new file was opened with
 } plan;
 
 // True when this call has to fail.
@@ -60,6 +62,8 @@ __attribute__((visibility("default"))) int open(const char *path, int flags, ...
         return failure(EOPNOTSUPP);
     if (meets((flags & O_DIRECTORY) && !unnamed ? "open directory" : "open"))
         return failure(EACCES);
+    if (plan.armed && (unnamed || (flags & O_CREAT)))
+        plan.mode = mode;
     return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
 
@@ -106,6 +110,8 @@ struct Outcome {
     bool isOld = false;
     bool isNew = false;
     std::size_t litter = 0;
+    unsigned firstMode = 0; // permissions that the new file began with
+    unsigned mode = 0;      // and those of the file in place
 };
 
 class SaveFaults : public testing::TestWithParam<Case> {
@@ -121,6 +127,9 @@ protected:
         outcome.isNew = present && readBytes(path) == NewBytes;
         outcome.isOld = GetParam().exists ? present && readFile(path) == Old : !present;
         outcome.litter = entries.size() - (present ? 1 : 0);
+        struct stat info {};
+        if (::stat(path.c_str(), &info) == 0)
+            outcome.mode = info.st_mode & 07777;
         return outcome;
     }
 
@@ -130,12 +139,13 @@ private:
         EXPECT_EQ(FILES_CreateImage(image.out(), 1), NoError);
         EXPECT_EQ(image.insert(0, 0, Bytes(NewBytes.begin(), NewBytes.begin() + 300000)), NoError);
         EXPECT_EQ(image.insert(1, 300000, Bytes(NewBytes.begin() + 300000, NewBytes.end())), NoError);
-        plan = {true, fault, at, 0, GetParam().unnamedFiles, {}};
+        plan = {true, fault, at, 0, GetParam().unnamedFiles, {}, 0};
         Outcome outcome;
         outcome.status = FILES_ImageToFile(path.c_str(), image.get());
         plan.armed = false;
         outcome.calls = plan.calls;
         outcome.hit = plan.hit;
+        outcome.firstMode = plan.mode;
         return outcome;
     }
 
@@ -158,6 +168,17 @@ TEST_P(SaveFaults, WithoutAFault) {
     EXPECT_TRUE(outcome.isNew);
     EXPECT_EQ(outcome.litter, 0u);
     EXPECT_GE(outcome.calls, 6); // open, two writes, fsync, a name, the directory
+}
+
+// What may be read by others is only what they could read before, or what is complete. A new file without a
+// name cannot be found by anybody.
+TEST_P(SaveFaults, NobodyElseReadsWhatIsNotComplete) {
+    const mode_t old = ::umask(022);
+    const Outcome outcome = save(Fault::None, 0);
+    ::umask(old);
+    const bool hidden = GetParam().unnamedFiles && !GetParam().exists;
+    EXPECT_EQ(outcome.firstMode, hidden ? 0666u : 0600u);
+    EXPECT_EQ(outcome.mode, 0644u);
 }
 
 TEST_P(SaveFaults, EachCallFails) {
