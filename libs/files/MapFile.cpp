@@ -29,6 +29,8 @@ Status readText(const char *path, std::string &text) {
     const Status opened = file.open(path);
     if (opened != Status::Ok)
         return opened;
+    if (file.size() > MaxFileSize)
+        return Status::BadFormat;
     text.resize(MaxFileSize + 1);
     std::size_t got = 0;
     const Status read = file.read(&text[0], text.size(), got);
@@ -38,41 +40,52 @@ Status readText(const char *path, std::string &text) {
     return got <= MaxFileSize ? Status::Ok : Status::BadFormat;
 }
 
-// Reads numbers out of one section and remembers whether each was one.
+// Reads numbers out of one section and remembers whether each of those that the table stands on was one.
 class Numbers {
 public:
     explicit Numbers(const IniSection &section) : m_section(section) {}
 
+    // A key that the table stands on.
     std::uint64_t get(const char *key, int base, std::uint64_t highest, std::uint64_t missing) {
-        const auto place = m_section.find(key);
-        if (place == m_section.end())
-            return missing;
-        const char *text = place->second.c_str();
-        char *end = nullptr;
-        errno = 0;
-        const unsigned long long value = std::strtoull(text, &end, base);
-        // strtoull would take a sign and leading blanks.
-        const bool digits = std::isxdigit(static_cast<unsigned char>(*text)) && *end == '\0';
-        m_valid &= digits && errno == 0 && value <= highest;
+        std::uint64_t value = missing;
+        m_valid &= take(key, base, highest, value);
         return value;
     }
-    bool flag(const char *key) { return get(key, Decimal, 1, 1) != 0; }
+
+    // A key beside the table: one that is no such number counts as missing.
+    std::uint64_t getOr(const char *key, int base, std::uint64_t highest, std::uint64_t missing) const {
+        std::uint64_t value = missing;
+        return take(key, base, highest, value) ? value : missing;
+    }
+    bool flag(const char *key) const { return getOr(key, Decimal, 1, 1) != 0; }
     bool valid() const { return m_valid; }
 
 private:
+    // False if the key is there and no number up to the highest.
+    bool take(const char *key, int base, std::uint64_t highest, std::uint64_t &value) const {
+        const auto place = m_section.find(key);
+        if (place == m_section.end())
+            return true;
+        const char *text = place->second.c_str();
+        char *end = nullptr;
+        errno = 0;
+        value = std::strtoull(text, &end, base);
+        // strtoull would take a sign and leading blanks.
+        return std::isxdigit(static_cast<unsigned char>(*text)) && *end == '\0' && errno == 0 && value <= highest;
+    }
+
     const IniSection &m_section;
     bool m_valid = true;
 };
 
-Status readProduct(const IniSection &section, MapFile &map) {
+void readProduct(const IniSection &section, MapFile &map) {
     const auto name = section.find("Name");
-    if (name != section.end())
+    if (name != section.end() && name->second.size() <= MaxName)
         map.name = name->second;
-    Numbers numbers(section);
-    map.packetSize = static_cast<short>(numbers.get("PacketSize", Decimal, MaxPacketSize, 0));
-    map.sectorsPerSector = static_cast<BYTE>(numbers.get("SectorsPerSector", Decimal, 255, 0));
-    map.alternate = static_cast<BYTE>(numbers.get("Alternate", Decimal, 255, 0));
-    return numbers.valid() && map.name.size() <= MaxName ? Status::Ok : Status::BadFormat;
+    const Numbers numbers(section);
+    map.packetSize = static_cast<short>(numbers.getOr("PacketSize", Decimal, MaxPacketSize, 0));
+    map.sectorsPerSector = static_cast<BYTE>(numbers.getOr("SectorsPerSector", Decimal, 255, 0));
+    map.alternate = static_cast<BYTE>(numbers.getOr("Alternate", Decimal, 255, 0));
 }
 
 // `next` is the end of the group before.
@@ -81,8 +94,8 @@ Status readGroup(const IniSection &section, std::uint64_t next, SectorGroup &gro
     group.size = numbers.get("Size", Hexadecimal, MaxImageSize, 0);
     group.count = numbers.get("Count", Decimal, MaxSectors, 1);
     group.address = numbers.get("Address", Hexadecimal, AddressSpace - 1, next);
-    group.alias = numbers.get("Alias", Hexadecimal, AddressSpace - 1, group.address);
-    group.type = static_cast<BYTE>(numbers.get("Type", Decimal, 255, 0));
+    group.alias = numbers.getOr("Alias", Hexadecimal, AddressSpace - 1, group.address);
+    group.type = static_cast<BYTE>(numbers.getOr("Type", Decimal, 255, 0));
     group.operation = numbers.flag("Operation");
     group.erase = numbers.flag("Erase");
     group.upload = numbers.flag("Upload");
@@ -155,8 +168,8 @@ Status MapFile::read(const char *path) {
     const Status parsed = parseIni(text, sections);
     if (parsed != Status::Ok)
         return parsed;
-    const Status product = readProduct(sections["Product"], *this);
-    return product == Status::Ok ? readGroups(sections, *this) : product;
+    readProduct(sections["Product"], *this);
+    return readGroups(sections, *this);
 }
 
 void MapFile::fill(MAPPING &mapping) const {
