@@ -49,7 +49,7 @@ unsigned int answerFor(HANDLE handle, Work work) noexcept {
 
 Status readImage(const char *path, bool program, HANDLE *handle) {
     const files::Format *format = files::formatOf(path);
-    if (!format || !(program || format->userSystemData))
+    if (!format)
         return Status::BadSuffix;
     files::InputFile file;
     const Status opened = file.open(path);
@@ -72,6 +72,9 @@ Status writeImage(const char *path, const Image &image) {
     const files::Format *format = files::formatOf(path);
     if (!format)
         return Status::BadSuffix;
+    // A file of nothing would take the place of one that somebody needs.
+    if (image.elements.empty())
+        return Status::BadParameter;
     std::vector<const files::Element *> elements;
     const Status sorted = image.sorted(elements);
     if (sorted != Status::Ok)

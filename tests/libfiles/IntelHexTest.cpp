@@ -18,6 +18,10 @@ struct Good {
 };
 
 const Good GoodFiles[] = {
+    {"a byte order mark", "\xEF\xBB\xBF:0100000055AA\n" + End, {{0, {0x55}}}},
+    {"a Ctrl-Z after the end record", ":0100000055AA\n" + End + "\x1A", {{0, {0x55}}}},
+    {"a Ctrl-Z on its line", ":0100000055AA\r\n:00000001FF\x1A", {{0, {0x55}}}},
+    {"a block filled with Ctrl-Z", ":0100000055AA\n" + End + std::string(128, '\x1A') + "\r\n", {{0, {0x55}}}},
     {"a literal record", ":04000000DEADBEEFC4\n" + End, {{0, {0xDE, 0xAD, 0xBE, 0xEF}}}},
     {"only an end", End, {}},
     {"no line end behind the end record", ":0100000055AA\n:00000001FF", {{0, {0x55}}}},
@@ -66,6 +70,11 @@ struct Bad {
 };
 
 const Bad BadFiles[] = {
+    {"half a byte order mark", "\xEF\xBB" + End, BadFormat},
+    {"a byte order mark inside", ":0100000055AA\n\xEF\xBB\xBF" + End, BadFormat},
+    {"a Ctrl-Z before the end record", ":0100000055AA\n\x1A\n" + End, BadFormat},
+    {"a Ctrl-Z in place of the end record", ":0100000055AA\n\x1A", BadFormat},
+    {"a record after the Ctrl-Z", End + "\x1A\n" + ihex(0, 0, {1}) + "\n", BadFormat},
     {"an empty file", "", BadFormat},
     {"no end record", ihex(0, 0, {1}) + "\n", BadFormat},
     {"cut off inside a record", ihex(0, 0, {1}) + "\n:000000", BadFormat},

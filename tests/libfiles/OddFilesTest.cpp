@@ -34,8 +34,8 @@ TEST(OddFiles, Suffixes) {
     } const cases[] = {
         {"a.bin", Program, NoError},       {"a.BIN", Program, NoError},    {"a.Bin", UserSystemData, NoError},
         {"a.hex", Program, BadFormat},     {"a.HeX", Program, BadFormat},  {"a.HEX", UserSystemData, BadFormat},
-        {"a.s19", Program, BadFormat},     {"a.S19", Program, BadFormat},  {"a.s19", UserSystemData, BadSuffix},
-        {"a.srec", Program, BadFormat},    {"a.SREC", Program, BadFormat}, {"a.srec", UserSystemData, BadSuffix},
+        {"a.s19", Program, BadFormat},     {"a.S19", Program, BadFormat},  {"a.s19", UserSystemData, BadFormat},
+        {"a.srec", Program, BadFormat},    {"a.SREC", Program, BadFormat}, {"a.srec", UserSystemData, BadFormat},
         {"a.hex.txt", Program, BadSuffix}, {"a", Program, BadSuffix},      {"a.", Program, BadSuffix},
         {"bin", Program, BadSuffix},       {"ahex", Program, BadSuffix},   {"a.elf", Program, BadSuffix},
         {"a.bin.hex", Program, BadFormat},

@@ -16,6 +16,9 @@ struct Good {
 };
 
 const Good GoodFiles[] = {
+    {"a byte order mark", "\xEF\xBB\xBF" + srec(1, 0, {1}) + "\n" + End, {{0, {1}}}},
+    {"a Ctrl-Z after the end record", srec(1, 0, {1}) + "\n" + End + "\x1A\x1A\n", {{0, {1}}}},
+    {"a Ctrl-Z after a right count", srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\x1A", {{0, {1}}}},
     {"a literal record", "S107000001020304EE\nS9030000FC\n", {{0, {1, 2, 3, 4}}}},
     {"only an end", End, {}},
     {"no line end behind the end record", "S104000055A6\nS9030000FC", {{0, {0x55}}}},
@@ -52,6 +55,8 @@ struct Bad {
 };
 
 const Bad BadFiles[] = {
+    {"a Ctrl-Z before the end record", srec(1, 0, {1}) + "\n\x1A\n" + End, BadFormat},
+    {"a record after a count and a Ctrl-Z", srec(5, 0, {}) + "\n\x1A\n" + srec(1, 0, {1}) + "\n" + End, BadFormat},
     {"an empty file", "", BadFormat},
     {"no end record", Head + srec(1, 0, {1}) + "\n", BadFormat},
     {"a wrong count is no end", srec(1, 0, {1}) + "\n" + srec(5, 2, {}) + "\n", BadFormat},

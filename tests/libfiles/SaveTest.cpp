@@ -199,15 +199,18 @@ TEST(Save, OverTheFileThatWasRead) {
     EXPECT_EQ(readBytes(dir / "o.bin"), NewBytes);
 }
 
-TEST(Save, AnEmptyImage) {
+// An upload that selects nothing must not take the old file away.
+TEST(Save, AnImageWithoutElementsIsRefused) {
     const TempDir dir;
     Handle image;
     ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    for (const char *name : {"o.bin", "o.hex", "o.s19"}) {
-        EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), image.get()), NoError);
-        Pieces pieces;
-        EXPECT_EQ(load(dir, name, readFile(dir / name), pieces), NoError);
-        EXPECT_TRUE(pieces.empty());
+    for (const char *name : {"o.bin", "o.hex", "o.s19", "o.srec"}) {
+        EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), image.get()), BadParameter);
+        EXPECT_TRUE(dir.entries().empty());
+        writeFile(dir / name, std::string("old"));
+        EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), image.get()), BadParameter);
+        EXPECT_EQ(readFile(dir / name), "old");
+        fs::remove(dir / name);
     }
 }
 

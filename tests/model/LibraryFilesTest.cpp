@@ -4,6 +4,7 @@
 
 #include "ModelTest.h"
 #include "files/CFiles.h"
+#include "foundation/Result.h"
 
 namespace {
 
@@ -93,10 +94,22 @@ TEST(LibraryFiles, ChosenSectorsAreWrittenAsTheyAreFilled) {
     EXPECT_EQ(content(bench.workplace.path("u.bin")), std::string(2048, '\x01') + std::string(2048, '\x02'));
 }
 
+TEST(LibraryFiles, AnUploadThatSelectsNothingLeavesTheOldFile) {
+    const Bench bench;
+    bench.workplace.write("u.bin", "old");
+    CDevice device = bench.device;
+    CProgramFile file;
+    file.SetSectorIndexsForCreate({100}, 1);
+    ASSERT_EQ(file.Create(&device), 0);
+    ASSERT_EQ(file.GetElementCount(), 0);
+    EXPECT_EQ(file.Save(bench.workplace.path("u.bin")), CResult::FILES_BADPARAMETER);
+    EXPECT_EQ(content(bench.workplace.path("u.bin")), "old");
+}
+
 TEST(LibraryFiles, AUserSystemDataFileIsReadAsItWasWritten) {
     const Bench bench;
     CDevice device = bench.device;
-    for (const char *name : {"o.bin", "o.hex"}) {
+    for (const char *name : {"o.bin", "o.hex", "o.s19", "o.srec"}) {
         CUserSystemDataFile written;
         ASSERT_EQ(written.Create(&device), 0);
         PIMAGEELEMENT element = written.GetElement();

@@ -12,10 +12,10 @@ namespace files {
 namespace {
 
 const Format Formats[] = {
-    {".bin", true, true, readBinary, writeBinary},
-    {".hex", true, false, readIntelHex, writeIntelHex},
-    {".s19", false, false, readSRecord, writeSRecord},
-    {".srec", false, false, readSRecord, writeSRecord},
+    {".bin", true, readBinary, writeBinary},
+    {".hex", false, readIntelHex, writeIntelHex},
+    {".s19", false, readSRecord, writeSRecord},
+    {".srec", false, readSRecord, writeSRecord},
 };
 
 bool endsWith(const char *path, const char *suffix) {

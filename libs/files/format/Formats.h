@@ -13,9 +13,8 @@ namespace files {
 
 // One row per suffix. A new format is a file pair in this folder and a row in Formats.cpp.
 struct Format {
-    const char *suffix;  // lower case, with its dot
-    bool userSystemData; // may also hold user system data
-    bool flat;           // has no addresses of its own: starts at the address that it is given
+    const char *suffix; // lower case, with its dot
+    bool flat;          // has no addresses of its own: starts at the address that it is given
 
     // Reads the whole file; `base` is for a flat one.
     Status (*read)(InputFile &file, std::uint32_t base, RunCollector &runs);

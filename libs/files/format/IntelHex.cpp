@@ -49,6 +49,8 @@ Status Reader::read() {
             return moved;
         if (!found)
             return m_ended ? Status::Ok : Status::BadFormat;
+        if (m_ended && m_window.passTextEnd())
+            continue;
         const Status taken = m_ended ? Status::BadFormat : readRecord();
         if (taken != Status::Ok)
             return taken;

@@ -7,6 +7,7 @@ namespace files {
 namespace {
 
 constexpr std::size_t WindowSize = 256 * 1024;
+constexpr unsigned char ByteOrderMark[] = {0xEF, 0xBB, 0xBF};
 
 } // namespace
 
@@ -20,6 +21,10 @@ Status RecordWindow::refill() {
     m_atFileEnd = rest + got < WindowSize;
     m_at = m_buffer.data();
     m_end = m_at + rest + got;
+    if (!m_started && available() >= sizeof ByteOrderMark &&
+        std::memcmp(m_at, ByteOrderMark, sizeof ByteOrderMark) == 0)
+        m_at += sizeof ByteOrderMark;
+    m_started = true;
     return read;
 }
 

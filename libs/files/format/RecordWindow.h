@@ -17,8 +17,8 @@ public:
 
     explicit RecordWindow(InputFile &file);
 
-    // Goes to the next record over line ends and blanks. Afterwards the whole record is at begin(),
-    // as far as the file has it; `found` is false at the end of the file.
+    // Goes to the next record over line ends and blanks, and at the start over a byte order mark. Afterwards the whole
+    // record is at begin(), as far as the file has it; `found` is false at the end of the file.
     Status next(bool &found) {
         for (;;) {
             while (m_at != m_end && isBlank(*m_at))
@@ -39,10 +39,20 @@ public:
     // Passes over a record of that many characters; false when it runs on behind them.
     bool pass(std::size_t characters) {
         m_at += characters;
-        return m_at == m_end || isBlank(*m_at);
+        return m_at == m_end || isBlank(*m_at) || *m_at == textEnd;
+    }
+
+    // Passes over a Ctrl-Z, which old editors leave at the end of a text; false if none is there.
+    bool passTextEnd() {
+        if (m_at == m_end || *m_at != textEnd)
+            return false;
+        ++m_at;
+        return true;
     }
 
 private:
+    static constexpr unsigned char textEnd = 0x1A;
+
     static bool isBlank(unsigned char c) { return c == '\n' || c == '\r' || c == ' ' || c == '\t'; }
     Status refill();
 
@@ -50,6 +60,7 @@ private:
     std::vector<unsigned char> m_buffer;
     const unsigned char *m_at;
     const unsigned char *m_end;
+    bool m_started = false;
     bool m_atFileEnd = false;
 };
 

@@ -52,6 +52,10 @@ Status Reader::read() {
             return moved;
         if (!found)
             return m_ended || m_counted ? Status::Ok : Status::BadFormat;
+        if ((m_ended || m_counted) && m_window.passTextEnd()) {
+            m_ended = true;
+            continue;
+        }
         const Status taken = m_ended ? Status::BadFormat : readRecord();
         if (taken != Status::Ok)
             return taken;
