@@ -13,12 +13,23 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
 ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "foundation/LibraryTypes.h"]
 ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h"]
-ALLOWED["sim"] = ["sim/", "libs/zvbl/wire/Wire.h"]
+
+# The rooms of the simulated chip, the upper ones first.
+ROOMS = ["program", "ports", "links", "bootloader", "chip"]
+for i, room in enumerate(ROOMS):
+    ALLOWED[f"sim/{room}"] = [f"sim/{below}/" for below in ROOMS[i:]] + ["libs/zvbl/wire/Wire.h"]
+
+# Whoever includes one of these can open a file descriptor, or wait for one.
+DESCRIPTORS = re.compile(r"(unistd|poll|fcntl|termios|fstream|sys/\w+|linux/.*|net/.*)(\.h)?$")
+WITHOUT_DESCRIPTORS = ["sim/links", "sim/bootloader", "sim/chip"]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.M)
 
 
 def complaints(root):
+    rooms = sorted(path.name for path in (root / "sim").iterdir() if path.is_dir())
+    if rooms != sorted(ROOMS):
+        yield f"sim: the rooms are {rooms}"
     for folder, allowed in ALLOWED.items():
         sources = [p for p in (root / folder).rglob("*") if p.suffix in (".h", ".cpp")]
         if not sources:
@@ -28,6 +39,8 @@ def complaints(root):
                 where = f"{path.relative_to(root)}: {name}"
                 if kind == '"' and not any(name.startswith(prefix) for prefix in allowed):
                     yield f"{where} is not for {folder}"
+                if folder in WITHOUT_DESCRIPTORS and kind == "<" and DESCRIPTORS.match(name):
+                    yield f"{where}: no file descriptor belongs into {folder}"
                 if kind == "<" and folder not in CONSOLE and re.match(r"Q[A-Z]", name):
                     yield f"{where} is Qt"
 

@@ -27,6 +27,7 @@ public:
 
     // Frames for the host, in the order in which they are due.
     std::deque<TimedFrame> &toHost() { return toHost_; }
+    const std::deque<TimedFrame> &toHost() const { return toHost_; }
 
     const std::optional<Hangup> &hangup() const { return hangup_; }
     void replug();

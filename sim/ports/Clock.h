@@ -6,7 +6,7 @@
 
 namespace sim {
 
-// The real time, for the fronts.
+// The real time, for the ports.
 
 inline Nanoseconds clockNow() {
     struct timespec now {};

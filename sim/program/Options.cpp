@@ -149,61 +149,61 @@ constexpr OptionRow rows[] = {
     {"help", no_argument, setTask<Options::Task::help>},
 };
 
-// The words of the table, and behind them those of the fronts.
-std::vector<struct option> longOptions(const FrontTable &fronts) {
+// The words of the table, and behind them those of the ports.
+std::vector<struct option> longOptions(const PortKinds &kinds) {
     std::vector<struct option> list;
     for (const OptionRow &row : rows)
         list.push_back({row.name, row.argument, nullptr, 0});
-    for (const Front &front : fronts) {
-        const int valued = front.usual != nullptr ? optional_argument : required_argument;
-        list.push_back({front.option, front.argument != nullptr ? valued : no_argument, nullptr, 0});
+    for (const PortKind &kind : kinds) {
+        const int valued = kind.usual != nullptr ? optional_argument : required_argument;
+        list.push_back({kind.option, kind.argument != nullptr ? valued : no_argument, nullptr, 0});
     }
     list.push_back({nullptr, 0, nullptr, 0});
     return list;
 }
 
-bool setFront(Options &options, const Front &front, const char *value, std::string &error) {
-    if (options.front != nullptr) {
-        error = std::string("a chip has one port: --") + options.front->option + " or --" + front.option;
+bool setPort(Options &options, const PortKind &kind, const char *value, std::string &error) {
+    if (options.kind != nullptr) {
+        error = std::string("a chip has one port: --") + options.kind->option + " or --" + kind.option;
         return false;
     }
-    options.front = &front;
-    options.port = value != nullptr ? value : front.usual != nullptr ? front.usual : "";
+    options.kind = &kind;
+    options.port = value != nullptr ? value : kind.usual != nullptr ? kind.usual : "";
     error = "an empty name";
-    return !front.argument || !options.port.empty();
+    return !kind.argument || !options.port.empty();
 }
 
-// The value of a front's word. One that may be left out stands behind a = or, if no other word follows, alone.
-const char *valueOf(const Front &front, int argc, char **argv) {
-    const bool alone = front.usual != nullptr && optarg == nullptr && optind < argc && argv[optind][0] != '-';
+// The value of a port's word. One that may be left out stands behind a = or, if no other word follows, alone.
+const char *valueOf(const PortKind &kind, int argc, char **argv) {
+    const bool alone = kind.usual != nullptr && optarg == nullptr && optind < argc && argv[optind][0] != '-';
     return alone ? argv[optind++] : optarg;
 }
 
-std::string namesOf(const FrontTable &fronts) {
+std::string namesOf(const PortKinds &kinds) {
     std::string names;
-    for (const Front &front : fronts)
-        names += std::string(names.empty() ? "--" : ", --") + front.option;
+    for (const PortKind &kind : kinds)
+        names += std::string(names.empty() ? "--" : ", --") + kind.option;
     return names;
 }
 
-bool complete(const Options &options, const FrontTable &fronts, std::string &error) {
+bool complete(const Options &options, const PortKinds &kinds, std::string &error) {
     if (options.task != Options::Task::serve)
         return true;
     if (options.chip == nullptr)
         error = "--chip is missing";
-    else if (options.front == nullptr)
-        error = "the port is missing: " + namesOf(fronts);
-    else if (options.beside != 0 && !options.front->several)
-        error = std::string("--beside is not for --") + options.front->option;
-    else if (!options.front->lines && (options.wiring.reset || options.wiring.boot))
-        error = std::string("--") + options.front->option + " has no control lines for --wiring";
+    else if (options.kind == nullptr)
+        error = "the port is missing: " + namesOf(kinds);
+    else if (options.beside != 0 && !options.kind->several)
+        error = std::string("--beside is not for --") + options.kind->option;
+    else if (!options.kind->lines && (options.wiring.reset || options.wiring.boot))
+        error = std::string("--") + options.kind->option + " has no control lines for --wiring";
     return error.empty();
 }
 
 } // namespace
 
-bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &options, std::string &error) {
-    const std::vector<struct option> list = longOptions(fronts);
+bool parseOptions(int argc, char **argv, const PortKinds &kinds, Options &options, std::string &error) {
+    const std::vector<struct option> list = longOptions(kinds);
     opterr = 0;
     optind = 1;
     for (;;) {
@@ -217,9 +217,9 @@ bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &opti
             return false;
         }
         const auto known = static_cast<int>(std::size(rows));
-        const Front *front = index < known ? nullptr : &fronts[static_cast<std::size_t>(index - known)];
-        if (!(front == nullptr ? rows[index].set(options, optarg, error)
-                               : setFront(options, *front, valueOf(*front, argc, argv), error)))
+        const PortKind *kind = index < known ? nullptr : &kinds[static_cast<std::size_t>(index - known)];
+        if (!(kind == nullptr ? rows[index].set(options, optarg, error)
+                              : setPort(options, *kind, valueOf(*kind, argc, argv), error)))
             return false;
         error.clear();
     }
@@ -227,7 +227,7 @@ bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &opti
         error = std::string("what is \"") + argv[optind] + "\"?";
         return false;
     }
-    return complete(options, fronts, error);
+    return complete(options, kinds, error);
 }
 
 } // namespace sim

@@ -5,7 +5,7 @@
 
 #include "sim/bootloader/Board.h"
 #include "sim/chip/Chip.h"
-#include "sim/program/Fronts.h"
+#include "sim/ports/PortKind.h"
 
 namespace sim {
 
@@ -15,8 +15,8 @@ struct Options {
 
     Task task = Task::serve;
     const ChipFacts *chip = nullptr;
-    const Front *front = nullptr;
-    std::string port;  // the value of the front's option
+    const PortKind *kind = nullptr;
+    std::string port;  // the value of the port's option
     std::string state; // empty: the chip is new in every run
     std::string log;   // empty: standard error
     unsigned spimMb = 16;
@@ -29,7 +29,7 @@ struct Options {
 };
 
 // False and a message for a line that asks for nothing sensible.
-bool parseOptions(int argc, char **argv, const FrontTable &fronts, Options &options, std::string &error);
+bool parseOptions(int argc, char **argv, const PortKinds &kinds, Options &options, std::string &error);
 
 extern const char helpText[];
 

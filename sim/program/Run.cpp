@@ -1,3 +1,5 @@
+#include "sim/program/Run.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -8,10 +10,12 @@
 #include <optional>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include "sim/program/LogFile.h"
 #include "sim/program/Options.h"
+#include "sim/program/PortLoop.h"
 #include "sim/program/Signals.h"
 #include "sim/program/State.h"
 
@@ -36,7 +40,7 @@ int list() {
     return ended;
 }
 
-// The same command line for the program beside this one that has the front.
+// The same command line for the program beside this one that has the kind.
 int runBeside(char **argv, const char *program) {
     char self[4096];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self);
@@ -49,8 +53,19 @@ int runBeside(char **argv, const char *program) {
     return complain("cannot start \"" + path + "\": " + std::strerror(errno), failed);
 }
 
+// Serves until the end; what is left to save then is the caller's business.
+int servePort(const Options &options, const Machine &machine, PortLoop loop) {
+    std::string error;
+    if (!loop.run(error))
+        return complain(error, failed);
+    machine.log.note("bytes: " + std::to_string(options.faults.bytes(Direction::rx)) + " from the host, " +
+                     std::to_string(options.faults.bytes(Direction::tx)) + " to it");
+    return ended;
+}
+
 int serve(Options &options, std::ostream &out) {
-    const int signals = takeSignals();
+    const int signals = takeSignals(); // before there are threads
+    prctl(PR_SET_TIMERSLACK, 1UL);     // bytes are due to the microsecond, and the threads of a port get it too
     Log log(out, options.verbose);
     options.faults.tell([&log](const std::string &spec) { log.fault(spec); });
     Chip chip(*options.chip, options.spimMb * megabyte, options.flashTime, options.faults);
@@ -61,18 +76,24 @@ int serve(Options &options, std::ostream &out) {
         if (!state->load(error) || !state->save(error))
             return complain(error, failed);
     }
-    const auto save = [&] {
-        if (state && !state->save(error))
-            complain(error, failed);
-    };
-    Machine machine{options, chip, options.faults, log, save, signals};
-    if (!options.front->serve(machine, options.port, error))
+    int saved = ended;
+    const auto save = [&] { saved = state && !state->save(error) ? complain(error, failed) : ended; };
+    const Machine machine{chip,
+                          options.faults,
+                          log,
+                          options.wiring,
+                          options.pace,
+                          options.beside,
+                          options.spimMb * megabyte,
+                          options.flashTime};
+    const std::unique_ptr<Port> port = options.kind->make(machine, options.port, error);
+    if (!port)
         return complain(error, failed);
-    log.note("bytes: " + std::to_string(options.faults.bytes(Direction::rx)) + " from the host, " +
-             std::to_string(options.faults.bytes(Direction::tx)) + " to it");
-    error.clear();
-    save();
-    return error.empty() ? ended : failed;
+    const int status = servePort(options, machine, PortLoop(*port, signals, save));
+    if (status == ended)
+        save();
+    port->awaitClients();
+    return status == ended ? saved : status;
 }
 
 // What is opened later must not become one of the three: a port as standard error would get the log.
@@ -82,10 +103,10 @@ void openStandardDescriptors() {
             open("/dev/null", O_RDWR);
 }
 
-int runOptions(int argc, char **argv, const FrontTable &fronts) {
+int runOptions(int argc, char **argv, const PortKinds &kinds) {
     Options options;
     std::string error;
-    if (!parseOptions(argc, argv, fronts, options, error))
+    if (!parseOptions(argc, argv, kinds, options, error))
         return complain(error + "\nTry zv32-sim --help", badCommandLine);
     if (options.task == Options::Task::help) {
         std::fputs(helpText, stdout);
@@ -93,8 +114,8 @@ int runOptions(int argc, char **argv, const FrontTable &fronts) {
     }
     if (options.task == Options::Task::list)
         return list();
-    if (options.front->program != nullptr)
-        return runBeside(argv, options.front->program);
+    if (options.kind->program != nullptr)
+        return runBeside(argv, options.kind->program);
     if (options.log.empty())
         return serve(options, std::cerr);
     LogFile file;
@@ -103,10 +124,10 @@ int runOptions(int argc, char **argv, const FrontTable &fronts) {
 
 } // namespace
 
-int run(int argc, char **argv, const FrontTable &fronts) {
+int run(int argc, char **argv, const PortKinds &kinds) {
     openStandardDescriptors();
     try {
-        return runOptions(argc, argv, fronts);
+        return runOptions(argc, argv, kinds);
     } catch (const std::bad_alloc &) {
         return complain("out of memory", failed);
     } catch (const std::exception &failure) {

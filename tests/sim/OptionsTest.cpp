@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/program/SimPorts.h"
+
 namespace sim {
 namespace {
 
@@ -13,7 +15,7 @@ bool parse(std::vector<std::string> words, Options &options, std::string &error)
     for (std::string &word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
-    return parseOptions(static_cast<int>(words.size()), argv.data(), simFronts(), options, error);
+    return parseOptions(static_cast<int>(words.size()), argv.data(), simPorts(), options, error);
 }
 
 TEST(Options, theUsualLine) {
@@ -88,7 +90,7 @@ TEST(Options, aNameThatMayBeLeftOut) {
         std::string error;
         ASSERT_TRUE(parse(words, options, error)) << error;
         EXPECT_EQ(options.port, port);
-        EXPECT_STREQ(options.front->option, "i2c");
+        EXPECT_STREQ(options.kind->option, "i2c");
     }
 }
 

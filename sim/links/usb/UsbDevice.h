@@ -56,7 +56,7 @@ struct UsbPresence {
 };
 
 // A device on a bus, as the host's side of the cable sees it. It never looks at a clock: whoever asks says
-// when. All transfers of a front go through here; the front delivers each answer at its time, or the loss of
+// when. All transfers of a port go through here; the port delivers each answer at its time, or the loss of
 // the device when that comes first.
 class UsbDevice {
 public:

@@ -22,15 +22,14 @@ bool TerminalLine::work() {
     return giveToHost() || taken;
 }
 
-std::optional<Nanoseconds> TerminalLine::due() const {
+std::optional<Nanoseconds> TerminalLine::due(Nanoseconds now) const {
     if (!line_.toHost().empty())
         return line_.toHost().front().at - (pace_ ? awakeBefore : 0);
-    const Nanoseconds now = clockNow();
     return pace_ && now - lastTraffic_ < awakeBehind ? std::optional(now) : std::nullopt;
 }
 
-const Hangup *TerminalLine::hangup() const {
-    return line_.hangup() && line_.toHost().empty() ? &*line_.hangup() : nullptr;
+std::optional<Hangup> TerminalLine::hangup() const {
+    return line_.toHost().empty() ? line_.hangup() : std::nullopt;
 }
 
 bool TerminalLine::takeFromHost() {

@@ -17,14 +17,13 @@ public:
 
     // Takes bytes in and gives out those that are due. Whether any went by.
     bool work();
-    std::optional<Nanoseconds> due() const;
-    Nanoseconds lastTraffic() const { return lastTraffic_; }
+    std::optional<Nanoseconds> due(Nanoseconds now) const;
 
     // What has not left yet is lost.
     void forget() { line_.toHost().clear(); }
 
     // Set when a fault unplugs the terminal and all that was to be delivered before that is.
-    const Hangup *hangup() const;
+    std::optional<Hangup> hangup() const;
     void replug() { line_.replug(); }
 
 private:

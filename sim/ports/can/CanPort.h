@@ -1,0 +1,72 @@
+#pragma once
+
+#include "sim/links/CanLine.h"
+#include "sim/ports/Port.h"
+
+namespace sim {
+
+// Where frames of a CAN bus come from and go to: the part in which the ports of CAN differ.
+class CanEnd {
+public:
+    virtual ~CanEnd() = default;
+
+    // Makes the end. False and a message when it cannot.
+    virtual bool open(std::string &error) = 0;
+    virtual void close() = 0;
+
+    // To be waited for; -1 for none.
+    virtual int fd() const = 0;
+    virtual int watchFd() const { return -1; }
+
+    // Hands on what has come from the host. Whether something had.
+    virtual bool take(Nanoseconds now) = 0;
+
+    // A frame for the host. False when it has to be offered again a moment later.
+    virtual bool give(const TimedFrame &frame) = 0;
+
+    // Waits a moment until the host has what was given.
+    virtual void drain() const {}
+};
+
+// A chip at a CAN bus, at the real time.
+class CanPort : public Port {
+public:
+    // The port is told of as "ready NAME".
+    CanPort(const Machine &machine, std::string name);
+
+    CanLine &bus() { return line_; }
+    void lead(std::unique_ptr<CanEnd> end) { end_ = std::move(end); } // to the bus; before anything else
+
+    bool plugIn(std::string &error) override;
+    void unplug() override { end_->close(); }
+    std::string takeReady() override { return std::exchange(ready_, {}); }
+    void reset(Nanoseconds now) override;
+    void losePower(Nanoseconds now) override;
+    bool work(Nanoseconds now, std::string &error) override;
+    std::vector<int> fds() const override { return {end_->fd(), end_->watchFd()}; }
+    std::optional<Nanoseconds> due(Nanoseconds now) override;
+    std::optional<Hangup> hangup() const override;
+    void drain() override { end_->drain(); }
+
+private:
+    void giveToHost();
+
+    const std::string name_;
+    const bool pace_;
+    std::string ready_;
+    Bootloader bootloader_;
+    CanProtocol protocol_;
+    CanLine line_;
+    std::unique_ptr<CanEnd> end_;
+    Nanoseconds notBefore_ = 0; // the end could not take a frame
+};
+
+// A port with an end of that kind.
+template <class End>
+std::unique_ptr<Port> makeCanPort(const Machine &machine, const std::string &name, std::string &) {
+    auto port = std::make_unique<CanPort>(machine, name);
+    port->lead(std::make_unique<End>(name, port->bus(), machine.log));
+    return port;
+}
+
+} // namespace sim

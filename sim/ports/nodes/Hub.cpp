@@ -1,0 +1,124 @@
+#include "sim/ports/nodes/Hub.h"
+
+#include <cstdio>
+
+#include "sim/ports/Clock.h"
+
+namespace sim {
+
+namespace {
+
+constexpr unsigned highestAddress = 127;
+constexpr std::size_t productString = 15; // where a device descriptor has the numbers of its strings
+constexpr std::size_t serialString = 16;
+
+std::string hexOf(const Bytes &bytes) {
+    std::string text;
+    for (const unsigned byte : bytes) {
+        char digits[8];
+        std::snprintf(digits, sizeof digits, "%02X", byte);
+        text += digits;
+    }
+    return text;
+}
+
+std::string nodeOf(unsigned address) {
+    char text[64];
+    std::snprintf(text, sizeof text, "bus/usb/%03u/%03u", Hub::number, address);
+    return text;
+}
+
+std::string attribute(const std::string &name, const std::string &value) {
+    return "A: " + name + "=" + value + "\\n\n";
+}
+
+std::string hexNumber(const Bytes &bytes, std::size_t at) {
+    return hexOf({bytes[at + 1], bytes[at]});
+}
+
+} // namespace
+
+unsigned Hub::take() {
+    do {
+        last_ = last_ == highestAddress ? 2 : last_ + 1;
+    } while (taken_.count(last_) != 0);
+    taken_.insert(last_);
+    return last_;
+}
+
+std::string HubPort::path() const {
+    const std::string bus = std::to_string(Hub::number);
+    return "/devices/platform/zv32/usb" + bus + "/" + bus + "-" + std::to_string(port_);
+}
+
+// What sysfs and udev know of a device.
+std::string HubPort::description() const {
+    const UsbDescriptors &known = device_.descriptors();
+    const Bytes &device = known.device;
+    Bytes all = device;
+    all.insert(all.end(), known.configuration.begin(), known.configuration.end());
+    const std::string address = std::to_string(address_);
+    const std::string node = nodeOf(address_);
+    std::string text = "P: " + path() + "\nN: " + node + "=" + hexOf(all) +
+                       "\nE: DEVTYPE=usb_device\nE: DEVNAME=/dev/" + node +
+                       "\nE: SUBSYSTEM=usb\nE: MAJOR=189\nE: MINOR=" + std::to_string(address_ - 1) +
+                       "\nE: BUSNUM=" + node.substr(8, 3) + "\nE: DEVNUM=" + node.substr(12, 3) +
+                       "\nH: descriptors=" + hexOf(all) + "\n";
+    text += attribute("busnum", std::to_string(Hub::number)) + attribute("devnum", address) +
+            attribute("devpath", std::to_string(port_)) + attribute("speed", "12") +
+            attribute("bConfigurationValue", "1") + attribute("bNumConfigurations", "1") +
+            attribute("idVendor", hexNumber(device, 8)) + attribute("idProduct", hexNumber(device, 10));
+    if (device[productString] != 0)
+        text += attribute("product", known.strings[device[productString] - 1U]);
+    if (device[serialString] != 0)
+        text += attribute("serial", known.strings[device[serialString] - 1U]);
+    return text;
+}
+
+// The system gets to know the device: it has chosen its configuration when clients see it.
+bool HubPort::plugIn(NodePort &owner, Nanoseconds now, std::string &error) {
+    constexpr UsbSetup chooseConfiguration = {0x00, 9, 1, 0, 0};
+    device_.control(chooseConfiguration, {}, now);
+    address_ = hub_.take();
+    hub_.node(address_) = std::make_shared<UsbNode>(device_, attachments_, owner.testbed());
+    // The handler stays for all devices that get this number later.
+    const auto serve = [&hub = hub_, &owner, address = address_](DeviceCall &call) {
+        const DeviceAnswer answer = hub.node(address)->serve(call);
+        owner.traffic();
+        owner.wake();
+        return answer;
+    };
+    return owner.testbed().attach("/dev/" + nodeOf(address_), serve, error) &&
+           owner.testbed().add(description(), error);
+}
+
+void HubPort::unplug(NodePort &owner, Nanoseconds now) {
+    if (address_ == 0)
+        return;
+    hub_.node(address_)->vanish(now);
+    owner.testbed().withdraw(path(), {"/dev/" + nodeOf(address_)});
+    hub_.give(address_);
+    address_ = 0;
+}
+
+bool HubPort::upToDate(const UsbPresence &found) const {
+    return address_ == 0 ? !found.attached : found.attached && found.attachments == attachments_;
+}
+
+std::optional<Nanoseconds> HubPort::due(Nanoseconds now) const {
+    return upToDate(device_.presence(now)) ? device_.nextEvent(now) : now;
+}
+
+bool HubPort::follow(NodePort &owner, Nanoseconds now, bool &came, std::string &error) {
+    const UsbPresence found = device_.presence(now);
+    if (upToDate(found))
+        return true;
+    unplug(owner, now);
+    if (!found.attached)
+        return true;
+    attachments_ = found.attachments;
+    came = plugIn(owner, now, error);
+    return came;
+}
+
+} // namespace sim
