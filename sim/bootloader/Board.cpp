@@ -43,38 +43,38 @@ bool parseWiring(const std::string &text, Wiring &wiring, std::string &error) {
 }
 
 Board::Board(const Wiring &wiring, Bootloader &bootloader, Log &log, Nanoseconds now)
-    : wiring_(wiring), bootloader_(bootloader), log_(log) {
+    : m_wiring(wiring), m_bootloader(bootloader), m_log(log) {
     losePower(now - Bootloader::startTime);
 }
 
 void Board::setLines(bool dtr, bool rts, Nanoseconds now) {
-    if (dtr == dtr_ && rts == rts_)
+    if (dtr == m_dtr && rts == m_rts)
         return;
-    log_.note(std::string("lines: DTR ") + (dtr ? "high" : "low") + ", RTS " + (rts ? "high" : "low"));
-    dtr_ = dtr;
-    rts_ = rts;
+    m_log.note(std::string("lines: DTR ") + (dtr ? "high" : "low") + ", RTS " + (rts ? "high" : "low"));
+    m_dtr = dtr;
+    m_rts = rts;
     follow(now);
 }
 
 void Board::follow(Nanoseconds now) {
-    bootloader_.select(!wiring_.boot || active(*wiring_.boot) ? Start::bootloader : Start::application);
-    const bool hold = wiring_.reset && active(*wiring_.reset);
-    if (hold && !held_)
-        bootloader_.hold(now);
-    else if (!hold && held_)
-        bootloader_.release(now);
-    held_ = hold;
+    m_bootloader.select(!m_wiring.boot || active(*m_wiring.boot) ? Start::bootloader : Start::application);
+    const bool hold = m_wiring.reset && active(*m_wiring.reset);
+    if (hold && !m_held)
+        m_bootloader.hold(now);
+    else if (!hold && m_held)
+        m_bootloader.release(now);
+    m_held = hold;
 }
 
 void Board::button(Nanoseconds now) {
-    bootloader_.reset(now);
+    m_bootloader.reset(now);
 }
 
 void Board::losePower(Nanoseconds now) {
-    dtr_ = false;
-    rts_ = false;
+    m_dtr = false;
+    m_rts = false;
     follow(now);
-    bootloader_.losePower(now);
+    m_bootloader.losePower(now);
 }
 
 } // namespace sim

@@ -37,25 +37,25 @@ public:
 
     // Both lines at once, as the driver of a port moves them.
     void setLines(bool dtr, bool rts, Nanoseconds now);
-    bool dtr() const { return dtr_; }
-    bool rts() const { return rts_; }
+    bool dtr() const { return m_dtr; }
+    bool rts() const { return m_rts; }
 
     // Whether reset is active.
-    bool held() const { return held_; }
+    bool held() const { return m_held; }
 
     void button(Nanoseconds now);    // reset, by hand
     void losePower(Nanoseconds now); // and it is back, with both lines low
 
 private:
-    bool active(const Pin &pin) const { return (pin.line == ControlLine::dtr ? dtr_ : rts_) == pin.active; }
+    bool active(const Pin &pin) const { return (pin.line == ControlLine::dtr ? m_dtr : m_rts) == pin.active; }
     void follow(Nanoseconds now);
 
-    const Wiring wiring_;
-    Bootloader &bootloader_;
-    Log &log_;
-    bool dtr_ = false;
-    bool rts_ = false;
-    bool held_ = false;
+    const Wiring m_wiring;
+    Bootloader &m_bootloader;
+    Log &m_log;
+    bool m_dtr = false;
+    bool m_rts = false;
+    bool m_held = false;
 };
 
 } // namespace sim

@@ -43,31 +43,31 @@ std::optional<std::vector<Bytes>> cut(const std::vector<Step> &steps, Bytes grou
 void Exchange::begin(const CommandRow &opened) {
     row = &opened;
     step = 0;
-    address_.reset();
-    answers_ = 0;
-    outcome_ = {};
+    m_address.reset();
+    m_answers = 0;
+    m_outcome = {};
 }
 
 void Exchange::answer(std::uint8_t byte) {
-    out_.push_back({{byte}, now});
+    m_out.push_back({{byte}, now});
 }
 
 void Exchange::send(const Bytes &bytes) {
-    out_.push_back({bytes, now, true});
+    m_out.push_back({bytes, now, true});
 }
 
 void Exchange::sendChecked(Bytes bytes) {
     appendXor(bytes);
-    out_.push_back({std::move(bytes), now, true, true});
+    m_out.push_back({std::move(bytes), now, true, true});
 }
 
 void Exchange::expect(std::size_t length, const Bytes &told) {
-    expected_ = length;
-    told_ = told;
+    m_expected = length;
+    m_told = told;
 }
 
 void Exchange::changeLinkSpeed(unsigned speed) {
-    out_.back().linkSpeed = speed;
+    m_out.back().linkSpeed = speed;
 }
 
 Next Exchange::accept(Next next) {
@@ -76,13 +76,13 @@ Next Exchange::accept(Next next) {
 }
 
 Next Exchange::refuse(const std::string &why) {
-    log_.refused(row->name + (address_ ? " " + hex(*address_, 8) : std::string()) + ": " + why);
+    m_log.refused(row->name + (m_address ? " " + hex(*m_address, 8) : std::string()) + ": " + why);
     answer(wire::nack);
     return Next::end;
 }
 
 Next Exchange::goOn(const Outcome &outcome) {
-    outcome_ = outcome;
+    m_outcome = outcome;
     return outcome.done() ? accept(Next::nextGroup) : refuse(outcome.why);
 }
 
@@ -92,29 +92,29 @@ Next awaitGroups(Exchange &exchange) {
 
 Next Exchange::conclude(const Outcome &outcome, Next next) {
     now += chip.takeTime();
-    outcome_ = outcome;
+    m_outcome = outcome;
     if (outcome.kind == Outcome::Kind::powerLost)
         return Next::powerLost;
     return outcome.done() ? accept(next) : refuse(outcome.why);
 }
 
 bool Exchange::refusedByFault() {
-    return faults_.refuses(answers_++);
+    return m_faults.refuses(m_answers++);
 }
 
 Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants,
                        const CommandTable *additions)
-    : chip_(chip), faults_(faults), log_(log), variants_(variants), additions_(additions),
-      exchange_(chip, supported_, faults, log, out_), supported_(opcodesOf(chip.facts(), opcodesIn(additions))) {}
+    : m_chip(chip), m_faults(faults), m_log(log), m_variants(variants), m_additions(additions),
+      m_exchange(chip, m_supported, faults, log, m_out), m_supported(opcodesOf(chip.facts(), opcodesIn(additions))) {}
 
 bool Bootloader::listening(Nanoseconds now) const {
-    return !held_ && !gone_ && !silent_ && now >= listensFrom_;
+    return !m_held && !m_gone && !m_silent && now >= m_listensFrom;
 }
 
 const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
-    if (std::find(supported_.begin(), supported_.end(), opcode) == supported_.end())
+    if (std::find(m_supported.begin(), m_supported.end(), opcode) == m_supported.end())
         return nullptr;
-    for (const CommandTable *table : {variants_, additions_, &fixedCommands(), &ownCommands()}) {
+    for (const CommandTable *table : {m_variants, m_additions, &fixedCommands(), &ownCommands()}) {
         for (std::size_t i = 0; table != nullptr && i < table->size(); ++i)
             if ((*table)[i].opcode == opcode)
                 return &(*table)[i];
@@ -123,71 +123,71 @@ const CommandRow *Bootloader::rowOf(std::uint8_t opcode) const {
 }
 
 bool Bootloader::guarded(const CommandRow &row) const {
-    return (row.guard == Guard::access && chip_.access() != AccessLevel::open) ||
-           (row.guard == Guard::high && chip_.access() == AccessLevel::high);
+    return (row.guard == Guard::access && m_chip.access() != AccessLevel::open) ||
+           (row.guard == Guard::high && m_chip.access() == AccessLevel::high);
 }
 
 // Opens a command; false when that is refused.
 bool Bootloader::admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds now) {
-    ended_ = Next::end;
-    if (!faults_.frame(opcode)) {
-        silent_ = true;
+    m_ended = Next::end;
+    if (!m_faults.frame(opcode)) {
+        m_silent = true;
         return false;
     }
     if (row == nullptr) {
-        busyUntil_ = now;
+        m_busyUntil = now;
         refuse("opcode " + hex(opcode, 2) + ": unknown command", now);
         return false;
     }
-    log_.note(std::string("command: ") + row->name);
-    exchange_.now = now;
-    exchange_.begin(*row);
-    if (exchange_.refusedByFault())
-        follow(exchange_.refuse("fault"));
+    m_log.note(std::string("command: ") + row->name);
+    m_exchange.now = now;
+    m_exchange.begin(*row);
+    if (m_exchange.refusedByFault())
+        follow(m_exchange.refuse("fault"));
     else if (guarded(*row))
-        follow(exchange_.refuse("the chip is access-protected"));
+        follow(m_exchange.refuse("the chip is access-protected"));
     return !idle();
 }
 
 void Bootloader::command(std::uint8_t opcode, Nanoseconds now) {
     if (admit(opcode, rowOf(opcode), now))
-        follow(exchange_.row->begin(exchange_));
+        follow(m_exchange.row->begin(m_exchange));
 }
 
 void Bootloader::feed(std::uint8_t byte, Nanoseconds now) {
-    group_.push_back(byte);
-    if (group_.size() < lengthOf(group_))
+    m_group.push_back(byte);
+    if (m_group.size() < lengthOf(m_group))
         return;
-    take(std::exchange(group_, {}), now);
+    take(std::exchange(m_group, {}), now);
 }
 
 void Bootloader::take(const Bytes &group, Nanoseconds now) {
-    const Step &step = exchange_.row->steps[exchange_.step];
-    ++exchange_.step;
-    exchange_.now = now;
-    if (exchange_.refusedByFault())
-        follow(exchange_.refuse("fault"));
+    const Step &step = m_exchange.row->steps[m_exchange.step];
+    ++m_exchange.step;
+    m_exchange.now = now;
+    if (m_exchange.refusedByFault())
+        follow(m_exchange.refuse("fault"));
     else if (!step.sound(group))
-        follow(exchange_.refuse("wrong checksum"));
+        follow(m_exchange.refuse("wrong checksum"));
     else
-        follow(step.act(exchange_, group));
+        follow(step.act(m_exchange, group));
 }
 
 std::size_t Bootloader::groupLength(const Bytes &more) const {
-    Bytes bytes = group_;
+    Bytes bytes = m_group;
     bytes.insert(bytes.end(), more.begin(), more.end());
     return lengthOf(bytes);
 }
 
 std::size_t Bootloader::lengthOf(const Bytes &group) const {
-    const std::size_t length = exchange_.row->steps[exchange_.step].length(group);
-    return length != 0 ? length : exchange_.expected();
+    const std::size_t length = m_exchange.row->steps[m_exchange.step].length(group);
+    return length != 0 ? length : m_exchange.expected();
 }
 
 void Bootloader::refuseGroup(const std::string &why, Nanoseconds now) {
-    group_.clear();
-    exchange_.now = now;
-    follow(exchange_.refuse(why));
+    m_group.clear();
+    m_exchange.now = now;
+    follow(m_exchange.refuse(why));
 }
 
 void Bootloader::whole(std::uint8_t opcode, const Bytes &groups, Nanoseconds now) {
@@ -201,91 +201,91 @@ void Bootloader::whole(const CommandRow &row, const Bytes &groups, Nanoseconds n
 }
 
 void Bootloader::wholeBehindOpcode(const Bytes &groups) {
-    const std::optional<std::vector<Bytes>> parts = cut(exchange_.row->steps, groups);
+    const std::optional<std::vector<Bytes>> parts = cut(m_exchange.row->steps, groups);
     if (!parts) {
-        exchange_.accept();
-        follow(exchange_.refuse("longer or shorter than this command"));
+        m_exchange.accept();
+        follow(m_exchange.refuse("longer or shorter than this command"));
         return;
     }
-    follow(exchange_.row->begin(exchange_));
+    follow(m_exchange.row->begin(m_exchange));
     for (const Bytes &part : *parts)
         if (!idle())
-            take(part, busyUntil_);
+            take(part, m_busyUntil);
 }
 
 void Bootloader::follow(Next next) {
-    busyUntil_ = exchange_.now;
+    m_busyUntil = m_exchange.now;
     if (next == Next::nextGroup)
         return;
-    exchange_.row = nullptr;
-    ended_ = next;
+    m_exchange.row = nullptr;
+    m_ended = next;
     if (next == Next::reset)
-        reset(exchange_.now);
+        reset(m_exchange.now);
     else if (next == Next::powerLost)
-        losePower(exchange_.now);
+        losePower(m_exchange.now);
     else if (next == Next::leave)
         leave();
 }
 
 void Bootloader::drop(const std::string &why) {
-    if (exchange_.row != nullptr)
-        log_.refused(std::string(exchange_.row->name) + ": " + why);
-    exchange_.row = nullptr;
-    group_.clear();
+    if (m_exchange.row != nullptr)
+        m_log.refused(std::string(m_exchange.row->name) + ": " + why);
+    m_exchange.row = nullptr;
+    m_group.clear();
 }
 
 void Bootloader::answer(std::uint8_t byte, Nanoseconds now) {
-    out_.push_back({{byte}, now});
+    m_out.push_back({{byte}, now});
 }
 
 void Bootloader::refuse(const std::string &why, Nanoseconds now) {
-    log_.refused(why);
+    m_log.refused(why);
     answer(wire::nack, now);
 }
 
 void Bootloader::start(Nanoseconds now) {
-    exchange_.row = nullptr;
-    group_.clear();
-    gone_ = false;
-    silent_ = false;
-    listensFrom_ = now + startTime;
-    busyUntil_ = now;
-    if (selected_ == Start::application && !held_)
+    m_exchange.row = nullptr;
+    m_group.clear();
+    m_gone = false;
+    m_silent = false;
+    m_listensFrom = now + startTime;
+    m_busyUntil = now;
+    if (m_selected == Start::application && !m_held)
         leave();
 }
 
 void Bootloader::leave() {
-    log_.note("the chip runs its own code");
-    gone_ = true;
+    m_log.note("the chip runs its own code");
+    m_gone = true;
 }
 
 void Bootloader::reset(Nanoseconds now) {
-    log_.note("reset");
-    chip_.reset();
+    m_log.note("reset");
+    m_chip.reset();
     start(now);
 }
 
 void Bootloader::losePower(Nanoseconds now) {
-    chip_.losePower();
+    m_chip.losePower();
     start(now);
 }
 
 void Bootloader::hold(Nanoseconds now) {
-    log_.note("held in reset");
-    held_ = true;
-    out_.clear();
-    chip_.reset();
+    m_log.note("held in reset");
+    m_held = true;
+    m_out.clear();
+    m_chip.reset();
     start(now);
 }
 
 void Bootloader::release(Nanoseconds now) {
-    log_.note("released");
-    held_ = false;
+    m_log.note("released");
+    m_held = false;
     start(now);
 }
 
 std::vector<Output> Bootloader::takeOutput() {
-    return std::exchange(out_, {});
+    return std::exchange(m_out, {});
 }
 
 } // namespace sim

@@ -27,14 +27,14 @@ enum class Next { end, nextGroup, reset, leave, powerLost };
 class Exchange {
 public:
     Exchange(Chip &target, const Bytes &opcodes, Faults &faults, Log &log, std::vector<Output> &out)
-        : chip(target), supported(opcodes), faults_(faults), log_(log), out_(out) {}
+        : chip(target), supported(opcodes), m_faults(faults), m_log(log), m_out(out) {}
 
     Chip &chip;
     const Bytes &supported; // the opcodes that GET lists
 
     // The address that the host sent; refusals name it.
-    void setAddress(std::uint32_t address) { address_ = address; }
-    std::uint32_t address() const { return address_.value_or(0); }
+    void setAddress(std::uint32_t address) { m_address = address; }
+    std::uint32_t address() const { return m_address.value_or(0); }
 
     // Answers behind a group. refuse() tells the reason.
     Next accept(Next next = Next::end);
@@ -56,12 +56,12 @@ public:
     void changeLinkSpeed(unsigned speed);
 
     // What came of the last work, for links that tell more than a NACK.
-    const Outcome &outcome() const { return outcome_; }
+    const Outcome &outcome() const { return m_outcome; }
 
     // A group that tells the length of the next one, whose step can't: and what that one needs of it.
     void expect(std::size_t length, const Bytes &told);
-    std::size_t expected() const { return expected_; }
-    const Bytes &told() const { return told_; }
+    std::size_t expected() const { return m_expected; }
+    const Bytes &told() const { return m_told; }
 
     void begin(const CommandRow &row);
     const CommandRow *row = nullptr;
@@ -71,14 +71,14 @@ public:
 private:
     void answer(std::uint8_t byte);
 
-    Faults &faults_;
-    Log &log_;
-    std::vector<Output> &out_;
-    unsigned answers_ = 0;
-    Outcome outcome_;
-    std::optional<std::uint32_t> address_;
-    std::size_t expected_ = 0;
-    Bytes told_;
+    Faults &m_faults;
+    Log &m_log;
+    std::vector<Output> &m_out;
+    unsigned m_answers = 0;
+    Outcome m_outcome;
+    std::optional<std::uint32_t> m_address;
+    std::size_t m_expected = 0;
+    Bytes m_told;
 };
 
 // One group of bytes from the host.
@@ -129,10 +129,10 @@ public:
     bool listening(Nanoseconds now) const;
 
     // Until then the chip works at its flash and takes nothing in.
-    Nanoseconds busyUntil() const { return busyUntil_; }
+    Nanoseconds busyUntil() const { return m_busyUntil; }
 
     // Whether an opcode belongs next.
-    bool idle() const { return exchange_.row == nullptr; }
+    bool idle() const { return m_exchange.row == nullptr; }
 
     void command(std::uint8_t opcode, Nanoseconds now);
     void feed(std::uint8_t byte, Nanoseconds now);
@@ -140,7 +140,7 @@ public:
     // Inside a command, for links that travel in messages: how long the group is that belongs next, as far
     // as what has arrived of it and `more` behind that tell, and how much has arrived.
     std::size_t groupLength(const Bytes &more) const;
-    std::size_t groupArrived() const { return group_.size(); }
+    std::size_t groupArrived() const { return m_group.size(); }
 
     // Something came in the place of that group: NACK, and the command is over.
     void refuseGroup(const std::string &why, Nanoseconds now);
@@ -153,11 +153,11 @@ public:
     void whole(const CommandRow &row, const Bytes &groups, Nanoseconds now);
 
     // How the last command went on behind its last answer, and what came of its work.
-    Next ended() const { return ended_; }
-    const Outcome &outcome() const { return exchange_.outcome(); }
+    Next ended() const { return m_ended; }
+    const Outcome &outcome() const { return m_exchange.outcome(); }
 
     // Whether a fault has made the chip silent, until a reset.
-    bool silent() const { return silent_; }
+    bool silent() const { return m_silent; }
 
     // Drops a command that is under way; nothing of it is carried out.
     void drop(const std::string &why);
@@ -167,7 +167,7 @@ public:
     void refuse(const std::string &why, Nanoseconds now);
 
     // The last answer in front of a reset left only now, because the host had to fetch it: the chip starts now.
-    void startFrom(Nanoseconds now) { listensFrom_ = now + startTime; }
+    void startFrom(Nanoseconds now) { m_listensFrom = now + startTime; }
 
     // The reset button, and the power.
     void reset(Nanoseconds now);
@@ -175,11 +175,11 @@ public:
 
     // The pins: what every start from now on starts, and the reset line. While it is held the chip does
     // nothing, and what was under way is lost.
-    void select(Start start) { selected_ = start; }
+    void select(Start start) { m_selected = start; }
     void hold(Nanoseconds now);
     void release(Nanoseconds now);
 
-    unsigned resets() const { return chip_.resets(); }
+    unsigned resets() const { return m_chip.resets(); }
 
     std::vector<Output> takeOutput();
 
@@ -194,22 +194,22 @@ private:
     void start(Nanoseconds now);
     void leave();
 
-    Chip &chip_;
-    Faults &faults_;
-    Log &log_;
-    const CommandTable *variants_;
-    const CommandTable *additions_;
-    std::vector<Output> out_;
-    Exchange exchange_;
-    Bytes supported_;
-    Bytes group_;
-    Next ended_ = Next::end;
-    Start selected_ = Start::bootloader;
-    bool held_ = false;
-    bool gone_ = false; // it runs its own program
-    bool silent_ = false;
-    Nanoseconds listensFrom_ = 0;
-    Nanoseconds busyUntil_ = 0;
+    Chip &m_chip;
+    Faults &m_faults;
+    Log &m_log;
+    const CommandTable *m_variants;
+    const CommandTable *m_additions;
+    std::vector<Output> m_out;
+    Exchange m_exchange;
+    Bytes m_supported;
+    Bytes m_group;
+    Next m_ended = Next::end;
+    Start m_selected = Start::bootloader;
+    bool m_held = false;
+    bool m_gone = false; // it runs its own program
+    bool m_silent = false;
+    Nanoseconds m_listensFrom = 0;
+    Nanoseconds m_busyUntil = 0;
 };
 
 } // namespace sim

@@ -9,19 +9,19 @@ namespace sim {
 // the rest only when verbose.
 class Log {
 public:
-    Log(std::ostream &out, bool verbose) : out_(out), verbose_(verbose) {}
+    Log(std::ostream &out, bool verbose) : m_out(out), m_verbose(verbose) {}
 
-    void refused(const std::string &text) { out_ << "refused: " << text << std::endl; }
-    void ignored(const std::string &text) { out_ << "ignored: " << text << std::endl; }
-    void fault(const std::string &text) { out_ << "fault: " << text << std::endl; }
+    void refused(const std::string &text) { m_out << "refused: " << text << std::endl; }
+    void ignored(const std::string &text) { m_out << "ignored: " << text << std::endl; }
+    void fault(const std::string &text) { m_out << "fault: " << text << std::endl; }
     void note(const std::string &text) {
-        if (verbose_)
-            out_ << text << std::endl;
+        if (m_verbose)
+            m_out << text << std::endl;
     }
 
 private:
-    std::ostream &out_;
-    bool verbose_;
+    std::ostream &m_out;
+    bool m_verbose;
 };
 
 } // namespace sim

@@ -25,8 +25,8 @@ public:
     // `stepLength`: bytes that one programming step writes.
     Cells(std::size_t size, CellKind kind, std::size_t stepLength, Faults &faults);
 
-    std::size_t size() const { return bytes_.size(); }
-    const std::uint8_t *data() const { return bytes_.data(); }
+    std::size_t size() const { return m_bytes.size(); }
+    const std::uint8_t *data() const { return m_bytes.data(); }
     Bytes read(std::size_t offset, std::size_t length) const;
 
     // Whether every byte but FF would go into an erased cell.
@@ -38,17 +38,17 @@ public:
     void erase(std::size_t offset, std::size_t length);
 
     // For loading a saved content: the cells behind the physics.
-    std::uint8_t *raw() { return bytes_.data(); }
+    std::uint8_t *raw() { return m_bytes.data(); }
 
     // Counts changes, so that an unchanged memory need not be saved.
-    std::uint64_t changes() const { return changes_; }
+    std::uint64_t changes() const { return m_changes; }
 
 private:
-    Bytes bytes_;
-    CellKind kind_;
-    std::size_t stepLength_;
-    Faults *faults_;
-    std::uint64_t changes_ = 0;
+    Bytes m_bytes;
+    CellKind m_kind;
+    std::size_t m_stepLength;
+    Faults *m_faults;
+    std::uint64_t m_changes = 0;
 };
 
 } // namespace sim

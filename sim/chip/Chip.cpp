@@ -35,9 +35,9 @@ Bytes blockIdentifierOf(const ChipFacts &chip) {
 } // namespace
 
 Chip::Chip(const ChipFacts &facts, std::size_t spimSize, FlashTime flashTime, Faults &faults, unsigned number)
-    : facts_(facts), flashTime_(flashTime), flash_(facts.flashKb * 1024, CellKind::flash, 1, faults),
-      options_(facts, faults), otp_(facts, faults), spim_(facts.spim ? spimSize : 0, faults),
-      protection_(facts, options_), ram_(facts.ramKb * 1024) {
+    : m_facts(facts), m_flashTime(flashTime), m_flash(facts.flashKb * 1024, CellKind::flash, 1, faults),
+      m_options(facts, faults), m_otp(facts, faults), m_spim(facts.spim ? spimSize : 0, faults),
+      m_protection(facts, m_options), m_ram(facts.ramKb * 1024) {
     layOutMemory(number);
 }
 
@@ -45,59 +45,59 @@ void Chip::layOutMemory(unsigned number) {
     const auto cells = [](const Cells &of) {
         return [&of](std::size_t offset, std::size_t length) { return of.read(offset, length); };
     };
-    regions_.push_back({wire::flashBase, flash_.size(), wire::writeGranularity,
-                        [this](std::size_t offset, std::size_t length) { return readFlash(offset, length); },
-                        [this](std::size_t offset, const Bytes &bytes) { return writeFlash(offset, bytes); }});
-    regions_.push_back({wire::spimBase, spim_.cells().size(), wire::writeGranularity, cells(spim_.cells()),
-                        [this](std::size_t offset, const Bytes &bytes) { return writeSpim(offset, bytes); }});
-    regions_.push_back({layoutOf(facts_).address, options_.cells().size(), 1, cells(options_.cells()), {}});
-    regions_.push_back({facts_.otpAddress, otp_.data().size(), 1, cells(otp_.data()),
-                        [this](std::size_t offset, const Bytes &bytes) { return otp_.writeData(offset, bytes); }});
-    regions_.push_back({Otp::lockAddress, otp_.locks().size(), 1, cells(otp_.locks()),
-                        [this](std::size_t offset, const Bytes &bytes) { return otp_.writeLocks(offset, bytes); }});
-    regions_.push_back({wire::ramBase, ram_.size(), 1,
-                        [this](std::size_t offset, std::size_t length) {
-                            const auto first = ram_.begin() + static_cast<std::ptrdiff_t>(offset);
-                            return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
-                        },
-                        [this](std::size_t offset, const Bytes &bytes) {
-                            std::copy(bytes.begin(), bytes.end(), ram_.begin() + static_cast<std::ptrdiff_t>(offset));
-                            return Outcome{};
-                        }});
+    m_regions.push_back({wire::flashBase, m_flash.size(), wire::writeGranularity,
+                         [this](std::size_t offset, std::size_t length) { return readFlash(offset, length); },
+                         [this](std::size_t offset, const Bytes &bytes) { return writeFlash(offset, bytes); }});
+    m_regions.push_back({wire::spimBase, m_spim.cells().size(), wire::writeGranularity, cells(m_spim.cells()),
+                         [this](std::size_t offset, const Bytes &bytes) { return writeSpim(offset, bytes); }});
+    m_regions.push_back({layoutOf(m_facts).address, m_options.cells().size(), 1, cells(m_options.cells()), {}});
+    m_regions.push_back({m_facts.otpAddress, m_otp.data().size(), 1, cells(m_otp.data()),
+                         [this](std::size_t offset, const Bytes &bytes) { return m_otp.writeData(offset, bytes); }});
+    m_regions.push_back({Otp::lockAddress, m_otp.locks().size(), 1, cells(m_otp.locks()),
+                         [this](std::size_t offset, const Bytes &bytes) { return m_otp.writeLocks(offset, bytes); }});
+    m_regions.push_back({wire::ramBase, m_ram.size(), 1,
+                         [this](std::size_t offset, std::size_t length) {
+                             const auto first = m_ram.begin() + static_cast<std::ptrdiff_t>(offset);
+                             return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
+                         },
+                         [this](std::size_t offset, const Bytes &bytes) {
+                             std::copy(bytes.begin(), bytes.end(), m_ram.begin() + static_cast<std::ptrdiff_t>(offset));
+                             return Outcome{};
+                         }});
     addIdentification(number);
 }
 
 void Chip::addIdentification(unsigned number) {
     const auto fixed = [this](std::uint32_t base, const Bytes &content) {
-        regions_.push_back({base,
-                            content.size(),
-                            1,
-                            [content](std::size_t offset, std::size_t length) {
-                                const auto first = content.begin() + static_cast<std::ptrdiff_t>(offset);
-                                return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
-                            },
-                            {}});
+        m_regions.push_back({base,
+                             content.size(),
+                             1,
+                             [content](std::size_t offset, std::size_t length) {
+                                 const auto first = content.begin() + static_cast<std::ptrdiff_t>(offset);
+                                 return Bytes(first, first + static_cast<std::ptrdiff_t>(length));
+                             },
+                             {}});
     };
     fixed(wire::flashSizeRegister,
-          {static_cast<std::uint8_t>(facts_.flashKb), static_cast<std::uint8_t>(facts_.flashKb >> 8)});
-    fixed(wire::uniqueId, uniqueIdOf(facts_, number));
-    fixed(wire::blockIdentifier, blockIdentifierOf(facts_));
+          {static_cast<std::uint8_t>(m_facts.flashKb), static_cast<std::uint8_t>(m_facts.flashKb >> 8)});
+    fixed(wire::uniqueId, uniqueIdOf(m_facts, number));
+    fixed(wire::blockIdentifier, blockIdentifierOf(m_facts));
 }
 
 void Chip::reset() {
-    protection_.latch();
-    spim_.reset();
-    ++resets_;
+    m_protection.latch();
+    m_spim.reset();
+    ++m_resets;
 }
 
 void Chip::losePower() {
-    std::fill(ram_.begin(), ram_.end(), std::uint8_t{0});
+    std::fill(m_ram.begin(), m_ram.end(), std::uint8_t{0});
     reset();
 }
 
 const Chip::Region *Chip::regionAt(std::uint32_t address, std::size_t length) const {
-    for (const Region &region : regions_) {
-        const std::size_t size = region.base == wire::spimBase ? spim_.enabledSize() : region.size;
+    for (const Region &region : m_regions) {
+        const std::size_t size = region.base == wire::spimBase ? m_spim.enabledSize() : region.size;
         if (address >= region.base && length <= size && address - region.base <= size - length)
             return &region;
     }
@@ -145,58 +145,58 @@ Outcome Chip::checkGo(std::uint32_t address) const {
 
 bool Chip::goResets(std::uint32_t address) const {
     constexpr std::uint32_t word = 4;
-    return facts_.goToEndResets && address == wire::flashBase + flash_.size() - word;
+    return m_facts.goToEndResets && address == wire::flashBase + m_flash.size() - word;
 }
 
 Bytes Chip::readFlash(std::size_t offset, std::size_t length) const {
-    Bytes bytes = flash_.read(offset, length);
+    Bytes bytes = m_flash.read(offset, length);
     for (std::size_t i = 0; i < length; ++i)
-        if (slib_.hides(static_cast<unsigned>((offset + i) / facts_.sectorSize)))
+        if (m_slib.hides(static_cast<unsigned>((offset + i) / m_facts.sectorSize)))
             bytes[i] = blank;
     return bytes;
 }
 
 Outcome Chip::writeFlash(std::size_t offset, const Bytes &bytes) {
-    const std::size_t last = (offset + bytes.size() - 1) / facts_.sectorSize;
-    for (std::size_t sector = offset / facts_.sectorSize; sector <= last; ++sector) {
+    const std::size_t last = (offset + bytes.size() - 1) / m_facts.sectorSize;
+    for (std::size_t sector = offset / m_facts.sectorSize; sector <= last; ++sector) {
         const auto number = static_cast<unsigned>(sector);
-        if (protection_.sectorProtected(number) || slib_.covers(number))
+        if (m_protection.sectorProtected(number) || m_slib.covers(number))
             return Outcome::refuse("sector " + std::to_string(number) + " is protected");
     }
-    if (!flash_.canProgram(offset, bytes))
+    if (!m_flash.canProgram(offset, bytes))
         return Outcome::refuseNotErased("cell not erased");
     spendProgramming(bytes.size());
-    return flash_.program(offset, bytes) ? Outcome{} : Outcome::powerLost();
+    return m_flash.program(offset, bytes) ? Outcome{} : Outcome::powerLost();
 }
 
 Outcome Chip::writeSpim(std::size_t offset, const Bytes &bytes) {
-    if (protection_.spimProtected())
+    if (m_protection.spimProtected())
         return Outcome::refuse("SPIM is protected");
-    if (!spim_.cells().canProgram(offset, bytes))
+    if (!m_spim.cells().canProgram(offset, bytes))
         return Outcome::refuseNotErased("cell not erased");
     spendProgramming(bytes.size());
-    return spim_.cells().program(offset, bytes) ? Outcome{} : Outcome::powerLost();
+    return m_spim.cells().program(offset, bytes) ? Outcome{} : Outcome::powerLost();
 }
 
 void Chip::spendProgramming(std::size_t bytes) {
     constexpr Nanoseconds page = 256;
-    time_ += flashTime_.program256 * static_cast<Nanoseconds>(bytes) / page;
+    m_time += m_flashTime.program256 * static_cast<Nanoseconds>(bytes) / page;
 }
 
 Nanoseconds Chip::takeTime() {
-    return std::exchange(time_, 0);
+    return std::exchange(m_time, 0);
 }
 
 std::vector<Chip::Section> Chip::sections() {
-    return {{"flash", &flash_},
-            {"option bytes", &options_.cells()},
-            {"OTP data", &otp_.data()},
-            {"OTP locks", &otp_.locks()},
-            {"SPIM", &spim_.cells()}};
+    return {{"flash", &m_flash},
+            {"option bytes", &m_options.cells()},
+            {"OTP data", &m_otp.data()},
+            {"OTP locks", &m_otp.locks()},
+            {"SPIM", &m_spim.cells()}};
 }
 
 std::uint64_t Chip::changes() {
-    std::uint64_t sum = slib_.changes();
+    std::uint64_t sum = m_slib.changes();
     for (const Section &section : sections())
         sum += section.cells->changes();
     return sum;

@@ -30,14 +30,14 @@ public:
     Chip(const Chip &) = delete;
     Chip &operator=(const Chip &) = delete;
 
-    const ChipFacts &facts() const { return facts_; }
+    const ChipFacts &facts() const { return m_facts; }
 
     // Protection as the option bytes now tell it; SPIM off, remap 0.
     void reset();
     void losePower();
-    unsigned resets() const { return resets_; }
+    unsigned resets() const { return m_resets; }
 
-    AccessLevel access() const { return protection_.access(); }
+    AccessLevel access() const { return m_protection.access(); }
 
     // Memory. The checks tell what READ and WRITE themselves would say of an address.
     Outcome checkRead(std::uint32_t address, std::size_t length) const;
@@ -58,7 +58,7 @@ public:
     std::uint32_t crc(std::uint32_t address, unsigned sectors) const;
 
     // Option bytes and what they protect. New protection holds from the next reset on.
-    Bytes userData() const { return options_.compact(); }
+    Bytes userData() const { return m_options.compact(); }
     Outcome writeUserData(const Bytes &compact);
     Outcome checkAccess(AccessLevel level) const;
     Outcome protectAccess(AccessLevel level);
@@ -66,11 +66,11 @@ public:
     Outcome protectBits(const Bytes &bits);
     Outcome unprotectBits();
 
-    const Slib::Area &slib() const { return slib_.area(); }
+    const Slib::Area &slib() const { return m_slib.area(); }
     Outcome enableSlib(const Slib::Area &wanted);
     Outcome disableSlib(std::uint32_t password);
 
-    Spim &spim() { return spim_; }
+    Spim &spim() { return m_spim; }
 
     // The time that flash work has taken since this was last asked.
     Nanoseconds takeTime();
@@ -81,7 +81,7 @@ public:
         Cells *cells;
     };
     std::vector<Section> sections();
-    void restoreSlib(const Slib::Area &area) { slib_.restore(area); }
+    void restoreSlib(const Slib::Area &area) { m_slib.restore(area); }
     std::uint64_t changes();
 
 private:
@@ -107,7 +107,7 @@ private:
     Outcome programOptions(const Bytes &compact);
     void spendProgramming(std::size_t bytes);
 
-    unsigned flashSectors() const { return facts_.flashKb * 1024 / facts_.sectorSize; }
+    unsigned flashSectors() const { return m_facts.flashKb * 1024 / m_facts.sectorSize; }
     unsigned spimSectors() const;
     Outcome spanOf(unsigned sector, Span &span) const;
     Outcome spansOf(Bank bank, std::vector<Span> &spans) const;
@@ -115,18 +115,18 @@ private:
     Outcome erase(const std::vector<Span> &spans, bool oneByOne);
     void eraseSpan(const Span &span);
 
-    const ChipFacts &facts_;
-    FlashTime flashTime_;
-    Cells flash_;
-    OptionBytes options_;
-    Otp otp_;
-    Spim spim_;
-    Slib slib_;
-    Protection protection_;
-    Bytes ram_;
-    std::vector<Region> regions_;
-    unsigned resets_ = 0;
-    Nanoseconds time_ = 0;
+    const ChipFacts &m_facts;
+    FlashTime m_flashTime;
+    Cells m_flash;
+    OptionBytes m_options;
+    Otp m_otp;
+    Spim m_spim;
+    Slib m_slib;
+    Protection m_protection;
+    Bytes m_ram;
+    std::vector<Region> m_regions;
+    unsigned m_resets = 0;
+    Nanoseconds m_time = 0;
 };
 
 } // namespace sim

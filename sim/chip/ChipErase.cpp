@@ -24,7 +24,7 @@ unsigned bankOneKb(const ChipFacts &chip) {
 } // namespace
 
 unsigned Chip::spimSectors() const {
-    return spim_.enabledSize() / wire::spimSectorSize;
+    return m_spim.enabledSize() / wire::spimSectorSize;
 }
 
 Outcome Chip::spanOf(unsigned sector, Span &span) const {
@@ -36,7 +36,7 @@ Outcome Chip::spanOf(unsigned sector, Span &span) const {
 }
 
 Outcome Chip::spansOf(Bank bank, std::vector<Span> &spans) const {
-    const unsigned bankOne = bankOneKb(facts_) * 1024 / facts_.sectorSize;
+    const unsigned bankOne = bankOneKb(m_facts) * 1024 / m_facts.sectorSize;
     const bool hasBankTwo = bankOne < flashSectors();
     if ((bank == Bank::two && !hasBankTwo) || (bank == Bank::three && spimSectors() == 0))
         return Outcome::refuse("there is no such bank");
@@ -51,20 +51,20 @@ Outcome Chip::spansOf(Bank bank, std::vector<Span> &spans) const {
 
 Outcome Chip::checkErase(const Span &span, bool oneByOne) const {
     if (span.spim)
-        return protection_.spimProtected() ? Outcome::refuse("SPIM is protected") : Outcome{};
+        return m_protection.spimProtected() ? Outcome::refuse("SPIM is protected") : Outcome{};
     for (unsigned sector = span.first; sector < span.first + span.count; ++sector) {
-        if (protection_.sectorProtected(sector))
+        if (m_protection.sectorProtected(sector))
             return Outcome::refuse("sector " + std::to_string(sector) + " is protected");
-        if (oneByOne && slib_.covers(sector))
+        if (oneByOne && m_slib.covers(sector))
             return Outcome::refuse("sector " + std::to_string(sector) + " lies in the sLib area");
     }
     return {};
 }
 
 void Chip::eraseSpan(const Span &span) {
-    const std::size_t size = span.spim ? wire::spimSectorSize : facts_.sectorSize;
-    (span.spim ? spim_.cells() : flash_).erase(span.first * size, span.count * size);
-    time_ += flashTime_.eraseSector * span.count;
+    const std::size_t size = span.spim ? wire::spimSectorSize : m_facts.sectorSize;
+    (span.spim ? m_spim.cells() : m_flash).erase(span.first * size, span.count * size);
+    m_time += m_flashTime.eraseSector * span.count;
 }
 
 Outcome Chip::erase(const std::vector<Span> &spans, bool oneByOne) {
@@ -95,7 +95,7 @@ Outcome Chip::eraseSectorAt(std::uint32_t address) {
     if (region == nullptr || (region->base != wire::flashBase && region->base != wire::spimBase))
         return Outcome::refuse("there is no sector");
     const bool spim = region->base == wire::spimBase;
-    const std::uint32_t number = (address - region->base) / (spim ? wire::spimSectorSize : facts_.sectorSize);
+    const std::uint32_t number = (address - region->base) / (spim ? wire::spimSectorSize : m_facts.sectorSize);
     return eraseSectors({spim ? wire::firstSpimSector + number : number});
 }
 
@@ -111,14 +111,14 @@ Outcome Chip::eraseBlock(std::uint32_t address) {
     const std::uint32_t base = spim ? wire::spimBase : wire::flashBase;
     if (region == nullptr || region->base != base || (address - base) % wire::blockSize != 0)
         return Outcome::refuse("no block starts there");
-    const unsigned size = spim ? wire::spimSectorSize : facts_.sectorSize;
+    const unsigned size = spim ? wire::spimSectorSize : m_facts.sectorSize;
     return erase({{spim, (address - base) / size, wire::blockSize / size}}, true);
 }
 
 Outcome Chip::checkCrc(std::uint32_t address, unsigned sectors) const {
     const bool spim = address >= wire::spimBase;
     const std::uint32_t base = spim ? wire::spimBase : wire::flashBase;
-    const std::uint32_t size = spim ? wire::spimSectorSize : facts_.sectorSize;
+    const std::uint32_t size = spim ? wire::spimSectorSize : m_facts.sectorSize;
     const Region *region = regionAt(address, std::size_t{sectors} * size);
     if (sectors == 0 || region == nullptr || region->base != base)
         return Outcome::refuse("not a run of sectors");
@@ -127,8 +127,8 @@ Outcome Chip::checkCrc(std::uint32_t address, unsigned sectors) const {
 
 std::uint32_t Chip::crc(std::uint32_t address, unsigned sectors) const {
     const bool spim = address >= wire::spimBase;
-    const std::size_t size = spim ? wire::spimSectorSize : facts_.sectorSize;
-    const Cells &cells = spim ? spim_.cells() : flash_;
+    const std::size_t size = spim ? wire::spimSectorSize : m_facts.sectorSize;
+    const Cells &cells = spim ? m_spim.cells() : m_flash;
     return crc32(cells.data() + (address - (spim ? wire::spimBase : wire::flashBase)), sectors * size);
 }
 

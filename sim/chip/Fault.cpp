@@ -35,14 +35,14 @@ bool befallsBytes(FaultKind kind) {
 
 void Faults::happens(Fault &fault) {
     fault.spent = true;
-    if (listener_)
-        listener_(fault.spec);
+    if (m_listener)
+        m_listener(fault.spec);
 }
 
 ByteEffect Faults::byte(Direction direction) {
-    const std::uint64_t number = ++bytes_[index(direction)];
+    const std::uint64_t number = ++m_bytes[index(direction)];
     ByteEffect effect;
-    for (Fault &fault : faults_) {
+    for (Fault &fault : m_faults) {
         if (!fault.spent && befallsBytes(fault.kind) && fault.direction == direction && fault.at == number) {
             happens(fault);
             apply(fault, effect);
@@ -52,32 +52,32 @@ ByteEffect Faults::byte(Direction direction) {
 }
 
 bool Faults::frame(std::uint8_t opcode) {
-    ++frames_;
-    const std::uint64_t ofOpcode = ++framesByOpcode_[opcode];
-    refusedAnswer_.reset();
+    ++m_frames;
+    const std::uint64_t ofOpcode = ++m_framesByOpcode[opcode];
+    m_refusedAnswer.reset();
     bool answers = true;
-    for (Fault &fault : faults_) {
-        const bool here = fault.opcode ? fault.opcode == opcode && fault.at == ofOpcode : fault.at == frames_;
+    for (Fault &fault : m_faults) {
+        const bool here = fault.opcode ? fault.opcode == opcode && fault.at == ofOpcode : fault.at == m_frames;
         if (fault.spent || !here || (fault.kind != FaultKind::nack && fault.kind != FaultKind::silence))
             continue;
         happens(fault);
         if (fault.kind == FaultKind::silence)
             answers = false;
         else
-            refusedAnswer_ = fault.value.value_or(0);
+            m_refusedAnswer = fault.value.value_or(0);
     }
     return answers;
 }
 
 bool Faults::refuses(unsigned answer) {
-    return refusedAnswer_ == answer;
+    return m_refusedAnswer == answer;
 }
 
 bool Faults::powerFails(CellKind cells) {
-    for (Fault &fault : faults_) {
+    for (Fault &fault : m_faults) {
         if (fault.spent || fault.kind != FaultKind::powerCut || (fault.cells && fault.cells != cells))
             continue;
-        if (fault.at == (fault.cells ? steps_[index(cells)] : steps_[0] + steps_[1])) {
+        if (fault.at == (fault.cells ? m_steps[index(cells)] : m_steps[0] + m_steps[1])) {
             happens(fault);
             return true;
         }
@@ -86,7 +86,7 @@ bool Faults::powerFails(CellKind cells) {
 }
 
 bool Faults::programmed(CellKind cells) {
-    ++steps_[index(cells)];
+    ++m_steps[index(cells)];
     return powerFails(cells);
 }
 

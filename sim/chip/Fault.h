@@ -42,16 +42,16 @@ struct ByteEffect {
 // The faults of one run, and the counters that they wait for.
 class Faults {
 public:
-    void add(const Fault &fault) { faults_.push_back(fault); }
+    void add(const Fault &fault) { m_faults.push_back(fault); }
 
     // Whom to tell of a fault when it happens, by what it was told as.
-    void tell(std::function<void(const std::string &spec)> listener) { listener_ = std::move(listener); }
+    void tell(std::function<void(const std::string &spec)> listener) { m_listener = std::move(listener); }
 
     // The next byte goes by: counts it.
     ByteEffect byte(Direction direction);
 
     // How many went by.
-    std::uint64_t bytes(Direction direction) const { return bytes_[direction == Direction::rx ? 0 : 1]; }
+    std::uint64_t bytes(Direction direction) const { return m_bytes[direction == Direction::rx ? 0 : 1]; }
 
     // A command opens: counts it. False when the chip falls silent here.
     bool frame(std::uint8_t opcode);
@@ -68,13 +68,13 @@ public:
 private:
     void happens(Fault &fault);
 
-    std::vector<Fault> faults_;
-    std::function<void(const std::string &)> listener_;
-    std::array<std::uint64_t, 2> bytes_{};
-    std::array<std::uint64_t, 2> steps_{};
-    std::uint64_t frames_ = 0;
-    std::map<std::uint8_t, std::uint64_t> framesByOpcode_;
-    std::optional<unsigned> refusedAnswer_;
+    std::vector<Fault> m_faults;
+    std::function<void(const std::string &)> m_listener;
+    std::array<std::uint64_t, 2> m_bytes{};
+    std::array<std::uint64_t, 2> m_steps{};
+    std::uint64_t m_frames = 0;
+    std::map<std::uint8_t, std::uint64_t> m_framesByOpcode;
+    std::optional<unsigned> m_refusedAnswer;
 };
 
 } // namespace sim

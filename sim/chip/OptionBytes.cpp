@@ -14,29 +14,29 @@ std::uint8_t complement(std::uint8_t byte) {
 } // namespace
 
 OptionBytes::OptionBytes(const ChipFacts &chip, Faults &faults)
-    : layout_(&layoutOf(chip)), cells_(chip.userDataLength * pairLength, CellKind::options, pairLength, faults) {
+    : m_layout(&layoutOf(chip)), m_cells(chip.userDataLength * pairLength, CellKind::options, pairLength, faults) {
     const Bytes content = factory();
     for (std::size_t i = 0; i < content.size(); ++i) {
-        cells_.raw()[i * pairLength] = content[i];
-        cells_.raw()[i * pairLength + 1] = complement(content[i]);
+        m_cells.raw()[i * pairLength] = content[i];
+        m_cells.raw()[i * pairLength + 1] = complement(content[i]);
     }
 }
 
 std::uint8_t OptionBytes::item(std::size_t i) const {
-    const std::uint8_t *pair = cells_.data() + i * pairLength;
+    const std::uint8_t *pair = m_cells.data() + i * pairLength;
     return pair[1] == complement(pair[0]) ? pair[0] : blank;
 }
 
 Bytes OptionBytes::compact() const {
-    Bytes bytes(cells_.size() / pairLength);
+    Bytes bytes(m_cells.size() / pairLength);
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = item(i);
     return bytes;
 }
 
 Bytes OptionBytes::factory() const {
-    Bytes bytes(cells_.size() / pairLength, blank);
-    bytes[layout_->accessByte] = accessOpen;
+    Bytes bytes(m_cells.size() / pairLength, blank);
+    bytes[m_layout->accessByte] = accessOpen;
     return bytes;
 }
 
@@ -47,8 +47,8 @@ bool OptionBytes::write(const Bytes &compact) {
         pairs.push_back(byte);
         pairs.push_back(complement(byte));
     }
-    cells_.erase(0, cells_.size());
-    return cells_.program(0, pairs);
+    m_cells.erase(0, m_cells.size());
+    return m_cells.program(0, pairs);
 }
 
 } // namespace sim

@@ -19,12 +19,12 @@ public:
     // Erases all, then programs every byte with its complement, one pair a step. False when the power went.
     bool write(const Bytes &compact);
 
-    Cells &cells() { return cells_; }
-    const Cells &cells() const { return cells_; }
+    Cells &cells() { return m_cells; }
+    const Cells &cells() const { return m_cells; }
 
 private:
-    const OptionLayout *layout_;
-    Cells cells_;
+    const OptionLayout *m_layout;
+    Cells m_cells;
 };
 
 } // namespace sim

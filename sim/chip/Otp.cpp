@@ -14,26 +14,26 @@ Outcome program(Cells &cells, std::size_t offset, const Bytes &bytes) {
 } // namespace
 
 Otp::Otp(const ChipFacts &chip, Faults &faults)
-    : data_(chip.otpLength, CellKind::flash, 1, faults),
-      locks_(chip.otpLength == 0 ? 0 : lockCount, CellKind::flash, 1, faults) {}
+    : m_data(chip.otpLength, CellKind::flash, 1, faults),
+      m_locks(chip.otpLength == 0 ? 0 : lockCount, CellKind::flash, 1, faults) {}
 
 Outcome Otp::writeData(std::size_t offset, const Bytes &bytes) {
     const std::size_t lastBlock = (offset + bytes.size() - 1) / blockLength;
     for (std::size_t block = offset / blockLength; block <= lastBlock; ++block)
-        if (locks_.data()[block] == locked)
+        if (m_locks.data()[block] == locked)
             return Outcome::refuse("OTP block " + std::to_string(block) + " is locked");
-    if (!data_.canProgram(offset, bytes))
+    if (!m_data.canProgram(offset, bytes))
         return Outcome::refuseNotErased("OTP cell is written already");
-    return program(data_, offset, bytes);
+    return program(m_data, offset, bytes);
 }
 
 Outcome Otp::writeLocks(std::size_t offset, const Bytes &bytes) {
     for (const std::uint8_t byte : bytes)
         if (byte != locked && byte != blank)
             return Outcome::refuse("a lock byte takes 00 only");
-    if (!locks_.canProgram(offset, bytes))
+    if (!m_locks.canProgram(offset, bytes))
         return Outcome::refuseNotErased("lock byte is written already");
-    return program(locks_, offset, bytes);
+    return program(m_locks, offset, bytes);
 }
 
 } // namespace sim

@@ -17,14 +17,14 @@ public:
     // Lock bytes: once, to 00.
     Outcome writeLocks(std::size_t offset, const Bytes &bytes);
 
-    Cells &data() { return data_; }
-    Cells &locks() { return locks_; }
-    const Cells &data() const { return data_; }
-    const Cells &locks() const { return locks_; }
+    Cells &data() { return m_data; }
+    Cells &locks() { return m_locks; }
+    const Cells &data() const { return m_data; }
+    const Cells &locks() const { return m_locks; }
 
 private:
-    Cells data_;
-    Cells locks_;
+    Cells m_data;
+    Cells m_locks;
 };
 
 } // namespace sim

@@ -13,34 +13,34 @@ constexpr std::uint8_t openByte = 0xFF;
 } // namespace
 
 Protection::Protection(const ChipFacts &chip, const OptionBytes &options)
-    : chip_(&chip), layout_(&layoutOf(chip)), options_(&options) {
+    : m_chip(&chip), m_layout(&layoutOf(chip)), m_options(&options) {
     latch();
 }
 
 void Protection::latch() {
-    const std::uint8_t byte = options_->item(layout_->accessByte);
-    access_ = byte == accessOpen ? AccessLevel::open : AccessLevel::low;
-    if (byte == accessHigh && chip_->levels)
-        access_ = AccessLevel::high;
-    epp_.clear();
-    for (const std::size_t place : layout_->eppBytes)
-        epp_.push_back(options_->item(place));
+    const std::uint8_t byte = m_options->item(m_layout->accessByte);
+    m_access = byte == accessOpen ? AccessLevel::open : AccessLevel::low;
+    if (byte == accessHigh && m_chip->levels)
+        m_access = AccessLevel::high;
+    m_epp.clear();
+    for (const std::size_t place : m_layout->eppBytes)
+        m_epp.push_back(m_options->item(place));
 }
 
 unsigned Protection::bits() const {
-    return static_cast<unsigned>(layout_->eppBytes.size()) * bitsPerByte;
+    return static_cast<unsigned>(m_layout->eppBytes.size()) * bitsPerByte;
 }
 
 unsigned Protection::bitOf(unsigned sector) const {
-    const unsigned narrow = sector / chip_->sectorsPerBit;
-    if (!layout_->wideBits)
+    const unsigned narrow = sector / m_chip->sectorsPerBit;
+    if (!m_layout->wideBits)
         return std::min(narrow, lastNarrowBit); // the last bit covers everything up to the end
-    const unsigned boundary = wideBitBytes / chip_->sectorSize;
+    const unsigned boundary = wideBitBytes / m_chip->sectorSize;
     return sector < boundary ? narrow : firstWideBit + (sector - boundary) / boundary;
 }
 
 bool Protection::bitProtects(unsigned bit) const {
-    return (epp_[bit / bitsPerByte] >> (bit % bitsPerByte) & 1) == 0;
+    return (m_epp[bit / bitsPerByte] >> (bit % bitsPerByte) & 1) == 0;
 }
 
 bool Protection::sectorProtected(unsigned sector) const {
@@ -48,27 +48,27 @@ bool Protection::sectorProtected(unsigned sector) const {
 }
 
 bool Protection::spimProtected() const {
-    return !layout_->wideBits && bitProtects(lastNarrowBit);
+    return !m_layout->wideBits && bitProtects(lastNarrowBit);
 }
 
 Bytes Protection::withAccess(AccessLevel level) const {
-    Bytes bytes = options_->compact();
-    bytes[layout_->accessByte] = level == AccessLevel::high ? accessHigh : accessLow;
+    Bytes bytes = m_options->compact();
+    bytes[m_layout->accessByte] = level == AccessLevel::high ? accessHigh : accessLow;
     return bytes;
 }
 
 Bytes Protection::withBitsProtected(const Bytes &numbers) const {
-    Bytes bytes = options_->compact();
+    Bytes bytes = m_options->compact();
     for (const unsigned bit : numbers) {
-        std::uint8_t &byte = bytes[layout_->eppBytes[bit / bitsPerByte]];
+        std::uint8_t &byte = bytes[m_layout->eppBytes[bit / bitsPerByte]];
         byte = static_cast<std::uint8_t>(byte & ~(1U << (bit % bitsPerByte)));
     }
     return bytes;
 }
 
 Bytes Protection::withBitsOpen() const {
-    Bytes bytes = options_->compact();
-    for (const std::size_t place : layout_->eppBytes)
+    Bytes bytes = m_options->compact();
+    for (const std::size_t place : m_layout->eppBytes)
         bytes[place] = openByte;
     return bytes;
 }

@@ -18,7 +18,7 @@ public:
 
     void latch();
 
-    AccessLevel access() const { return access_; }
+    AccessLevel access() const { return m_access; }
     bool sectorProtected(unsigned sector) const;
     bool spimProtected() const;
 
@@ -34,11 +34,11 @@ private:
     unsigned bitOf(unsigned sector) const;
     bool bitProtects(unsigned bit) const;
 
-    const ChipFacts *chip_;
-    const OptionLayout *layout_;
-    const OptionBytes *options_;
-    AccessLevel access_ = AccessLevel::open;
-    Bytes epp_;
+    const ChipFacts *m_chip;
+    const OptionLayout *m_layout;
+    const OptionBytes *m_options;
+    AccessLevel m_access = AccessLevel::open;
+    Bytes m_epp;
 };
 
 } // namespace sim

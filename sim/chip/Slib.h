@@ -17,8 +17,8 @@ public:
         std::uint16_t end = none;
     };
 
-    const Area &area() const { return area_; }
-    void restore(const Area &area) { area_ = area; }
+    const Area &area() const { return m_area; }
+    void restore(const Area &area) { m_area = area; }
 
     Outcome enable(const Area &wanted, unsigned sectors);
     Outcome checkPassword(std::uint32_t password) const;
@@ -27,11 +27,11 @@ public:
     bool covers(unsigned sector) const;
     bool hides(unsigned sector) const; // the code part
 
-    std::uint64_t changes() const { return changes_; }
+    std::uint64_t changes() const { return m_changes; }
 
 private:
-    Area area_;
-    std::uint64_t changes_ = 0;
+    Area m_area;
+    std::uint64_t m_changes = 0;
 };
 
 } // namespace sim

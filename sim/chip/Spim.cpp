@@ -10,24 +10,24 @@ constexpr std::uint8_t secondType = 0x91;
 Outcome Spim::enable(std::uint8_t type, std::uint32_t size, std::uint32_t encryptedFrom) {
     if (type != firstType && type != secondType)
         return Outcome::refuse("not a SPIM type");
-    if (size > cells_.size() || cells_.size() == 0)
-        return Outcome::refuse("the board's SPIM has " + std::to_string(cells_.size()) + " bytes");
-    enabledSize_ = size == 0 ? cells_.size() : size;
-    encryptedFrom_ = encryptedFrom;
+    if (size > m_cells.size() || m_cells.size() == 0)
+        return Outcome::refuse("the board's SPIM has " + std::to_string(m_cells.size()) + " bytes");
+    m_enabledSize = size == 0 ? m_cells.size() : size;
+    m_encryptedFrom = encryptedFrom;
     return {};
 }
 
 Outcome Spim::remap(std::uint8_t pins) {
     if (pins > 1)
         return Outcome::refuse("no such remap");
-    remap_ = pins;
+    m_remap = pins;
     return {};
 }
 
 void Spim::reset() {
-    enabledSize_ = 0;
-    encryptedFrom_ = 0;
-    remap_ = 0;
+    m_enabledSize = 0;
+    m_encryptedFrom = 0;
+    m_remap = 0;
 }
 
 } // namespace sim

@@ -8,25 +8,25 @@ namespace sim {
 class Spim {
 public:
     // `size` in bytes is what the board carries; 0 for none.
-    Spim(std::size_t size, Faults &faults) : cells_(size, CellKind::flash, 1, faults) {}
+    Spim(std::size_t size, Faults &faults) : m_cells(size, CellKind::flash, 1, faults) {}
 
     // Types 90 and 91; `size` is the part of the flash that is to be used; `encryptedFrom` an offset, 0 for none.
     Outcome enable(std::uint8_t type, std::uint32_t size, std::uint32_t encryptedFrom);
     Outcome remap(std::uint8_t pins);
     void reset();
 
-    std::uint32_t enabledSize() const { return enabledSize_; }
-    std::uint32_t encryptedFrom() const { return encryptedFrom_; }
-    std::uint8_t remapped() const { return remap_; }
+    std::uint32_t enabledSize() const { return m_enabledSize; }
+    std::uint32_t encryptedFrom() const { return m_encryptedFrom; }
+    std::uint8_t remapped() const { return m_remap; }
 
-    Cells &cells() { return cells_; }
-    const Cells &cells() const { return cells_; }
+    Cells &cells() { return m_cells; }
+    const Cells &cells() const { return m_cells; }
 
 private:
-    Cells cells_;
-    std::uint32_t enabledSize_ = 0;
-    std::uint32_t encryptedFrom_ = 0;
-    std::uint8_t remap_ = 0;
+    Cells m_cells;
+    std::uint32_t m_enabledSize = 0;
+    std::uint32_t m_encryptedFrom = 0;
+    std::uint8_t m_remap = 0;
 };
 
 } // namespace sim

@@ -22,7 +22,7 @@ Lane::Ride CanLine::carry(Lane &lane, CanFrame &frame, Nanoseconds ready, unsign
         return {{}, {lane.carryUnharmed(ready, speed, bitsOf(frame))}};
     Lane::Ride ride = lane.carry(countedBytes(frame), ready, speed, bitsOf(frame));
     if (ride.passage.hangup)
-        hangup_ = ride.passage.hangup;
+        m_hangup = ride.passage.hangup;
     else if (frame.data.empty())
         frame.id ^= ride.passage.inPlace[0];
     else
@@ -32,16 +32,16 @@ Lane::Ride CanLine::carry(Lane &lane, CanFrame &frame, Nanoseconds ready, unsign
 
 CanLine::Sent CanLine::fromHost(const CanFrame &sent, Nanoseconds now, unsigned speed) {
     Sent result{now};
-    if (hangup_)
+    if (m_hangup)
         return result;
     CanFrame frame = sent;
-    const unsigned pace = !pace_ ? 0 : speed != 0 ? speed : chip_.speed(now);
-    const Lane::Ride ride = carry(rx_, frame, now, pace);
+    const unsigned pace = !m_pace ? 0 : speed != 0 ? speed : m_chip.speed(now);
+    const Lane::Ride ride = carry(m_rx, frame, now, pace);
     for (const Nanoseconds at : ride.through) {
         result.through = at;
         if (!ride.passage.lost) {
-            result.noise = !chip_.receive(frame, speed, at);
-            for (TimedFrame &timed : chip_.takeOutput())
+            result.noise = !m_chip.receive(frame, speed, at);
+            for (TimedFrame &timed : m_chip.takeOutput())
                 deliver(std::move(timed));
         }
     }
@@ -49,22 +49,22 @@ CanLine::Sent CanLine::fromHost(const CanFrame &sent, Nanoseconds now, unsigned 
 }
 
 void CanLine::deliver(TimedFrame timed) {
-    if (hangup_)
+    if (m_hangup)
         return;
-    const Lane::Ride ride = carry(tx_, timed.frame, timed.at, pace_ ? timed.speed : 0);
+    const Lane::Ride ride = carry(m_tx, timed.frame, timed.at, m_pace ? timed.speed : 0);
     for (const Nanoseconds at : ride.through) {
         timed.at = at;
-        chip_.sent(timed, at);
+        m_chip.sent(timed, at);
         if (!ride.passage.lost)
-            toHost_.push_back(timed);
+            m_toHost.push_back(timed);
     }
 }
 
 void CanLine::replug() {
-    hangup_.reset();
-    toHost_.clear();
-    rx_.replug();
-    tx_.replug();
+    m_hangup.reset();
+    m_toHost.clear();
+    m_rx.replug();
+    m_tx.replug();
 }
 
 } // namespace sim

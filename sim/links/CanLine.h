@@ -14,7 +14,7 @@ namespace sim {
 class CanLine {
 public:
     CanLine(CanProtocol &chip, Faults &faults, bool pace)
-        : chip_(chip), pace_(pace), rx_(Direction::rx, faults), tx_(Direction::tx, faults) {}
+        : m_chip(chip), m_pace(pace), m_rx(Direction::rx, faults), m_tx(Direction::tx, faults) {}
 
     // What became of a frame of the host.
     struct Sent {
@@ -26,22 +26,22 @@ public:
     Sent fromHost(const CanFrame &frame, Nanoseconds now, unsigned speed);
 
     // Frames for the host, in the order in which they are due.
-    std::deque<TimedFrame> &toHost() { return toHost_; }
-    const std::deque<TimedFrame> &toHost() const { return toHost_; }
+    std::deque<TimedFrame> &toHost() { return m_toHost; }
+    const std::deque<TimedFrame> &toHost() const { return m_toHost; }
 
-    const std::optional<Hangup> &hangup() const { return hangup_; }
+    const std::optional<Hangup> &hangup() const { return m_hangup; }
     void replug();
 
 private:
     Lane::Ride carry(Lane &lane, CanFrame &frame, Nanoseconds ready, unsigned speed);
     void deliver(TimedFrame timed);
 
-    CanProtocol &chip_;
-    bool pace_;
-    Lane rx_;
-    Lane tx_;
-    std::deque<TimedFrame> toHost_;
-    std::optional<Hangup> hangup_;
+    CanProtocol &m_chip;
+    bool m_pace;
+    Lane m_rx;
+    Lane m_tx;
+    std::deque<TimedFrame> m_toHost;
+    std::optional<Hangup> m_hangup;
 };
 
 // Bit times of a frame: those of its fields, the pause behind it, and one stuff bit for ten bits that can

@@ -39,14 +39,14 @@ private:
         Nanoseconds from;
     };
 
-    Bootloader &bootloader_;
-    Log &log_;
-    unsigned resets_;
-    bool inStep_ = false;
-    std::uint8_t opcode_ = 0; // of the command that is under way
-    unsigned speed_;
-    std::optional<SpeedChange> change_;
-    std::vector<TimedFrame> out_;
+    Bootloader &m_bootloader;
+    Log &m_log;
+    unsigned m_resets;
+    bool m_inStep = false;
+    std::uint8_t m_opcode = 0; // of the command that is under way
+    unsigned m_speed;
+    std::optional<SpeedChange> m_change;
+    std::vector<TimedFrame> m_out;
 };
 
 // Whether a frame has to do with the chip: data, under an identifier of its host or, wrongly, its own.

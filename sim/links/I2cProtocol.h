@@ -8,7 +8,7 @@ namespace sim {
 // answer.
 class I2cProtocol {
 public:
-    I2cProtocol(Bootloader &bootloader, Faults &faults) : mailbox_(bootloader), faults_(faults) {}
+    I2cProtocol(Bootloader &bootloader, Faults &faults) : m_mailbox(bootloader), m_faults(faults) {}
 
     // Whether the chip acknowledges its address now.
     bool acknowledges(bool read, Nanoseconds now) const;
@@ -25,17 +25,17 @@ public:
     Read read(std::size_t length, Nanoseconds now);
 
     // Unplugged by a fault in the last transfer.
-    const std::optional<Hangup> &hangup() const { return hangup_; }
+    const std::optional<Hangup> &hangup() const { return m_hangup; }
 
-    void reset(Nanoseconds now) { mailbox_.reset(now); }
+    void reset(Nanoseconds now) { m_mailbox.reset(now); }
     void losePower(Nanoseconds now);
 
 private:
     bool busy(Nanoseconds now);
 
-    Mailbox mailbox_;
-    Faults &faults_;
-    std::optional<Hangup> hangup_;
+    Mailbox m_mailbox;
+    Faults &m_faults;
+    std::optional<Hangup> m_hangup;
 };
 
 } // namespace sim

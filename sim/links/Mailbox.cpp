@@ -7,83 +7,83 @@
 namespace sim {
 
 void Mailbox::group(const Bytes &bytes, Nanoseconds now) {
-    if (bootloader_.idle()) {
+    if (m_bootloader.idle()) {
         opening(bytes, now);
         return;
     }
-    const std::size_t length = bootloader_.groupLength(bytes);
+    const std::size_t length = m_bootloader.groupLength(bytes);
     if (bytes.size() == length)
         for (const std::uint8_t byte : bytes)
-            bootloader_.feed(byte, now);
+            m_bootloader.feed(byte, now);
     else
-        bootloader_.refuseGroup(
+        m_bootloader.refuseGroup(
             std::to_string(bytes.size()) + " bytes where a group of " + std::to_string(length) + " belongs", now);
     collect();
 }
 
 void Mailbox::opening(const Bytes &bytes, Nanoseconds now) {
     if (bytes.size() != 2) {
-        bootloader_.refuse(std::to_string(bytes.size()) + " bytes where an opcode and its complement belong", now);
+        m_bootloader.refuse(std::to_string(bytes.size()) + " bytes where an opcode and its complement belong", now);
     } else if ((bytes[0] ^ bytes[1]) != 0xFF) {
-        bootloader_.refuse("an opcode with a wrong complement", now);
+        m_bootloader.refuse("an opcode with a wrong complement", now);
     } else {
-        bootloader_.command(bytes[0], now);
+        m_bootloader.command(bytes[0], now);
         collect();
         return;
     }
-    const std::vector<Output> refusal = bootloader_.takeOutput();
-    answers_.insert(answers_.end(), refusal.begin(), refusal.end());
+    const std::vector<Output> refusal = m_bootloader.takeOutput();
+    m_answers.insert(m_answers.end(), refusal.begin(), refusal.end());
 }
 
 // Behind a command or one of its groups.
 void Mailbox::collect() {
-    const std::vector<Output> output = bootloader_.takeOutput();
-    answers_.insert(answers_.end(), output.begin(), output.end());
-    if (!bootloader_.idle() || bootloader_.ended() == Next::end)
+    const std::vector<Output> output = m_bootloader.takeOutput();
+    m_answers.insert(m_answers.end(), output.begin(), output.end());
+    if (!m_bootloader.idle() || m_bootloader.ended() == Next::end)
         return;
-    if (bootloader_.ended() == Next::powerLost)
+    if (m_bootloader.ended() == Next::powerLost)
         forget();
-    else if (!answers_.empty())
-        departure_ = bootloader_.ended();
+    else if (!m_answers.empty())
+        m_departure = m_bootloader.ended();
 }
 
 void Mailbox::answer(std::uint8_t byte, Nanoseconds now) {
-    answers_.push_back({{byte}, now});
+    m_answers.push_back({{byte}, now});
 }
 
 void Mailbox::followDeparture(Nanoseconds now) {
-    if (departure_ == Next::reset)
-        bootloader_.startFrom(now);
-    departure_.reset();
+    if (m_departure == Next::reset)
+        m_bootloader.startFrom(now);
+    m_departure.reset();
 }
 
 void Mailbox::fetched(Nanoseconds now) {
     leaving.reset();
-    answers_.pop_front();
-    if (answers_.empty())
+    m_answers.pop_front();
+    if (m_answers.empty())
         followDeparture(now);
 }
 
 void Mailbox::throwAway(Nanoseconds now) {
     leaving.reset();
-    answers_.clear();
+    m_answers.clear();
     followDeparture(now);
 }
 
 void Mailbox::forget() {
     leaving.reset();
-    answers_.clear();
-    departure_.reset();
+    m_answers.clear();
+    m_departure.reset();
 }
 
 void Mailbox::reset(Nanoseconds now) {
     forget();
-    bootloader_.reset(now);
+    m_bootloader.reset(now);
 }
 
 void Mailbox::losePower(Nanoseconds now) {
     forget();
-    bootloader_.losePower(now);
+    m_bootloader.losePower(now);
 }
 
 } // namespace sim

@@ -12,13 +12,13 @@ namespace sim {
 // does. A chip that resets or leaves behind its last answer stays there until that has been fetched.
 class Mailbox {
 public:
-    explicit Mailbox(Bootloader &bootloader) : bootloader_(bootloader) {}
+    explicit Mailbox(Bootloader &bootloader) : m_bootloader(bootloader) {}
 
     // Whether there is a chip on the link.
-    bool there(Nanoseconds now) const { return departure_.has_value() || bootloader_.listening(now); }
+    bool there(Nanoseconds now) const { return m_departure.has_value() || m_bootloader.listening(now); }
 
     // Whether it is at its flash and takes nothing in.
-    bool working(Nanoseconds now) const { return now < bootloader_.busyUntil(); }
+    bool working(Nanoseconds now) const { return now < m_bootloader.busyUntil(); }
 
     // A message: the opcode with its complement, or the group that belongs next, or a NACK.
     void group(const Bytes &bytes, Nanoseconds now);
@@ -27,7 +27,7 @@ public:
     void answer(std::uint8_t byte, Nanoseconds now);
 
     // The answer that is next, null for none; and what becomes of its bytes on the way, once they leave.
-    Output *next() { return answers_.empty() ? nullptr : &answers_.front(); }
+    Output *next() { return m_answers.empty() ? nullptr : &m_answers.front(); }
     std::optional<Passage> leaving;
 
     void fetched(Nanoseconds now);   // the host has it
@@ -42,9 +42,9 @@ private:
     void followDeparture(Nanoseconds now);
     void forget();
 
-    Bootloader &bootloader_;
-    std::deque<Output> answers_;
-    std::optional<Next> departure_; // a reset or the end, behind the last answer
+    Bootloader &m_bootloader;
+    std::deque<Output> m_answers;
+    std::optional<Next> m_departure; // a reset or the end, behind the last answer
 };
 
 } // namespace sim

@@ -26,30 +26,30 @@ Passage pass(const Bytes &bytes, Direction direction, Faults &faults) {
 }
 
 Nanoseconds Pacer::through(Nanoseconds ready, unsigned baud, Nanoseconds late, unsigned bits) {
-    if (ready > free_ || late != 0 || baud != baud_) {
-        remainder_ = 0;
-        baud_ = baud;
+    if (ready > m_free || late != 0 || baud != m_baud) {
+        m_remainder = 0;
+        m_baud = baud;
     }
-    free_ = std::max(free_, ready) + late;
+    m_free = std::max(m_free, ready) + late;
     if (baud != 0) {
-        const Nanoseconds work = bits * second + remainder_;
-        free_ += work / baud;
-        remainder_ = work % baud;
+        const Nanoseconds work = bits * second + m_remainder;
+        m_free += work / baud;
+        m_remainder = work % baud;
     }
-    return free_;
+    return m_free;
 }
 
 Lane::Ride Lane::carry(const Bytes &bytes, Nanoseconds ready, unsigned baud, unsigned bits) {
-    Ride ride{pass(bytes, direction_, faults_), {}};
+    Ride ride{pass(bytes, m_direction, m_faults), {}};
     Nanoseconds late = ride.passage.late;
     const int copies = ride.passage.hangup ? 0 : ride.passage.doubled ? 2 : 1;
     for (int copy = 0; copy < copies; ++copy)
-        ride.through.push_back(pacer_.through(ready, baud, std::exchange(late, 0), bits));
+        ride.through.push_back(m_pacer.through(ready, baud, std::exchange(late, 0), bits));
     return ride;
 }
 
 Nanoseconds Lane::carryUnharmed(Nanoseconds ready, unsigned baud, unsigned bits) {
-    return pacer_.through(ready, baud, 0, bits);
+    return m_pacer.through(ready, baud, 0, bits);
 }
 
 } // namespace sim

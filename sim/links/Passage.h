@@ -38,15 +38,15 @@ public:
     static constexpr unsigned serialBits = 11; // of a byte: start, eight data bits, parity, stop
 
 private:
-    Nanoseconds free_ = 0;      // the line is free from then on
-    Nanoseconds remainder_ = 0; // of the division by the rate, so that no fraction is lost
-    unsigned baud_ = 0;
+    Nanoseconds m_free = 0;      // the line is free from then on
+    Nanoseconds m_remainder = 0; // of the division by the rate, so that no fraction is lost
+    unsigned m_baud = 0;
 };
 
 // One direction of a line.
 class Lane {
 public:
-    Lane(Direction direction, Faults &faults) : direction_(direction), faults_(faults) {}
+    Lane(Direction direction, Faults &faults) : m_direction(direction), m_faults(faults) {}
 
     struct Ride {
         Passage passage;
@@ -59,12 +59,12 @@ public:
     // The same for what no fault befalls.
     Nanoseconds carryUnharmed(Nanoseconds ready, unsigned baud, unsigned bits);
 
-    void replug() { pacer_ = Pacer{}; }
+    void replug() { m_pacer = Pacer{}; }
 
 private:
-    Direction direction_;
-    Faults &faults_;
-    Pacer pacer_;
+    Direction m_direction;
+    Faults &m_faults;
+    Pacer m_pacer;
 };
 
 } // namespace sim

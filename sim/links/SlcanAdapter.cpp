@@ -80,16 +80,16 @@ std::string SlcanAdapter::receive(std::string_view characters, Nanoseconds now) 
     std::string answer;
     for (const char character : characters) {
         if (character != done) {
-            if (state_.line.size() <= longestLine)
-                state_.line += character;
+            if (m_state.line.size() <= longestLine)
+                m_state.line += character;
             continue;
         }
-        const std::string line = std::exchange(state_.line, {});
+        const std::string line = std::exchange(m_state.line, {});
         const Reply reply = obey(line, now);
         if (reply.done) {
             answer += reply.text + done;
         } else {
-            log_.refused("adapter: \"" + line + "\": " + reply.text);
+            m_log.refused("adapter: \"" + line + "\": " + reply.text);
             answer += refused;
         }
     }
@@ -101,32 +101,32 @@ SlcanAdapter::Reply SlcanAdapter::obey(const std::string &line, Nanoseconds now)
         return {true, {}};
     for (const Command &command : commands)
         if (command.letter == line[0])
-            return (command.channels & state_.channel) != 0
+            return (command.channels & m_state.channel) != 0
                        ? (this->*command.carryOut)(line, now)
-                       : Reply{false, state_.channel == closed ? "the channel is closed"
-                                      : state_.channel == open ? "the channel is open"
-                                                               : "the channel only listens"};
+                       : Reply{false, m_state.channel == closed ? "the channel is closed"
+                                      : m_state.channel == open ? "the channel is open"
+                                                                : "the channel only listens"};
     return {false, "unknown command"};
 }
 
 SlcanAdapter::Reply SlcanAdapter::setSpeed(const std::string &line, Nanoseconds) {
     if (line.size() != 2 || line[1] < '0' || line[1] > '8')
         return {false, "there is no such speed"};
-    state_.speed = speeds[line[1] - '0'];
+    m_state.speed = speeds[line[1] - '0'];
     return {true, {}};
 }
 
 SlcanAdapter::Reply SlcanAdapter::openChannel(const std::string &line, Nanoseconds) {
-    if (line.size() != 1 || state_.speed == 0)
+    if (line.size() != 1 || m_state.speed == 0)
         return {false, line.size() != 1 ? "malformed" : "no speed is set"};
-    state_.channel = line[0] == 'L' ? listening : open;
+    m_state.channel = line[0] == 'L' ? listening : open;
     return {true, {}};
 }
 
 SlcanAdapter::Reply SlcanAdapter::closeChannel(const std::string &line, Nanoseconds) {
     if (line.size() != 1)
         return {false, "malformed"};
-    state_.channel = closed;
+    m_state.channel = closed;
     return {true, {}};
 }
 
@@ -134,23 +134,23 @@ SlcanAdapter::Reply SlcanAdapter::transmit(const std::string &line, Nanoseconds 
     CanFrame frame;
     if (!parseFrame(line, frame))
         return {false, "malformed"};
-    while (!state_.unsent.empty() && state_.unsent.front() <= now)
-        state_.unsent.pop_front();
-    if (state_.unsent.size() >= queueSize) {
-        state_.flags |= transmitQueueFull;
+    while (!m_state.unsent.empty() && m_state.unsent.front() <= now)
+        m_state.unsent.pop_front();
+    if (m_state.unsent.size() >= queueSize) {
+        m_state.flags |= transmitQueueFull;
         return {false, "16 frames are waiting for the bus"};
     }
-    const CanLine::Sent sent = bus_.fromHost(frame, now, state_.speed);
-    state_.unsent.push_back(sent.through);
+    const CanLine::Sent sent = m_bus.fromHost(frame, now, m_state.speed);
+    m_state.unsent.push_back(sent.through);
     if (sent.noise)
-        state_.flags |= busError;
+        m_state.flags |= busError;
     return {true, frame.extended ? "Z" : "z"};
 }
 
 SlcanAdapter::Reply SlcanAdapter::tellFlags(const std::string &line, Nanoseconds) {
     if (line.size() != 1)
         return {false, "malformed"};
-    return {true, "F" + hex(std::exchange(state_.flags, std::uint8_t{0}), 2)};
+    return {true, "F" + hex(std::exchange(m_state.flags, std::uint8_t{0}), 2)};
 }
 
 SlcanAdapter::Reply SlcanAdapter::tellVersion(const std::string &line, Nanoseconds) {
@@ -162,7 +162,7 @@ SlcanAdapter::Reply SlcanAdapter::tellVersion(const std::string &line, Nanosecon
 SlcanAdapter::Reply SlcanAdapter::setTimestamps(const std::string &line, Nanoseconds) {
     if (line != "Z0" && line != "Z1")
         return {false, "malformed"};
-    state_.timestamps = line == "Z1";
+    m_state.timestamps = line == "Z1";
     return {true, {}};
 }
 
@@ -171,7 +171,7 @@ SlcanAdapter::Reply SlcanAdapter::setFilter(const std::string &line, Nanoseconds
     std::uint32_t bits = 0;
     if (line.size() != size || !parseHex(std::string_view(line).substr(1), bits))
         return {false, "malformed"};
-    (line[0] == 'M' ? state_.code : state_.mask) = bits;
+    (line[0] == 'M' ? m_state.code : m_state.mask) = bits;
     return {true, {}};
 }
 
@@ -179,20 +179,20 @@ SlcanAdapter::Reply SlcanAdapter::setFilter(const std::string &line, Nanoseconds
 // either value pass.
 bool SlcanAdapter::passes(const CanFrame &frame) const {
     const std::uint32_t bits = (frame.id << 5 | (frame.remote ? 0x10U : 0U)) * 0x10001U;
-    const std::uint32_t wrong = (bits ^ state_.code) & ~state_.mask & 0xFFF0FFF0U;
+    const std::uint32_t wrong = (bits ^ m_state.code) & ~m_state.mask & 0xFFF0FFF0U;
     return (wrong >> 16) == 0 || (wrong & 0xFFFFU) == 0;
 }
 
 std::string SlcanAdapter::hear(const TimedFrame &timed) {
     const std::string name = "frame " + nameOf(timed.frame) + " of the chip";
-    if (state_.channel == closed) {
-        log_.note(name + " is lost: the adapter is closed");
+    if (m_state.channel == closed) {
+        m_log.note(name + " is lost: the adapter is closed");
         return {};
     }
-    if (timed.speed != state_.speed) {
-        log_.ignored(name + ": at " + std::to_string(timed.speed) + " bits per second, the adapter is at " +
-                     std::to_string(state_.speed));
-        state_.flags |= busError;
+    if (timed.speed != m_state.speed) {
+        m_log.ignored(name + ": at " + std::to_string(timed.speed) + " bits per second, the adapter is at " +
+                      std::to_string(m_state.speed));
+        m_state.flags |= busError;
         return {};
     }
     if (!passes(timed.frame))
@@ -200,7 +200,7 @@ std::string SlcanAdapter::hear(const TimedFrame &timed) {
     std::string line = "t" + hex(timed.frame.id, 3) + hex(static_cast<std::uint32_t>(timed.frame.data.size()), 1);
     for (const std::uint8_t byte : timed.frame.data)
         line += hex(byte, 2);
-    if (state_.timestamps) {
+    if (m_state.timestamps) {
         constexpr Nanoseconds minute = 60000;
         line += hex(static_cast<std::uint32_t>(timed.at / millisecond % minute), 4);
     }

@@ -13,7 +13,7 @@ namespace sim {
 // Frames from the bus are lines of their own.
 class SlcanAdapter {
 public:
-    SlcanAdapter(CanLine &bus, Log &log) : bus_(bus), log_(log) {}
+    SlcanAdapter(CanLine &bus, Log &log) : m_bus(bus), m_log(log) {}
 
     // Characters from the host; what the adapter answers.
     std::string receive(std::string_view characters, Nanoseconds now);
@@ -22,7 +22,7 @@ public:
     std::string hear(const TimedFrame &timed);
 
     // Power on: closed, without a bit rate.
-    void powerOn() { state_ = State{}; }
+    void powerOn() { m_state = State{}; }
 
 private:
     enum Channel : unsigned { closed = 1, open = 2, listening = 4 };
@@ -61,9 +61,9 @@ private:
     Reply setFilter(const std::string &line, Nanoseconds now);
     bool passes(const CanFrame &frame) const;
 
-    CanLine &bus_;
-    Log &log_;
-    State state_;
+    CanLine &m_bus;
+    Log &m_log;
+    State m_state;
 };
 
 } // namespace sim

@@ -30,90 +30,90 @@ std::string hex(std::uint8_t byte) {
 } // namespace
 
 SpiProtocol::SpiProtocol(Bootloader &bootloader, Faults &faults, Log &log)
-    : bootloader_(bootloader), mailbox_(bootloader), faults_(faults), log_(log), resets_(bootloader.resets()) {}
+    : m_bootloader(bootloader), m_mailbox(bootloader), m_faults(faults), m_log(log), m_resets(bootloader.resets()) {}
 
 void SpiProtocol::select(Nanoseconds now) {
-    present_ = mailbox_.there(now);
-    working_ = mailbox_.working(now);
-    kind_ = Kind::none;
-    message_.clear();
+    m_present = m_mailbox.there(now);
+    m_working = m_mailbox.working(now);
+    m_kind = Kind::none;
+    m_message.clear();
 }
 
 std::uint8_t SpiProtocol::shift(std::uint8_t byte, Nanoseconds now) {
-    if (kind_ == Kind::none)
-        kind_ = byte == wire::spiIdle ? Kind::fetch : Kind::message;
-    if (kind_ == Kind::message)
-        message_.push_back(byte);
-    if (!present_)
-        return bootloader_.silent() ? wire::spiIdle : released;
-    return kind_ == Kind::fetch ? fetch(now) : wire::spiIdle;
+    if (m_kind == Kind::none)
+        m_kind = byte == wire::spiIdle ? Kind::fetch : Kind::message;
+    if (m_kind == Kind::message)
+        m_message.push_back(byte);
+    if (!m_present)
+        return m_bootloader.silent() ? wire::spiIdle : released;
+    return m_kind == Kind::fetch ? fetch(now) : wire::spiIdle;
 }
 
 std::uint8_t SpiProtocol::fetch(Nanoseconds now) {
-    Output *next = mailbox_.next();
+    Output *next = m_mailbox.next();
     if (next == nullptr || next->at > now)
         return wire::spiIdle;
-    if (!mailbox_.leaving) {
-        mailbox_.leaving = pass(framed(*next), Direction::tx, faults_);
-        next->at = now + mailbox_.leaving->late;
-        sent_ = 0;
+    if (!m_mailbox.leaving) {
+        m_mailbox.leaving = pass(framed(*next), Direction::tx, m_faults);
+        next->at = now + m_mailbox.leaving->late;
+        m_sent = 0;
         if (next->at > now)
             return wire::spiIdle;
     }
-    const Passage &passage = *mailbox_.leaving;
-    const std::uint8_t byte = sent_ < passage.bytes.size() ? passage.bytes[sent_++] : wire::spiIdle;
-    if (sent_ == passage.bytes.size()) {
+    const Passage &passage = *m_mailbox.leaving;
+    const std::uint8_t byte = m_sent < passage.bytes.size() ? passage.bytes[m_sent++] : wire::spiIdle;
+    if (m_sent == passage.bytes.size()) {
         if (passage.hangup)
-            hangup_ = passage.hangup;
-        mailbox_.fetched(now);
+            m_hangup = passage.hangup;
+        m_mailbox.fetched(now);
     }
     return byte;
 }
 
 void SpiProtocol::deselect(Nanoseconds now) {
-    if (kind_ != Kind::message)
+    if (m_kind != Kind::message)
         return;
-    const Passage passage = pass(message_, Direction::rx, faults_);
+    const Passage passage = pass(m_message, Direction::rx, m_faults);
     if (passage.hangup)
-        hangup_ = passage.hangup;
-    else if (present_ && !passage.bytes.empty())
+        m_hangup = passage.hangup;
+    else if (m_present && !passage.bytes.empty())
         take(passage.bytes, now + passage.late);
 }
 
 void SpiProtocol::take(const Bytes &message, Nanoseconds now) {
     if (message[0] != wire::spiStart) {
-        log_.ignored("a message that begins with " + hex(message[0]));
-    } else if (working_) {
-        log_.ignored("a message to a chip at work");
+        m_log.ignored("a message that begins with " + hex(message[0]));
+    } else if (m_working) {
+        m_log.ignored("a message to a chip at work");
     } else {
-        mailbox_.throwAway(now);
+        m_mailbox.throwAway(now);
         // If not, it waited with its reset for somebody to fetch the answer.
-        if (mailbox_.there(now))
+        if (m_mailbox.there(now))
             group(Bytes(message.begin() + 1, message.end()), now);
     }
 }
 
 void SpiProtocol::group(const Bytes &group, Nanoseconds now) {
-    if (resets_ != bootloader_.resets()) {
-        resets_ = bootloader_.resets();
-        inStep_ = false;
+    if (m_resets != m_bootloader.resets()) {
+        m_resets = m_bootloader.resets();
+        m_inStep = false;
     }
     const bool opening = group == Bytes{wire::sync};
     if (opening) {
-        bootloader_.drop("ended by a new opening");
-        mailbox_.answer(inStep_ ? wire::nack : wire::ack, now);
-        inStep_ = true;
-    } else if (inStep_) {
-        mailbox_.group(group, now);
+        m_bootloader.drop("ended by a new opening");
+        m_mailbox.answer(m_inStep ? wire::nack : wire::ack, now);
+        m_inStep = true;
+    } else if (m_inStep) {
+        m_mailbox.group(group, now);
     } else {
-        log_.ignored("a message in front of the first 7F");
+        m_log.ignored("a message in front of the first 7F");
     }
 }
 
 void SpiProtocol::losePower(Nanoseconds now) {
-    mailbox_.losePower(now);
-    hangup_.reset();
-    kind_ = Kind::none;
+    m_mailbox.losePower(now);
+    m_hangup.reset();
+    m_kind = Kind::none;
 }
 
 } // namespace sim

@@ -19,9 +19,9 @@ public:
     std::uint8_t shift(std::uint8_t byte, Nanoseconds now);
 
     // Unplugged by a fault.
-    const std::optional<Hangup> &hangup() const { return hangup_; }
+    const std::optional<Hangup> &hangup() const { return m_hangup; }
 
-    void reset(Nanoseconds now) { mailbox_.reset(now); }
+    void reset(Nanoseconds now) { m_mailbox.reset(now); }
     void losePower(Nanoseconds now);
 
 private:
@@ -31,18 +31,18 @@ private:
     void take(const Bytes &message, Nanoseconds now);
     void group(const Bytes &group, Nanoseconds now);
 
-    Bootloader &bootloader_;
-    Mailbox mailbox_;
-    Faults &faults_;
-    Log &log_;
-    unsigned resets_;
-    bool inStep_ = false;
-    bool present_ = false; // what the chip was when it was selected
-    bool working_ = false;
-    Kind kind_ = Kind::none;
-    Bytes message_;
-    std::size_t sent_ = 0; // bytes of the answer that is leaving
-    std::optional<Hangup> hangup_;
+    Bootloader &m_bootloader;
+    Mailbox m_mailbox;
+    Faults &m_faults;
+    Log &m_log;
+    unsigned m_resets;
+    bool m_inStep = false;
+    bool m_present = false; // what the chip was when it was selected
+    bool m_working = false;
+    Kind m_kind = Kind::none;
+    Bytes m_message;
+    std::size_t m_sent = 0; // bytes of the answer that is leaving
+    std::optional<Hangup> m_hangup;
 };
 
 } // namespace sim

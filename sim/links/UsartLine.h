@@ -12,27 +12,27 @@ namespace sim {
 class UsartLine {
 public:
     UsartLine(UsartProtocol &chip, Faults &faults)
-        : chip_(chip), rx_(Direction::rx, faults), tx_(Direction::tx, faults) {}
+        : m_chip(chip), m_rx(Direction::rx, faults), m_tx(Direction::tx, faults) {}
 
     // A byte leaves the host. `baud` is the rate of the line, 0 for no pace.
     void fromHost(std::uint8_t byte, Nanoseconds now, unsigned baud);
 
     // Bytes for the host, in the order in which they are due.
-    std::deque<TimedByte> &toHost() { return toHost_; }
-    const std::deque<TimedByte> &toHost() const { return toHost_; }
+    std::deque<TimedByte> &toHost() { return m_toHost; }
+    const std::deque<TimedByte> &toHost() const { return m_toHost; }
 
-    const std::optional<Hangup> &hangup() const { return hangup_; }
+    const std::optional<Hangup> &hangup() const { return m_hangup; }
     void replug();
 
 private:
     void collect(unsigned baud);
     void deliver(const TimedByte &timed, unsigned baud);
 
-    UsartProtocol &chip_;
-    Lane rx_;
-    Lane tx_;
-    std::deque<TimedByte> toHost_;
-    std::optional<Hangup> hangup_;
+    UsartProtocol &m_chip;
+    Lane m_rx;
+    Lane m_tx;
+    std::deque<TimedByte> m_toHost;
+    std::optional<Hangup> m_hangup;
 };
 
 } // namespace sim

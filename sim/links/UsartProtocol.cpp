@@ -10,69 +10,69 @@ namespace {
 constexpr Nanoseconds frameLimit = wire::frameLimitMs * millisecond;
 }
 
-UsartProtocol::UsartProtocol(Bootloader &bootloader) : bootloader_(bootloader), resets_(bootloader.resets()) {}
+UsartProtocol::UsartProtocol(Bootloader &bootloader) : m_bootloader(bootloader), m_resets(bootloader.resets()) {}
 
 void UsartProtocol::followReset() {
-    if (resets_ != bootloader_.resets()) {
-        resets_ = bootloader_.resets();
-        inStep_ = false;
-        opcode_.reset();
+    if (m_resets != m_bootloader.resets()) {
+        m_resets = m_bootloader.resets();
+        m_inStep = false;
+        m_opcode.reset();
     }
 }
 
 std::vector<TimedByte> UsartProtocol::takeOutput() {
     std::vector<TimedByte> bytes;
-    for (const Output &output : bootloader_.takeOutput())
+    for (const Output &output : m_bootloader.takeOutput())
         for (const std::uint8_t byte : output.bytes)
             bytes.push_back({byte, output.at});
     return bytes;
 }
 
 void UsartProtocol::sent(Nanoseconds at) {
-    last_ = std::max(last_, at);
+    m_last = std::max(m_last, at);
 }
 
 void UsartProtocol::dropIfLate(Nanoseconds now) {
-    if (inCommand() && now - last_ > frameLimit) {
-        bootloader_.drop("dropped, its next byte came too late");
-        opcode_.reset();
+    if (inCommand() && now - m_last > frameLimit) {
+        m_bootloader.drop("dropped, its next byte came too late");
+        m_opcode.reset();
     }
 }
 
 void UsartProtocol::receive(std::uint8_t byte, Nanoseconds now) {
     followReset();
-    now = std::max(now, bootloader_.busyUntil());
-    if (!bootloader_.listening(now))
+    now = std::max(now, m_bootloader.busyUntil());
+    if (!m_bootloader.listening(now))
         return;
-    if (!inStep_) {
+    if (!m_inStep) {
         if (byte == wire::sync) {
-            inStep_ = true;
-            bootloader_.answer(wire::ack, now);
+            m_inStep = true;
+            m_bootloader.answer(wire::ack, now);
         }
         return;
     }
     dropIfLate(now);
-    last_ = std::max(last_, now);
-    if (bootloader_.idle())
+    m_last = std::max(m_last, now);
+    if (m_bootloader.idle())
         opening(byte, now);
     else
-        bootloader_.feed(byte, now);
+        m_bootloader.feed(byte, now);
 }
 
 void UsartProtocol::opening(std::uint8_t byte, Nanoseconds now) {
-    if (!opcode_) {
+    if (!m_opcode) {
         if (byte == wire::sync)
-            bootloader_.answer(wire::nack, now);
+            m_bootloader.answer(wire::nack, now);
         else
-            opcode_ = byte;
+            m_opcode = byte;
         return;
     }
-    const std::uint8_t opcode = *opcode_;
-    opcode_.reset();
+    const std::uint8_t opcode = *m_opcode;
+    m_opcode.reset();
     if ((opcode ^ byte) == 0xFF)
-        bootloader_.command(opcode, now);
+        m_bootloader.command(opcode, now);
     else
-        bootloader_.refuse("an opcode with a wrong complement", now);
+        m_bootloader.refuse("an opcode with a wrong complement", now);
 }
 
 } // namespace sim

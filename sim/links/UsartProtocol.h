@@ -22,15 +22,15 @@ public:
 
 private:
     void followReset();
-    bool inCommand() const { return opcode_.has_value() || !bootloader_.idle(); }
+    bool inCommand() const { return m_opcode.has_value() || !m_bootloader.idle(); }
     void dropIfLate(Nanoseconds now);
     void opening(std::uint8_t byte, Nanoseconds now);
 
-    Bootloader &bootloader_;
-    unsigned resets_;
-    bool inStep_ = false;
-    std::optional<std::uint8_t> opcode_; // its complement is still to come
-    Nanoseconds last_ = 0;
+    Bootloader &m_bootloader;
+    unsigned m_resets;
+    bool m_inStep = false;
+    std::optional<std::uint8_t> m_opcode; // its complement is still to come
+    Nanoseconds m_last = 0;
 };
 
 } // namespace sim

@@ -31,18 +31,18 @@ public:
 
     // Something went by. Whether the port was at rest until then.
     bool disturb(Nanoseconds now) {
-        lastTraffic_ = now;
-        return std::exchange(resting_, false);
+        m_lastTraffic = now;
+        return std::exchange(m_resting, false);
     }
-    Nanoseconds lastTraffic() const { return lastTraffic_; }
+    Nanoseconds lastTraffic() const { return m_lastTraffic; }
 
     // When the rest begins, if nothing goes by.
-    std::optional<Nanoseconds> due() const { return resting_ ? std::nullopt : std::optional(lastTraffic_ + quiet); }
-    void begin() { resting_ = true; }
+    std::optional<Nanoseconds> due() const { return m_resting ? std::nullopt : std::optional(m_lastTraffic + quiet); }
+    void begin() { m_resting = true; }
 
 private:
-    Nanoseconds lastTraffic_ = 0;
-    bool resting_ = true;
+    Nanoseconds m_lastTraffic = 0;
+    bool m_resting = true;
 };
 
 // Where the chip meets its host. A port has no loop of its own and waits for nobody: whoever runs it calls
@@ -78,10 +78,10 @@ public:
     // Held while any of the above is called, where other threads serve the port too.
     virtual std::unique_lock<std::mutex> hold() { return {}; }
 
-    Rest &rest() { return rest_; }
+    Rest &rest() { return m_rest; }
 
 protected:
-    Rest rest_;
+    Rest m_rest;
 };
 
 } // namespace sim

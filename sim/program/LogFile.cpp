@@ -10,8 +10,8 @@ namespace sim {
 
 bool LogFile::open(const std::string &path, std::string &error) {
     constexpr mode_t mode = 0666;
-    lines_.fd = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode);
-    if (lines_.fd >= 0)
+    m_lines.fd = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode);
+    if (m_lines.fd >= 0)
         return true;
     error = "cannot write \"" + path + "\"" + (errno == ENXIO ? ": nobody reads" : "");
     return false;

@@ -12,7 +12,7 @@ public:
     // The file of that name, made if there is none. False and a message when it cannot be written.
     bool open(const std::string &path, std::string &error);
 
-    std::ostream &stream() { return stream_; }
+    std::ostream &stream() { return m_stream; }
 
 private:
     class Lines : public std::stringbuf {
@@ -25,8 +25,8 @@ private:
         int sync() override;
     };
 
-    Lines lines_;
-    std::ostream stream_{&lines_};
+    Lines m_lines;
+    std::ostream m_stream{&m_lines};
 };
 
 } // namespace sim

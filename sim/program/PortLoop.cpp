@@ -23,20 +23,20 @@ bool PortLoop::run(std::string &error) {
             return true;
         good = plugIn(error);
     }
-    const std::unique_lock<std::mutex> held = port_.hold();
-    port_.unplug();
+    const std::unique_lock<std::mutex> held = m_port.hold();
+    m_port.unplug();
     return good;
 }
 
 bool PortLoop::plugIn(std::string &error) {
-    const std::unique_lock<std::mutex> held = port_.hold();
-    const bool plugged = port_.plugIn(error);
+    const std::unique_lock<std::mutex> held = m_port.hold();
+    const bool plugged = m_port.plugIn(error);
     tellReady();
     return plugged;
 }
 
 void PortLoop::tellReady() {
-    const std::string ready = port_.takeReady();
+    const std::string ready = m_port.takeReady();
     if (!ready.empty()) {
         std::printf("ready %s\n", ready.c_str());
         std::fflush(stdout);
@@ -45,18 +45,18 @@ void PortLoop::tellReady() {
 
 // Until something happens, or is due.
 void PortLoop::wait() {
-    std::vector<struct pollfd> fds = {{signals_, POLLIN, 0}};
+    std::vector<struct pollfd> fds = {{m_signals, POLLIN, 0}};
     std::optional<Nanoseconds> due;
     Nanoseconds now = 0;
     {
-        const std::unique_lock<std::mutex> held = port_.hold();
+        const std::unique_lock<std::mutex> held = m_port.hold();
         now = clockNow();
-        due = port_.due(now);
-        const std::optional<Nanoseconds> rest = port_.rest().due();
+        due = m_port.due(now);
+        const std::optional<Nanoseconds> rest = m_port.rest().due();
         const bool overdue = rest && *rest <= now && due && *due <= now + Rest::quiet; // see restIfIdle()
         if (rest && !overdue)
             due = std::min(due.value_or(*rest), *rest);
-        for (const int fd : port_.fds())
+        for (const int fd : m_port.fds())
             fds.push_back({fd, POLLIN, 0});
     }
     struct timespec left {};
@@ -66,16 +66,16 @@ void PortLoop::wait() {
 }
 
 Wish PortLoop::followSignals() {
-    const std::unique_lock<std::mutex> held = port_.hold();
-    Wish wish = nextWish(signals_);
-    for (; wish == Wish::reset; wish = nextWish(signals_))
-        port_.reset(clockNow());
+    const std::unique_lock<std::mutex> held = m_port.hold();
+    Wish wish = nextWish(m_signals);
+    for (; wish == Wish::reset; wish = nextWish(m_signals))
+        m_port.reset(clockNow());
     return wish;
 }
 
 bool PortLoop::work(std::string &error) {
-    const std::unique_lock<std::mutex> held = port_.hold();
-    const bool good = port_.work(clockNow(), error);
+    const std::unique_lock<std::mutex> held = m_port.hold();
+    const bool good = m_port.work(clockNow(), error);
     tellReady();
     restIfIdle(clockNow());
     return good;
@@ -83,30 +83,30 @@ bool PortLoop::work(std::string &error) {
 
 // Saving takes its time: not when something is due soon.
 void PortLoop::restIfIdle(Nanoseconds now) {
-    const std::optional<Nanoseconds> rest = port_.rest().due();
-    const std::optional<Nanoseconds> due = port_.due(now);
+    const std::optional<Nanoseconds> rest = m_port.rest().due();
+    const std::optional<Nanoseconds> due = m_port.due(now);
     if (rest && *rest <= now && (!due || *due > now + Rest::quiet)) {
-        port_.rest().begin();
-        idle_();
+        m_port.rest().begin();
+        m_idle();
     }
 }
 
 std::optional<Hangup> PortLoop::hangup() {
-    const std::unique_lock<std::mutex> held = port_.hold();
-    return port_.hangup();
+    const std::unique_lock<std::mutex> held = m_port.hold();
+    return m_port.hangup();
 }
 
 // Unplugged by a fault. False when it ends there.
 bool PortLoop::stayAway(const Hangup &hangup) {
     {
-        const std::unique_lock<std::mutex> held = port_.hold();
-        port_.drain();
-        port_.unplug();
+        const std::unique_lock<std::mutex> held = m_port.hold();
+        m_port.drain();
+        m_port.unplug();
     }
-    if (!hangup.replugMs || waitUnplugged(signals_, *hangup.replugMs * millisecond) == Wish::end)
+    if (!hangup.replugMs || waitUnplugged(m_signals, *hangup.replugMs * millisecond) == Wish::end)
         return false;
-    const std::unique_lock<std::mutex> held = port_.hold();
-    port_.losePower(clockNow()); // the board has its power from the port
+    const std::unique_lock<std::mutex> held = m_port.hold();
+    m_port.losePower(clockNow()); // the board has its power from the port
     return true;
 }
 

@@ -12,7 +12,7 @@ class PortLoop {
 public:
     // `idle` is called when the port has been quiet for a moment.
     PortLoop(Port &port, int signals, std::function<void()> idle)
-        : port_(port), signals_(signals), idle_(std::move(idle)) {}
+        : m_port(port), m_signals(signals), m_idle(std::move(idle)) {}
 
     // Until a signal ends it or the port is unplugged for good. False and a message when the port cannot be made.
     bool run(std::string &error);
@@ -27,9 +27,9 @@ private:
     void tellReady();
     void restIfIdle(Nanoseconds now);
 
-    Port &port_;
-    int signals_;
-    std::function<void()> idle_;
+    Port &m_port;
+    int m_signals;
+    std::function<void()> m_idle;
 };
 
 } // namespace sim

@@ -58,22 +58,22 @@ bool StateFile::readAll(int fd, Bytes &file, std::string &error) {
     struct stat info {};
     const bool known = fd >= 0 && fstat(fd, &info) == 0;
     if (known && !S_ISREG(info.st_mode)) {
-        error = "\"" + path_ + "\" is not a file"; // a pipe or a device would never end
+        error = "\"" + m_path + "\" is not a file"; // a pipe or a device would never end
         return false;
     }
-    if (known && static_cast<std::uint64_t>(info.st_size) > longestState(chip_)) {
-        error = "\"" + path_ + "\" is too long for a state file of this chip";
+    if (known && static_cast<std::uint64_t>(info.st_size) > longestState(m_chip)) {
+        error = "\"" + m_path + "\" is too long for a state file of this chip";
         return false;
     }
     file.resize(known ? static_cast<std::size_t>(info.st_size) : 0);
     if (known && readWhole(fd, file) >= 0)
         return true;
-    error = "cannot read \"" + path_ + "\": " + std::strerror(errno);
+    error = "cannot read \"" + m_path + "\": " + std::strerror(errno);
     return false;
 }
 
 bool StateFile::load(std::string &error) {
-    const int fd = open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int fd = open(m_path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (fd < 0 && errno == ENOENT)
         return true;
     Bytes file;
@@ -82,26 +82,26 @@ bool StateFile::load(std::string &error) {
         close(fd);
     if (!read)
         return false;
-    const std::string wrong = decodeState(file, chip_);
+    const std::string wrong = decodeState(file, m_chip);
     if (!wrong.empty()) {
-        error = "\"" + path_ + "\" " + wrong;
+        error = "\"" + m_path + "\" " + wrong;
         return false;
     }
-    chip_.reset(); // what the option bytes protect holds from power on
-    everSaved_ = true;
-    savedChanges_ = chip_.changes();
+    m_chip.reset(); // what the option bytes protect holds from power on
+    m_everSaved = true;
+    m_savedChanges = m_chip.changes();
     return true;
 }
 
 // A file of nobody else's: made anew, for its owner alone until it is whole.
 bool StateFile::replace(const Bytes &file) const {
-    std::string temporary = path_ + ".XXXXXX";
+    std::string temporary = m_path + ".XXXXXX";
     const int fd = mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0)
         return false;
-    const bool written = writeWhole(fd, file) && fchmod(fd, modeFor(path_)) == 0 && fsync(fd) == 0;
+    const bool written = writeWhole(fd, file) && fchmod(fd, modeFor(m_path)) == 0 && fsync(fd) == 0;
     int failure = errno;
-    if (close(fd) == 0 && written && std::rename(temporary.c_str(), path_.c_str()) == 0)
+    if (close(fd) == 0 && written && std::rename(temporary.c_str(), m_path.c_str()) == 0)
         return true;
     failure = written ? errno : failure;
     unlink(temporary.c_str());
@@ -110,15 +110,15 @@ bool StateFile::replace(const Bytes &file) const {
 }
 
 bool StateFile::save(std::string &error) {
-    const std::uint64_t changes = chip_.changes();
-    if (everSaved_ && changes == savedChanges_)
+    const std::uint64_t changes = m_chip.changes();
+    if (m_everSaved && changes == m_savedChanges)
         return true;
-    if (!replace(encodeState(chip_))) {
-        error = "cannot write \"" + path_ + "\": " + std::strerror(errno);
+    if (!replace(encodeState(m_chip))) {
+        error = "cannot write \"" + m_path + "\": " + std::strerror(errno);
         return false;
     }
-    everSaved_ = true;
-    savedChanges_ = changes;
+    m_everSaved = true;
+    m_savedChanges = changes;
     return true;
 }
 

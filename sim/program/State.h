@@ -10,7 +10,7 @@ namespace sim {
 // that nobody knows before, and renamed over it.
 class StateFile {
 public:
-    StateFile(std::string path, Chip &chip) : path_(std::move(path)), chip_(chip) {}
+    StateFile(std::string path, Chip &chip) : m_path(std::move(path)), m_chip(chip) {}
 
     // Reads the file into the chip. A file that is not there leaves the chip as it comes from the factory.
     // False and a message for one that is damaged or of another chip: then the chip is not to be used.
@@ -23,10 +23,10 @@ private:
     bool readAll(int fd, Bytes &file, std::string &error);
     bool replace(const Bytes &file) const;
 
-    std::string path_;
-    Chip &chip_;
-    bool everSaved_ = false;
-    std::uint64_t savedChanges_ = 0;
+    std::string m_path;
+    Chip &m_chip;
+    bool m_everSaved = false;
+    std::uint64_t m_savedChanges = 0;
 };
 
 } // namespace sim

@@ -68,17 +68,17 @@ void putCells(Bytes &out, const Cells &cells) {
 // Takes a file apart; once something is missing, `good` stays false.
 class Reader {
 public:
-    explicit Reader(const Bytes &file) : file_(file) {}
+    explicit Reader(const Bytes &file) : m_file(file) {}
 
     bool good = true;
 
     const std::uint8_t *take(std::size_t length) {
-        if (!good || length > file_.size() - at_) {
+        if (!good || length > m_file.size() - m_at) {
             good = false;
             return nullptr;
         }
-        at_ += length;
-        return file_.data() + (at_ - length);
+        m_at += length;
+        return m_file.data() + (m_at - length);
     }
 
     std::uint32_t number() {
@@ -95,11 +95,11 @@ public:
         return bytes == nullptr ? std::string() : std::string(reinterpret_cast<const char *>(bytes), length);
     }
 
-    bool atEnd() const { return good && at_ == file_.size(); }
+    bool atEnd() const { return good && m_at == m_file.size(); }
 
 private:
-    const Bytes &file_;
-    std::size_t at_ = 0;
+    const Bytes &m_file;
+    std::size_t m_at = 0;
 };
 
 // Fills the cells; false for another size or a run outside of it.

@@ -71,16 +71,16 @@ std::vector<std::string> CanRig::heard() {
 }
 
 void AdapterRig::say(const std::string &text) {
-    answers_ += adapter.receive(text + "\r", now);
+    m_answers += adapter.receive(text + "\r", now);
 }
 
 std::vector<std::string> AdapterRig::heard() {
     for (const TimedFrame &timed : received()) {
-        answers_ += adapter.hear(timed);
+        m_answers += adapter.hear(timed);
         now = std::max(now, timed.at);
     }
     std::vector<std::string> lines(1);
-    for (const char character : answers_) {
+    for (const char character : m_answers) {
         if (character == '\a') {
             lines.back() += '!';
         } else if (character != '\r') {
@@ -91,22 +91,22 @@ std::vector<std::string> AdapterRig::heard() {
         }
         lines.emplace_back();
     }
-    answers_.clear();
+    m_answers.clear();
     lines.pop_back();
     return lines;
 }
 
 std::string CanRig::nextTold() {
     const std::string all = told.str();
-    const std::size_t end = std::min(all.find('\n', toldTo_), all.size());
-    const std::string next = all.substr(toldTo_, end - toldTo_);
-    toldTo_ = std::min(end + 1, all.size());
+    const std::size_t end = std::min(all.find('\n', m_toldTo), all.size());
+    const std::string next = all.substr(m_toldTo, end - m_toldTo);
+    m_toldTo = std::min(end + 1, all.size());
     return next;
 }
 
 std::string CanRig::compare(const std::string &wanted) {
-    const std::string sent = join(unread_);
-    unread_.clear();
+    const std::string sent = join(m_unread);
+    m_unread.clear();
     const std::vector<std::string> parts = split(wanted);
     return join({parts.begin(), parts.end()}) == sent ? "" : "the chip sent " + sent;
 }
@@ -118,7 +118,7 @@ std::string CanRig::act(const std::string &text) {
         for (const std::string &part : split(text.substr(2))) {
             say(part);
             for (const std::string &answer : heard())
-                unread_.push_back(answer);
+                m_unread.push_back(answer);
         }
     } else if (text.rfind("speed ", 0) == 0) {
         speed = static_cast<unsigned>(std::stoul(value));
@@ -139,7 +139,7 @@ std::string CanRig::step(const std::string &text) {
         const std::string next = nextTold();
         return next == text.substr(5) ? "" : "it told \"" + next + "\"";
     }
-    return unread_.empty() ? act(text) : "nobody has read " + join(unread_);
+    return m_unread.empty() ? act(text) : "nobody has read " + join(m_unread);
 }
 
 std::string CanRig::play(const std::string &conversation) {
@@ -155,8 +155,8 @@ std::string CanRig::play(const std::string &conversation) {
             return "line " + std::to_string(number) + " \"" + text.substr(first) + "\": " + wrong;
     }
     const std::string more = nextTold();
-    if (!unread_.empty() || !more.empty())
-        return "at the end " + (unread_.empty() ? "it told \"" + more + "\"" : "nobody has read " + join(unread_));
+    if (!m_unread.empty() || !more.empty())
+        return "at the end " + (m_unread.empty() ? "it told \"" + more + "\"" : "nobody has read " + join(m_unread));
     return "";
 }
 

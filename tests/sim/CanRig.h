@@ -49,8 +49,8 @@ private:
     std::string act(const std::string &text);
     std::string step(const std::string &text);
 
-    std::deque<std::string> unread_;
-    std::size_t toldTo_ = 0;
+    std::deque<std::string> m_unread;
+    std::size_t m_toldTo = 0;
 };
 
 // The same with a serial-line adapter in front. Behind H: and C: stand its lines: "t0310", "z"; an answer
@@ -66,7 +66,7 @@ protected:
     std::vector<std::string> heard() override;
 
 private:
-    std::string answers_;
+    std::string m_answers;
 };
 
 CanFrame parseFrame(const std::string &text);

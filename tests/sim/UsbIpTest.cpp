@@ -10,7 +10,7 @@ namespace {
 // A device that does as it is told, and writes down what it is asked.
 class Scripted : public UsbDevice {
 public:
-    const UsbDescriptors &descriptors() const override { return none_; }
+    const UsbDescriptors &descriptors() const override { return m_none; }
 
     UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds) override {
         asked.push_back("control " + std::to_string(setup.request) + " value " + std::to_string(setup.value) +
@@ -37,7 +37,7 @@ public:
     Nanoseconds goneAt = 1000 * second;
 
 private:
-    UsbDescriptors none_;
+    UsbDescriptors m_none;
 };
 
 class UsbIpTest : public ::testing::Test {

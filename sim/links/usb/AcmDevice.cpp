@@ -72,17 +72,17 @@ UsbDescriptors acmDescriptors() {
 } // namespace
 
 AcmDevice::AcmDevice(const Wiring &wiring, Bootloader &bootloader, Faults &faults, Log &log, bool pace, Nanoseconds now)
-    : log_(log), pace_(pace), descriptors_(acmDescriptors()), board_(wiring, bootloader, log, now),
-      protocol_(bootloader), line_(protocol_, faults), coding_{0x80, 0x25, 0, 0, 0, 0, 8} {} // 9600 8N1
+    : m_log(log), m_pace(pace), m_descriptors(acmDescriptors()), m_board(wiring, bootloader, log, now),
+      m_protocol(bootloader), m_line(m_protocol, faults), m_coding{0x80, 0x25, 0, 0, 0, 0, 8} {} // 9600 8N1
 
 UsbAnswer AcmDevice::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     if (setup.standard())
-        return standard_.answer(setup, now);
+        return m_standard.answer(setup, now);
     if (setup.type == toInterface && setup.request == setLineCodingRequest && out.size() == codingLength)
         return setLineCoding(out, now);
     if (setup.type == fromInterface && setup.request == getLineCoding) {
-        const auto end = coding_.begin() + std::min<std::ptrdiff_t>(setup.length, codingLength);
-        return UsbAnswer::done(now, Bytes(coding_.begin(), end));
+        const auto end = m_coding.begin() + std::min<std::ptrdiff_t>(setup.length, codingLength);
+        return UsbAnswer::done(now, Bytes(m_coding.begin(), end));
     }
     if (setup.type == toInterface && setup.request == setControlLineState)
         return setControlLines(setup.value, now);
@@ -90,38 +90,38 @@ UsbAnswer AcmDevice::control(const UsbSetup &setup, const Bytes &out, Nanosecond
 }
 
 UsbAnswer AcmDevice::setLineCoding(const Bytes &coding, Nanoseconds now) {
-    coding_ = coding;
+    m_coding = coding;
     constexpr char parities[] = "NOEMS";
     const char parity = coding[parityAt] < 5 ? parities[coding[parityAt]] : '?';
-    log_.note("line coding: " + std::to_string(rateOf(coding)) + " " + std::to_string(coding[bitsAt]) + parity);
+    m_log.note("line coding: " + std::to_string(rateOf(coding)) + " " + std::to_string(coding[bitsAt]) + parity);
     return UsbAnswer::done(now);
 }
 
 UsbAnswer AcmDevice::setControlLines(unsigned lines, Nanoseconds now) {
     constexpr unsigned dtr = 1;
     constexpr unsigned rts = 2;
-    board_.setLines((lines & dtr) != 0, (lines & rts) != 0, now);
-    if (board_.held())
-        line_.toHost().clear();
+    m_board.setLines((lines & dtr) != 0, (lines & rts) != 0, now);
+    if (m_board.held())
+        m_line.toHost().clear();
     return UsbAnswer::done(now);
 }
 
 UsbAnswer AcmDevice::out(std::uint8_t endpoint, const Bytes &bytes, Nanoseconds now) {
-    if (endpoint != data || !standard_.configured())
+    if (endpoint != data || !m_standard.configured())
         return UsbAnswer::stall(now);
-    if (!understood(coding_)) {
-        log_.refused(std::to_string(bytes.size()) + " bytes, not with 8 data bits and even parity");
+    if (!understood(m_coding)) {
+        m_log.refused(std::to_string(bytes.size()) + " bytes, not with 8 data bits and even parity");
         return UsbAnswer::done(now);
     }
     for (const std::uint8_t byte : bytes)
-        line_.fromHost(byte, now, pace_ ? rateOf(coding_) : 0);
+        m_line.fromHost(byte, now, m_pace ? rateOf(m_coding) : 0);
     return UsbAnswer::done(now);
 }
 
 UsbAnswer AcmDevice::in(std::uint8_t endpoint, std::size_t length, Nanoseconds now) {
-    if (!standard_.configured())
+    if (!m_standard.configured())
         return UsbAnswer::stall(now);
-    std::deque<TimedByte> &queue = line_.toHost();
+    std::deque<TimedByte> &queue = m_line.toHost();
     Bytes bytes;
     while (endpoint == data && bytes.size() < length && !queue.empty() && queue.front().at <= now) {
         bytes.push_back(queue.front().byte);
@@ -131,45 +131,45 @@ UsbAnswer AcmDevice::in(std::uint8_t endpoint, std::size_t length, Nanoseconds n
 }
 
 void AcmDevice::busReset(Nanoseconds) {
-    standard_.reset();
+    m_standard.reset();
 }
 
 // A fault unplugs behind the bytes that were under way.
 void AcmDevice::followHangup(Nanoseconds now) {
-    if (const std::optional<Nanoseconds> since = plug_.pluggedInAgain(now))
+    if (const std::optional<Nanoseconds> since = m_plug.pluggedInAgain(now))
         powerUp(*since);
-    if (!plug_.away() && line_.hangup() && line_.toHost().empty())
-        plug_.unplug(line_.hangup()->replugMs, now);
+    if (!m_plug.away() && m_line.hangup() && m_line.toHost().empty())
+        m_plug.unplug(m_line.hangup()->replugMs, now);
 }
 
 UsbPresence AcmDevice::presence(Nanoseconds now) {
     followHangup(now);
-    return plug_.presence();
+    return m_plug.presence();
 }
 
 std::optional<Nanoseconds> AcmDevice::nextEvent(Nanoseconds now) {
     followHangup(now);
-    if (plug_.away())
-        return plug_.back();
-    const std::deque<TimedByte> &queue = line_.toHost();
+    if (m_plug.away())
+        return m_plug.back();
+    const std::deque<TimedByte> &queue = m_line.toHost();
     return !queue.empty() && queue.front().at > now ? std::optional(queue.front().at) : std::nullopt;
 }
 
 void AcmDevice::pressReset(Nanoseconds now) {
-    line_.toHost().clear();
-    board_.button(now);
+    m_line.toHost().clear();
+    m_board.button(now);
 }
 
 void AcmDevice::losePower(Nanoseconds now) {
     powerUp(now);
-    plug_.flicker();
+    m_plug.flicker();
 }
 
 // The board and the adapter have their power from the port.
 void AcmDevice::powerUp(Nanoseconds now) {
-    standard_.reset();
-    line_.replug();
-    board_.losePower(now);
+    m_standard.reset();
+    m_line.replug();
+    m_board.losePower(now);
 }
 
 } // namespace sim

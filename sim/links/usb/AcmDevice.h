@@ -15,7 +15,7 @@ public:
     // host has set.
     AcmDevice(const Wiring &wiring, Bootloader &bootloader, Faults &faults, Log &log, bool pace, Nanoseconds now);
 
-    const UsbDescriptors &descriptors() const override { return descriptors_; }
+    const UsbDescriptors &descriptors() const override { return m_descriptors; }
     UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) override;
     UsbAnswer out(std::uint8_t endpoint, const Bytes &data, Nanoseconds now) override;
     UsbAnswer in(std::uint8_t endpoint, std::size_t length, Nanoseconds now) override;
@@ -31,15 +31,15 @@ private:
     void followHangup(Nanoseconds now);
     void powerUp(Nanoseconds now);
 
-    Log &log_;
-    const bool pace_;
-    const UsbDescriptors descriptors_;
-    StandardRequests standard_{descriptors_};
-    Board board_;
-    UsartProtocol protocol_;
-    UsartLine line_;
-    Bytes coding_;
-    UsbPlug plug_;
+    Log &m_log;
+    const bool m_pace;
+    const UsbDescriptors m_descriptors;
+    StandardRequests m_standard{m_descriptors};
+    Board m_board;
+    UsartProtocol m_protocol;
+    UsartLine m_line;
+    Bytes m_coding;
+    UsbPlug m_plug;
 };
 
 } // namespace sim

@@ -111,7 +111,7 @@ constexpr std::size_t addressLength = 4;
 } // namespace
 
 DfuCommands::DfuCommands(Chip &chip, Faults &faults, Log &log)
-    : bootloader_(chip, faults, log, &variants()), chip_(chip), log_(log), pointer_(wire::flashBase) {}
+    : m_bootloader(chip, faults, log, &variants()), m_chip(chip), m_log(log), m_pointer(wire::flashBase) {}
 
 const CommandTable &DfuCommands::variants() {
     static const CommandTable rows = {
@@ -121,43 +121,43 @@ const CommandTable &DfuCommands::variants() {
 }
 
 void DfuCommands::forget() {
-    pointer_ = wire::flashBase;
-    reply_.reset();
+    m_pointer = wire::flashBase;
+    m_reply.reset();
 }
 
 Bytes DfuCommands::list() const {
     Bytes codes(std::begin(ownForm), std::end(ownForm));
-    for (const std::uint8_t opcode : opcodesOf(chip_.facts()))
+    for (const std::uint8_t opcode : opcodesOf(m_chip.facts()))
         if (!isData(opcode) && std::find(codes.begin(), codes.end(), opcode) == codes.end())
             codes.push_back(opcode);
     return codes;
 }
 
 std::optional<Bytes> DfuCommands::takeReply() {
-    return std::exchange(reply_, std::nullopt);
+    return std::exchange(m_reply, std::nullopt);
 }
 
 DfuCommands::Result DfuCommands::download(std::uint16_t block, const Bytes &data, Nanoseconds now) {
-    reply_.reset();
+    m_reply.reset();
     if (block == wire::dfuCommandBlock)
         return command(data[0], Bytes(data.begin() + 1, data.end()), now);
     Bytes group = addressOf(block);
     group.insert(group.end(), data.begin(), data.end());
-    bootloader_.whole(writeRow, group, now);
-    return conclude(bootloader_.outcome().notErased ? DfuStatus::errCheckErased : DfuStatus::errWrite);
+    m_bootloader.whole(writeRow, group, now);
+    return conclude(m_bootloader.outcome().notErased ? DfuStatus::errCheckErased : DfuStatus::errWrite);
 }
 
 DfuCommands::Result DfuCommands::upload(std::uint16_t block, std::size_t length, Nanoseconds now, Bytes &data) {
     Bytes group = addressOf(block);
     append16(group, static_cast<std::uint16_t>(length));
-    bootloader_.whole(readRow, group, now);
+    m_bootloader.whole(readRow, group, now);
     const Result result = conclude(DfuStatus::errAddress);
     data = takeReply().value_or(Bytes());
     return result;
 }
 
 DfuCommands::Result DfuCommands::leave(Nanoseconds now) {
-    bootloader_.whole(goRow, addressOf(wire::dfuFirstDataBlock), now);
+    m_bootloader.whole(goRow, addressOf(wire::dfuFirstDataBlock), now);
     return conclude(DfuStatus::errAddress);
 }
 
@@ -165,51 +165,51 @@ DfuCommands::Result DfuCommands::command(std::uint8_t code, const Bytes &rest, N
     if (code == wire::dfuSetPointer)
         return setPointer(rest, now);
     if (code == wire::dfuErase) {
-        bootloader_.whole(eraseRow, rest.size() == addressLength ? Bytes(rest.rbegin(), rest.rend()) : rest, now);
+        m_bootloader.whole(eraseRow, rest.size() == addressLength ? Bytes(rest.rbegin(), rest.rend()) : rest, now);
         return conclude(DfuStatus::errErase);
     }
     if (isData(code)) {
-        log_.refused("block 0: memory is written and read by blocks from 2 up");
+        m_log.refused("block 0: memory is written and read by blocks from 2 up");
         return {DfuStatus::errVendor, Next::end, now};
     }
-    bootloader_.whole(code, rest, now);
+    m_bootloader.whole(code, rest, now);
     return conclude(DfuStatus::errTarget);
 }
 
 DfuCommands::Result DfuCommands::setPointer(const Bytes &rest, Nanoseconds now) {
     if (rest.size() != addressLength) {
-        log_.refused("SET_POINTER: longer or shorter than this command");
+        m_log.refused("SET_POINTER: longer or shorter than this command");
         return {DfuStatus::errTarget, Next::end, now};
     }
-    pointer_ = lowestFirst(rest);
-    log_.note("command: SET_POINTER");
+    m_pointer = lowestFirst(rest);
+    m_log.note("command: SET_POINTER");
     return {DfuStatus::ok, Next::end, now};
 }
 
 // A NACK behind the opcode and one behind a group are told apart, and so is what the memory itself refused.
 DfuCommands::Result DfuCommands::conclude(DfuStatus refusal) {
-    const std::vector<Output> outputs = bootloader_.takeOutput();
+    const std::vector<Output> outputs = m_bootloader.takeOutput();
     bool refused = false;
     for (const Output &output : outputs) {
         if (output.reply) {
-            reply_ = reply_.value_or(Bytes());
-            reply_->insert(reply_->end(), output.bytes.begin(), output.bytes.end());
+            m_reply = m_reply.value_or(Bytes());
+            m_reply->insert(m_reply->end(), output.bytes.begin(), output.bytes.end());
         } else {
             refused = output.bytes[0] == wire::nack;
         }
     }
     DfuStatus status = DfuStatus::ok;
     if (refused) {
-        const bool byWork = bootloader_.outcome().kind == Outcome::Kind::refused;
+        const bool byWork = m_bootloader.outcome().kind == Outcome::Kind::refused;
         status = outputs.size() == 1 ? DfuStatus::errVendor : byWork ? refusal : DfuStatus::errTarget;
-        reply_.reset();
+        m_reply.reset();
     }
-    return {status, bootloader_.ended(), bootloader_.busyUntil()};
+    return {status, m_bootloader.ended(), m_bootloader.busyUntil()};
 }
 
 Bytes DfuCommands::addressOf(std::uint16_t block) const {
     const std::uint64_t address =
-        std::uint64_t{pointer_} + std::uint64_t{block - wire::dfuFirstDataBlock} * dfuTransferSize;
+        std::uint64_t{m_pointer} + std::uint64_t{block - wire::dfuFirstDataBlock} * dfuTransferSize;
     Bytes bytes;
     // Beyond the last address there is no memory, and none at it.
     append32(bytes,

@@ -44,8 +44,8 @@ public:
     // The pointer is at the start of flash, and there is no reply.
     void forget();
 
-    Bootloader &bootloader() { return bootloader_; }
-    const Bootloader &bootloader() const { return bootloader_; }
+    Bootloader &bootloader() { return m_bootloader; }
+    const Bootloader &bootloader() const { return m_bootloader; }
 
 private:
     static const CommandTable &variants();
@@ -55,11 +55,11 @@ private:
     Result conclude(DfuStatus refusal);
     Bytes addressOf(std::uint16_t block) const;
 
-    Bootloader bootloader_;
-    Chip &chip_;
-    Log &log_;
-    std::uint32_t pointer_;
-    std::optional<Bytes> reply_;
+    Bootloader m_bootloader;
+    Chip &m_chip;
+    Log &m_log;
+    std::uint32_t m_pointer;
+    std::optional<Bytes> m_reply;
 };
 
 } // namespace sim

@@ -95,14 +95,14 @@ const char *DfuDevice::nameOf(State state) {
 }
 
 DfuDevice::DfuDevice(Chip &chip, Faults &faults, Log &log)
-    : commands_(chip, faults, log), log_(log), descriptors_(dfuDescriptors(chip)) {}
+    : m_commands(chip, faults, log), m_log(log), m_descriptors(dfuDescriptors(chip)) {}
 
 // ---- requests
 
 const DfuDevice::Request *DfuDevice::requestOf(const UsbSetup &setup) const {
     const bool known = (setup.type == toInterface || setup.type == fromInterface) && setup.request < requests().size();
     const Request *request = known ? &requests()[setup.request] : nullptr;
-    const bool wellFormed = request != nullptr && standard_.configured() && setup.type == request->type &&
+    const bool wellFormed = request != nullptr && m_standard.configured() && setup.type == request->type &&
                             setup.index == 0 && (request->hasValue || setup.value == 0) &&
                             setup.length >= request->shortest && setup.length <= request->longest;
     return wellFormed ? request : nullptr;
@@ -110,34 +110,34 @@ const DfuDevice::Request *DfuDevice::requestOf(const UsbSetup &setup) const {
 
 UsbAnswer DfuDevice::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     advance(now);
-    if (awayAt_ && (said_ || now >= *awayAt_))
+    if (m_awayAt && (m_said || now >= *m_awayAt))
         return UsbAnswer::silent();
-    if (commands_.bootloader().silent())
+    if (m_commands.bootloader().silent())
         return UsbAnswer::silent();
     if (setup.standard())
-        return standard_.answer(setup, now);
+        return m_standard.answer(setup, now);
     const Request *request = requestOf(setup);
     if (request == nullptr || (!setup.towardsHost() && out.size() != setup.length))
         return misfit("a request of a wrong form", now);
     for (const Transition &row : transitions()) {
-        if (row.state == state_ && row.request == request->number) {
+        if (row.state == m_state && row.request == request->number) {
             const UsbAnswer answer = (this->*row.act)(setup, out, now);
-            return commands_.bootloader().silent() ? UsbAnswer::silent() : answer;
+            return m_commands.bootloader().silent() ? UsbAnswer::silent() : answer;
         }
     }
     return misfit(request->name, now);
 }
 
 UsbAnswer DfuDevice::misfit(const std::string &what, Nanoseconds now) {
-    log_.refused(what + ": does not fit " + nameOf(state_));
-    pending_.reset();
-    status_ = DfuStatus::errStalledPkt;
-    state_ = State::error;
+    m_log.refused(what + ": does not fit " + nameOf(m_state));
+    m_pending.reset();
+    m_status = DfuStatus::errStalledPkt;
+    m_state = State::error;
     return UsbAnswer::stall(now);
 }
 
 UsbAnswer DfuDevice::follow(State next, Nanoseconds now) {
-    state_ = next;
+    m_state = next;
     return UsbAnswer::done(now);
 }
 
@@ -146,41 +146,41 @@ UsbAnswer DfuDevice::download(const UsbSetup &setup, const Bytes &out, Nanosecon
         return follow(State::manifestSync, now);
     if (setup.value == wire::dfuReplyBlock)
         return misfit("DNLOAD of block 1", now);
-    pending_ = Block{setup.value, out};
+    m_pending = Block{setup.value, out};
     return follow(State::downloadSync, now);
 }
 
 UsbAnswer DfuDevice::upload(const UsbSetup &setup, const Bytes &, Nanoseconds now) {
     if (setup.value == wire::dfuCommandBlock)
-        return handOver(setup, commands_.list(), now);
+        return handOver(setup, m_commands.list(), now);
     if (setup.value != wire::dfuReplyBlock)
         return uploadMemory(setup, now);
-    const std::optional<Bytes> reply = state_ == State::idle ? commands_.takeReply() : std::nullopt;
+    const std::optional<Bytes> reply = m_state == State::idle ? m_commands.takeReply() : std::nullopt;
     return reply ? handOver(setup, *reply, now) : misfit("UPLOAD of block 1, without a reply,", now);
 }
 
 UsbAnswer DfuDevice::uploadMemory(const UsbSetup &setup, Nanoseconds now) {
     Bytes data;
-    const DfuCommands::Result result = commands_.upload(setup.value, setup.length, now, data);
+    const DfuCommands::Result result = m_commands.upload(setup.value, setup.length, now, data);
     if (result.status == DfuStatus::ok)
         return handOver(setup, data, now);
-    status_ = result.status;
-    state_ = State::error;
+    m_status = result.status;
+    m_state = State::error;
     return UsbAnswer::stall(now);
 }
 
 // A block that is shorter than what was asked for is the last one.
 UsbAnswer DfuDevice::handOver(const UsbSetup &setup, const Bytes &data, Nanoseconds now) {
     const std::size_t length = std::min<std::size_t>(data.size(), setup.length);
-    state_ = length < setup.length ? State::idle : State::uploadIdle;
+    m_state = length < setup.length ? State::idle : State::uploadIdle;
     return UsbAnswer::done(now, Bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(length)));
 }
 
 UsbAnswer DfuDevice::statusAnswer(Nanoseconds now) const {
-    const auto poll = static_cast<std::uint32_t>(state_ == State::downloadBusy ? pollTime(busyUntil_ - now) : 0);
-    return UsbAnswer::done(now, {static_cast<std::uint8_t>(status_), static_cast<std::uint8_t>(poll),
+    const auto poll = static_cast<std::uint32_t>(m_state == State::downloadBusy ? pollTime(m_busyUntil - now) : 0);
+    return UsbAnswer::done(now, {static_cast<std::uint8_t>(m_status), static_cast<std::uint8_t>(poll),
                                  static_cast<std::uint8_t>(poll >> 8), static_cast<std::uint8_t>(poll >> 16),
-                                 static_cast<std::uint8_t>(state_), 0});
+                                 static_cast<std::uint8_t>(m_state), 0});
 }
 
 UsbAnswer DfuDevice::getStatus(const UsbSetup &, const Bytes &, Nanoseconds now) {
@@ -188,29 +188,29 @@ UsbAnswer DfuDevice::getStatus(const UsbSetup &, const Bytes &, Nanoseconds now)
 }
 
 UsbAnswer DfuDevice::getState(const UsbSetup &, const Bytes &, Nanoseconds now) {
-    return UsbAnswer::done(now, {static_cast<std::uint8_t>(state_)});
+    return UsbAnswer::done(now, {static_cast<std::uint8_t>(m_state)});
 }
 
 UsbAnswer DfuDevice::toIdle(const UsbSetup &, const Bytes &, Nanoseconds now) {
-    status_ = DfuStatus::ok;
+    m_status = DfuStatus::ok;
     return follow(State::idle, now);
 }
 
 UsbAnswer DfuDevice::carryOut(const UsbSetup &, const Bytes &, Nanoseconds now) {
-    if (!pending_)
+    if (!m_pending)
         return workDone(now);
-    const Block block = *std::exchange(pending_, std::nullopt);
-    const DfuCommands::Result result = commands_.download(block.number, block.data, now);
-    status_ = result.status;
-    busyUntil_ = result.at;
-    ended_ = result.ended;
-    state_ = State::downloadBusy;
-    if (ended_ == Next::powerLost) {
-        goAway(busyUntil_, busyUntil_ + Bootloader::startTime);
-        if (busyUntil_ <= now)
+    const Block block = *std::exchange(m_pending, std::nullopt);
+    const DfuCommands::Result result = m_commands.download(block.number, block.data, now);
+    m_status = result.status;
+    m_busyUntil = result.at;
+    m_ended = result.ended;
+    m_state = State::downloadBusy;
+    if (m_ended == Next::powerLost) {
+        goAway(m_busyUntil, m_busyUntil + Bootloader::startTime);
+        if (m_busyUntil <= now)
             return UsbAnswer::silent();
-    } else if (ended_ == Next::reset) {
-        const Nanoseconds at = now + pollTime(busyUntil_ - now) * millisecond + withoutAnswer;
+    } else if (m_ended == Next::reset) {
+        const Nanoseconds at = now + pollTime(m_busyUntil - now) * millisecond + withoutAnswer;
         goAway(at, at + Bootloader::startTime);
     }
     // Whether it went well is told when it is done.
@@ -220,25 +220,25 @@ UsbAnswer DfuDevice::carryOut(const UsbSetup &, const Bytes &, Nanoseconds now) 
 }
 
 UsbAnswer DfuDevice::workDone(Nanoseconds now) {
-    state_ = status_ == DfuStatus::ok ? State::downloadIdle : State::error;
-    if (ended_ == Next::reset)
+    m_state = m_status == DfuStatus::ok ? State::downloadIdle : State::error;
+    if (m_ended == Next::reset)
         goAwayBehindAnswer(now);
     return statusAnswer(now);
 }
 
 UsbAnswer DfuDevice::stillBusy(const UsbSetup &, const Bytes &, Nanoseconds now) {
-    log_.refused("GETSTATUS: " + std::to_string(pollTime(busyUntil_ - now)) + " ms of the poll time are left");
+    m_log.refused("GETSTATUS: " + std::to_string(pollTime(m_busyUntil - now)) + " ms of the poll time are left");
     UsbAnswer answer = statusAnswer(now);
     answer.data[0] = static_cast<std::uint8_t>(DfuStatus::ok);
     return answer;
 }
 
 UsbAnswer DfuDevice::leave(const UsbSetup &, const Bytes &, Nanoseconds now) {
-    const DfuCommands::Result result = commands_.leave(now);
-    status_ = result.status;
-    ended_ = result.ended;
-    state_ = status_ == DfuStatus::ok ? State::manifest : State::error;
-    if (status_ == DfuStatus::ok)
+    const DfuCommands::Result result = m_commands.leave(now);
+    m_status = result.status;
+    m_ended = result.ended;
+    m_state = m_status == DfuStatus::ok ? State::manifest : State::error;
+    if (m_status == DfuStatus::ok)
         goAwayBehindAnswer(now);
     return statusAnswer(now);
 }
@@ -246,67 +246,67 @@ UsbAnswer DfuDevice::leave(const UsbSetup &, const Bytes &, Nanoseconds now) {
 // ---- coming and going
 
 void DfuDevice::beFresh() {
-    standard_.reset();
-    commands_.forget();
-    state_ = State::idle;
-    status_ = DfuStatus::ok;
-    pending_.reset();
-    ended_ = Next::end;
-    said_ = false;
+    m_standard.reset();
+    m_commands.forget();
+    m_state = State::idle;
+    m_status = DfuStatus::ok;
+    m_pending.reset();
+    m_ended = Next::end;
+    m_said = false;
 }
 
 void DfuDevice::advance(Nanoseconds now) {
-    if (backAt_ && now >= *backAt_) {
-        awayAt_.reset();
-        backAt_.reset();
-        ++attachments_;
+    if (m_backAt && now >= *m_backAt) {
+        m_awayAt.reset();
+        m_backAt.reset();
+        ++m_attachments;
         beFresh();
     }
-    if (state_ == State::downloadBusy && now >= busyUntil_)
-        state_ = State::downloadSync;
+    if (m_state == State::downloadBusy && now >= m_busyUntil)
+        m_state = State::downloadSync;
 }
 
 void DfuDevice::goAway(Nanoseconds at, std::optional<Nanoseconds> back) {
-    awayAt_ = awayAt_ ? std::min(*awayAt_, at) : at;
-    backAt_ = back;
+    m_awayAt = m_awayAt ? std::min(*m_awayAt, at) : at;
+    m_backAt = back;
 }
 
 void DfuDevice::goAwayBehindAnswer(Nanoseconds at) {
-    said_ = true;
-    awayAt_ = at + behindAnswer;
-    backAt_ = ended_ == Next::leave ? std::nullopt : std::optional(*awayAt_ + Bootloader::startTime);
+    m_said = true;
+    m_awayAt = at + behindAnswer;
+    m_backAt = m_ended == Next::leave ? std::nullopt : std::optional(*m_awayAt + Bootloader::startTime);
 }
 
 void DfuDevice::delivered(Nanoseconds at) {
-    if (said_)
+    if (m_said)
         goAwayBehindAnswer(at);
 }
 
 void DfuDevice::busReset(Nanoseconds now) {
     advance(now);
-    if (!awayAt_)
+    if (!m_awayAt)
         beFresh();
 }
 
 UsbPresence DfuDevice::presence(Nanoseconds now) {
     advance(now);
-    return {!awayAt_ || now < *awayAt_, attachments_, false};
+    return {!m_awayAt || now < *m_awayAt, m_attachments, false};
 }
 
 std::optional<Nanoseconds> DfuDevice::nextEvent(Nanoseconds now) {
     advance(now);
-    return awayAt_ && now < *awayAt_ ? awayAt_ : backAt_;
+    return m_awayAt && now < *m_awayAt ? m_awayAt : m_backAt;
 }
 
 void DfuDevice::pressReset(Nanoseconds now) {
     advance(now);
-    commands_.bootloader().reset(now);
+    m_commands.bootloader().reset(now);
     goAway(now, now + Bootloader::startTime);
 }
 
 void DfuDevice::losePower(Nanoseconds now) {
     advance(now);
-    commands_.bootloader().losePower(now);
+    m_commands.bootloader().losePower(now);
     goAway(now, now + Bootloader::startTime);
 }
 

@@ -11,7 +11,7 @@ class DfuDevice : public UsbDevice {
 public:
     DfuDevice(Chip &chip, Faults &faults, Log &log);
 
-    const UsbDescriptors &descriptors() const override { return descriptors_; }
+    const UsbDescriptors &descriptors() const override { return m_descriptors; }
     UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) override;
     void delivered(Nanoseconds at) override;
     void busReset(Nanoseconds now) override;
@@ -59,25 +59,25 @@ private:
     void goAway(Nanoseconds at, std::optional<Nanoseconds> back);
     void goAwayBehindAnswer(Nanoseconds at);
 
-    DfuCommands commands_;
-    Log &log_;
-    UsbDescriptors descriptors_;
-    StandardRequests standard_{descriptors_};
+    DfuCommands m_commands;
+    Log &m_log;
+    UsbDescriptors m_descriptors;
+    StandardRequests m_standard{m_descriptors};
 
-    State state_ = State::idle;
-    DfuStatus status_ = DfuStatus::ok;
+    State m_state = State::idle;
+    DfuStatus m_status = DfuStatus::ok;
     struct Block {
         std::uint16_t number;
         Bytes data;
     };
-    std::optional<Block> pending_; // to be carried out at the next GETSTATUS
-    Nanoseconds busyUntil_ = 0;
-    Next ended_ = Next::end; // what comes behind the answer that the work is done
-    bool said_ = false;      // that answer has been given
+    std::optional<Block> m_pending; // to be carried out at the next GETSTATUS
+    Nanoseconds m_busyUntil = 0;
+    Next m_ended = Next::end; // what comes behind the answer that the work is done
+    bool m_said = false;      // that answer has been given
 
-    unsigned attachments_ = 1;
-    std::optional<Nanoseconds> awayAt_;
-    std::optional<Nanoseconds> backAt_;
+    unsigned m_attachments = 1;
+    std::optional<Nanoseconds> m_awayAt;
+    std::optional<Nanoseconds> m_backAt;
 };
 
 } // namespace sim

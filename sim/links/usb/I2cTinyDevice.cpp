@@ -41,8 +41,8 @@ UsbDescriptors adapterDescriptors() {
 } // namespace
 
 I2cTinyDevice::I2cTinyDevice(Bootloader &bootloader, Faults &faults, bool pace)
-    : descriptors_(adapterDescriptors()), chip_(bootloader, faults), pace_(pace), bitTime_(usualBitTime),
-      status_(idle) {}
+    : m_descriptors(adapterDescriptors()), m_chip(bootloader, faults), m_pace(pace), m_bitTime(usualBitTime),
+      m_status(idle) {}
 
 struct I2cTinyDevice::Request {
     std::uint8_t type;
@@ -70,7 +70,7 @@ const std::vector<I2cTinyDevice::Request> &I2cTinyDevice::requests() {
 
 UsbAnswer I2cTinyDevice::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     if (setup.standard())
-        return standard_.answer(setup, now);
+        return m_standard.answer(setup, now);
     for (const Request &row : requests()) {
         if (row.type == setup.type && row.command == setup.request) {
             UsbAnswer answer = (this->*row.answer)(setup, out, now);
@@ -93,18 +93,18 @@ UsbAnswer I2cTinyDevice::functions(const UsbSetup &, const Bytes &, Nanoseconds 
 }
 
 UsbAnswer I2cTinyDevice::setDelay(const UsbSetup &setup, const Bytes &, Nanoseconds now) {
-    bitTime_ = 2 * microsecond * setup.value;
+    m_bitTime = 2 * microsecond * setup.value;
     return UsbAnswer::done(now);
 }
 
 UsbAnswer I2cTinyDevice::status(const UsbSetup &, const Bytes &, Nanoseconds now) {
-    return UsbAnswer::done(now, {status_});
+    return UsbAnswer::done(now, {m_status});
 }
 
 // The address and its bytes, nine bits each.
 Nanoseconds I2cTinyDevice::busTime(std::size_t bytes) const {
     constexpr Nanoseconds bitsOfByte = 9;
-    return pace_ ? bitTime_ * bitsOfByte * static_cast<Nanoseconds>(1 + bytes) : 0;
+    return m_pace ? m_bitTime * bitsOfByte * static_cast<Nanoseconds>(1 + bytes) : 0;
 }
 
 // What nobody acknowledges is a success to the adapter, which tells it in its status.
@@ -112,63 +112,63 @@ UsbAnswer I2cTinyDevice::message(const UsbSetup &setup, const Bytes &out, Nanose
     const bool read = (setup.value & readFlag) != 0;
     if (read != setup.towardsHost() && setup.length != 0)
         return UsbAnswer::stall(now);
-    if (setup.index != wire::i2cAddress || !chip_.acknowledges(read, now)) {
-        status_ = notAcknowledged;
+    if (setup.index != wire::i2cAddress || !m_chip.acknowledges(read, now)) {
+        m_status = notAcknowledged;
         return UsbAnswer::done(now + busTime(0), Bytes(read ? setup.length : 0, released));
     }
-    status_ = acknowledged;
+    m_status = acknowledged;
     return transfer(read, setup, out, now);
 }
 
 UsbAnswer I2cTinyDevice::transfer(bool read, const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     UsbAnswer answer = UsbAnswer::done(now + busTime(setup.length));
     if (read) {
-        I2cProtocol::Read fetched = chip_.read(setup.length, now + busTime(0));
+        I2cProtocol::Read fetched = m_chip.read(setup.length, now + busTime(0));
         answer.at += std::max<Nanoseconds>(fetched.at - now - busTime(0), 0);
         answer.data = std::move(fetched.bytes);
     } else {
-        chip_.write(out, answer.at);
+        m_chip.write(out, answer.at);
     }
-    if (chip_.hangup()) {
-        plug_.unplug(chip_.hangup()->replugMs, now);
+    if (m_chip.hangup()) {
+        m_plug.unplug(m_chip.hangup()->replugMs, now);
         return UsbAnswer::silent();
     }
     return answer;
 }
 
 void I2cTinyDevice::busReset(Nanoseconds) {
-    standard_.reset();
+    m_standard.reset();
 }
 
 void I2cTinyDevice::followPlug(Nanoseconds now) {
-    if (const std::optional<Nanoseconds> since = plug_.pluggedInAgain(now))
+    if (const std::optional<Nanoseconds> since = m_plug.pluggedInAgain(now))
         powerUp(*since);
 }
 
 UsbPresence I2cTinyDevice::presence(Nanoseconds now) {
     followPlug(now);
-    return plug_.presence();
+    return m_plug.presence();
 }
 
 std::optional<Nanoseconds> I2cTinyDevice::nextEvent(Nanoseconds now) {
     followPlug(now);
-    return plug_.back();
+    return m_plug.back();
 }
 
 void I2cTinyDevice::pressReset(Nanoseconds now) {
-    chip_.reset(now);
+    m_chip.reset(now);
 }
 
 void I2cTinyDevice::losePower(Nanoseconds now) {
     powerUp(now);
-    plug_.flicker();
+    m_plug.flicker();
 }
 
 // The board and the adapter have their power from the port.
 void I2cTinyDevice::powerUp(Nanoseconds now) {
-    standard_.reset();
-    status_ = idle;
-    chip_.losePower(now);
+    m_standard.reset();
+    m_status = idle;
+    m_chip.losePower(now);
 }
 
 } // namespace sim

@@ -14,7 +14,7 @@ public:
     // `pace`: messages take the time that they need at the rate that the host has set.
     I2cTinyDevice(Bootloader &bootloader, Faults &faults, bool pace);
 
-    const UsbDescriptors &descriptors() const override { return descriptors_; }
+    const UsbDescriptors &descriptors() const override { return m_descriptors; }
     UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) override;
     void busReset(Nanoseconds now) override;
     UsbPresence presence(Nanoseconds now) override;
@@ -36,13 +36,13 @@ private:
     void followPlug(Nanoseconds now);
     void powerUp(Nanoseconds now);
 
-    const UsbDescriptors descriptors_;
-    StandardRequests standard_{descriptors_};
-    I2cProtocol chip_;
-    const bool pace_;
-    Nanoseconds bitTime_;
-    std::uint8_t status_;
-    UsbPlug plug_;
+    const UsbDescriptors m_descriptors;
+    StandardRequests m_standard{m_descriptors};
+    I2cProtocol m_chip;
+    const bool m_pace;
+    Nanoseconds m_bitTime;
+    std::uint8_t m_status;
+    UsbPlug m_plug;
 };
 
 } // namespace sim

@@ -80,40 +80,40 @@ UsbAnswer StandardRequests::answer(const UsbSetup &setup, Nanoseconds now) {
 }
 
 void StandardRequests::reset() {
-    configuration_ = 0;
-    halted_.clear();
+    m_configuration = 0;
+    m_halted.clear();
 }
 
 bool StandardRequests::hasInterface(std::uint16_t number) const {
-    return hasPart(descriptors_.configuration, interface, number);
+    return hasPart(m_descriptors.configuration, interface, number);
 }
 
 bool StandardRequests::hasEndpoint(std::uint16_t address) const {
-    return hasPart(descriptors_.configuration, endpoint, address);
+    return hasPart(m_descriptors.configuration, endpoint, address);
 }
 
 std::optional<Bytes> StandardRequests::getDescriptor(const UsbSetup &setup) {
     const auto type = static_cast<std::uint8_t>(setup.value >> 8);
     const auto number = static_cast<std::uint8_t>(setup.value);
     if (type == device && number == 0)
-        return descriptors_.device;
+        return m_descriptors.device;
     if (type == configuration && number == 0)
-        return descriptors_.configuration;
-    if (type == string && number <= descriptors_.strings.size())
-        return number == 0 ? languages() : stringDescriptor(descriptors_.strings[number - 1U]);
+        return m_descriptors.configuration;
+    if (type == string && number <= m_descriptors.strings.size())
+        return number == 0 ? languages() : stringDescriptor(m_descriptors.strings[number - 1U]);
     return std::nullopt;
 }
 
 std::optional<Bytes> StandardRequests::getConfiguration(const UsbSetup &) {
-    return Bytes{configuration_};
+    return Bytes{m_configuration};
 }
 
 std::optional<Bytes> StandardRequests::setConfiguration(const UsbSetup &setup) {
     constexpr std::size_t valueOffset = 5; // bConfigurationValue
-    if (setup.value != 0 && setup.value != descriptors_.configuration[valueOffset])
+    if (setup.value != 0 && setup.value != m_descriptors.configuration[valueOffset])
         return std::nullopt;
     reset();
-    configuration_ = static_cast<std::uint8_t>(setup.value);
+    m_configuration = static_cast<std::uint8_t>(setup.value);
     return Bytes{};
 }
 
@@ -144,13 +144,13 @@ std::optional<Bytes> StandardRequests::setAddress(const UsbSetup &) {
 std::optional<Bytes> StandardRequests::setHalt(const UsbSetup &setup) {
     if (setup.value != endpointHalt || !hasEndpoint(setup.index))
         return std::nullopt;
-    halted_.insert(static_cast<std::uint8_t>(setup.index));
+    m_halted.insert(static_cast<std::uint8_t>(setup.index));
     return Bytes{};
 }
 
 std::optional<Bytes> StandardRequests::clearHalt(const UsbSetup &setup) {
     const bool known = setup.value == endpointHalt && (setup.index == 0 || hasEndpoint(setup.index));
-    halted_.erase(static_cast<std::uint8_t>(setup.index));
+    m_halted.erase(static_cast<std::uint8_t>(setup.index));
     return known ? std::optional<Bytes>(Bytes{}) : std::nullopt;
 }
 

@@ -10,7 +10,7 @@ namespace sim {
 // interfaces have no alternate settings. What a device does not know is stalled.
 class StandardRequests {
 public:
-    explicit StandardRequests(const UsbDescriptors &descriptors) : descriptors_(descriptors) {}
+    explicit StandardRequests(const UsbDescriptors &descriptors) : m_descriptors(descriptors) {}
 
     // A request with UsbSetup::standard().
     UsbAnswer answer(const UsbSetup &setup, Nanoseconds now);
@@ -19,10 +19,10 @@ public:
     void reset();
 
     // Whether the host has chosen the configuration.
-    bool configured() const { return configuration_ != 0; }
+    bool configured() const { return m_configuration != 0; }
 
     // Whether the host has halted an endpoint; its address with the direction bit.
-    bool halted(std::uint8_t endpoint) const { return halted_.count(endpoint) != 0; }
+    bool halted(std::uint8_t endpoint) const { return m_halted.count(endpoint) != 0; }
 
 private:
     struct Row;
@@ -40,9 +40,9 @@ private:
     bool hasInterface(std::uint16_t number) const;
     bool hasEndpoint(std::uint16_t address) const;
 
-    const UsbDescriptors &descriptors_;
-    std::uint8_t configuration_ = 0;
-    std::set<std::uint8_t> halted_;
+    const UsbDescriptors &m_descriptors;
+    std::uint8_t m_configuration = 0;
+    std::set<std::uint8_t> m_halted;
 };
 
 } // namespace sim

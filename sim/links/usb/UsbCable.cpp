@@ -16,12 +16,12 @@ constexpr Nanoseconds stagesTime = packetTime / 2;
 
 Nanoseconds UsbCable::busTime(std::size_t length) const {
     const auto packets = static_cast<Nanoseconds>((length + packetLength - 1) / packetLength);
-    return pace_ ? stagesTime + packets * packetTime : 0;
+    return m_pace ? stagesTime + packets * packetTime : 0;
 }
 
 // All bytes of a data stage; a stage without data counts as one byte. `data` becomes what arrives.
 Passage UsbCable::carry(Direction direction, Bytes &data) {
-    Passage passage = pass(data.empty() ? Bytes{0} : data, direction, faults_);
+    Passage passage = pass(data.empty() ? Bytes{0} : data, direction, m_faults);
     if (data.empty()) {
         passage.lost |= passage.damaged;
         return passage;
@@ -34,17 +34,17 @@ Passage UsbCable::carry(Direction direction, Bytes &data) {
 }
 
 void UsbCable::unplug(const Hangup &hangup, Nanoseconds now) {
-    unplugged_ = true;
-    replugAt_ = hangup.replugMs ? std::optional(now + *hangup.replugMs * millisecond) : std::nullopt;
+    m_unplugged = true;
+    m_replugAt = hangup.replugMs ? std::optional(now + *hangup.replugMs * millisecond) : std::nullopt;
 }
 
 UsbAnswer UsbCable::control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) {
     advance(now);
-    if (unplugged_)
+    if (m_unplugged)
         return UsbAnswer::silent();
-    const Nanoseconds start = std::max(now, free_);
+    const Nanoseconds start = std::max(now, m_free);
     if (setup.standard())
-        return device_.control(setup, out, start);
+        return m_device.control(setup, out, start);
     Bytes data = out;
     const Passage passage = setup.towardsHost() ? Passage{} : carry(Direction::rx, data);
     if (passage.hangup)
@@ -53,10 +53,10 @@ UsbAnswer UsbCable::control(const UsbSetup &setup, const Bytes &out, Nanoseconds
         return UsbAnswer::silent();
     const Nanoseconds way = setup.towardsHost() ? 0 : busTime(data.size());
     const Nanoseconds arrival = start + passage.late + way;
-    UsbAnswer answer = device_.control(setup, data, arrival);
+    UsbAnswer answer = m_device.control(setup, data, arrival);
     if (passage.doubled && out.empty())
-        answer = device_.control(setup, data, arrival);
-    free_ = arrival;
+        answer = m_device.control(setup, data, arrival);
+    m_free = arrival;
     return deliver(setup, answer, arrival);
 }
 
@@ -72,54 +72,54 @@ UsbAnswer UsbCable::deliver(const UsbSetup &setup, UsbAnswer answer, Nanoseconds
         answer.at += passage.late;
     }
     answer.at += busTime(answer.data.size());
-    free_ = answer.at;
-    device_.delivered(answer.at);
+    m_free = answer.at;
+    m_device.delivered(answer.at);
     return answer;
 }
 
 UsbAnswer UsbCable::out(std::uint8_t endpoint, const Bytes &data, Nanoseconds now) {
     advance(now);
-    return unplugged_ ? UsbAnswer::silent() : device_.out(endpoint, data, now);
+    return m_unplugged ? UsbAnswer::silent() : m_device.out(endpoint, data, now);
 }
 
 UsbAnswer UsbCable::in(std::uint8_t endpoint, std::size_t length, Nanoseconds now) {
     advance(now);
-    return unplugged_ ? UsbAnswer::silent() : device_.in(endpoint, length, now);
+    return m_unplugged ? UsbAnswer::silent() : m_device.in(endpoint, length, now);
 }
 
 // ---- coming and going
 
 void UsbCable::advance(Nanoseconds now) {
-    if (replugAt_ && now >= *replugAt_) {
-        unplugged_ = false;
-        free_ = *replugAt_;
-        device_.losePower(*replugAt_); // the board has its power from the port
-        replugAt_.reset();
+    if (m_replugAt && now >= *m_replugAt) {
+        m_unplugged = false;
+        m_free = *m_replugAt;
+        m_device.losePower(*m_replugAt); // the board has its power from the port
+        m_replugAt.reset();
     }
 }
 
 UsbPresence UsbCable::presence(Nanoseconds now) {
     advance(now);
-    UsbPresence presence = device_.presence(now);
-    presence.attached = presence.attached && !unplugged_;
-    presence.forGood = unplugged_ && !replugAt_;
+    UsbPresence presence = m_device.presence(now);
+    presence.attached = presence.attached && !m_unplugged;
+    presence.forGood = m_unplugged && !m_replugAt;
     return presence;
 }
 
 std::optional<Nanoseconds> UsbCable::nextEvent(Nanoseconds now) {
     advance(now);
-    return unplugged_ ? replugAt_ : device_.nextEvent(now);
+    return m_unplugged ? m_replugAt : m_device.nextEvent(now);
 }
 
 void UsbCable::pressReset(Nanoseconds now) {
     advance(now);
-    if (!unplugged_) // without power there is no reset
-        device_.pressReset(std::max(now, free_));
+    if (!m_unplugged) // without power there is no reset
+        m_device.pressReset(std::max(now, m_free));
 }
 
 void UsbCable::losePower(Nanoseconds now) {
     advance(now);
-    device_.losePower(now);
+    m_device.losePower(now);
 }
 
 } // namespace sim

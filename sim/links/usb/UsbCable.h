@@ -11,13 +11,13 @@ namespace sim {
 class UsbCable : public UsbDevice {
 public:
     // `pace`: transfers take about the time that they need on a full-speed bus.
-    UsbCable(UsbDevice &device, Faults &faults, bool pace) : device_(device), faults_(faults), pace_(pace) {}
+    UsbCable(UsbDevice &device, Faults &faults, bool pace) : m_device(device), m_faults(faults), m_pace(pace) {}
 
-    const UsbDescriptors &descriptors() const override { return device_.descriptors(); }
+    const UsbDescriptors &descriptors() const override { return m_device.descriptors(); }
     UsbAnswer control(const UsbSetup &setup, const Bytes &out, Nanoseconds now) override;
     UsbAnswer out(std::uint8_t endpoint, const Bytes &data, Nanoseconds now) override;
     UsbAnswer in(std::uint8_t endpoint, std::size_t length, Nanoseconds now) override;
-    void busReset(Nanoseconds now) override { device_.busReset(now); }
+    void busReset(Nanoseconds now) override { m_device.busReset(now); }
     UsbPresence presence(Nanoseconds now) override;
     std::optional<Nanoseconds> nextEvent(Nanoseconds now) override;
     void pressReset(Nanoseconds now) override;
@@ -30,12 +30,12 @@ private:
     Nanoseconds busTime(std::size_t length) const;
     UsbAnswer deliver(const UsbSetup &setup, UsbAnswer answer, Nanoseconds arrival);
 
-    UsbDevice &device_;
-    Faults &faults_;
-    bool pace_;
-    Nanoseconds free_ = 0; // endpoint 0 carries one transfer at a time
-    bool unplugged_ = false;
-    std::optional<Nanoseconds> replugAt_;
+    UsbDevice &m_device;
+    Faults &m_faults;
+    bool m_pace;
+    Nanoseconds m_free = 0; // endpoint 0 carries one transfer at a time
+    bool m_unplugged = false;
+    std::optional<Nanoseconds> m_replugAt;
 };
 
 } // namespace sim

@@ -45,49 +45,49 @@ void append(Bytes &bytes, Command command, std::uint32_t of, int status, std::si
 } // namespace
 
 void UsbIp::forget() {
-    arrived_.clear();
-    unlinked_.clear();
-    waiting_.clear();
-    silent_.clear();
-    answered_.clear();
+    m_arrived.clear();
+    m_unlinked.clear();
+    m_waiting.clear();
+    m_silent.clear();
+    m_answered.clear();
 }
 
 // 0 when nothing whole is there yet.
 std::size_t UsbIp::wholeLength() const {
-    if (arrived_.size() < messageLength)
+    if (m_arrived.size() < messageLength)
         return 0;
-    const bool data = number(arrived_, atCommand) == cmdSubmit && number(arrived_, atDirection) == 0;
-    const std::size_t whole = messageLength + (data ? number(arrived_, atLength) : 0);
-    return arrived_.size() < whole ? 0 : whole;
+    const bool data = number(m_arrived, atCommand) == cmdSubmit && number(m_arrived, atDirection) == 0;
+    const std::size_t whole = messageLength + (data ? number(m_arrived, atLength) : 0);
+    return m_arrived.size() < whole ? 0 : whole;
 }
 
 bool UsbIp::receive(const std::uint8_t *bytes, std::size_t length, Nanoseconds now) {
-    arrived_.insert(arrived_.end(), bytes, bytes + length);
-    while (arrived_.size() >= messageLength) {
-        const std::uint32_t packets = number(arrived_, atPackets);
-        const bool submit = number(arrived_, atCommand) == cmdSubmit;
-        if (submit && (number(arrived_, atLength) > longestData || (packets != 0 && packets != 0xFFFFFFFF)))
+    m_arrived.insert(m_arrived.end(), bytes, bytes + length);
+    while (m_arrived.size() >= messageLength) {
+        const std::uint32_t packets = number(m_arrived, atPackets);
+        const bool submit = number(m_arrived, atCommand) == cmdSubmit;
+        if (submit && (number(m_arrived, atLength) > longestData || (packets != 0 && packets != 0xFFFFFFFF)))
             return false;
         const std::size_t whole = wholeLength();
         if (whole == 0)
             return true;
         if (!takeMessage(now))
             return false;
-        arrived_.erase(arrived_.begin(), arrived_.begin() + static_cast<std::ptrdiff_t>(whole));
+        m_arrived.erase(m_arrived.begin(), m_arrived.begin() + static_cast<std::ptrdiff_t>(whole));
     }
     return true;
 }
 
 bool UsbIp::takeMessage(Nanoseconds now) {
-    const std::uint32_t message = number(arrived_, atNumber);
-    switch (number(arrived_, atCommand)) {
+    const std::uint32_t message = number(m_arrived, atNumber);
+    switch (number(m_arrived, atCommand)) {
     case cmdSubmit:
-        waiting_.push_back(transferOf(message));
+        m_waiting.push_back(transferOf(message));
         askWaiting(now);
         return true;
     case cmdUnlink:
         // A transfer that is over already is none that could be taken back.
-        append(unlinked_, retUnlink, message, unlink(number(arrived_, atUnlinked)) ? -ECONNRESET : 0, 0);
+        append(m_unlinked, retUnlink, message, unlink(number(m_arrived, atUnlinked)) ? -ECONNRESET : 0, 0);
         return true;
     default: return false;
     }
@@ -96,12 +96,12 @@ bool UsbIp::takeMessage(Nanoseconds now) {
 UsbIp::Transfer UsbIp::transferOf(std::uint32_t message) const {
     Transfer transfer;
     transfer.number = message;
-    transfer.in = number(arrived_, atDirection) != 0;
-    transfer.endpoint = static_cast<std::uint8_t>(number(arrived_, atEndpoint));
-    transfer.length = number(arrived_, atLength);
-    transfer.setup = parseSetup(arrived_.data() + atSetup);
+    transfer.in = number(m_arrived, atDirection) != 0;
+    transfer.endpoint = static_cast<std::uint8_t>(number(m_arrived, atEndpoint));
+    transfer.length = number(m_arrived, atLength);
+    transfer.setup = parseSetup(m_arrived.data() + atSetup);
     if (!transfer.in) {
-        const auto data = arrived_.begin() + messageLength;
+        const auto data = m_arrived.begin() + messageLength;
         transfer.out.assign(data, data + static_cast<std::ptrdiff_t>(transfer.length));
     }
     return transfer;
@@ -110,7 +110,7 @@ UsbIp::Transfer UsbIp::transferOf(std::uint32_t message) const {
 // Transfers of one endpoint are served in their order.
 void UsbIp::askWaiting(Nanoseconds now) {
     std::set<unsigned> stuck; // endpoints whose next transfer still waits
-    for (auto it = waiting_.begin(); it != waiting_.end();) {
+    for (auto it = m_waiting.begin(); it != m_waiting.end();) {
         const unsigned endpoint = it->endpoint * 2U + (it->in ? 1 : 0);
         UsbAnswer answer = stuck.count(endpoint) != 0 ? UsbAnswer::wait() : ask(*it, now);
         if (answer.kind == UsbAnswer::Kind::wait) {
@@ -119,27 +119,27 @@ void UsbIp::askWaiting(Nanoseconds now) {
             continue;
         }
         settle(*it, std::move(answer));
-        it = waiting_.erase(it);
+        it = m_waiting.erase(it);
     }
 }
 
 void UsbIp::settle(const Transfer &transfer, UsbAnswer answer) {
     if (answer.kind == UsbAnswer::Kind::silent) {
-        silent_.push_back(transfer);
+        m_silent.push_back(transfer);
         return;
     }
     const bool done = answer.kind == UsbAnswer::Kind::done;
     const std::size_t length = !done ? 0 : transfer.in ? answer.data.size() : transfer.out.size();
     const auto later = [&answer](const Answered &other) { return other.answer.at > answer.at; };
-    answered_.insert(std::find_if(answered_.begin(), answered_.end(), later),
-                     {transfer.number, transfer.endpoint == 0, length, std::move(answer)});
+    m_answered.insert(std::find_if(m_answered.begin(), m_answered.end(), later),
+                      {transfer.number, transfer.endpoint == 0, length, std::move(answer)});
 }
 
 UsbAnswer UsbIp::ask(const Transfer &transfer, Nanoseconds now) {
     if (transfer.endpoint == 0)
-        return device_.control(transfer.setup, transfer.out, now);
-    return transfer.in ? device_.in(transfer.endpoint, transfer.length, now)
-                       : device_.out(transfer.endpoint, transfer.out, now);
+        return m_device.control(transfer.setup, transfer.out, now);
+    return transfer.in ? m_device.in(transfer.endpoint, transfer.length, now)
+                       : m_device.out(transfer.endpoint, transfer.out, now);
 }
 
 bool UsbIp::unlink(std::uint32_t number) {
@@ -151,22 +151,22 @@ bool UsbIp::unlink(std::uint32_t number) {
             queue.erase(it);
         return found;
     };
-    return remove(waiting_) || remove(silent_) || remove(answered_);
+    return remove(m_waiting) || remove(m_silent) || remove(m_answered);
 }
 
 Bytes UsbIp::takeDue(Nanoseconds now) {
     Bytes bytes;
-    std::swap(bytes, unlinked_);
-    while (!answered_.empty() && answered_.front().answer.at <= now) {
-        const Answered next = std::move(answered_.front());
-        answered_.pop_front();
-        if (!device_.presence(next.answer.at).attached)
+    std::swap(bytes, m_unlinked);
+    while (!m_answered.empty() && m_answered.front().answer.at <= now) {
+        const Answered next = std::move(m_answered.front());
+        m_answered.pop_front();
+        if (!m_device.presence(next.answer.at).attached)
             return bytes;
         const bool done = next.answer.kind == UsbAnswer::Kind::done;
         append(bytes, retSubmit, next.number, done ? 0 : -EPIPE, next.length);
         bytes.insert(bytes.end(), next.answer.data.begin(), next.answer.data.end());
         if (next.control && now > next.answer.at)
-            device_.delivered(now);
+            m_device.delivered(now);
     }
     askWaiting(now);
     return bytes;
@@ -174,10 +174,10 @@ Bytes UsbIp::takeDue(Nanoseconds now) {
 
 std::optional<Nanoseconds> UsbIp::nextDue(Nanoseconds now) {
     askWaiting(now); // so that what has happened by now is not waited for
-    std::optional<Nanoseconds> due = device_.nextEvent(now);
-    if (!answered_.empty() && (!due || answered_.front().answer.at < *due))
-        due = answered_.front().answer.at;
-    return unlinked_.empty() ? due : now;
+    std::optional<Nanoseconds> due = m_device.nextEvent(now);
+    if (!m_answered.empty() && (!due || m_answered.front().answer.at < *due))
+        due = m_answered.front().answer.at;
+    return m_unlinked.empty() ? due : now;
 }
 
 } // namespace sim

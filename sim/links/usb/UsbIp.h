@@ -11,7 +11,7 @@ namespace sim {
 // usbip_protocol.rst of the kernel). No isochronous transfers. A reset of the port does not travel.
 class UsbIp {
 public:
-    explicit UsbIp(UsbDevice &device) : device_(device) {}
+    explicit UsbIp(UsbDevice &device) : m_device(device) {}
 
     // Behind an unplugging: nothing of before holds any more.
     void forget();
@@ -49,12 +49,12 @@ private:
     void settle(const Transfer &transfer, UsbAnswer answer);
     bool unlink(std::uint32_t number);
 
-    UsbDevice &device_;
-    Bytes arrived_;
-    Bytes unlinked_;                // answers to UNLINK, which go at once
-    std::deque<Transfer> waiting_;  // for data
-    std::deque<Transfer> silent_;   // never answered, until the host takes them back
-    std::deque<Answered> answered_; // in the order of their times
+    UsbDevice &m_device;
+    Bytes m_arrived;
+    Bytes m_unlinked;                // answers to UNLINK, which go at once
+    std::deque<Transfer> m_waiting;  // for data
+    std::deque<Transfer> m_silent;   // never answered, until the host takes them back
+    std::deque<Answered> m_answered; // in the order of their times
 };
 
 } // namespace sim

@@ -16,29 +16,29 @@ public:
     std::optional<Nanoseconds> pluggedInAgain(Nanoseconds now);
 
     // It was away for no time at all.
-    void flicker() { ++attachments_; }
+    void flicker() { ++m_attachments; }
 
-    bool away() const { return away_; }
-    std::optional<Nanoseconds> back() const { return backAt_; }
-    UsbPresence presence() const { return {!away_, attachments_, away_ && !backAt_}; }
+    bool away() const { return m_away; }
+    std::optional<Nanoseconds> back() const { return m_backAt; }
+    UsbPresence presence() const { return {!m_away, m_attachments, m_away && !m_backAt}; }
 
 private:
-    bool away_ = false;
-    std::optional<Nanoseconds> backAt_;
-    unsigned attachments_ = 1;
+    bool m_away = false;
+    std::optional<Nanoseconds> m_backAt;
+    unsigned m_attachments = 1;
 };
 
 inline void UsbPlug::unplug(std::optional<unsigned> replugMs, Nanoseconds now) {
-    away_ = true;
-    backAt_ = replugMs ? std::optional(now + *replugMs * millisecond) : std::nullopt;
+    m_away = true;
+    m_backAt = replugMs ? std::optional(now + *replugMs * millisecond) : std::nullopt;
 }
 
 inline std::optional<Nanoseconds> UsbPlug::pluggedInAgain(Nanoseconds now) {
-    if (!backAt_ || now < *backAt_)
+    if (!m_backAt || now < *m_backAt)
         return std::nullopt;
-    away_ = false;
-    ++attachments_;
-    return std::exchange(backAt_, std::nullopt);
+    m_away = false;
+    ++m_attachments;
+    return std::exchange(m_backAt, std::nullopt);
 }
 
 } // namespace sim

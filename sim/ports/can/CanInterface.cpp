@@ -35,25 +35,25 @@ CanFrame parse(const struct can_frame &raw) {
 } // namespace
 
 CanInterface::CanInterface(std::string interface, CanLine &bus, Log &log)
-    : interface_(std::move(interface)), bus_(bus), log_(log) {}
+    : m_interface(std::move(interface)), m_bus(bus), m_log(log) {}
 
 void CanInterface::close() {
-    closeAndForget(socket_);
-    closeAndForget(timer_);
+    closeAndForget(m_socket);
+    closeAndForget(m_timer);
 }
 
 bool CanInterface::open(std::string &error) {
     struct sockaddr_can address {};
     address.can_family = AF_CAN;
-    address.can_ifindex = static_cast<int>(if_nametoindex(interface_.c_str()));
+    address.can_ifindex = static_cast<int>(if_nametoindex(m_interface.c_str()));
     if (address.can_ifindex == 0) {
-        error = "there is no interface \"" + interface_ + "\"";
+        error = "there is no interface \"" + m_interface + "\"";
         return false;
     }
-    socket_ = socket(AF_CAN, SOCK_RAW | SOCK_NONBLOCK | SOCK_CLOEXEC, CAN_RAW);
-    if (socket_ < 0 || bind(socket_, reinterpret_cast<struct sockaddr *>(&address), sizeof address) != 0) {
-        error = "cannot use \"" + interface_ + "\" as a CAN interface: " + std::strerror(errno);
-        closeAndForget(socket_);
+    m_socket = socket(AF_CAN, SOCK_RAW | SOCK_NONBLOCK | SOCK_CLOEXEC, CAN_RAW);
+    if (m_socket < 0 || bind(m_socket, reinterpret_cast<struct sockaddr *>(&address), sizeof address) != 0) {
+        error = "cannot use \"" + m_interface + "\" as a CAN interface: " + std::strerror(errno);
+        closeAndForget(m_socket);
         return false;
     }
     return true;
@@ -61,32 +61,32 @@ bool CanInterface::open(std::string &error) {
 
 // The chip stays, and looks for the interface from time to time.
 void CanInterface::leave() {
-    log_.note("the interface has gone away");
-    closeAndForget(socket_);
+    m_log.note("the interface has gone away");
+    closeAndForget(m_socket);
     struct itimerspec time {};
     time.it_interval.tv_nsec = time.it_value.tv_nsec = lookAgain;
-    timer_ = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK);
-    timerfd_settime(timer_, 0, &time, nullptr);
+    m_timer = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK);
+    timerfd_settime(m_timer, 0, &time, nullptr);
 }
 
 bool CanInterface::take(Nanoseconds now) {
     std::uint64_t ticks = 0;
     std::string error;
-    if (timer_ >= 0 && ::read(timer_, &ticks, sizeof ticks) > 0 && open(error)) {
-        closeAndForget(timer_);
-        log_.note("the interface is back");
+    if (m_timer >= 0 && ::read(m_timer, &ticks, sizeof ticks) > 0 && open(error)) {
+        closeAndForget(m_timer);
+        m_log.note("the interface is back");
     }
     bool something = false;
     for (CanFrame frame; read(frame); something = true)
-        bus_.fromHost(frame, now, 0);
+        m_bus.fromHost(frame, now, 0);
     return something;
 }
 
 // One frame, if there is one.
 bool CanInterface::read(CanFrame &frame) {
     struct can_frame raw {};
-    while (socket_ >= 0) {
-        const ssize_t length = ::read(socket_, &raw, sizeof raw);
+    while (m_socket >= 0) {
+        const ssize_t length = ::read(m_socket, &raw, sizeof raw);
         if (length == CAN_MTU && (raw.can_id & CAN_ERR_FLAG) == 0) {
             frame = parse(raw);
             return true;
@@ -104,11 +104,11 @@ bool CanInterface::give(const TimedFrame &timed) {
     raw.can_id = timed.frame.id;
     raw.can_dlc = static_cast<__u8>(timed.frame.data.size());
     std::copy(timed.frame.data.begin(), timed.frame.data.end(), raw.data);
-    if (socket_ >= 0 && ::write(socket_, &raw, sizeof raw) == CAN_MTU)
+    if (m_socket >= 0 && ::write(m_socket, &raw, sizeof raw) == CAN_MTU)
         return true;
-    if (socket_ >= 0 && (errno == ENOBUFS || errno == EAGAIN || errno == EINTR))
+    if (m_socket >= 0 && (errno == ENOBUFS || errno == EAGAIN || errno == EINTR))
         return false; // the interface has its queue full
-    log_.note("frame " + nameOf(timed.frame) + " is lost: the interface is not up");
+    m_log.note("frame " + nameOf(timed.frame) + " is lost: the interface is not up");
     return true;
 }
 

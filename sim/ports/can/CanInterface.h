@@ -15,8 +15,8 @@ public:
 
     bool open(std::string &error) override;
     void close() override;
-    int fd() const override { return socket_; }
-    int watchFd() const override { return timer_; }
+    int fd() const override { return m_socket; }
+    int watchFd() const override { return m_timer; }
     bool take(Nanoseconds now) override;
     bool give(const TimedFrame &frame) override;
 
@@ -24,11 +24,11 @@ private:
     void leave();
     bool read(CanFrame &frame);
 
-    std::string interface_;
-    CanLine &bus_;
-    Log &log_;
-    int socket_ = -1;
-    int timer_ = -1; // there while the interface is not
+    std::string m_interface;
+    CanLine &m_bus;
+    Log &m_log;
+    int m_socket = -1;
+    int m_timer = -1; // there while the interface is not
 };
 
 } // namespace sim

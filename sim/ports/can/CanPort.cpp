@@ -17,47 +17,47 @@ constexpr Nanoseconds awakeAfter = 300 * microsecond;
 } // namespace
 
 CanPort::CanPort(const Machine &machine, std::string name)
-    : name_(std::move(name)), pace_(machine.pace),
-      bootloader_(machine.chip, machine.faults, machine.log, nullptr, &canCommands()),
-      protocol_(bootloader_, machine.log), line_(protocol_, machine.faults, machine.pace) {}
+    : m_name(std::move(name)), m_pace(machine.pace),
+      m_bootloader(machine.chip, machine.faults, machine.log, nullptr, &canCommands()),
+      m_protocol(m_bootloader, machine.log), m_line(m_protocol, machine.faults, machine.pace) {}
 
 bool CanPort::plugIn(std::string &error) {
-    if (!end_->open(error))
+    if (!m_end->open(error))
         return false;
-    ready_ = name_;
+    m_ready = m_name;
     return true;
 }
 
 void CanPort::reset(Nanoseconds now) {
-    line_.toHost().clear();
-    bootloader_.reset(now);
+    m_line.toHost().clear();
+    m_bootloader.reset(now);
 }
 
 void CanPort::losePower(Nanoseconds now) {
-    bootloader_.losePower(now);
-    line_.replug();
+    m_bootloader.losePower(now);
+    m_line.replug();
 }
 
 bool CanPort::work(Nanoseconds now, std::string &) {
-    if (end_->take(now))
-        rest_.disturb(now);
+    if (m_end->take(now))
+        m_rest.disturb(now);
     giveToHost();
     return true;
 }
 
 std::optional<Nanoseconds> CanPort::due(Nanoseconds now) {
-    if (!line_.toHost().empty())
-        return std::max(line_.toHost().front().at - (pace_ ? awakeBefore : 0), notBefore_);
-    return pace_ && now - rest_.lastTraffic() < awakeAfter ? std::optional(now) : std::nullopt;
+    if (!m_line.toHost().empty())
+        return std::max(m_line.toHost().front().at - (m_pace ? awakeBefore : 0), m_notBefore);
+    return m_pace && now - m_rest.lastTraffic() < awakeAfter ? std::optional(now) : std::nullopt;
 }
 
 void CanPort::giveToHost() {
-    std::deque<TimedFrame> &queue = line_.toHost();
+    std::deque<TimedFrame> &queue = m_line.toHost();
     const Nanoseconds now = clockNow();
-    while (!queue.empty() && queue.front().at <= now && notBefore_ <= now) {
-        rest_.disturb(now);
-        if (!end_->give(queue.front())) {
-            notBefore_ = now + again;
+    while (!queue.empty() && queue.front().at <= now && m_notBefore <= now) {
+        m_rest.disturb(now);
+        if (!m_end->give(queue.front())) {
+            m_notBefore = now + again;
             return;
         }
         queue.pop_front();
@@ -65,7 +65,7 @@ void CanPort::giveToHost() {
 }
 
 std::optional<Hangup> CanPort::hangup() const {
-    return line_.toHost().empty() ? line_.hangup() : std::nullopt;
+    return m_line.toHost().empty() ? m_line.hangup() : std::nullopt;
 }
 
 } // namespace sim

@@ -34,31 +34,31 @@ public:
     // The port is told of as "ready NAME".
     CanPort(const Machine &machine, std::string name);
 
-    CanLine &bus() { return line_; }
-    void lead(std::unique_ptr<CanEnd> end) { end_ = std::move(end); } // to the bus; before anything else
+    CanLine &bus() { return m_line; }
+    void lead(std::unique_ptr<CanEnd> end) { m_end = std::move(end); } // to the bus; before anything else
 
     bool plugIn(std::string &error) override;
-    void unplug() override { end_->close(); }
-    std::string takeReady() override { return std::exchange(ready_, {}); }
+    void unplug() override { m_end->close(); }
+    std::string takeReady() override { return std::exchange(m_ready, {}); }
     void reset(Nanoseconds now) override;
     void losePower(Nanoseconds now) override;
     bool work(Nanoseconds now, std::string &error) override;
-    std::vector<int> fds() const override { return {end_->fd(), end_->watchFd()}; }
+    std::vector<int> fds() const override { return {m_end->fd(), m_end->watchFd()}; }
     std::optional<Nanoseconds> due(Nanoseconds now) override;
     std::optional<Hangup> hangup() const override;
-    void drain() override { end_->drain(); }
+    void drain() override { m_end->drain(); }
 
 private:
     void giveToHost();
 
-    const std::string name_;
-    const bool pace_;
-    std::string ready_;
-    Bootloader bootloader_;
-    CanProtocol protocol_;
-    CanLine line_;
-    std::unique_ptr<CanEnd> end_;
-    Nanoseconds notBefore_ = 0; // the end could not take a frame
+    const std::string m_name;
+    const bool m_pace;
+    std::string m_ready;
+    Bootloader m_bootloader;
+    CanProtocol m_protocol;
+    CanLine m_line;
+    std::unique_ptr<CanEnd> m_end;
+    Nanoseconds m_notBefore = 0; // the end could not take a frame
 };
 
 // A port with an end of that kind.

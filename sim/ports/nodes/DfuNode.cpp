@@ -29,62 +29,62 @@ public:
 
     bool addDevice(std::string &error) override;
     void unplug() override;
-    void reset(Nanoseconds now) override { cable_.pressReset(now); }
-    void losePower(Nanoseconds now) override { cable_.losePower(now); }
+    void reset(Nanoseconds now) override { m_cable.pressReset(now); }
+    void losePower(Nanoseconds now) override { m_cable.losePower(now); }
     void workByItself(Nanoseconds now) override;
     std::optional<Nanoseconds> due(Nanoseconds now) override;
 
 private:
-    Log &log_;
-    DfuDevice device_;
-    UsbCable cable_;
-    std::vector<std::unique_ptr<Neighbour>> neighbours_;
-    Hub hub_;
-    std::vector<HubPort> ports_;
+    Log &m_log;
+    DfuDevice m_device;
+    UsbCable m_cable;
+    std::vector<std::unique_ptr<Neighbour>> m_neighbours;
+    Hub m_hub;
+    std::vector<HubPort> m_ports;
 };
 
 DfuNode::DfuNode(const Machine &machine)
-    : NodePort("dfu"), log_(machine.log), device_(machine.chip, machine.faults, machine.log),
-      cable_(device_, machine.faults, machine.pace) {
+    : NodePort("dfu"), m_log(machine.log), m_device(machine.chip, machine.faults, machine.log),
+      m_cable(m_device, machine.faults, machine.pace) {
     unsigned port = 1;
-    ports_.emplace_back(hub_, port, cable_);
+    m_ports.emplace_back(m_hub, port, m_cable);
     while (port <= machine.beside) {
-        neighbours_.push_back(std::make_unique<Neighbour>(machine, port));
-        ports_.emplace_back(hub_, ++port, neighbours_.back()->cable);
+        m_neighbours.push_back(std::make_unique<Neighbour>(machine, port));
+        m_ports.emplace_back(m_hub, ++port, m_neighbours.back()->cable);
     }
 }
 
 bool DfuNode::addDevice(std::string &error) {
     bool came = true;
-    for (HubPort &port : ports_)
+    for (HubPort &port : m_ports)
         if (!port.follow(*this, clockNow(), came, error))
             return false;
     return true;
 }
 
 void DfuNode::unplug() {
-    for (HubPort &port : ports_)
+    for (HubPort &port : m_ports)
         port.unplug(*this, clockNow());
 }
 
 void DfuNode::workByItself(Nanoseconds now) {
-    for (HubPort &port : ports_) {
+    for (HubPort &port : m_ports) {
         bool came = false;
         std::string error;
         if (!port.follow(*this, now, came, error)) {
-            log_.fault(error);
+            m_log.fault(error);
             end();
         }
         if (came)
             ready();
     }
-    if (cable_.presence(now).forGood)
+    if (m_cable.presence(now).forGood)
         end();
 }
 
 std::optional<Nanoseconds> DfuNode::due(Nanoseconds now) {
     std::optional<Nanoseconds> next;
-    for (const HubPort &port : ports_) {
+    for (const HubPort &port : m_ports) {
         const std::optional<Nanoseconds> event = port.due(now);
         next = event && next ? std::min(event, next) : event ? event : next;
     }

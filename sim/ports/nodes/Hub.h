@@ -15,21 +15,21 @@ public:
     static constexpr unsigned number = 1;
 
     unsigned take();
-    void give(unsigned address) { taken_.erase(address); }
+    void give(unsigned address) { m_taken.erase(address); }
 
     // What serves the node of a number; the one before is forgotten.
-    std::shared_ptr<UsbNode> &node(unsigned address) { return nodes_[address]; }
+    std::shared_ptr<UsbNode> &node(unsigned address) { return m_nodes[address]; }
 
 private:
-    unsigned last_ = 1; // the root hub
-    std::set<unsigned> taken_;
-    std::map<unsigned, std::shared_ptr<UsbNode>> nodes_;
+    unsigned m_last = 1; // the root hub
+    std::set<unsigned> m_taken;
+    std::map<unsigned, std::shared_ptr<UsbNode>> m_nodes;
 };
 
 // A port of the bus with a device that may come and go: keeps what the testbed shows in step with it.
 class HubPort {
 public:
-    HubPort(Hub &hub, unsigned port, UsbDevice &device) : hub_(hub), port_(port), device_(device) {}
+    HubPort(Hub &hub, unsigned port, UsbDevice &device) : m_hub(hub), m_port(port), m_device(device) {}
 
     // Plugs in and out as the device itself tells. `came` is set when it has appeared. False and a message when
     // the testbed refuses.
@@ -46,11 +46,11 @@ private:
     std::string description() const;
     bool plugIn(NodePort &owner, Nanoseconds now, std::string &error);
 
-    Hub &hub_;
-    unsigned port_;
-    UsbDevice &device_;
-    unsigned address_ = 0;     // 0: not on the bus
-    unsigned attachments_ = 0; // of the device when it was plugged in
+    Hub &m_hub;
+    unsigned m_port;
+    UsbDevice &m_device;
+    unsigned m_address = 0;     // 0: not on the bus
+    unsigned m_attachments = 0; // of the device when it was plugged in
 };
 
 } // namespace sim

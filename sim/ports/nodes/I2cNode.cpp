@@ -27,13 +27,14 @@ enum Setting { address };
 class I2cNode : public NodePort {
 public:
     I2cNode(const Machine &machine, std::string name)
-        : NodePort(std::move(name)), pace_(machine.pace),
-          bootloader_(machine.chip, machine.faults, machine.log, &i2cCommands()), chip_(bootloader_, machine.faults) {}
+        : NodePort(std::move(name)), m_pace(machine.pace),
+          m_bootloader(machine.chip, machine.faults, machine.log, &i2cCommands()),
+          m_chip(m_bootloader, machine.faults) {}
 
     bool addDevice(std::string &error) override;
     void unplug() override { testbed().remove(devicePath(), {nodePath()}); }
-    void reset(Nanoseconds now) override { chip_.reset(now); }
-    void losePower(Nanoseconds now) override { chip_.losePower(now); }
+    void reset(Nanoseconds now) override { m_chip.reset(now); }
+    void losePower(Nanoseconds now) override { m_chip.losePower(now); }
 
 private:
     std::string devicePath() const { return "/devices/platform/zv32/" + name(); }
@@ -46,12 +47,12 @@ private:
     DeviceAnswer smbus(const DeviceCall &call);
     DeviceAnswer plain(const DeviceCall &call);
     DeviceAnswer transfer(unsigned target, bool read, std::uint8_t *bytes, std::size_t length);
-    void spend(std::size_t bits) { busTime_ += pace_ ? bitTime * static_cast<Nanoseconds>(bits) : 0; }
+    void spend(std::size_t bits) { m_busTime += m_pace ? bitTime * static_cast<Nanoseconds>(bits) : 0; }
 
-    bool pace_;
-    Bootloader bootloader_;
-    I2cProtocol chip_;
-    Nanoseconds busTime_ = 0; // up to where the call in hand has come
+    bool m_pace;
+    Bootloader m_bootloader;
+    I2cProtocol m_chip;
+    Nanoseconds m_busTime = 0; // up to where the call in hand has come
 };
 
 bool I2cNode::addDevice(std::string &error) {
@@ -66,11 +67,11 @@ bool I2cNode::addDevice(std::string &error) {
 
 // Every call takes the time that it takes on the bus, and the client gets its answer then.
 DeviceAnswer I2cNode::serve(DeviceCall &call) {
-    busTime_ = clockNow();
+    m_busTime = clockNow();
     const DeviceAnswer answer = call.kind == DeviceCall::Kind::ioctl ? ioctl(call) : plain(call);
-    if (chip_.hangup())
-        hangUp(*chip_.hangup());
-    waitUntil(busTime_);
+    if (m_chip.hangup())
+        hangUp(*m_chip.hangup());
+    waitUntil(m_busTime);
     traffic();
     return answer;
 }
@@ -111,18 +112,18 @@ DeviceAnswer I2cNode::selectTarget(DeviceCall &call) {
 DeviceAnswer I2cNode::transfer(unsigned target, bool read, std::uint8_t *bytes, std::size_t length) {
     constexpr std::size_t bitsOfByte = 9; // with the acknowledgement
     spend(1 + bitsOfByte);
-    if (target != wire::i2cAddress || !chip_.acknowledges(read, busTime_))
+    if (target != wire::i2cAddress || !m_chip.acknowledges(read, m_busTime))
         return DeviceAnswer::fail(ENXIO);
     if (read) {
-        const I2cProtocol::Read answer = chip_.read(length, busTime_);
+        const I2cProtocol::Read answer = m_chip.read(length, m_busTime);
         std::copy(answer.bytes.begin(), answer.bytes.end(), bytes);
-        busTime_ = std::max(busTime_, answer.at);
+        m_busTime = std::max(m_busTime, answer.at);
         spend(bitsOfByte * length);
     } else {
         spend(bitsOfByte * length);
-        chip_.write(Bytes(bytes, bytes + length), busTime_);
+        m_chip.write(Bytes(bytes, bytes + length), m_busTime);
     }
-    return chip_.hangup() ? DeviceAnswer::fail(ENODEV) : DeviceAnswer{};
+    return m_chip.hangup() ? DeviceAnswer::fail(ENODEV) : DeviceAnswer{};
 }
 
 DeviceAnswer I2cNode::transferAll(const DeviceCall &call) {

@@ -7,14 +7,14 @@
 
 namespace sim {
 
-NodePort::NodePort(std::string name) : name_(std::move(name)), wake_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
+NodePort::NodePort(std::string name) : m_name(std::move(name)), m_wake(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 
 NodePort::~NodePort() {
-    close(wake_);
+    close(m_wake);
 }
 
 bool NodePort::plugIn(std::string &error) {
-    hangup_.reset();
+    m_hangup.reset();
     if (!addDevice(error))
         return false;
     ready();
@@ -23,29 +23,29 @@ bool NodePort::plugIn(std::string &error) {
 
 bool NodePort::work(Nanoseconds now, std::string &) {
     eventfd_t turns = 0;
-    eventfd_read(wake_, &turns);
-    if (!hangup_)
+    eventfd_read(m_wake, &turns);
+    if (!m_hangup)
         workByItself(now);
     return true;
 }
 
 void NodePort::wake() {
-    eventfd_write(wake_, 1);
+    eventfd_write(m_wake, 1);
 }
 
 void NodePort::traffic() {
-    if (rest_.disturb(clockNow()))
+    if (m_rest.disturb(clockNow()))
         wake();
 }
 
 void NodePort::end() {
-    hangup_ = Hangup{};
+    m_hangup = Hangup{};
     wake();
 }
 
 void NodePort::hangUp(const Hangup &hangup) {
-    testbed_->cutOff();
-    hangup_ = hangup;
+    m_testbed->cutOff();
+    m_hangup = hangup;
     wake();
 }
 

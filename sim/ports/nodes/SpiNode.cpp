@@ -21,12 +21,12 @@ constexpr std::uint8_t wordBits = 8;
 class SpiNode : public NodePort {
 public:
     SpiNode(const Machine &machine, std::string name)
-        : NodePort(std::move(name)), pace_(machine.pace), log_(machine.log),
-          bootloader_(machine.chip, machine.faults, machine.log), chip_(bootloader_, machine.faults, machine.log) {}
+        : NodePort(std::move(name)), m_pace(machine.pace), m_log(machine.log),
+          m_bootloader(machine.chip, machine.faults, machine.log), m_chip(m_bootloader, machine.faults, machine.log) {}
 
     bool addDevice(std::string &error) override;
     void unplug() override { testbed().remove(devicePath(), {nodePath()}); }
-    void reset(Nanoseconds now) override { chip_.reset(now); }
+    void reset(Nanoseconds now) override { m_chip.reset(now); }
     void losePower(Nanoseconds now) override;
 
 private:
@@ -47,13 +47,13 @@ private:
     void clock(const std::uint8_t *out, std::uint8_t *in, std::size_t length, std::uint32_t speed);
     void select(bool wanted);
 
-    bool pace_;
-    Log &log_;
-    Bootloader bootloader_;
-    SpiProtocol chip_;
-    std::uint32_t speed_ = usualSpeed; // settings are the device's, not the open file's
-    bool selected_ = false;
-    Nanoseconds busTime_ = 0; // up to where the call in hand has come
+    bool m_pace;
+    Log &m_log;
+    Bootloader m_bootloader;
+    SpiProtocol m_chip;
+    std::uint32_t m_speed = usualSpeed; // settings are the device's, not the open file's
+    bool m_selected = false;
+    Nanoseconds m_busTime = 0; // up to where the call in hand has come
 };
 
 bool SpiNode::addDevice(std::string &error) {
@@ -65,18 +65,18 @@ bool SpiNode::addDevice(std::string &error) {
 }
 
 void SpiNode::losePower(Nanoseconds now) {
-    chip_.losePower(now);
-    speed_ = usualSpeed;
-    selected_ = false;
+    m_chip.losePower(now);
+    m_speed = usualSpeed;
+    m_selected = false;
 }
 
 // Every call takes the time that it takes on the bus, and the client gets its answer then.
 DeviceAnswer SpiNode::serve(DeviceCall &call) {
-    busTime_ = clockNow();
+    m_busTime = clockNow();
     const DeviceAnswer answer = call.kind == DeviceCall::Kind::ioctl ? ioctl(call) : plain(call);
-    if (chip_.hangup())
-        hangUp(*chip_.hangup());
-    waitUntil(busTime_);
+    if (m_chip.hangup())
+        hangUp(*m_chip.hangup());
+    waitUntil(m_busTime);
     traffic();
     return answer;
 }
@@ -88,7 +88,7 @@ DeviceAnswer SpiNode::ioctl(const DeviceCall &call) {
     case SPI_IOC_RD_LSB_FIRST: return tell<std::uint8_t>(call, 0);
     case SPI_IOC_RD_MODE32: return tell<std::uint32_t>(call, 0);
     case SPI_IOC_RD_BITS_PER_WORD: return tell<std::uint8_t>(call, wordBits);
-    case SPI_IOC_RD_MAX_SPEED_HZ: return tell<std::uint32_t>(call, speed_);
+    case SPI_IOC_RD_MAX_SPEED_HZ: return tell<std::uint32_t>(call, m_speed);
     case SPI_IOC_WR_MODE: return demand<std::uint8_t>(call, 0, "mode");
     case SPI_IOC_WR_MODE32: return demand<std::uint32_t>(call, 0, "mode");
     case SPI_IOC_WR_LSB_FIRST: return demand<std::uint8_t>(call, 0, "lowest bit first");
@@ -121,7 +121,7 @@ DeviceAnswer SpiNode::demand(const DeviceCall &call, std::uint32_t only, const c
     select(false);
     if (place.get<Number>() == only)
         return {};
-    log_.refused(std::string("SPI: ") + what + " " + std::to_string(place.get<Number>()));
+    m_log.refused(std::string("SPI: ") + what + " " + std::to_string(place.get<Number>()));
     return DeviceAnswer::fail(EINVAL);
 }
 
@@ -132,11 +132,11 @@ DeviceAnswer SpiNode::setBits(const DeviceCall &call) {
 }
 
 DeviceAnswer SpiNode::setSpeed(const DeviceCall &call) {
-    const ClientMemory place = call.memory(sizeof speed_);
+    const ClientMemory place = call.memory(sizeof m_speed);
     if (!place)
         return DeviceAnswer::fail(EFAULT);
     const auto speed = place.get<std::uint32_t>();
-    speed_ = speed != 0 ? speed : usualSpeed;
+    m_speed = speed != 0 ? speed : usualSpeed;
     return {};
 }
 
@@ -145,7 +145,7 @@ bool SpiNode::wellFormed(const spi_ioc_transfer &transfer) {
     const bool good = (transfer.bits_per_word == 0 || transfer.bits_per_word == wordBits) &&
                       transfer.tx_nbits <= oneLine && transfer.rx_nbits <= oneLine;
     if (!good)
-        log_.refused("SPI: a transfer with other than 8 bits per word, or on more than one line");
+        m_log.refused("SPI: a transfer with other than 8 bits per word, or on more than one line");
     return good;
 }
 
@@ -180,30 +180,30 @@ DeviceAnswer SpiNode::transfer(const ClientMemory &transfers, std::size_t at, bo
     const ClientMemory in =
         asked.rx_buf == asked.tx_buf ? out : transfers.behind(at + offsetof(spi_ioc_transfer, rx_buf), asked.len);
     select(true);
-    clock(out.bytes(), in.bytes(), asked.len, asked.speed_hz != 0 ? asked.speed_hz : speed_);
-    busTime_ += asked.delay_usecs * microsecond;
+    clock(out.bytes(), in.bytes(), asked.len, asked.speed_hz != 0 ? asked.speed_hz : m_speed);
+    m_busTime += asked.delay_usecs * microsecond;
     select(last == (asked.cs_change != 0));
-    return chip_.hangup() ? DeviceAnswer::fail(ENODEV) : DeviceAnswer{};
+    return m_chip.hangup() ? DeviceAnswer::fail(ENODEV) : DeviceAnswer{};
 }
 
 // Without a buffer zeros go out, and what comes in is dropped.
 void SpiNode::clock(const std::uint8_t *out, std::uint8_t *in, std::size_t length, std::uint32_t speed) {
-    const Nanoseconds begin = busTime_;
+    const Nanoseconds begin = m_busTime;
     for (std::size_t i = 0; i < length; ++i) {
-        if (pace_)
-            busTime_ = begin + static_cast<Nanoseconds>(i + 1) * wordBits * second / speed;
-        const std::uint8_t byte = chip_.shift(out != nullptr ? out[i] : std::uint8_t{0}, busTime_);
+        if (m_pace)
+            m_busTime = begin + static_cast<Nanoseconds>(i + 1) * wordBits * second / speed;
+        const std::uint8_t byte = m_chip.shift(out != nullptr ? out[i] : std::uint8_t{0}, m_busTime);
         if (in != nullptr)
             in[i] = byte;
     }
 }
 
 void SpiNode::select(bool wanted) {
-    if (wanted && !selected_)
-        chip_.select(busTime_);
-    else if (!wanted && selected_)
-        chip_.deselect(busTime_);
-    selected_ = wanted;
+    if (wanted && !m_selected)
+        m_chip.select(m_busTime);
+    else if (!wanted && m_selected)
+        m_chip.deselect(m_busTime);
+    m_selected = wanted;
 }
 
 // read() and write() on the node: one message, half of it.
@@ -213,9 +213,9 @@ DeviceAnswer SpiNode::plain(const DeviceCall &call) {
         return DeviceAnswer::fail(EMSGSIZE);
     const bool read = call.kind == DeviceCall::Kind::read;
     select(true);
-    clock(read ? nullptr : buffer.bytes(), read ? buffer.bytes() : nullptr, buffer.size(), speed_);
+    clock(read ? nullptr : buffer.bytes(), read ? buffer.bytes() : nullptr, buffer.size(), m_speed);
     select(false);
-    return chip_.hangup() ? DeviceAnswer::fail(ENODEV) : DeviceAnswer{static_cast<long>(buffer.size()), 0};
+    return m_chip.hangup() ? DeviceAnswer::fail(ENODEV) : DeviceAnswer{static_cast<long>(buffer.size()), 0};
 }
 
 } // namespace

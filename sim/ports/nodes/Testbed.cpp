@@ -44,57 +44,57 @@ std::string taken(gchar *text) {
 
 // ---- a client's memory
 
-ClientMemory::ClientMemory(const ClientMemory &other) : data_(other.data_) {
-    if (data_ != nullptr)
-        g_object_ref(data_);
+ClientMemory::ClientMemory(const ClientMemory &other) : m_data(other.m_data) {
+    if (m_data != nullptr)
+        g_object_ref(m_data);
 }
 
 ClientMemory &ClientMemory::operator=(ClientMemory other) {
-    std::swap(data_, other.data_);
+    std::swap(m_data, other.m_data);
     return *this;
 }
 
 ClientMemory::~ClientMemory() {
-    if (data_ != nullptr)
-        g_object_unref(data_);
+    if (m_data != nullptr)
+        g_object_unref(m_data);
 }
 
 std::size_t ClientMemory::size() const {
-    return data_ == nullptr ? 0 : static_cast<std::size_t>(data_->data_len);
+    return m_data == nullptr ? 0 : static_cast<std::size_t>(m_data->data_len);
 }
 
 std::uint8_t *ClientMemory::bytes() const {
-    return data_ == nullptr ? nullptr : data_->data;
+    return m_data == nullptr ? nullptr : m_data->data;
 }
 
 ClientMemory ClientMemory::behind(std::size_t offset, std::size_t length) const {
-    if (data_ == nullptr || length == 0 || get<void *>(offset) == nullptr)
+    if (m_data == nullptr || length == 0 || get<void *>(offset) == nullptr)
         return ClientMemory();
     GError *problem = nullptr;
-    _UMockdevIoctlData *found = umockdev_ioctl_data_resolve(data_, offset, length, &problem);
+    _UMockdevIoctlData *found = umockdev_ioctl_data_resolve(m_data, offset, length, &problem);
     std::string error;
     return told(problem, error) ? ClientMemory(found) : ClientMemory();
 }
 
 bool ClientMemory::reload() const {
     GError *problem = nullptr;
-    const bool done = data_ != nullptr && umockdev_ioctl_data_reload(data_, &problem);
+    const bool done = m_data != nullptr && umockdev_ioctl_data_reload(m_data, &problem);
     std::string error;
     return told(problem, error) && done;
 }
 
 void ClientMemory::point(std::size_t offset, const ClientMemory &target) const {
-    umockdev_ioctl_data_set_ptr(data_, offset, target.data_);
+    umockdev_ioctl_data_set_ptr(m_data, offset, target.m_data);
 }
 
 // ---- a call
 
 unsigned long DeviceCall::request() const {
-    return umockdev_ioctl_client_get_request(client_);
+    return umockdev_ioctl_client_get_request(m_client);
 }
 
 ClientMemory DeviceCall::buffer() const {
-    _UMockdevIoctlData *argument = umockdev_ioctl_client_get_arg(client_);
+    _UMockdevIoctlData *argument = umockdev_ioctl_client_get_arg(m_client);
     return ClientMemory(static_cast<_UMockdevIoctlData *>(g_object_ref(argument)));
 }
 
@@ -109,7 +109,7 @@ ClientMemory DeviceCall::memory(std::size_t length) const {
 DeviceAnswer DeviceCall::execute() const {
     int number = 0;
     GError *problem = nullptr;
-    const int result = umockdev_ioctl_client_execute(client_, &number, &problem);
+    const int result = umockdev_ioctl_client_execute(m_client, &number, &problem);
     std::string error;
     return told(problem, error) ? DeviceAnswer{result, number} : DeviceAnswer::fail(EIO);
 }
@@ -131,44 +131,44 @@ struct Testbed::File {
 };
 
 Testbed::Testbed() {
-    testbed_ = umockdev_testbed_new();
+    m_testbed = umockdev_testbed_new();
     if (!isPreloaded() || !umockdev_in_mock_environment()) {
-        g_object_unref(testbed_);
+        g_object_unref(m_testbed);
         throw std::runtime_error("device nodes need LD_PRELOAD=libumockdev-preload.so.0");
     }
-    root_ = taken(umockdev_testbed_get_root_dir(testbed_));
+    m_root = taken(umockdev_testbed_get_root_dir(m_testbed));
 }
 
 Testbed::~Testbed() {
-    for (Node *node : nodes_)
-        umockdev_testbed_detach_ioctl(testbed_, node->path.c_str(), nullptr);
-    g_object_unref(testbed_); // ends the thread of the handlers
-    for (Node *node : nodes_) {
+    for (Node *node : m_nodes)
+        umockdev_testbed_detach_ioctl(m_testbed, node->path.c_str(), nullptr);
+    g_object_unref(m_testbed); // ends the thread of the handlers
+    for (Node *node : m_nodes) {
         g_object_unref(node->base);
         delete node;
     }
-    for (_UMockdevIoctlClient *client : clients_)
+    for (_UMockdevIoctlClient *client : m_clients)
         g_object_unref(client);
 }
 
 bool Testbed::add(const std::string &description, std::string &error) {
     GError *problem = nullptr;
-    umockdev_testbed_add_from_string(testbed_, description.c_str(), &problem);
+    umockdev_testbed_add_from_string(m_testbed, description.c_str(), &problem);
     return told(problem, error);
 }
 
 bool Testbed::attach(const std::string &path, Handler handler, std::string &error) {
     const auto same = [&](const Node *node) { return node->path == path; };
-    if (std::any_of(nodes_.begin(), nodes_.end(), same))
+    if (std::any_of(m_nodes.begin(), m_nodes.end(), same))
         return true;
     auto *node = new Node{*this, path, std::move(handler), umockdev_ioctl_base_new()};
-    nodes_.push_back(node);
+    m_nodes.push_back(node);
     g_signal_connect(node->base, "client-connected", G_CALLBACK(connected), node);
     g_signal_connect(node->base, "handle-ioctl", G_CALLBACK(handleIoctl), node);
     g_signal_connect(node->base, "handle-read", G_CALLBACK(handleRead), node);
     g_signal_connect(node->base, "handle-write", G_CALLBACK(handleWrite), node);
     GError *problem = nullptr;
-    umockdev_testbed_attach_ioctl(testbed_, path.c_str(), node->base, &problem);
+    umockdev_testbed_attach_ioctl(m_testbed, path.c_str(), node->base, &problem);
     return told(problem, error);
 }
 
@@ -181,31 +181,31 @@ void Testbed::withdraw(const std::string &path, const std::vector<std::string> &
     // Without an uevent: umockdev aborts the sender when a listener leaves in that moment, as a client does
     // whose device has gone. Who has the device open is told by ENODEV.
     const std::string device = "/sys" + path;
-    umockdev_testbed_remove_device(testbed_, device.c_str());
+    umockdev_testbed_remove_device(m_testbed, device.c_str());
     for (const std::string &node : nodes)
-        unlink((root_ + node).c_str()); // umockdev leaves the file of a node with contents
+        unlink((m_root + node).c_str()); // umockdev leaves the file of a node with contents
 }
 
 int Testbed::terminal(const std::string &node) const {
-    return umockdev_testbed_get_dev_fd(testbed_, node.c_str());
+    return umockdev_testbed_get_dev_fd(m_testbed, node.c_str());
 }
 
 bool Testbed::somebodyConnected() const {
-    const std::lock_guard<std::mutex> lock(clientsMutex_);
-    const auto last = std::remove_if(clients_.begin(), clients_.end(), [](_UMockdevIoctlClient *client) {
+    const std::lock_guard<std::mutex> lock(m_clientsMutex);
+    const auto last = std::remove_if(m_clients.begin(), m_clients.end(), [](_UMockdevIoctlClient *client) {
         if (umockdev_ioctl_client_get_connected(client))
             return false;
         g_object_unref(client);
         return true;
     });
-    clients_.erase(last, clients_.end());
-    return !clients_.empty();
+    m_clients.erase(last, m_clients.end());
+    return !m_clients.empty();
 }
 
 bool Testbed::isOpen(std::uintptr_t file) const {
     somebodyConnected(); // forgets those who left
-    const std::lock_guard<std::mutex> lock(clientsMutex_);
-    return std::any_of(clients_.begin(), clients_.end(), [file](_UMockdevIoctlClient *client) {
+    const std::lock_guard<std::mutex> lock(m_clientsMutex);
+    return std::any_of(m_clients.begin(), m_clients.end(), [file](_UMockdevIoctlClient *client) {
         return static_cast<File *>(g_object_get_data(G_OBJECT(client), fileKey))->number == file;
     });
 }
@@ -223,9 +223,9 @@ void Testbed::connected(_UMockdevIoctlBase *, _UMockdevIoctlClient *client, void
     Testbed &testbed = static_cast<Node *>(node)->testbed;
     testbed.somebodyConnected(); // forgets those who left
     const auto forget = [](void *file) { delete static_cast<File *>(file); };
-    g_object_set_data_full(G_OBJECT(client), fileKey, new File{++testbed.files_, testbed.generation_, {}}, forget);
-    const std::lock_guard<std::mutex> lock(testbed.clientsMutex_);
-    testbed.clients_.push_back(static_cast<_UMockdevIoctlClient *>(g_object_ref(client)));
+    g_object_set_data_full(G_OBJECT(client), fileKey, new File{++testbed.m_files, testbed.m_generation, {}}, forget);
+    const std::lock_guard<std::mutex> lock(testbed.m_clientsMutex);
+    testbed.m_clients.push_back(static_cast<_UMockdevIoctlClient *>(g_object_ref(client)));
 }
 
 // An exception must not get into the C code that calls.
@@ -242,11 +242,11 @@ bool Testbed::served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const 
     std::optional<DeviceAnswer> answer;
     {
         const std::unique_lock<std::mutex> held = lock();
-        if (file.generation == generation_) {
+        if (file.generation == m_generation) {
             DeviceCall call(kind, client, file.number, file.settings);
             answer = handlerAnswer(handler, call);
         }
-        if (file.generation != generation_)
+        if (file.generation != m_generation)
             answer = DeviceAnswer::fail(ENODEV);
     }
     if (answer)

@@ -24,12 +24,12 @@ namespace sim {
 class ClientMemory {
 public:
     ClientMemory() = default;
-    explicit ClientMemory(_UMockdevIoctlData *taken) : data_(taken) {} // takes the reference over
+    explicit ClientMemory(_UMockdevIoctlData *taken) : m_data(taken) {} // takes the reference over
     ClientMemory(const ClientMemory &other);
     ClientMemory &operator=(ClientMemory other);
     ~ClientMemory();
 
-    explicit operator bool() const { return data_ != nullptr; }
+    explicit operator bool() const { return m_data != nullptr; }
     std::size_t size() const;
     std::uint8_t *bytes() const;
 
@@ -56,7 +56,7 @@ public:
     void point(std::size_t offset, const ClientMemory &target) const;
 
 private:
-    _UMockdevIoctlData *data_ = nullptr;
+    _UMockdevIoctlData *m_data = nullptr;
 };
 
 // What a call returns: its result, or -1 and an errno.
@@ -76,7 +76,7 @@ public:
     using Settings = std::array<unsigned long, 4>;
 
     DeviceCall(Kind what, _UMockdevIoctlClient *client, std::uintptr_t number, Settings &ofFile)
-        : kind(what), file(number), settings(ofFile), client_(client) {}
+        : kind(what), file(number), settings(ofFile), m_client(client) {}
 
     const Kind kind;
     const std::uintptr_t file; // a number for each open(), above 0 and never used again
@@ -95,7 +95,7 @@ public:
     DeviceAnswer execute() const;
 
 private:
-    _UMockdevIoctlClient *client_;
+    _UMockdevIoctlClient *m_client;
 };
 
 // Emulated device nodes in a directory of their own, which vanishes with this object. A client sees them
@@ -111,7 +111,7 @@ public:
     Testbed(const Testbed &) = delete;
     Testbed &operator=(const Testbed &) = delete;
 
-    const std::string &root() const { return root_; }
+    const std::string &root() const { return m_root; }
 
     // Adds devices from umockdev's description (P:, N:, E:, A:, H: lines, a blank line between two), as a
     // device that is plugged in: listeners are told. A node needs contents (`N: i2c-1=00`), or it becomes a
@@ -134,7 +134,7 @@ public:
 
     // From now on every call of those who have a node open fails with ENODEV, the one that is being
     // handled included. Who opens a node later is served.
-    void cutOff() { ++generation_; }
+    void cutOff() { ++m_generation; }
 
     // The other end of a node that is a terminal; -1 if it is none.
     int terminal(const std::string &node) const;
@@ -144,7 +144,7 @@ public:
     void awaitClients() const;
 
     // Held while a handler runs. Whoever touches the chip from another thread takes it too.
-    std::unique_lock<std::mutex> lock() { return std::unique_lock<std::mutex>(mutex_); }
+    std::unique_lock<std::mutex> lock() { return std::unique_lock<std::mutex>(m_mutex); }
 
 private:
     struct Node;
@@ -156,14 +156,14 @@ private:
     bool served(DeviceCall::Kind kind, _UMockdevIoctlClient *client, const Handler &handler);
     bool somebodyConnected() const;
 
-    _UMockdevTestbed *testbed_;
-    std::string root_;
-    std::vector<Node *> nodes_;
-    std::mutex mutex_;
-    std::uintptr_t files_ = 0;            // that were ever opened
-    std::atomic<unsigned> generation_{1}; // of the clients that are served
-    mutable std::mutex clientsMutex_;
-    mutable std::vector<_UMockdevIoctlClient *> clients_;
+    _UMockdevTestbed *m_testbed;
+    std::string m_root;
+    std::vector<Node *> m_nodes;
+    std::mutex m_mutex;
+    std::uintptr_t m_files = 0;            // that were ever opened
+    std::atomic<unsigned> m_generation{1}; // of the clients that are served
+    mutable std::mutex m_clientsMutex;
+    mutable std::vector<_UMockdevIoctlClient *> m_clients;
 };
 
 } // namespace sim

@@ -20,10 +20,10 @@ constexpr int controlLines = TIOCM_DTR | TIOCM_RTS;
 class TtyNode : public NodePort {
 public:
     TtyNode(const Machine &machine, std::string name)
-        : NodePort(std::move(name)), bootloader_(machine.chip, machine.faults, machine.log),
-          board_(machine.wiring, bootloader_, machine.log, clockNow()),
-          line_(pty_, machine.pace, bootloader_, machine.faults, machine.log) {
-        pty_.tellUse([this](bool used) { follow(used); });
+        : NodePort(std::move(name)), m_bootloader(machine.chip, machine.faults, machine.log),
+          m_board(machine.wiring, m_bootloader, machine.log, clockNow()),
+          m_line(m_pty, machine.pace, m_bootloader, machine.faults, machine.log) {
+        m_pty.tellUse([this](bool used) { follow(used); });
     }
 
     bool addDevice(std::string &error) override;
@@ -31,7 +31,7 @@ public:
     void reset(Nanoseconds now) override;
     void losePower(Nanoseconds now) override;
     void workByItself(Nanoseconds now) override;
-    std::optional<Nanoseconds> due(Nanoseconds now) override { return line_.due(now); }
+    std::optional<Nanoseconds> due(Nanoseconds now) override { return m_line.due(now); }
     std::vector<int> fds() const override;
 
 private:
@@ -39,16 +39,16 @@ private:
     std::string nodePath() const { return "/dev/" + name(); }
     void follow(bool used);
     void setLines(int lines);
-    int lines() const { return (board_.dtr() ? TIOCM_DTR : 0) | (board_.rts() ? TIOCM_RTS : 0); }
+    int lines() const { return (m_board.dtr() ? TIOCM_DTR : 0) | (m_board.rts() ? TIOCM_RTS : 0); }
     std::optional<DeviceAnswer> serve(DeviceCall &call);
     DeviceAnswer moveLines(unsigned long request, const ClientMemory &argument);
     DeviceAnswer driverSettings(unsigned long request, const ClientMemory &argument);
 
-    Bootloader bootloader_;
-    Board board_;
-    Pty pty_;
-    TerminalLine line_;
-    int flags_ = 0; // ASYNC_...
+    Bootloader m_bootloader;
+    Board m_board;
+    Pty m_pty;
+    TerminalLine m_line;
+    int m_flags = 0; // ASYNC_...
 };
 
 // The node becomes a link to a terminal of our own. One that umockdev makes stays open when the device is
@@ -60,39 +60,39 @@ bool TtyNode::addDevice(std::string &error) {
     if (!testbed().add(description, error))
         return false;
     unlink(node.c_str());
-    if (!pty_.open(node, error))
+    if (!m_pty.open(node, error))
         return false;
-    pty_.hangUpOnClose();
+    m_pty.hangUpOnClose();
     return testbed().attach(
         nodePath(), [this](DeviceCall &call) { return serve(call); }, error);
 }
 
 std::vector<int> TtyNode::fds() const {
     std::vector<int> fds = NodePort::fds();
-    fds.insert(fds.end(), {pty_.fd(), pty_.watchFd()});
+    fds.insert(fds.end(), {m_pty.fd(), m_pty.watchFd()});
     return fds;
 }
 
 void TtyNode::unplug() {
     testbed().remove(devicePath(), {});
-    pty_.close();
+    m_pty.close();
 }
 
 void TtyNode::reset(Nanoseconds now) {
-    line_.forget();
-    board_.button(now);
+    m_line.forget();
+    m_board.button(now);
 }
 
 void TtyNode::losePower(Nanoseconds now) {
-    board_.losePower(now);
-    line_.replug();
+    m_board.losePower(now);
+    m_line.replug();
 }
 
 void TtyNode::workByItself(Nanoseconds) {
-    if (line_.work())
+    if (m_line.work())
         traffic();
-    if (const std::optional<Hangup> unplugged = line_.hangup()) {
-        pty_.drain();
+    if (const std::optional<Hangup> unplugged = m_line.hangup()) {
+        m_pty.drain();
         hangUp(*unplugged);
     }
 }
@@ -104,15 +104,15 @@ void TtyNode::follow(bool used) {
         setLines(controlLines);
         return;
     }
-    if (pty_.hangsUpOnClose())
+    if (m_pty.hangsUpOnClose())
         setLines(0);
-    pty_.hangUpOnClose();
+    m_pty.hangUpOnClose();
 }
 
 void TtyNode::setLines(int lines) {
-    board_.setLines((lines & TIOCM_DTR) != 0, (lines & TIOCM_RTS) != 0, clockNow());
-    if (board_.held())
-        line_.forget();
+    m_board.setLines((lines & TIOCM_DTR) != 0, (lines & TIOCM_RTS) != 0, clockNow());
+    if (m_board.held())
+        m_line.forget();
 }
 
 // What the client did before this call has happened.
@@ -147,10 +147,10 @@ DeviceAnswer TtyNode::driverSettings(unsigned long request, const ClientMemory &
         return DeviceAnswer::fail(EFAULT);
     if (request == TIOCGSERIAL) {
         serial_struct settings{};
-        settings.flags = flags_;
+        settings.flags = m_flags;
         argument.set(settings);
     } else {
-        flags_ = argument.get<serial_struct>().flags;
+        m_flags = argument.get<serial_struct>().flags;
     }
     return {};
 }

@@ -61,22 +61,22 @@ const std::vector<UsbNode::Row> &UsbNode::rows() {
 
 // A device that has just gone away, or is back already as another one, is no longer this node's.
 bool UsbNode::there(Nanoseconds now) {
-    const UsbPresence found = device_.presence(now);
-    return !gone_ && found.attached && found.attachments == attachments_;
+    const UsbPresence found = m_device.presence(now);
+    return !m_gone && found.attached && found.attachments == m_attachments;
 }
 
 DeviceAnswer UsbNode::serve(DeviceCall &call) {
     if (call.kind != DeviceCall::Kind::ioctl)
-        return DeviceAnswer::fail(gone_ ? ENODEV : EINVAL);
+        return DeviceAnswer::fail(m_gone ? ENODEV : EINVAL);
     for (const Row &row : rows())
         if (row.request == call.request())
             return row.whenGone || there(clockNow()) ? (this->*row.act)(call) : DeviceAnswer::fail(ENODEV);
-    return DeviceAnswer::fail(gone_ ? ENODEV : ENOTTY);
+    return DeviceAnswer::fail(m_gone ? ENODEV : ENOTTY);
 }
 
 void UsbNode::vanish(Nanoseconds now) {
-    gone_ = true;
-    for (Transfer &transfer : transfers_) {
+    m_gone = true;
+    for (Transfer &transfer : m_transfers) {
         if (!complete(transfer, now)) {
             transfer.status = -ENODEV;
             transfer.ended = true;
@@ -99,7 +99,7 @@ DeviceAnswer UsbNode::noDriver(DeviceCall &) {
 }
 
 bool UsbNode::claimedByAnother(const DeviceCall &call) const {
-    return owner_ != 0 && owner_ != call.file && testbed_.isOpen(owner_);
+    return m_owner != 0 && m_owner != call.file && m_testbed.isOpen(m_owner);
 }
 
 DeviceAnswer UsbNode::claim(DeviceCall &call) {
@@ -108,19 +108,19 @@ DeviceAnswer UsbNode::claim(DeviceCall &call) {
         return DeviceAnswer::fail(number ? ENOENT : EFAULT);
     if (claimedByAnother(call))
         return DeviceAnswer::fail(EBUSY);
-    owner_ = call.file;
+    m_owner = call.file;
     return {};
 }
 
 DeviceAnswer UsbNode::release(DeviceCall &call) {
-    if (owner_ != call.file)
+    if (m_owner != call.file)
         return DeviceAnswer::fail(EINVAL);
-    owner_ = 0;
+    m_owner = 0;
     return {};
 }
 
 DeviceAnswer UsbNode::request(const UsbSetup &setup) {
-    const UsbAnswer answer = device_.control(setup, {}, clockNow());
+    const UsbAnswer answer = m_device.control(setup, {}, clockNow());
     if (answer.kind != UsbAnswer::Kind::done)
         return DeviceAnswer::fail(answer.kind == UsbAnswer::Kind::stall ? EPIPE : ETIMEDOUT);
     return {};
@@ -151,7 +151,7 @@ DeviceAnswer UsbNode::clearHalt(DeviceCall &call) {
 
 // The system chooses the configuration again, as it does when a device is plugged in.
 DeviceAnswer UsbNode::resetPort(DeviceCall &) {
-    device_.busReset(clockNow());
+    m_device.busReset(clockNow());
     return request({toDevice, chooseConfiguration, 1, 0, 0});
 }
 
@@ -178,8 +178,8 @@ DeviceAnswer UsbNode::submit(DeviceCall &call) {
         return DeviceAnswer::fail(setup.length > length - setupLength ? EINVAL : EBUSY);
     const std::uint8_t *data = buffer.bytes() + setupLength;
     const Bytes out = setup.towardsHost() ? Bytes() : Bytes(data, data + setup.length);
-    const UsbAnswer answer = device_.control(setup, out, clockNow());
-    transfers_.push_back({call.file, address, memory, buffer, answer, statusOf(answer), false});
+    const UsbAnswer answer = m_device.control(setup, out, clockNow());
+    m_transfers.push_back({call.file, address, memory, buffer, answer, statusOf(answer), false});
     return {};
 }
 
@@ -189,36 +189,36 @@ bool UsbNode::complete(const Transfer &transfer, Nanoseconds now) {
 }
 
 DeviceAnswer UsbNode::discard(DeviceCall &call) {
-    for (Transfer &transfer : transfers_) {
+    for (Transfer &transfer : m_transfers) {
         if (transfer.file == call.file && transfer.address == call.number() && !complete(transfer, clockNow())) {
             transfer.status = -ENOENT;
             transfer.ended = true;
             return {};
         }
     }
-    return DeviceAnswer::fail(gone_ ? ENODEV : EINVAL);
+    return DeviceAnswer::fail(m_gone ? ENODEV : EINVAL);
 }
 
 DeviceAnswer UsbNode::reap(DeviceCall &call) {
     const Nanoseconds end = clockNow() + longestHold;
     const auto own = [&](const Transfer &transfer) { return transfer.file == call.file; };
     Nanoseconds next = end;
-    for (const Transfer &transfer : transfers_) {
+    for (const Transfer &transfer : m_transfers) {
         if (own(transfer) && transfer.answer.kind != UsbAnswer::Kind::silent)
             next = std::min(next, transfer.answer.at);
         if (own(transfer) && transfer.ended)
             next = 0;
     }
-    if (std::none_of(transfers_.begin(), transfers_.end(), own))
-        return DeviceAnswer::fail(gone_ ? ENODEV : EAGAIN);
+    if (std::none_of(m_transfers.begin(), m_transfers.end(), own))
+        return DeviceAnswer::fail(m_gone ? ENODEV : EAGAIN);
     waitUntil(next);
     const Nanoseconds now = clockNow();
-    const auto found = std::find_if(transfers_.begin(), transfers_.end(),
+    const auto found = std::find_if(m_transfers.begin(), m_transfers.end(),
                                     [&](const Transfer &transfer) { return own(transfer) && complete(transfer, now); });
-    if (found == transfers_.end())
+    if (found == m_transfers.end())
         return DeviceAnswer::fail(EAGAIN);
     handBack(call, *found);
-    transfers_.erase(found);
+    m_transfers.erase(found);
     return {};
 }
 

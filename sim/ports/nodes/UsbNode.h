@@ -13,7 +13,7 @@ class UsbNode {
 public:
     // `attachments` of the device while it is this node.
     UsbNode(UsbDevice &device, unsigned attachments, const Testbed &testbed)
-        : device_(device), attachments_(attachments), testbed_(testbed) {}
+        : m_device(device), m_attachments(attachments), m_testbed(testbed) {}
 
     DeviceAnswer serve(DeviceCall &call);
 
@@ -52,12 +52,12 @@ private:
     static bool complete(const Transfer &transfer, Nanoseconds now);
     static void handBack(const DeviceCall &call, const Transfer &transfer);
 
-    UsbDevice &device_;
-    unsigned attachments_;
-    const Testbed &testbed_;
-    bool gone_ = false;
-    std::uintptr_t owner_ = 0; // the file that has claimed the interface
-    std::deque<Transfer> transfers_;
+    UsbDevice &m_device;
+    unsigned m_attachments;
+    const Testbed &m_testbed;
+    bool m_gone = false;
+    std::uintptr_t m_owner = 0; // the file that has claimed the interface
+    std::deque<Transfer> m_transfers;
 };
 
 } // namespace sim

@@ -54,7 +54,7 @@ void closeAndForget(int &fd) {
 } // namespace
 
 bool Pty::open(const std::string &link, std::string &error) {
-    link_ = link;
+    m_link = link;
     if (!makeTerminal(error)) {
         close();
         return false;
@@ -70,12 +70,13 @@ bool Pty::open(const std::string &link, std::string &error) {
 // The slave is not opened by its name: libraries that stand in front of open() would come between.
 bool Pty::makeTerminal(std::string &error) {
     char name[64];
-    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0 && ptsname_r(master_, name, sizeof name) == 0) {
-        device_ = name;
-        slave_ = ioctl(master_, TIOCGPTPEER, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    m_master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (m_master >= 0 && grantpt(m_master) == 0 && unlockpt(m_master) == 0 &&
+        ptsname_r(m_master, name, sizeof name) == 0) {
+        m_device = name;
+        m_slave = ioctl(m_master, TIOCGPTPEER, O_RDWR | O_NOCTTY | O_CLOEXEC);
     }
-    if (slave_ < 0 || !makeRaw(slave_) || fcntl(master_, F_SETFL, O_NONBLOCK) != 0) {
+    if (m_slave < 0 || !makeRaw(m_slave) || fcntl(m_master, F_SETFL, O_NONBLOCK) != 0) {
         error = std::string("cannot make a pseudo terminal: ") + std::strerror(errno);
         return false;
     }
@@ -83,13 +84,13 @@ bool Pty::makeTerminal(std::string &error) {
 }
 
 bool Pty::makeLink(std::string &error) {
-    if (!mayReplace(link_)) {
-        error = "\"" + link_ + "\" is in the way";
+    if (!mayReplace(m_link)) {
+        error = "\"" + m_link + "\" is in the way";
         return false;
     }
-    const std::string temporary = link_ + "." + std::to_string(getpid());
-    if (symlink(device_.c_str(), temporary.c_str()) != 0 || std::rename(temporary.c_str(), link_.c_str()) != 0) {
-        error = "cannot make the link \"" + link_ + "\": " + std::strerror(errno);
+    const std::string temporary = m_link + "." + std::to_string(getpid());
+    if (symlink(m_device.c_str(), temporary.c_str()) != 0 || std::rename(temporary.c_str(), m_link.c_str()) != 0) {
+        error = "cannot make the link \"" + m_link + "\": " + std::strerror(errno);
         unlink(temporary.c_str());
         return false;
     }
@@ -100,71 +101,71 @@ bool Pty::makeLink(std::string &error) {
 // like one. The directory's own events, which nobody counts, keep those of the terminal apart.
 void Pty::watchClients() {
     constexpr std::uint32_t events = IN_OPEN | IN_CLOSE;
-    clients_ = 0;
-    left_ = heard_ = 0;
-    watch_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (watch_ >= 0) {
-        inotify_add_watch(watch_, terminals, events);
-        ownEvents_ = inotify_add_watch(watch_, device_.c_str(), events);
+    m_clients = 0;
+    m_left = m_heard = 0;
+    m_watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (m_watch >= 0) {
+        inotify_add_watch(m_watch, terminals, events);
+        m_ownEvents = inotify_add_watch(m_watch, m_device.c_str(), events);
     }
-    if (ownEvents_ < 0)
-        closeAndForget(watch_);
+    if (m_ownEvents < 0)
+        closeAndForget(m_watch);
 }
 
 void Pty::close() {
-    if (!device_.empty() && targetOf(link_) == device_)
-        unlink(link_.c_str());
-    device_.clear();
-    closeAndForget(watch_);
-    closeAndForget(slave_);
-    closeAndForget(master_);
+    if (!m_device.empty() && targetOf(m_link) == m_device)
+        unlink(m_link.c_str());
+    m_device.clear();
+    closeAndForget(m_watch);
+    closeAndForget(m_slave);
+    closeAndForget(m_master);
 }
 
 void Pty::followClients(Nanoseconds now) {
     alignas(struct inotify_event) char events[4096];
     ssize_t length = 0;
-    while (watch_ >= 0 && (length = ::read(watch_, events, sizeof events)) > 0) {
+    while (m_watch >= 0 && (length = ::read(m_watch, events, sizeof events)) > 0) {
         for (ssize_t at = 0; at < length;) {
             struct inotify_event event {};
             std::memcpy(&event, events + at, sizeof event);
             at += static_cast<ssize_t>(sizeof event + event.len);
-            if (event.wd != ownEvents_)
+            if (event.wd != m_ownEvents)
                 continue;
-            count(std::max(clients_ + ((event.mask & IN_OPEN) != 0 ? 1 : -1), 0), now);
+            count(std::max(m_clients + ((event.mask & IN_OPEN) != 0 ? 1 : -1), 0), now);
         }
     }
-    if (clients_ == 0 && heard_ > left_ + stragglers)
+    if (m_clients == 0 && m_heard > m_left + stragglers)
         count(1, now); // somebody is there: an event must have gone astray
 }
 
 void Pty::count(int clients, Nanoseconds now) {
-    const bool changed = (clients == 0) != (clients_ == 0);
-    clients_ = clients;
+    const bool changed = (clients == 0) != (m_clients == 0);
+    m_clients = clients;
     if (clients == 0) {
-        left_ = now;
+        m_left = now;
         lastClientLeft();
     }
-    if (changed && listener_)
-        listener_(clients > 0);
+    if (changed && m_listener)
+        m_listener(clients > 0);
 }
 
 // A real port forgets its unread bytes and its exclusive use when the last client closes it.
 void Pty::lastClientLeft() {
-    tcflush(slave_, TCIFLUSH);
-    ioctl(slave_, TIOCNXCL);
+    tcflush(m_slave, TCIFLUSH);
+    ioctl(m_slave, TIOCNXCL);
 }
 
 std::size_t Pty::read(std::uint8_t *bytes, std::size_t room, Nanoseconds now) {
-    const ssize_t length = ::read(master_, bytes, room);
+    const ssize_t length = ::read(m_master, bytes, room);
     if (length <= 0)
         return 0;
-    heard_ = now;
+    m_heard = now;
     return static_cast<std::size_t>(length);
 }
 
 bool Pty::write(const Bytes &bytes) {
-    const bool somebody = clients_ > 0 || watch_ < 0;
-    return somebody && ::write(master_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+    const bool somebody = m_clients > 0 || m_watch < 0;
+    return somebody && ::write(m_master, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
 }
 
 void Pty::drain() const {
@@ -172,7 +173,7 @@ void Pty::drain() const {
     constexpr int shortestMs = 5; // the kernel takes its time to hand bytes over
     int unread = 0;
     for (int ms = 0; ms < longestMs; ++ms) {
-        if (ms >= shortestMs && ioctl(slave_, FIONREAD, &unread) == 0 && unread == 0)
+        if (ms >= shortestMs && ioctl(m_slave, FIONREAD, &unread) == 0 && unread == 0)
             break;
         poll(nullptr, 0, 1);
     }
@@ -180,19 +181,19 @@ void Pty::drain() const {
 
 bool Pty::hangsUpOnClose() const {
     struct termios settings {};
-    return tcgetattr(slave_, &settings) == 0 && (settings.c_cflag & HUPCL) != 0;
+    return tcgetattr(m_slave, &settings) == 0 && (settings.c_cflag & HUPCL) != 0;
 }
 
 void Pty::hangUpOnClose() const {
     struct termios settings {};
-    if (tcgetattr(slave_, &settings) == 0) {
+    if (tcgetattr(m_slave, &settings) == 0) {
         settings.c_cflag |= HUPCL;
-        tcsetattr(slave_, TCSANOW, &settings);
+        tcsetattr(m_slave, TCSANOW, &settings);
     }
 }
 
 unsigned Pty::baud() const {
-    return lineRate(slave_);
+    return lineRate(m_slave);
 }
 
 } // namespace sim

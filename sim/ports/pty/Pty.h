@@ -23,15 +23,15 @@ public:
     // Takes the device away: clients see it gone. The link goes too, if it is still ours.
     void close();
 
-    int fd() const { return master_; }     // readable when a client has sent
-    int watchFd() const { return watch_; } // readable when a client opens or closes; -1 if unknown
+    int fd() const { return m_master; }     // readable when a client has sent
+    int watchFd() const { return m_watch; } // readable when a client opens or closes; -1 if unknown
 
     // Takes in who has come and gone; to be called between reading and writing, so that whoever is heard
     // is known. Behind the last client nothing it left behind stays for the next.
     void followClients(Nanoseconds now);
 
     // Who is to be told when the first client has opened the terminal (true) and the last has closed it.
-    void tellUse(std::function<void(bool used)> listener) { listener_ = std::move(listener); }
+    void tellUse(std::function<void(bool used)> listener) { m_listener = std::move(listener); }
 
     // Whether the control lines of a port with such lines fall when the last client leaves: as it has set it.
     bool hangsUpOnClose() const;
@@ -56,16 +56,16 @@ private:
     void count(int clients, Nanoseconds now);
     void lastClientLeft();
 
-    std::function<void(bool)> listener_;
-    std::string link_;
-    std::string device_;
-    int master_ = -1;
-    int slave_ = -1; // held open, so that the terminal outlives its clients
-    int watch_ = -1;
-    int ownEvents_ = -1; // those of watch_ that are counted
-    int clients_ = 0;
-    Nanoseconds left_ = 0;  // when the last client left
-    Nanoseconds heard_ = 0; // when one has last sent
+    std::function<void(bool)> m_listener;
+    std::string m_link;
+    std::string m_device;
+    int m_master = -1;
+    int m_slave = -1; // held open, so that the terminal outlives its clients
+    int m_watch = -1;
+    int m_ownEvents = -1; // those of m_watch that are counted
+    int m_clients = 0;
+    Nanoseconds m_left = 0;  // when the last client left
+    Nanoseconds m_heard = 0; // when one has last sent
 };
 
 } // namespace sim

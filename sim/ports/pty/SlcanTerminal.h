@@ -12,20 +12,20 @@ public:
     SlcanTerminal(std::string path, CanLine &bus, Log &log);
 
     bool open(std::string &error) override;
-    void close() override { pty_.close(); }
-    int fd() const override { return pty_.fd(); }
-    int watchFd() const override { return pty_.watchFd(); }
+    void close() override { m_pty.close(); }
+    int fd() const override { return m_pty.fd(); }
+    int watchFd() const override { return m_pty.watchFd(); }
     bool take(Nanoseconds now) override;
     bool give(const TimedFrame &frame) override;
-    void drain() const override { pty_.drain(); }
+    void drain() const override { m_pty.drain(); }
 
 private:
     void write(const std::string &text);
 
-    std::string path_;
-    Log &log_;
-    SlcanAdapter adapter_;
-    Pty pty_;
+    std::string m_path;
+    Log &m_log;
+    SlcanAdapter m_adapter;
+    Pty m_pty;
 };
 
 } // namespace sim

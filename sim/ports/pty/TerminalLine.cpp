@@ -14,39 +14,39 @@ constexpr Nanoseconds awakeBehind = 300 * microsecond;
 } // namespace
 
 TerminalLine::TerminalLine(Pty &pty, bool pace, Bootloader &bootloader, Faults &faults, Log &log)
-    : pty_(pty), pace_(pace), log_(log), protocol_(bootloader), line_(protocol_, faults) {}
+    : m_pty(pty), m_pace(pace), m_log(log), m_protocol(bootloader), m_line(m_protocol, faults) {}
 
 bool TerminalLine::work() {
     const bool taken = takeFromHost();
-    pty_.followClients(clockNow());
+    m_pty.followClients(clockNow());
     return giveToHost() || taken;
 }
 
 std::optional<Nanoseconds> TerminalLine::due(Nanoseconds now) const {
-    if (!line_.toHost().empty())
-        return line_.toHost().front().at - (pace_ ? awakeBefore : 0);
-    return pace_ && now - lastTraffic_ < awakeBehind ? std::optional(now) : std::nullopt;
+    if (!m_line.toHost().empty())
+        return m_line.toHost().front().at - (m_pace ? awakeBefore : 0);
+    return m_pace && now - m_lastTraffic < awakeBehind ? std::optional(now) : std::nullopt;
 }
 
 std::optional<Hangup> TerminalLine::hangup() const {
-    return line_.toHost().empty() ? line_.hangup() : std::nullopt;
+    return m_line.toHost().empty() ? m_line.hangup() : std::nullopt;
 }
 
 bool TerminalLine::takeFromHost() {
     std::uint8_t bytes[4096];
     const Nanoseconds now = clockNow();
-    const std::size_t length = pty_.read(bytes, sizeof bytes, now);
+    const std::size_t length = m_pty.read(bytes, sizeof bytes, now);
     if (length == 0)
         return false;
-    lastTraffic_ = now;
-    const unsigned baud = pace_ ? pty_.baud() : 0;
+    m_lastTraffic = now;
+    const unsigned baud = m_pace ? m_pty.baud() : 0;
     for (std::size_t i = 0; i < length; ++i)
-        line_.fromHost(bytes[i], now, baud);
+        m_line.fromHost(bytes[i], now, baud);
     return true;
 }
 
 bool TerminalLine::giveToHost() {
-    std::deque<TimedByte> &queue = line_.toHost();
+    std::deque<TimedByte> &queue = m_line.toHost();
     const Nanoseconds now = clockNow();
     Bytes due;
     while (!queue.empty() && queue.front().at <= now) {
@@ -55,9 +55,9 @@ bool TerminalLine::giveToHost() {
     }
     if (due.empty())
         return false;
-    lastTraffic_ = now;
-    if (!pty_.write(due))
-        log_.note("bytes for the host were lost: nobody reads");
+    m_lastTraffic = now;
+    if (!m_pty.write(due))
+        m_log.note("bytes for the host were lost: nobody reads");
     return true;
 }
 

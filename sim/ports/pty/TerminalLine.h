@@ -20,22 +20,22 @@ public:
     std::optional<Nanoseconds> due(Nanoseconds now) const;
 
     // What has not left yet is lost.
-    void forget() { line_.toHost().clear(); }
+    void forget() { m_line.toHost().clear(); }
 
     // Set when a fault unplugs the terminal and all that was to be delivered before that is.
     std::optional<Hangup> hangup() const;
-    void replug() { line_.replug(); }
+    void replug() { m_line.replug(); }
 
 private:
     bool takeFromHost();
     bool giveToHost();
 
-    Pty &pty_;
-    bool pace_;
-    Log &log_;
-    UsartProtocol protocol_;
-    UsartLine line_;
-    Nanoseconds lastTraffic_ = 0;
+    Pty &m_pty;
+    bool m_pace;
+    Log &m_log;
+    UsartProtocol m_protocol;
+    UsartLine m_line;
+    Nanoseconds m_lastTraffic = 0;
 };
 
 } // namespace sim

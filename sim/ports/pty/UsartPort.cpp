@@ -3,29 +3,29 @@
 namespace sim {
 
 UsartPort::UsartPort(const Machine &machine, std::string path)
-    : path_(std::move(path)), bootloader_(machine.chip, machine.faults, machine.log),
-      line_(pty_, machine.pace, bootloader_, machine.faults, machine.log) {}
+    : m_path(std::move(path)), m_bootloader(machine.chip, machine.faults, machine.log),
+      m_line(m_pty, machine.pace, m_bootloader, machine.faults, machine.log) {}
 
 bool UsartPort::plugIn(std::string &error) {
-    if (!pty_.open(path_, error))
+    if (!m_pty.open(m_path, error))
         return false;
-    ready_ = path_;
+    m_ready = m_path;
     return true;
 }
 
 void UsartPort::reset(Nanoseconds now) {
-    line_.forget();
-    bootloader_.reset(now);
+    m_line.forget();
+    m_bootloader.reset(now);
 }
 
 void UsartPort::losePower(Nanoseconds now) {
-    bootloader_.losePower(now);
-    line_.replug();
+    m_bootloader.losePower(now);
+    m_line.replug();
 }
 
 bool UsartPort::work(Nanoseconds now, std::string &) {
-    if (line_.work())
-        rest_.disturb(now);
+    if (m_line.work())
+        m_rest.disturb(now);
     return true;
 }
 

@@ -11,22 +11,22 @@ public:
     UsartPort(const Machine &machine, std::string path);
 
     bool plugIn(std::string &error) override;
-    void unplug() override { pty_.close(); }
-    std::string takeReady() override { return std::exchange(ready_, {}); }
+    void unplug() override { m_pty.close(); }
+    std::string takeReady() override { return std::exchange(m_ready, {}); }
     void reset(Nanoseconds now) override;
     void losePower(Nanoseconds now) override;
     bool work(Nanoseconds now, std::string &error) override;
-    std::vector<int> fds() const override { return {pty_.fd(), pty_.watchFd()}; }
-    std::optional<Nanoseconds> due(Nanoseconds now) override { return line_.due(now); }
-    std::optional<Hangup> hangup() const override { return line_.hangup(); }
-    void drain() override { pty_.drain(); }
+    std::vector<int> fds() const override { return {m_pty.fd(), m_pty.watchFd()}; }
+    std::optional<Nanoseconds> due(Nanoseconds now) override { return m_line.due(now); }
+    std::optional<Hangup> hangup() const override { return m_line.hangup(); }
+    void drain() override { m_pty.drain(); }
 
 private:
-    std::string path_;
-    std::string ready_;
-    Bootloader bootloader_;
-    Pty pty_;
-    TerminalLine line_;
+    std::string m_path;
+    std::string m_ready;
+    Bootloader m_bootloader;
+    Pty m_pty;
+    TerminalLine m_line;
 };
 
 // The port of --usart.

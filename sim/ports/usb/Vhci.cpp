@@ -49,19 +49,19 @@ std::string nodeIfThere(const std::string &path) {
 bool Vhci::choosePort(std::string &error) {
     std::ifstream status(controller + "/status");
     error = "the kernel has no vhci_hcd: modprobe vhci-hcd";
-    for (std::string line; port_ < 0 && std::getline(status, line);) {
+    for (std::string line; m_port < 0 && std::getline(status, line);) {
         int port = 0;
         unsigned state = 0;
         error = "no port of vhci_hcd is free";
         if (std::sscanf(line.c_str(), "hs %d %u", &port, &state) == 2 && state == freePort)
-            port_ = port;
+            m_port = port;
     }
-    return port_ >= 0;
+    return m_port >= 0;
 }
 
 // Gives the other end to the kernel.
 bool Vhci::hand(int fd, UsbSpeed speed, std::string &error) const {
-    const std::string words = std::to_string(port_) + " " + std::to_string(fd) + " " + std::to_string(deviceId) + " " +
+    const std::string words = std::to_string(m_port) + " " + std::to_string(fd) + " " + std::to_string(deviceId) + " " +
                               std::to_string(static_cast<int>(speed));
     const int attach = open((controller + "/attach").c_str(), O_WRONLY | O_CLOEXEC);
     const Nanoseconds end = clockNow() + longestRelease;
@@ -78,13 +78,13 @@ bool Vhci::hand(int fd, UsbSpeed speed, std::string &error) const {
 
 bool Vhci::plugIn(UsbSpeed speed, std::string &error) {
     int ends[2];
-    if (port_ < 0 && !choosePort(error))
+    if (m_port < 0 && !choosePort(error))
         return false;
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         error = std::string("cannot make a socket: ") + std::strerror(errno);
         return false;
     }
-    fd_ = ends[0];
+    m_fd = ends[0];
     const bool done = hand(ends[1], speed, error);
     close(ends[1]);
     if (!done)
@@ -93,8 +93,8 @@ bool Vhci::plugIn(UsbSpeed speed, std::string &error) {
 }
 
 void Vhci::unplug() {
-    if (fd_ >= 0)
-        close(std::exchange(fd_, -1));
+    if (m_fd >= 0)
+        close(std::exchange(m_fd, -1));
 }
 
 // The hub of 480 Mbit/s has the ports for all devices up to that.
@@ -102,7 +102,7 @@ std::string Vhci::directory() const {
     for (const std::string &hub : matches(controller + "/usb*")) {
         if (firstLine(hub + "/speed") == "480") {
             const std::string bus = hub.substr(hub.rfind("usb") + 3);
-            return hub + "/" + bus + "-" + std::to_string(port_ + 1);
+            return hub + "/" + bus + "-" + std::to_string(m_port + 1);
         }
     }
     return "";

@@ -22,7 +22,7 @@ public:
     void unplug();
 
     // Speaks USB/IP: see UsbIp.h. -1 while nothing is plugged in.
-    int fd() const { return fd_; }
+    int fd() const { return m_fd; }
 
     // The node that the kernel has made for the device, "" until it has. `pattern` leads to the entry of
     // that name below the device's directory in sysfs; without one it is the node that libusb opens.
@@ -33,8 +33,8 @@ private:
     bool hand(int fd, UsbSpeed speed, std::string &error) const;
     std::string directory() const;
 
-    int port_ = -1;
-    int fd_ = -1;
+    int m_port = -1;
+    int m_fd = -1;
 };
 
 } // namespace sim

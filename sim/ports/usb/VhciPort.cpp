@@ -16,60 +16,60 @@ constexpr Nanoseconds untilAnnounced = 5 * millisecond; // how often to look whe
 bool VhciPort::work(Nanoseconds, std::string &error) {
     giveToHost();
     if (!takeFromHost()) {
-        ended_ = true;
+        m_ended = true;
         return true;
     }
     return followPresence(error);
 }
 
 bool VhciPort::followPresence(std::string &error) {
-    const UsbPresence presence = device_.presence(clockNow());
-    ended_ = presence.forGood;
-    if (!presence.attached || presence.attachments != attachments_)
-        vhci_.unplug();
-    return !presence.attached || vhci_.fd() >= 0 || plugInDevice(error);
+    const UsbPresence presence = m_device.presence(clockNow());
+    m_ended = presence.forGood;
+    if (!presence.attached || presence.attachments != m_attachments)
+        m_vhci.unplug();
+    return !presence.attached || m_vhci.fd() >= 0 || plugInDevice(error);
 }
 
 bool VhciPort::plugInDevice(std::string &error) {
-    usbIp_.forget();
-    announced_ = false;
-    if (!vhci_.plugIn(UsbSpeed::full, error))
+    m_usbIp.forget();
+    m_announced = false;
+    if (!m_vhci.plugIn(UsbSpeed::full, error))
         return false;
     const Nanoseconds now = clockNow();
-    device_.busReset(now);
-    attachments_ = device_.presence(now).attachments;
+    m_device.busReset(now);
+    m_attachments = m_device.presence(now).attachments;
     return true;
 }
 
 std::optional<Nanoseconds> VhciPort::due(Nanoseconds now) {
-    const std::optional<Nanoseconds> due = usbIp_.nextDue(now);
-    if (announced_ || vhci_.fd() < 0)
+    const std::optional<Nanoseconds> due = m_usbIp.nextDue(now);
+    if (m_announced || m_vhci.fd() < 0)
         return due;
     return std::min(due.value_or(now + untilAnnounced), now + untilAnnounced);
 }
 
 void VhciPort::giveToHost() {
-    const Bytes bytes = usbIp_.takeDue(clockNow());
-    if (!bytes.empty() && vhci_.fd() >= 0)
-        send(vhci_.fd(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    const Bytes bytes = m_usbIp.takeDue(clockNow());
+    if (!bytes.empty() && m_vhci.fd() >= 0)
+        send(m_vhci.fd(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
 }
 
 // False when somebody has taken the device away from the kernel.
 bool VhciPort::takeFromHost() {
     std::uint8_t bytes[65536];
-    if (vhci_.fd() < 0)
+    if (m_vhci.fd() < 0)
         return true;
-    const ssize_t length = recv(vhci_.fd(), bytes, sizeof bytes, MSG_DONTWAIT);
+    const ssize_t length = recv(m_vhci.fd(), bytes, sizeof bytes, MSG_DONTWAIT);
     if (length < 0)
         return true;
     const Nanoseconds now = clockNow();
-    rest_.disturb(now);
-    return length > 0 && usbIp_.receive(bytes, static_cast<std::size_t>(length), now);
+    m_rest.disturb(now);
+    return length > 0 && m_usbIp.receive(bytes, static_cast<std::size_t>(length), now);
 }
 
 std::string VhciPort::takeReady() {
-    const std::string node = announced_ || vhci_.fd() < 0 ? "" : vhci_.node(node_);
-    announced_ = announced_ || !node.empty();
+    const std::string node = m_announced || m_vhci.fd() < 0 ? "" : m_vhci.node(m_node);
+    m_announced = m_announced || !node.empty();
     return node;
 }
 

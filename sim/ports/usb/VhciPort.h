@@ -10,17 +10,17 @@ namespace sim {
 class VhciPort : public Port {
 public:
     // `node` leads to the node of the driver that takes the device: see Vhci::node().
-    VhciPort(UsbDevice &device, std::string node) : device_(device), node_(std::move(node)), usbIp_(device) {}
+    VhciPort(UsbDevice &device, std::string node) : m_device(device), m_node(std::move(node)), m_usbIp(device) {}
 
     bool plugIn(std::string &error) override { return followPresence(error); }
-    void unplug() override { vhci_.unplug(); }
+    void unplug() override { m_vhci.unplug(); }
     std::string takeReady() override;
-    void reset(Nanoseconds now) override { device_.pressReset(now); }
-    void losePower(Nanoseconds now) override { device_.losePower(now); }
+    void reset(Nanoseconds now) override { m_device.pressReset(now); }
+    void losePower(Nanoseconds now) override { m_device.losePower(now); }
     bool work(Nanoseconds now, std::string &error) override;
-    std::vector<int> fds() const override { return {vhci_.fd()}; }
+    std::vector<int> fds() const override { return {m_vhci.fd()}; }
     std::optional<Nanoseconds> due(Nanoseconds now) override;
-    std::optional<Hangup> hangup() const override { return ended_ ? std::optional(Hangup{}) : std::nullopt; }
+    std::optional<Hangup> hangup() const override { return m_ended ? std::optional(Hangup{}) : std::nullopt; }
 
 private:
     bool plugInDevice(std::string &error);
@@ -28,13 +28,13 @@ private:
     void giveToHost();
     bool takeFromHost();
 
-    UsbDevice &device_;
-    const std::string node_;
-    Vhci vhci_;
-    UsbIp usbIp_;
-    unsigned attachments_ = 0;
-    bool announced_ = false;
-    bool ended_ = false; // unplugged for good
+    UsbDevice &m_device;
+    const std::string m_node;
+    Vhci m_vhci;
+    UsbIp m_usbIp;
+    unsigned m_attachments = 0;
+    bool m_announced = false;
+    bool m_ended = false; // unplugged for good
 };
 
 } // namespace sim
