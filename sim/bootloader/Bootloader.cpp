@@ -25,10 +25,10 @@ Bytes opcodesIn(const CommandTable *table) {
 }
 
 // The groups one by one; nothing when these are more or fewer bytes than they take.
-std::optional<std::vector<Bytes>> cut(const std::vector<Step> &steps, Bytes groups) {
+std::optional<std::vector<Bytes>> cut(const std::vector<GroupRow> &rows, Bytes groups) {
     std::vector<Bytes> parts;
-    for (const Step &step : steps) {
-        const std::size_t length = step.length(groups);
+    for (const GroupRow &row : rows) {
+        const std::size_t length = row.length(groups);
         if (length > groups.size())
             return std::nullopt;
         const auto end = groups.begin() + static_cast<std::ptrdiff_t>(length);
@@ -42,7 +42,7 @@ std::optional<std::vector<Bytes>> cut(const std::vector<Step> &steps, Bytes grou
 
 void Exchange::begin(const CommandRow &opened) {
     row = &opened;
-    step = 0;
+    group = 0;
     m_address.reset();
     m_answers = 0;
     m_outcome = {};
@@ -162,15 +162,15 @@ void Bootloader::feed(std::uint8_t byte, Nanoseconds now) {
 }
 
 void Bootloader::take(const Bytes &group, Nanoseconds now) {
-    const Step &step = m_exchange.row->steps[m_exchange.step];
-    ++m_exchange.step;
+    const GroupRow &row = m_exchange.row->groups[m_exchange.group];
+    ++m_exchange.group;
     m_exchange.now = now;
     if (m_exchange.refusedByFault())
         follow(m_exchange.refuse("fault"));
-    else if (!step.sound(group))
+    else if (!row.sound(group))
         follow(m_exchange.refuse("wrong checksum"));
     else
-        follow(step.act(m_exchange, group));
+        follow(row.act(m_exchange, group));
 }
 
 std::size_t Bootloader::groupLength(const Bytes &more) const {
@@ -180,7 +180,7 @@ std::size_t Bootloader::groupLength(const Bytes &more) const {
 }
 
 std::size_t Bootloader::lengthOf(const Bytes &group) const {
-    const std::size_t length = m_exchange.row->steps[m_exchange.step].length(group);
+    const std::size_t length = m_exchange.row->groups[m_exchange.group].length(group);
     return length != 0 ? length : m_exchange.expected();
 }
 
@@ -201,7 +201,7 @@ void Bootloader::whole(const CommandRow &row, const Bytes &groups, Nanoseconds n
 }
 
 void Bootloader::wholeBehindOpcode(const Bytes &groups) {
-    const std::optional<std::vector<Bytes>> parts = cut(m_exchange.row->steps, groups);
+    const std::optional<std::vector<Bytes>> parts = cut(m_exchange.row->groups, groups);
     if (!parts) {
         m_exchange.accept();
         follow(m_exchange.refuse("longer or shorter than this command"));

@@ -17,13 +17,13 @@ struct Output {
     Nanoseconds at = 0;
     bool reply = false;
     bool checked = false;   // a reply that ends in a check byte of its own
-    unsigned linkSpeed = 0; // behind it the link runs at so many bits per second; 0 for no change
+    unsigned linkSpeed = 0; // after it the link runs at so many bits per second; 0 for no change
 };
 
-// What a command does behind a group.
+// What a command does after a group.
 enum class Next { end, nextGroup, reset, leave, powerLost };
 
-// One command that is under way: what its steps may use and leave for each other.
+// One command that is under way: what its groups may use and leave for each other.
 class Exchange {
 public:
     Exchange(Chip &target, const Bytes &opcodes, Faults &faults, Log &log, std::vector<Output> &out)
@@ -36,7 +36,7 @@ public:
     void setAddress(std::uint32_t address) { m_address = address; }
     std::uint32_t address() const { return m_address.value_or(0); }
 
-    // Answers behind a group. refuse() tells the reason.
+    // Answers after a group. refuse() tells the reason.
     Next accept(Next next = Next::end);
     Next refuse(const std::string &why);
 
@@ -52,20 +52,21 @@ public:
     void send(const Bytes &bytes); // the whole reply
     void sendChecked(Bytes bytes); // and the XOR of its bytes, on every link
 
-    // The link changes its speed, bits per second, behind the answer that was just given.
+    // The link changes its speed, bits per second, after the answer that was just given.
     void changeLinkSpeed(unsigned speed);
 
     // What came of the last work, for links that tell more than a NACK.
     const Outcome &outcome() const { return m_outcome; }
 
-    // A group that tells the length of the next one, whose step can't: and what that one needs of it.
+    // For a group whose length the group before it tells, not its own first bytes: that length, and what it
+    // needs to know of the one before.
     void expect(std::size_t length, const Bytes &told);
     std::size_t expected() const { return m_expected; }
     const Bytes &told() const { return m_told; }
 
     void begin(const CommandRow &row);
     const CommandRow *row = nullptr;
-    std::size_t step = 0;
+    std::size_t group = 0; // which one belongs next
     Nanoseconds now = 0;
 
 private:
@@ -81,8 +82,8 @@ private:
     Bytes m_told;
 };
 
-// One group of bytes from the host.
-struct Step {
+// One group of bytes from the host, in the table of a command.
+struct GroupRow {
     std::size_t (*length)(const Bytes &arrived); // of the whole group, as far as what arrived tells; 0: see expect()
     bool (*sound)(const Bytes &group);           // its checksum
     Next (*act)(Exchange &exchange, const Bytes &group);
@@ -95,13 +96,13 @@ struct CommandRow {
     const char *name;
     Guard guard;
     Next (*begin)(Exchange &exchange); // answers the opcode
-    std::vector<Step> steps;
+    std::vector<GroupRow> groups;
 };
 
 // The `begin` of a command that only waits for its groups.
 Next awaitGroups(Exchange &exchange);
 
-// What a chip runs behind a reset.
+// What a chip runs after a reset.
 enum class Start { bootloader, application };
 
 using CommandTable = std::vector<CommandRow>;
@@ -138,7 +139,7 @@ public:
     void feed(std::uint8_t byte, Nanoseconds now);
 
     // Inside a command, for links that travel in messages: how long the group is that belongs next, as far
-    // as what has arrived of it and `more` behind that tell, and how much has arrived.
+    // as what has arrived of it and then `more` tell, and how much has arrived.
     std::size_t groupLength(const Bytes &more) const;
     std::size_t groupArrived() const { return m_group.size(); }
 
@@ -146,13 +147,14 @@ public:
     void refuseGroup(const std::string &why, Nanoseconds now);
 
     // A command in one message, its opcode and all its groups. One that is longer or shorter than that is
-    // refused behind its opcode, and nothing of it is carried out.
+    // refused after its opcode, and nothing of it is carried out.
     void whole(std::uint8_t opcode, const Bytes &groups, Nanoseconds now);
 
-    // The same for a command in a form that only this link has: in a row of its own, supported or not.
+    // The same with a row of the caller's own, for a link on which a command has a form that is in no table. The
+    // row need not be one of those that the chip supports.
     void whole(const CommandRow &row, const Bytes &groups, Nanoseconds now);
 
-    // How the last command went on behind its last answer, and what came of its work.
+    // How the last command went on after its last answer, and what came of its work.
     Next ended() const { return m_ended; }
     const Outcome &outcome() const { return m_exchange.outcome(); }
 
@@ -166,7 +168,7 @@ public:
     void answer(std::uint8_t byte, Nanoseconds now);
     void refuse(const std::string &why, Nanoseconds now);
 
-    // The last answer in front of a reset left only now, because the host had to fetch it: the chip starts now.
+    // The last answer before a reset left only now, because the host had to fetch it: the chip starts now.
     void startFrom(Nanoseconds now) { m_listensFrom = now + startTime; }
 
     // The reset button, and the power.

@@ -24,16 +24,16 @@ Next countOrCode(Exchange &x, const Bytes &group) {
         return x.goOn();
     }
     x.expect(5, payload(group, 0));
-    return usualEraseExt().steps[0].act(x, group);
+    return usualEraseExt().groups[0].act(x, group);
 }
 
-// The numbers, or behind the code of a block its address.
+// The numbers, or after the code of a block its address.
 Next numbersOrBlock(Exchange &x, const Bytes &group) {
     Bytes whole = x.told();
     if (number16(whole, 0) == wire::eraseBlock)
-        return usualEraseExt().steps[1].act(x, group);
+        return usualEraseExt().groups[1].act(x, group);
     whole.insert(whole.end(), group.begin(), group.end());
-    return usualEraseExt().steps[0].act(x, whole);
+    return usualEraseExt().groups[0].act(x, whole);
 }
 
 std::size_t asTold(const Bytes &) {

@@ -19,7 +19,7 @@ struct Outcome {
 };
 
 // A non-volatile array. Erased cells read FF, and only those can be programmed. The power can fail
-// behind each programming step; what the steps before it wrote stays.
+// after each programming step; what the steps before it wrote stays.
 class Cells {
 public:
     // `stepLength`: bytes that one programming step writes.
@@ -37,7 +37,7 @@ public:
 
     void erase(std::size_t offset, std::size_t length);
 
-    // For loading a saved content: the cells behind the physics.
+    // For loading a saved content: written as it is, without erasing or programming.
     std::uint8_t *raw() { return m_bytes.data(); }
 
     // Counts changes, so that an unchanged memory need not be saved.

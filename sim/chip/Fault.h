@@ -36,7 +36,7 @@ struct ByteEffect {
     unsigned lateMs = 0;
     std::uint8_t damage = 0; // XORed into the byte
     bool hangup = false;
-    std::optional<unsigned> replugMs; // behind a hang-up: plugged in again after that time
+    std::optional<unsigned> replugMs; // after a hang-up: plugged in again after that time
 };
 
 // The faults of one run, and the counters that they wait for.
@@ -56,13 +56,13 @@ public:
     // A command opens: counts it. False when the chip falls silent here.
     bool frame(std::uint8_t opcode);
 
-    // Whether answer number `answer` of the open command has to be a NACK; 0 is the one behind the opcode.
+    // Whether answer number `answer` of the open command has to be a NACK; 0 is the one after the opcode.
     bool refuses(unsigned answer);
 
     // Programming: asked before the first step of a write. True when the power goes.
     bool powerFails(CellKind cells);
 
-    // One programming step is done. True when the power goes behind it.
+    // One programming step is done. True when the power goes after it.
     bool programmed(CellKind cells);
 
 private:

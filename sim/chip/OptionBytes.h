@@ -4,7 +4,7 @@
 
 namespace sim {
 
-// The option bytes: every byte of the compact form lies in memory with its complement behind it.
+// The option bytes: every byte of the compact form lies in memory with its complement after it.
 class OptionBytes {
 public:
     OptionBytes(const ChipFacts &chip, Faults &faults);

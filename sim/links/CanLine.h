@@ -44,7 +44,7 @@ private:
     std::optional<Hangup> m_hangup;
 };
 
-// Bit times of a frame: those of its fields, the pause behind it, and one stuff bit for ten bits that can
+// Bit times of a frame: those of its fields, the pause after it, and one stuff bit for ten bits that can
 // be stuffed, which is more than random data and less than the worst need.
 unsigned bitsOf(const CanFrame &frame);
 

@@ -32,7 +32,7 @@ CanProtocol::CanProtocol(Bootloader &bootloader, Log &log)
 void CanProtocol::followReset() {
     if (m_resets != m_bootloader.resets()) {
         m_resets = m_bootloader.resets();
-        m_inStep = false;
+        m_synchronised = false;
         m_speed = wire::canStartSpeed;
         m_change.reset();
     }
@@ -86,7 +86,7 @@ bool CanProtocol::hears(const CanFrame &frame, Nanoseconds now) {
         return vain("the chip is at work");
     if (frame.id > lastOpcode)
         return vain("the identifier is the chip's own");
-    if (!m_inStep && (frame.id != wire::sync || !frame.data.empty()))
+    if (!m_synchronised && (frame.id != wire::sync || !frame.data.empty()))
         return vain("there was no opening frame");
     if (!frame.data.empty() && (m_bootloader.idle() || frame.id != m_opcode))
         return vain("its data belong to no open command");
@@ -97,7 +97,7 @@ void CanProtocol::open(std::uint8_t opcode, Nanoseconds now) {
     m_bootloader.drop("ended by another frame without data");
     m_opcode = opcode;
     if (opcode == wire::sync)
-        m_bootloader.answer(std::exchange(m_inStep, true) ? wire::nack : wire::ack, now);
+        m_bootloader.answer(std::exchange(m_synchronised, true) ? wire::nack : wire::ack, now);
     else
         m_bootloader.command(opcode, now);
     collect(opcode);

@@ -42,7 +42,7 @@ private:
     Bootloader &m_bootloader;
     Log &m_log;
     unsigned m_resets;
-    bool m_inStep = false;
+    bool m_synchronised = false;
     std::uint8_t m_opcode = 0; // of the command that is under way
     unsigned m_speed;
     std::optional<SpeedChange> m_change;

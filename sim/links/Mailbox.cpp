@@ -35,7 +35,7 @@ void Mailbox::opening(const Bytes &bytes, Nanoseconds now) {
     m_answers.insert(m_answers.end(), refusal.begin(), refusal.end());
 }
 
-// Behind a command or one of its groups.
+// After a command or one of its groups.
 void Mailbox::collect() {
     const std::vector<Output> output = m_bootloader.takeOutput();
     m_answers.insert(m_answers.end(), output.begin(), output.end());

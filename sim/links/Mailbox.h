@@ -9,7 +9,7 @@
 namespace sim {
 
 // The chip on a link where every group is one message and the host fetches the answers: they wait until it
-// does. A chip that resets or leaves behind its last answer stays there until that has been fetched.
+// does. A chip that resets or leaves after its last answer stays there until that has been fetched.
 class Mailbox {
 public:
     explicit Mailbox(Bootloader &bootloader) : m_bootloader(bootloader) {}
@@ -44,7 +44,7 @@ private:
 
     Bootloader &m_bootloader;
     std::deque<Output> m_answers;
-    std::optional<Next> m_departure; // a reset or the end, behind the last answer
+    std::optional<Next> m_departure; // a reset or the end, after the last answer
 };
 
 } // namespace sim

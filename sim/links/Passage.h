@@ -50,7 +50,7 @@ public:
 
     struct Ride {
         Passage passage;
-        std::vector<Nanoseconds> through; // when it is there: twice for what is doubled, never behind a hang-up
+        std::vector<Nanoseconds> through; // when it is there: twice for what is doubled, never after a hang-up
     };
 
     // Bytes that travel as one, from `ready` on, and take `bits` at that rate; 0 for no time.

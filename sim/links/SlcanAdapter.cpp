@@ -26,7 +26,7 @@ bool parseHex(std::string_view text, std::uint32_t &number) {
     return !text.empty() && result.ec == std::errc() && result.ptr == end;
 }
 
-// tiiiL, and behind it the bytes; T with eight digits of identifier; r and R without bytes.
+// tiiiL, and after it the bytes; T with eight digits of identifier; r and R without bytes.
 bool parseFrame(std::string_view line, CanFrame &frame) {
     const char kind = line[0];
     frame.extended = kind == 'T' || kind == 'R';

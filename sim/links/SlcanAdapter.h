@@ -40,7 +40,7 @@ private:
 
     struct Reply {
         bool done;
-        std::string text; // in front of the carriage return, or why not
+        std::string text; // before the carriage return, or why not
     };
 
     struct Command {

@@ -96,14 +96,14 @@ void SpiProtocol::take(const Bytes &message, Nanoseconds now) {
 void SpiProtocol::group(const Bytes &group, Nanoseconds now) {
     if (m_resets != m_bootloader.resets()) {
         m_resets = m_bootloader.resets();
-        m_inStep = false;
+        m_synchronised = false;
     }
     const bool opening = group == Bytes{wire::sync};
     if (opening) {
         m_bootloader.drop("ended by a new opening");
-        m_mailbox.answer(m_inStep ? wire::nack : wire::ack, now);
-        m_inStep = true;
-    } else if (m_inStep) {
+        m_mailbox.answer(m_synchronised ? wire::nack : wire::ack, now);
+        m_synchronised = true;
+    } else if (m_synchronised) {
         m_mailbox.group(group, now);
     } else {
         m_log.ignored("a message in front of the first 7F");

@@ -36,7 +36,7 @@ private:
     Faults &m_faults;
     Log &m_log;
     unsigned m_resets;
-    bool m_inStep = false;
+    bool m_synchronised = false;
     bool m_present = false; // what the chip was when it was selected
     bool m_working = false;
     Kind m_kind = Kind::none;

@@ -15,7 +15,7 @@ UsartProtocol::UsartProtocol(Bootloader &bootloader) : m_bootloader(bootloader),
 void UsartProtocol::followReset() {
     if (m_resets != m_bootloader.resets()) {
         m_resets = m_bootloader.resets();
-        m_inStep = false;
+        m_synchronised = false;
         m_opcode.reset();
     }
 }
@@ -44,9 +44,9 @@ void UsartProtocol::receive(std::uint8_t byte, Nanoseconds now) {
     now = std::max(now, m_bootloader.busyUntil());
     if (!m_bootloader.listening(now))
         return;
-    if (!m_inStep) {
+    if (!m_synchronised) {
         if (byte == wire::sync) {
-            m_inStep = true;
+            m_synchronised = true;
             m_bootloader.answer(wire::ack, now);
         }
         return;

@@ -6,7 +6,7 @@
 
 namespace sim {
 
-// How commands travel over USART: one byte to get in step, opcode and complement, and a limit to the
+// How commands travel over USART: one byte to synchronise, opcode and complement, and a limit to the
 // time between the bytes of a command. Fed one byte at a time, each with the time of its arrival.
 class UsartProtocol {
 public:
@@ -28,7 +28,7 @@ private:
 
     Bootloader &m_bootloader;
     unsigned m_resets;
-    bool m_inStep = false;
+    bool m_synchronised = false;
     std::optional<std::uint8_t> m_opcode; // its complement is still to come
     Nanoseconds m_last = 0;
 };

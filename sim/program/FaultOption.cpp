@@ -12,7 +12,7 @@ struct FaultName {
     std::string_view name;
     FaultKind kind;
     Direction direction;
-    std::uint64_t first;    // the lowest number that may stand behind the @
+    std::uint64_t first;    // the lowest number that may stand after the @
     const char *parameters; // what may follow it, as `--help` writes it
 };
 
@@ -76,7 +76,7 @@ bool parseCells(std::string_view text, Fault &fault) {
     return fault.cells.has_value();
 }
 
-// What stands behind the number; parts[0] is the number itself.
+// What stands after the number; parts[0] is the number itself.
 bool parseParameters(const std::vector<std::string_view> &parts, Fault &fault) {
     constexpr unsigned longestMs = 3600000;
     const std::size_t given = parts.size() - 1;

@@ -149,7 +149,7 @@ constexpr OptionRow rows[] = {
     {"help", no_argument, setTask<Options::Task::help>},
 };
 
-// The words of the table, and behind them those of the ports.
+// The words of the table, and after them those of the ports.
 std::vector<struct option> longOptions(const PortKinds &kinds) {
     std::vector<struct option> list;
     for (const OptionRow &row : rows)
@@ -173,7 +173,7 @@ bool setPort(Options &options, const PortKind &kind, const char *value, std::str
     return !kind.argument || !options.port.empty();
 }
 
-// The value of a port's word. One that may be left out stands behind a = or, if no other word follows, alone.
+// The value of a port's word. One that may be left out stands after a = or, if no other word follows, alone.
 const char *valueOf(const PortKind &kind, int argc, char **argv) {
     const bool alone = kind.usual != nullptr && optarg == nullptr && optind < argc && argv[optind][0] != '-';
     return alone ? argv[optind++] : optarg;

@@ -137,7 +137,7 @@ TEST_F(BoardTest, aSilentChipAnswersAgainBehindAReset) {
     EXPECT_EQ(faulty.play(AFTER_RESET "H: 02 FD\nC: 79 04 03 47 70 05 07 79"), "");
 }
 
-// What the thirteen rows of the console do, one letter a step: D and R drive that line high, d and r low. The
+// What the thirteen rows of the console do, one letter a move: D and R drive that line high, d and r low. The
 // line of reset, that of boot, then both into the other state.
 constexpr std::array<const char *, 13> rows = {"",   "dD",   "drDR", "dRDr", "Dd",   "DrdR", "DRdr",
                                                "rR", "rdRD", "rDRd", "Rr",   "RdrD", "RDrd"};
@@ -171,16 +171,16 @@ bool atEase(const Wiring &wiring, ControlLine line) {
     return bootActive || resetAtRest;
 }
 
-char tryRow(const Wiring &wiring, const char *steps) {
+char tryRow(const Wiring &wiring, const char *moves) {
     Rig rig("ZV32F403A_1024K");
     Board board(wiring, rig.bootloader, rig.log, rig.now);
     board.setLines(atEase(wiring, ControlLine::dtr), atEase(wiring, ControlLine::rts), rig.now);
     board.button(rig.now);
     EXPECT_EQ(rig.play(AFTER_RESET "H: 21 DE\nC: 79\nH: 08 00 00 00 08\nC: 79"), "");
     board.setLines(true, true, rig.now); // somebody opens the port
-    for (const char *step = steps; *step != '\0'; ++step) {
-        const bool dtr = *step == 'D' || (*step != 'd' && board.dtr());
-        const bool rts = *step == 'R' || (*step != 'r' && board.rts());
+    for (const char *move = moves; *move != '\0'; ++move) {
+        const bool dtr = *move == 'D' || (*move != 'd' && board.dtr());
+        const bool rts = *move == 'R' || (*move != 'r' && board.rts());
         rig.now += 100 * millisecond;
         board.setLines(dtr, rts, rig.now);
     }
@@ -191,8 +191,8 @@ char tryRow(const Wiring &wiring, const char *steps) {
 TEST(AutoConnect, whichRowsReachWhichBoards) {
     for (std::size_t board = 0; board < boards.size(); ++board) {
         std::string reached;
-        for (const char *steps : rows)
-            reached += tryRow(wired(boards[board].wiring), steps);
+        for (const char *moves : rows)
+            reached += tryRow(wired(boards[board].wiring), moves);
         EXPECT_EQ(reached, boards[board].reached) << board;
         EXPECT_TRUE(board == 0 || reached[board] == 'B') << board;
     }

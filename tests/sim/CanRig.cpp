@@ -132,7 +132,7 @@ std::string CanRig::act(const std::string &text) {
     return "";
 }
 
-std::string CanRig::step(const std::string &text) {
+std::string CanRig::playLine(const std::string &text) {
     if (text.rfind("C:", 0) == 0)
         return compare(text.substr(2));
     if (text.rfind("told ", 0) == 0) {
@@ -150,7 +150,7 @@ std::string CanRig::play(const std::string &conversation) {
         const std::size_t first = text.find_first_not_of(' ');
         if (first == std::string::npos || text[first] == '#')
             continue;
-        const std::string wrong = step(text.substr(first));
+        const std::string wrong = playLine(text.substr(first));
         if (!wrong.empty())
             return "line " + std::to_string(number) + " \"" + text.substr(first) + "\": " + wrong;
     }

@@ -40,20 +40,20 @@ public:
     unsigned speed = 0;
 
 protected:
-    virtual void say(const std::string &text); // what stands behind H:, cut at the slashes
+    virtual void say(const std::string &text); // what stands after H:, cut at the slashes
     virtual std::vector<std::string> heard();  // in the words of C:
 
 private:
     std::string nextTold();
     std::string compare(const std::string &wanted);
     std::string act(const std::string &text);
-    std::string step(const std::string &text);
+    std::string playLine(const std::string &text);
 
     std::deque<std::string> m_unread;
     std::size_t m_toldTo = 0;
 };
 
-// The same with a serial-line adapter in front. Behind H: and C: stand its lines: "t0310", "z"; an answer
+// The same with a serial-line adapter in front. After H: and C: stand its lines: "t0310", "z"; an answer
 // without text is ".", a bell "!".
 class AdapterRig : public CanRig {
 public:

@@ -8,7 +8,7 @@ namespace {
 
 using sim::UsbRig;
 
-// A block whose GETSTATUS finds it done at once, and the words behind it.
+// A block whose GETSTATUS finds it done at once, and the words after it.
 #define GETSTATUS "\nH: A1 03 00 00 00 00 06 00\n"
 #define DONE "\nC: done" GETSTATUS "C: 00 00 00 00 04 00" GETSTATUS "C: 00 00 00 00 05 00\n"
 #define REFUSED(STATUS) "\nC: done" GETSTATUS "C: 00 00 00 00 04 00" GETSTATUS "C: " STATUS " 00 00 00 0A 00\n"

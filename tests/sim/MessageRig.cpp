@@ -24,14 +24,14 @@ std::string MessageRig::play(const std::string &conversation) {
         else if (word == "button")
             button();
         else
-            wrong = step(word, rest);
+            wrong = playLine(word, rest);
         if (!wrong.empty())
             return "line " + std::to_string(number) + " \"" + word + rest + "\": " + wrong;
     }
     return "";
 }
 
-std::string I2cRig::step(const std::string &word, const std::string &rest) {
+std::string I2cRig::playLine(const std::string &word, const std::string &rest) {
     const bool acknowledged = word[1] == ':';
     if (word == "W:" || word == "W!") {
         const bool done = protocol.write(parseBytes(rest), now);
@@ -56,7 +56,7 @@ Bytes SpiRig::message(const Bytes &out) {
     return in;
 }
 
-std::string SpiRig::step(const std::string &word, const std::string &rest) {
+std::string SpiRig::playLine(const std::string &word, const std::string &rest) {
     Bytes out = parseBytes(rest.substr(0, rest.find('=')));
     Bytes wanted(out.size());
     if (word == "X:")

@@ -32,7 +32,7 @@ protected:
                const CommandTable *variants);
 
     // A line of the link. Returns what happened in the place of what it says; empty for nothing else.
-    virtual std::string step(const std::string &word, const std::string &rest) = 0;
+    virtual std::string playLine(const std::string &word, const std::string &rest) = 0;
     virtual void button() = 0;
 };
 
@@ -48,7 +48,7 @@ public:
     I2cProtocol protocol{bootloader, faults};
 
 private:
-    std::string step(const std::string &word, const std::string &rest) override;
+    std::string playLine(const std::string &word, const std::string &rest) override;
     void button() override { protocol.reset(now); }
 };
 
@@ -67,7 +67,7 @@ public:
     SpiProtocol protocol{bootloader, faults, log};
 
 private:
-    std::string step(const std::string &word, const std::string &rest) override;
+    std::string playLine(const std::string &word, const std::string &rest) override;
     void button() override { protocol.reset(now); }
 };
 

@@ -120,7 +120,7 @@ const sim::Vector protecting[] = {
         H: 00 00 00 04 04
         C: 79
     )"},
-    // 4096-byte sectors: one a bit in the first 128 KiB, 128 KiB a bit behind.
+    // 4096-byte sectors: one a bit in the first 128 KiB, 128 KiB a bit after.
     {"wide_groups", "ZV32F437_4032K", SYNC R"(
         H: 63 9C
         C: 79
@@ -209,7 +209,7 @@ const sim::Vector protecting[] = {
         C: 79
         H: 00 01 02
         C: 1F
-        # no reset: still in step
+        # no reset: still synchronised
         H: 7F
         C: 1F
         H: 44 BB

@@ -117,7 +117,7 @@ TEST_F(UsbIpTest, aReadingTransferWaitsForData) {
     ASSERT_TRUE(send(fetch2));
     EXPECT_EQ(due(), "");
     device.toFetch = {0x79};
-    due(); // looks for data behind what is due
+    due(); // looks for data after what is due
     EXPECT_EQ(due(), "00 00 00 03 00 00 00 21 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 01" +
                          twentyZeros + " 79");
 }

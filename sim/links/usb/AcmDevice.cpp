@@ -134,7 +134,7 @@ void AcmDevice::busReset(Nanoseconds) {
     m_standard.reset();
 }
 
-// A fault unplugs behind the bytes that were under way.
+// A fault unplugs after the bytes that were under way.
 void AcmDevice::followHangup(Nanoseconds now) {
     if (const std::optional<Nanoseconds> since = m_plug.pluggedInAgain(now))
         powerUp(*since);

@@ -56,16 +56,16 @@ const CommandRow writeRow = {wire::opWrite, "WRITE", Guard::access, awaitGroups,
 const CommandRow eraseRow = {wire::opEraseExt, "ERASE", Guard::access, awaitGroups, {{eraseLength, unchecked, erase}}};
 const CommandRow goRow = {wire::opGo, "GO", Guard::access, awaitGroups, {{exactly<4>, unchecked, go}}};
 
-// ---- ERASE_EXT, whose second group would only be asked for behind the first
+// ---- ERASE_EXT, whose second group would only be asked for after the first
 
 constexpr std::size_t codeLength = 3;
 constexpr std::size_t blockLength = 5;
 
-const Step &usualEraseExt() {
+const GroupRow &usualEraseExt() {
     const CommandTable &table = fixedCommands();
     return std::find_if(table.begin(), table.end(),
                         [](const CommandRow &row) { return row.opcode == wire::opEraseExt; })
-        ->steps[0];
+        ->groups[0];
 }
 
 bool namesBlock(const Bytes &group) {
@@ -186,7 +186,7 @@ DfuCommands::Result DfuCommands::setPointer(const Bytes &rest, Nanoseconds now) 
     return {DfuStatus::ok, Next::end, now};
 }
 
-// A NACK behind the opcode and one behind a group are told apart, and so is what the memory itself refused.
+// A NACK after the opcode and one after a group are told apart, and so is what the memory itself refused.
 DfuCommands::Result DfuCommands::conclude(DfuStatus refusal) {
     const std::vector<Output> outputs = m_bootloader.takeOutput();
     bool refused = false;

@@ -24,7 +24,7 @@ public:
 
     struct Result {
         DfuStatus status;
-        Next ended;     // whether the chip resets behind it, runs its own code, or has lost its power
+        Next ended;     // whether the chip resets after it, runs its own code, or has lost its power
         Nanoseconds at; // when the work is done
     };
 

@@ -42,7 +42,7 @@ Bytes deviceDescriptor(const ChipFacts &chip) {
 // With its interface, and the functional descriptor of DFU 1.1, 4.1.3.
 Bytes configurationDescriptor() {
     constexpr std::uint8_t total = 9 + 9 + 9;
-    constexpr std::uint8_t downAndUp = 0x03; // not manifestation tolerant: behind leaving the device is gone
+    constexpr std::uint8_t downAndUp = 0x03; // not manifestation tolerant: after leaving the device is gone
     return {9,
             2,
             total,

@@ -18,7 +18,7 @@ enum RequestNumber : std::uint8_t { detach, dnload, upload, getStatus, clrStatus
 constexpr std::uint16_t statusLength = 6;
 constexpr Nanoseconds longestPoll = 0xFFFFFF; // milliseconds, in three bytes
 
-// A device that resets or runs its own code waits until the answer in front of it has arrived; a host that
+// A device that resets or runs its own code waits until the answer before it has arrived; a host that
 // does not ask for the answer gets so much longer than the poll time.
 constexpr Nanoseconds behindAnswer = millisecond;
 constexpr Nanoseconds withoutAnswer = 50 * millisecond;

@@ -72,7 +72,7 @@ private:
     };
     std::optional<Block> m_pending; // to be carried out at the next GETSTATUS
     Nanoseconds m_busyUntil = 0;
-    Next m_ended = Next::end; // what comes behind the answer that the work is done
+    Next m_ended = Next::end; // what comes after the answer that the work is done
     bool m_said = false;      // that answer has been given
 
     unsigned m_attachments = 1;

@@ -17,8 +17,8 @@ enum Command : std::uint8_t {
     setDelayCommand = 2, // half a clock period in microseconds, in wValue
     statusCommand = 3,
     messageCommand = 4, // in the middle of a transfer
-    messageFirst = 5,   // behind a start
-    messageLast = 6,    // with a stop behind it
+    messageFirst = 5,   // after a start
+    messageLast = 6,    // with a stop after it
     messageAlone = 7,   // both
 };
 

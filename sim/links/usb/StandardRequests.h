@@ -15,7 +15,7 @@ public:
     // A request with UsbSetup::standard().
     UsbAnswer answer(const UsbSetup &setup, Nanoseconds now);
 
-    // Behind a reset of the bus, and when the device comes back.
+    // After a reset of the bus, and when the device comes back.
     void reset();
 
     // Whether the host has chosen the configuration.

@@ -7,13 +7,13 @@
 namespace sim {
 
 // A device's end of USB/IP, as Linux' vhci_hcd speaks it to a device that it has been given: messages of 48
-// bytes, and the data of the transfers behind them, numbers highest byte first (Documentation/usb/
+// bytes, and the data of the transfers after them, numbers highest byte first (Documentation/usb/
 // usbip_protocol.rst of the kernel). No isochronous transfers. A reset of the port does not travel.
 class UsbIp {
 public:
     explicit UsbIp(UsbDevice &device) : m_device(device) {}
 
-    // Behind an unplugging: nothing of before holds any more.
+    // After an unplugging: nothing of before holds any more.
     void forget();
 
     // What the host has sent, in any pieces. False when it cannot be USB/IP, or wants what is not here.

@@ -12,7 +12,8 @@ public:
     // Unplugs it; plugged in again after that time, without one never.
     void unplug(std::optional<unsigned> replugMs, Nanoseconds now);
 
-    // When it has been plugged in again by now: since when. Told once; the device is as after power on then.
+    // To be asked at every turn: the time at which it was plugged in again, once that is past. Told once, for
+    // the device to start anew then; after that, and before it, nothing.
     std::optional<Nanoseconds> pluggedInAgain(Nanoseconds now);
 
     // It was away for no time at all.

@@ -26,7 +26,7 @@ private:
     std::map<unsigned, std::shared_ptr<UsbNode>> m_nodes;
 };
 
-// A port of the bus with a device that may come and go: keeps what the testbed shows in step with it.
+// A port of the bus with a device that may come and go: keeps the testbed up to date with it.
 class HubPort {
 public:
     HubPort(Hub &hub, unsigned port, UsbDevice &device) : m_hub(hub), m_port(port), m_device(device) {}

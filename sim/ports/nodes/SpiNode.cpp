@@ -172,7 +172,7 @@ DeviceAnswer SpiNode::transferAll(const ClientMemory &transfers) {
     return {static_cast<long>(total), 0};
 }
 
-// The chip stays selected between the transfers of a call, and not behind the last; cs_change tells of an
+// The chip stays selected between the transfers of a call, and not after the last; cs_change tells of an
 // exception in both cases.
 DeviceAnswer SpiNode::transfer(const ClientMemory &transfers, std::size_t at, bool last) {
     const auto asked = transfers.get<spi_ioc_transfer>(at);

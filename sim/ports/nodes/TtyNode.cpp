@@ -97,7 +97,7 @@ void TtyNode::workByItself(Nanoseconds) {
     }
 }
 
-// The driver raises the lines for the first who opens the port. Behind the last it lowers them unless told
+// The driver raises the lines for the first who opens the port. After the last it lowers them unless told
 // not to, and forgets that it was.
 void TtyNode::follow(bool used) {
     if (used) {

@@ -21,7 +21,7 @@ namespace sim {
 namespace {
 
 constexpr char terminals[] = "/dev/pts/";
-constexpr Nanoseconds stragglers = 10 * millisecond; // bytes of a client may arrive behind the news of its end
+constexpr Nanoseconds stragglers = 10 * millisecond; // bytes of a client may arrive after the news of its end
 
 std::string targetOf(const std::string &link) {
     char text[4096];

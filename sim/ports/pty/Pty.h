@@ -27,7 +27,7 @@ public:
     int watchFd() const { return m_watch; } // readable when a client opens or closes; -1 if unknown
 
     // Takes in who has come and gone; to be called between reading and writing, so that whoever is heard
-    // is known. Behind the last client nothing it left behind stays for the next.
+    // is known. After the last client nothing it left behind stays for the next.
     void followClients(Nanoseconds now);
 
     // Who is to be told when the first client has opened the terminal (true) and the last has closed it.

@@ -7,7 +7,7 @@ namespace sim {
 namespace {
 
 // At a pace every wake-up from sleep would add its latency to the line. So this close before a byte is
-// due, and this long behind one, when the host is about to go on, the line stays awake.
+// due, and this long after one, when the host is about to go on, the line stays awake.
 constexpr Nanoseconds awakeBefore = 100 * microsecond;
 constexpr Nanoseconds awakeBehind = 300 * microsecond;
 

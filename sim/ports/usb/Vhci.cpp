@@ -22,7 +22,7 @@ namespace {
 const std::string controller = "/sys/devices/platform/vhci_hcd.0";
 constexpr unsigned freePort = 4;                   // VDEV_ST_NULL
 constexpr unsigned deviceId = 1 << 16 | 2;         // where it was taken from: a bus and a device there. Anything.
-constexpr Nanoseconds longestRelease = 2 * second; // the kernel frees a port some time behind its unplugging
+constexpr Nanoseconds longestRelease = 2 * second; // the kernel frees a port some time after its unplugging
 
 std::string firstLine(const std::string &path) {
     std::ifstream file(path);

@@ -1,11 +1,11 @@
-// CAN: getting in step, and what is no frame of a command.
+// CAN: the opening frame, and what is no frame of a command.
 
 #include "tests/sim/CanVectors.h"
 
 namespace sim {
 namespace {
 
-const CanVector steps[] = {
+const CanVector openings[] = {
     {"opening_frame_ack_then_nack", {}, R"(
         H: 07F
         C: 17F 79
@@ -151,7 +151,7 @@ const CanVector steps[] = {
         told ignored: frame 002: there was no opening frame
     )" OPEN},
 };
-CAN_VECTORS(CanStep, steps);
+CAN_VECTORS(CanOpening, openings);
 
 } // namespace
 } // namespace sim

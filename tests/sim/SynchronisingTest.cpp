@@ -1,10 +1,10 @@
-// Getting in step, and the time limits.
+// Synchronising, and the time limits.
 
 #include "tests/sim/Vectors.h"
 
 namespace {
 
-const sim::Vector gettingInStep[] = {
+const sim::Vector synchronising[] = {
     {"sync_first_ack_then_nack", "ZV32F403A_1024K", R"(
         H: 7F
         C: 79
@@ -139,6 +139,6 @@ const sim::Vector gettingInStep[] = {
         C: 1F
     )"},
 };
-WIRE_VECTORS(Step, gettingInStep);
+WIRE_VECTORS(Synchronising, synchronising);
 
 } // namespace
