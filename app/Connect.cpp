@@ -6,10 +6,10 @@
 
 #include <QList>
 
+#include "app/Link.h"
 #include "app/LinkCommands.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"
-#include "app/Walk.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
 #include "link/CCom.h"

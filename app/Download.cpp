@@ -1,8 +1,11 @@
+#include "app/Download.h"
+
 #include <filesystem>
 
 #include <QThread>
 
-#include "app/Memory.h"
+#include "app/FileNames.h"
+#include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
 #include "app/Spim.h"

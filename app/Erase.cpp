@@ -1,6 +1,9 @@
-#include "app/Memory.h"
+#include "app/Erase.h"
+
+#include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
+#include "app/Sectors.h"
 #include "app/SubOptions.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"

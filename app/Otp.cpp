@@ -1,43 +1,16 @@
 #include "app/Otp.h"
 
 #include "app/FileNames.h"
-#include "app/Memory.h"
+#include "app/Link.h"
 #include "app/OtpFile.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"
-#include "app/Walk.h"
 #include "link/CCom.h"
 #include "link/ZVBLLIB.h"
 
 namespace {
 
 constexpr int blockLength = sizeof(OTP_CONFIG_INFO::pData);
-
-struct OtpArea {
-    unsigned int dataAddress;
-    int dataLength; // bytes
-    unsigned int lockAddress;
-    int lockLength; // bytes
-};
-
-const OtpArea noArea = {0, 0, 0, 0};
-const OtpArea largeArea = {0x1FFFE400, 4096, 0x1FFFF500, 128};
-const OtpArea smallArea = {0x1FFFF000, 1024, 0x1FFFF500, 128};
-
-const struct {
-    MCUSERIALS family;
-    const OtpArea &area;
-} areas[] = {
-    {ZV32F455, largeArea}, {ZV32F456, largeArea}, {ZV32F457, largeArea}, {ZV32M412, smallArea},
-    {ZV32M416, smallArea}, {ZV32G412, smallArea}, {ZV32F422, smallArea}, {ZV32F426, smallArea},
-};
-
-const OtpArea &areaOf(int family) {
-    for (const auto &row : areas)
-        if (row.family == family)
-            return row.area;
-    return noArea;
-}
 
 bool write(CCom *obCCom, unsigned int address, BYTE *data, unsigned int length) {
     return ZVBL_DNLOAD(obCCom->m_handle, address, data, length, 0) == 0;
@@ -73,7 +46,7 @@ int program(CCom *obCCom) {
 } // namespace
 
 void InitOTPAndLOCKInfo() {
-    const OtpArea &area = areaOf(familyOf(m_obCCom));
+    const OtpArea &area = familyOf(m_obCCom).otp;
     g_shareParameter.OTP_Data_Address = area.dataAddress;
     g_shareParameter.OTP_Data_Length = area.dataLength;
     g_shareParameter.OTP_Lock_Address = area.lockAddress;

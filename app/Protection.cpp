@@ -1,11 +1,9 @@
 #include "app/Protection.h"
 
-#include <algorithm>
-#include <iterator>
-
-#include "app/Memory.h"
+#include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
+#include "app/Sectors.h"
 #include "app/SubOptions.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
@@ -13,17 +11,8 @@
 
 namespace {
 
-// Families whose high level of access protection nothing can take back.
-const MCUSERIALS confirmedFamilies[] = {ZV32F425, ZV32F423, ZV32A423, ZV32L021, ZV32F405, ZV32F402, ZV32F455, ZV32F456,
-                                        ZV32F457, ZV32F490, ZV32M412, ZV32M416, ZV32G412, ZV32F422, ZV32F426};
 const char *const confirmText = "ZV32F425/F423/A423/L021/F405/F402/F455/F456/F457/F490/M412/M416/G412/F422/F426 need "
                                 "a parameter \"--y\" for operation \"--efap2\"!";
-
-bool needsConfirmation(const CCom *obCCom) {
-    const int family = familyOf(obCCom);
-    return std::any_of(std::begin(confirmedFamilies), std::end(confirmedFamilies),
-                       [family](MCUSERIALS listed) { return listed == family; });
-}
 
 int runOr(int failure, CCom *obCCom) {
     return runJob(obCCom) ? OP_SUCCESS : failure;
@@ -36,7 +25,7 @@ int enableAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
 }
 
 int enableHighAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
-    if (!needsConfirmation(obCCom)) {
+    if (!familyOf(obCCom).has(confirmsHighProtection)) {
         walk.takeBack();
     } else if (ShareParameter::ToLower(walk.value()) != "--y") {
         printLine(confirmText);

@@ -1,6 +1,8 @@
+#include "app/RunAtAddress.h"
+
 #include <cstdio>
 
-#include "app/Memory.h"
+#include "app/Link.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"
 #include "foundation/ShareParameter.h"

@@ -1,17 +1,13 @@
-#include "app/Memory.h"
-#include "app/SubOptions.h"
+#include "app/Sectors.h"
+
+#include "app/Link.h"
+#include "device/Device.h"
 #include "foundation/ShareParameter.h"
-#include "link/BootLoader.h"
-#include "link/CCom.h"
 
 namespace {
 
 // As many SPIM sectors of 4096 bytes as 32 bits can address. More would fill the memory and reach no chip.
 constexpr qint64 mostSectors = 1 << 20;
-
-const CDevice *deviceOf(const CCom *obCCom) {
-    return hasBootLoader(obCCom) ? obCCom->m_ObBootLoader->m_ObDevice : nullptr;
-}
 
 int flashSectors(const CDevice &device) {
     if (device.m_ISectorSize == 0)
@@ -33,20 +29,14 @@ SectorRange parseSectorRange(const std::string &word) {
             g_shareParameter.StringToInt32(word.substr(hyphen + 1, word.size() - 1), 10)};
 }
 
-int familyOf(const CCom *obCCom) {
-    const CDevice *device = deviceOf(obCCom);
-    return device == nullptr ? 0 : g_shareParameter.StringToInt32(device->m_StrSerial, 16);
-}
-
 bool IsSectorsValid(int beginN, int endN, const CCom *obCCom) {
     const CDevice *device = deviceOf(obCCom);
     if (beginN < 0 || endN < beginN || device == nullptr)
         return false;
     if (!device->m_haveBank3)
         return endN < flashSectors(*device);
-    // MEANT: with SPIM enabled these four families take any number and all others none.
-    const int iserial = familyOf(obCCom);
-    return iserial == ZV32F403_2 || iserial == ZV32F413 || iserial == ZV32F403A || iserial == ZV32F407;
+    // MEANT: with SPIM enabled some families take any number and all others none.
+    return familyOf(*device).has(takesAnySpimSector);
 }
 
 bool appendSectors(const std::string &word, const CCom *obCCom, QList<int> &sectors) {

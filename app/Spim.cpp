@@ -4,7 +4,8 @@
 
 #include <QString>
 
-#include "app/Memory.h"
+#include "app/FileNames.h"
+#include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"

@@ -4,7 +4,6 @@
 
 #include "app/Report.h"
 #include "app/Words.h"
-#include "link/CCom.h"
 
 std::string wordAt(int argc, char **argv, int index) {
     if (index >= argc || argv[index] == nullptr)
@@ -38,8 +37,4 @@ std::string SubOptionWalk::value() const {
 
 void SubOptionWalk::reportBadParameter() const {
     WriteBadParameterInfor(argv, argIndex);
-}
-
-bool hasBootLoader(const CCom *obCCom) {
-    return obCCom != nullptr && obCCom->m_ObBootLoader != nullptr;
 }

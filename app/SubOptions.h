@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <string>
 
-class CCom;
-
 // The word at the index. The null entry that closes argv raises std::logic_error, as does everything beyond it.
 std::string wordAt(int argc, char **argv, int index);
 
@@ -79,6 +77,3 @@ int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count],
     walk.reportBadParameter();
     return badWordStatus;
 }
-
-// Whether there is a link with its bootloader control.
-bool hasBootLoader(const CCom *obCCom);

@@ -1,8 +1,12 @@
+#include "app/Upload.h"
+
 #include <QString>
 
-#include "app/Memory.h"
+#include "app/FileNames.h"
+#include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
+#include "app/Sectors.h"
 #include "app/SubOptions.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"

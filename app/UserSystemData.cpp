@@ -1,6 +1,7 @@
 #include "app/UserSystemData.h"
 
-#include "app/Memory.h"
+#include "app/FileNames.h"
+#include "app/Link.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"
 #include "app/Words.h"

@@ -1,20 +1,23 @@
 #include "app/Walk.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "app/Connect.h"
-#include "app/Memory.h"
+#include "app/Download.h"
+#include "app/Erase.h"
+#include "app/Link.h"
 #include "app/Otp.h"
 #include "app/Protection.h"
 #include "app/Report.h"
+#include "app/RunAtAddress.h"
 #include "app/Spim.h"
+#include "app/Upload.h"
 #include "app/Usage.h"
 #include "app/UserSystemData.h"
 #include "app/Words.h"
 #include "foundation/ShareParameter.h"
-#include "link/CCom.h"
-
-CCom *m_obCCom = nullptr;
 
 namespace {
 
@@ -55,13 +58,14 @@ int download(Line &line) {
     return statusOf(Download(line.argc, line.argv, line.index, line.erased, m_obCCom), OP_DOWNLOAD_FAILD);
 }
 
-// What each option runs: 0, or the exit status with which the process ends. "-?" ends it by itself.
+// What each option word runs: 0, or the exit status with which the process ends.
 struct Option {
     const char *word;
-    int (*run)(Line &);
+    int (*run)(Line &); // null: the usage text, and the end of the walk
 };
 
 const Option options[] = {
+    {"-?", nullptr},
     {"-dfu", connectBy<DFUConnect>},
     {"-com", connectBy<USARTConnect>},
     {"-i2c", connectBy<I2CConnect>},
@@ -78,12 +82,10 @@ const Option options[] = {
     {"-otp", act<DownLoadOTPData>},
 };
 
-int runOption(const std::string &word, Line &line) {
-    for (const Option &option : options)
-        if (word == option.word)
-            return option.run(line);
-    WriteInforAndWaitInput("bad parameter " + word);
-    return OP_BAD_PARAM;
+const Option *optionOf(const std::string &word) {
+    const auto found = std::find_if(std::begin(options), std::end(options),
+                                    [&word](const Option &option) { return word == option.word; });
+    return found == std::end(options) ? nullptr : found;
 }
 
 int refuseWord(const Line &line, const std::string &word) {
@@ -95,9 +97,8 @@ int refuseWord(const Line &line, const std::string &word) {
 
 } // namespace
 
-void closeLink(CCom *obCCom) {
-    if (obCCom != nullptr && obCCom->IsOpen())
-        obCCom->Close();
+bool Is_Option(const std::string &option) {
+    return optionOf(option) != nullptr;
 }
 
 int walkCommandLine(int argc, char **argv) {
@@ -105,16 +106,17 @@ int walkCommandLine(int argc, char **argv) {
     int status = OP_SUCCESS;
     while (status == OP_SUCCESS && line.index < line.argc) {
         const std::string word = argv[line.index];
-        if (word == "-?") {
+        const Option *option = optionOf(word);
+        if (option == nullptr) {
+            closeLink(m_obCCom);
+            return refuseWord(line, word);
+        }
+        if (option->run == nullptr) {
             // MEANT: the one way out that leaves the link open.
             man();
             return OP_SUCCESS;
         }
-        if (!Is_Option(word)) {
-            closeLink(m_obCCom);
-            return refuseWord(line, word);
-        }
-        status = runOption(word, line);
+        status = option->run(line);
     }
     closeLink(m_obCCom);
     return status;

@@ -7,9 +7,6 @@
 
 namespace {
 
-const char *const optionWords[] = {"-?", "-dfu", "-com", "-i2c", "-can", "-spi",    "-e",  "-p",
-                                   "-d", "-u",   "-o",   "-usd", "-r",   "-enspim", "-otp"};
-
 // MEANT: "--a" is a word that no option knows, although the usage text promises it; it swallows its value.
 const char *const subOptionWords[] = {"--pn",   "--br",   "--db",  "--pr",   "--to",   "--auto",  "--all",   "--sec",
                                       "--erp",  "--drp",  "--ewp", "--dwp",  "--efap", "--efap1", "--efap2", "--dfap",
@@ -17,10 +14,6 @@ const char *const subOptionWords[] = {"--pn",   "--br",   "--db",  "--pr",   "--
                                       "--v",    "--o",    "--get", "--set",  "--ft",   "--fs",    "--fda",   "--remap"};
 
 } // namespace
-
-bool Is_Option(const std::string &option) {
-    return std::find(std::begin(optionWords), std::end(optionWords), option) != std::end(optionWords);
-}
 
 bool Is_SubOption(const std::string &suboption) {
     const std::string word = ShareParameter::ToLower(suboption);

@@ -4,7 +4,7 @@
 
 // The words of the command line.
 
-// True for exactly the 15 option words, case-sensitive.
+// True for exactly the option words, case-sensitive. It stands beside their table: app/Walk.cpp.
 bool Is_Option(const std::string &option);
 
 // True for the 32 sub-option words in any case. "--y" is none of them: it only ever stands as a value.

@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "FakeLink.h"
-#include "app/Memory.h"
+#include "app/Download.h"
 
 namespace {
 

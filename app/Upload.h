@@ -1,0 +1,6 @@
+#pragma once
+
+class CCom;
+
+// "-u".
+bool Upload(int argc, char **argv, int &arg_index, CCom *obCCom);
