@@ -17,7 +17,6 @@ MAPS = ROOT / "Map"
 FLASH_SIZES = (16, 24, 32, 48, 64, 72, 96, 128, 192, 256, 384, 512,
                768, 1024, 1536, 2048, 4096, 5120, 192, 960, 1984, 4032, 448)
 SHORT_ID_SERIES = "02"  # the identifier of two bytes does not carry the series
-FIXED_PER_BIT = {"05": 2, "11": 2, "09": 4, "0F": 4, "10": 4}  # these families do not ask the map
 
 PATTERNS = {
     "name": r"ZV32\w+", "series": r"[0-9A-F]{2}", "pid": r"[0-9A-F]{8}|[0-9A-F]{4}", "version": r"\d\.\d",
@@ -64,8 +63,7 @@ def row_errors(chip):
         errors.append(f"no sectors of {chip['sector']} bytes")
     if len(chip["pid"]) == 4 and chip["series"] != SHORT_ID_SERIES:
         errors.append(f"four digits are a PID of series {SHORT_ID_SERIES} only")
-    perbit = FIXED_PER_BIT.get(chip["series"], int(chip["perbit"]))
-    if int(chip["perbit"]) not in range(1, 256) or int(chip["perbit"]) != perbit:
+    if int(chip["perbit"]) not in range(1, 256):
         errors.append(f"{chip['perbit']} sectors a bit")
     return errors
 

@@ -58,7 +58,7 @@ class MakeMaps(unittest.TestCase):
             "series": [GOOD.replace(" 09,", " 9,")],
             "lower case": [GOOD.replace("50020109", "5002010a")],
             "short PID of another series": [GOOD.replace("50020109", "0109")],
-            "the family's own sectors a bit": [GOOD.replace(" 4,", " 2,")],
+            "sectors a bit": [GOOD.replace(" 4,", " 0,")],
             "yes or no": [GOOD.replace("yes", "maybe")],
             "too few cells": [GOOD.rsplit(",", 1)[0]],
             "too many cells": [GOOD + ", more"],
