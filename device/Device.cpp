@@ -3,10 +3,12 @@
 #include <vector>
 
 #include <QDir>
+#include <QFile>
 #include <QSettings>
 #include <QVariant>
 
 #include "device/Families.h"
+#include "device/MapText.h"
 
 namespace {
 
@@ -19,7 +21,8 @@ QStringList mapFiles() {
     const QStringList filter(QStringLiteral("*.ZVmap"));
     QStringList files;
     for (const QString &name : QDir(mapDirectory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name))
-        files.append(mapDirectory + name);
+        if (IsHarmlessMap(QFile::encodeName(mapDirectory + name).toStdString()))
+            files.append(mapDirectory + name);
     return files;
 }
 

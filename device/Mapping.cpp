@@ -3,9 +3,10 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <vector>
 
-#include <QFile>
+#include <system_error>
 
 namespace {
 
@@ -46,7 +47,8 @@ int CMapping::GetSectorIndex(unsigned int uiAddress) const {
 
 void CMapping::MemoryMapping() {
     const std::string path = "./Map/" + m_StrMapFile;
-    if (m_ipMapping == nullptr || !QFile::exists(QString::fromStdString(path)))
+    std::error_code ignored;
+    if (m_ipMapping == nullptr || !std::filesystem::exists(path, ignored))
         return;
     std::vector<char> name(nameBufferSize, '\0');
     short count = 0;
