@@ -1,13 +1,12 @@
 #include "app/Upload.h"
 
-#include <QString>
-
 #include "app/FileNames.h"
 #include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
 #include "app/Sectors.h"
 #include "app/SubOptions.h"
+#include "foundation/PathText.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
 #include "link/CCom.h"
@@ -56,7 +55,7 @@ bool Upload(int argc, char **argv, int &arg_index, CCom *obCCom) {
         return false;
     }
     UploadParam param;
-    param.m_strUploadPathFile = QString::fromStdString(request.upFileName);
+    param.m_strUploadPathFile = textOf(request.upFileName);
     param.m_aSectorIndexs = request.aSectorIndexs;
     param.m_bank3Size = static_cast<int>(g_shareParameter.c_SPIMSize);
     obCCom->m_ObBootLoader->UploadFromDevice(param);

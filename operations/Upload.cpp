@@ -1,6 +1,7 @@
 #include "operations/Upload.h"
 
 #include "files/CFiles.h"
+#include "foundation/PathText.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
@@ -29,7 +30,7 @@ int CUpload::InitAction() {
     const int result = m_obProgramFile->Create(jobsteps::deviceOf(m_obBootLoader));
     if (result != 0)
         return result;
-    m_InitInfo.m_strFilePath = m_Parameters.m_strUploadPathFile.toStdString();
+    m_InitInfo.m_strFilePath = pathOf(m_Parameters.m_strUploadPathFile);
     m_InitInfo.m_uiFileSize = m_obProgramFile->m_UiFileSize;
     return 0;
 }
@@ -37,7 +38,7 @@ int CUpload::InitAction() {
 int CUpload::Action() {
     const PIMAGEELEMENT element = m_obProgramFile->GetElement();
     if (!element) {
-        const int result = m_obProgramFile->Save(m_Parameters.m_strUploadPathFile.toStdString());
+        const int result = m_obProgramFile->Save(pathOf(m_Parameters.m_strUploadPathFile));
         if (result == 0)
             CallCommand(COMMAND_DONE);
         return result;

@@ -8,7 +8,7 @@
 class CProgramFile;
 
 struct UploadParam {
-    QString m_strUploadPathFile; // the file to write
+    QString m_strUploadPathFile; // the file to write, as textOf() has it
     QList<int> m_aSectorIndexs;  // sectors in rising order; empty stands for every sector of the map
     int m_bank3Size = 0;         // KB
 };

@@ -35,6 +35,15 @@ TEST_F(UploadTest, Sectors) {
     }
 }
 
+TEST_F(UploadTest, ANameIsBytes) {
+    for (const char *name : {"m\xFCller.bin", "\xFF\xC3\xBC.bin", "m\xC3\xBCller.bin", "\xEF\xBF\xBD.bin"}) {
+        const Outcome run = connected(std::string("-u --sec 0 --fn @/") + name);
+        EXPECT_EQ(run.status, 0) << name;
+        EXPECT_EQ(run.files.back(),
+                  std::string("FILES_ImageToFile path=@/") + name + " image=2 elements=1 bytes=2048 -> 12340000");
+    }
+}
+
 TEST_F(UploadTest, AllSectors) {
     const Outcome run = connected("-u --fn @/up.hex");
     EXPECT_EQ(run.status, 0);
