@@ -58,6 +58,20 @@ TEST_F(DownloadTest, Optimises) {
               run.files.end());
 }
 
+// What the library cuts the image by is not what would be erased.
+TEST_F(DownloadTest, AMapThatCannotBeTrusted) {
+    for (const char *rule :
+         {"FILES_GetMemoryMapping status=5", "FILES_GetMemoryMapping nth=2 status=5", "map sectors=512 size=1024"}) {
+        Console fresh;
+        fresh.file("a.hex", "");
+        fresh.filesScript(rule);
+        const Outcome run = fresh.run("-com --pn ttyS0 -d --fn @/a.hex");
+        EXPECT_EQ(lines(run.text).back(), "Input parameters error!") << rule;
+        EXPECT_EQ(run.status, 3) << rule;
+        EXPECT_TRUE(run.changes().empty()) << rule;
+    }
+}
+
 // The check and the job each open the image; neither gives it back to the library.
 TEST_F(DownloadTest, TheOrderOfTheFileCalls) {
     const Calls opened = {"FILES_ImageFromFile",     "FILES_SetImageName",    "FILES_FilterImageForOperation",
