@@ -14,11 +14,11 @@ namespace files {
 
 namespace {
 
-constexpr std::size_t WritebackSize = 4 * 1024 * 1024;
-constexpr int NameAttempts = 100;
+constexpr std::size_t writebackSize = 4 * 1024 * 1024;
+constexpr int nameAttempts = 100;
 constexpr mode_t privateMode = 0600;
 constexpr mode_t newMode = 0666;
-constexpr const char *AclAttribute = "system.posix_acl_access";
+constexpr const char *aclAttribute = "system.posix_acl_access";
 
 bool writeAll(int fd, const unsigned char *bytes, std::size_t length) {
     while (length > 0) {
@@ -56,7 +56,7 @@ mode_t modeOfNewFile() {
 
 } // namespace
 
-AtomicFile::AtomicFile() : m_buffer(new unsigned char[BufferSize]) {}
+AtomicFile::AtomicFile() : m_buffer(new unsigned char[bufferSize]) {}
 
 AtomicFile::~AtomicFile() {
     if (m_fd >= 0)
@@ -80,7 +80,7 @@ Status AtomicFile::openTemporary() {
     const mode_t unnamedMode = m_target.exists ? privateMode : newMode;
     if (::access("/proc/self/fd", X_OK) == 0)
         m_fd = ::open(m_target.directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, unnamedMode);
-    for (int i = 0; m_fd < 0 && i < NameAttempts; ++i) {
+    for (int i = 0; m_fd < 0 && i < nameAttempts; ++i) {
         const std::string name = temporaryName(m_target, i);
         m_fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateMode);
         if (m_fd >= 0)
@@ -101,15 +101,15 @@ void AtomicFile::keepPermissions() {
     }
     (void)::fchmod(m_fd, mode);
     char acl[4096];
-    const ssize_t length = ::getxattr(m_target.path.c_str(), AclAttribute, acl, sizeof acl);
+    const ssize_t length = ::getxattr(m_target.path.c_str(), aclAttribute, acl, sizeof acl);
     if (length > 0)
-        (void)::fsetxattr(m_fd, AclAttribute, acl, static_cast<std::size_t>(length), 0);
+        (void)::fsetxattr(m_fd, aclAttribute, acl, static_cast<std::size_t>(length), 0);
 }
 
 Status AtomicFile::write(const void *bytes, std::size_t length) {
-    if (m_used + length > BufferSize && flush() != Status::Ok)
+    if (m_used + length > bufferSize && flush() != Status::Ok)
         return m_failure;
-    if (length <= BufferSize) {
+    if (length <= bufferSize) {
         std::memcpy(m_buffer.get() + m_used, bytes, length);
         m_used += length;
     } else {
@@ -120,9 +120,9 @@ Status AtomicFile::write(const void *bytes, std::size_t length) {
 
 Status AtomicFile::fill(unsigned char byte, std::size_t length) {
     while (length > 0 && m_failure == Status::Ok) {
-        if (m_used == BufferSize && flush() != Status::Ok)
+        if (m_used == bufferSize && flush() != Status::Ok)
             break;
-        const std::size_t part = std::min(length, BufferSize - m_used);
+        const std::size_t part = std::min(length, bufferSize - m_used);
         std::memset(m_buffer.get() + m_used, byte, part);
         m_used += part;
         length -= part;
@@ -138,7 +138,7 @@ Status AtomicFile::flush() {
 
 void AtomicFile::put(const unsigned char *bytes, std::size_t length) {
     while (length > 0 && m_failure == Status::Ok) {
-        const std::size_t part = std::min(length, WritebackSize - (m_written - m_started));
+        const std::size_t part = std::min(length, writebackSize - (m_written - m_started));
         if (!writeAll(m_fd, bytes, part)) {
             m_failure = Status::GeneralError;
             return;
@@ -146,7 +146,7 @@ void AtomicFile::put(const unsigned char *bytes, std::size_t length) {
         bytes += part;
         length -= part;
         m_written += part;
-        if (m_written - m_started < WritebackSize)
+        if (m_written - m_started < writebackSize)
             continue;
         // The disk gets to work while the next part is made; what it did not begin, fsync does.
         (void)::sync_file_range(m_fd, static_cast<off_t>(m_started), static_cast<off_t>(m_written - m_started),
@@ -173,7 +173,7 @@ Status AtomicFile::link() {
         if (!m_target.exists &&
             ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_target.path.c_str(), AT_SYMLINK_FOLLOW) == 0)
             return Status::Ok;
-        for (int i = 0; m_temporary.empty() && i < NameAttempts; ++i) {
+        for (int i = 0; m_temporary.empty() && i < nameAttempts; ++i) {
             const std::string name = temporaryName(m_target, i);
             if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
                 m_temporary = name;

@@ -30,11 +30,11 @@ public:
     // Buffered; once a write has failed, so does every later call.
     Status write(const void *bytes, std::size_t length);
 
-    // Room in the buffer for a line of at most MaxLine characters, for writing it in place;
+    // Room in the buffer for a line of at most maxLine characters, for writing it in place;
     // addLine() then takes in the first `length` of them.
-    static constexpr std::size_t MaxLine = 256;
+    static constexpr std::size_t maxLine = 256;
     char *line() {
-        if (m_used + MaxLine > BufferSize)
+        if (m_used + maxLine > bufferSize)
             (void)flush(); // a failure is kept, and addLine() tells it
         return reinterpret_cast<char *>(m_buffer.get()) + m_used;
     }
@@ -50,7 +50,7 @@ public:
     Status commit();
 
 private:
-    static constexpr std::size_t BufferSize = 256 * 1024;
+    static constexpr std::size_t bufferSize = 256 * 1024;
 
     Status openTemporary();
     void keepPermissions();

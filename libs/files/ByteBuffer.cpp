@@ -12,8 +12,8 @@ namespace files {
 
 namespace {
 
-constexpr std::size_t MinCapacity = 64 * 1024;
-constexpr std::size_t HugePage = 2 * 1024 * 1024;
+constexpr std::size_t minCapacity = 64 * 1024;
+constexpr std::size_t hugePage = 2 * 1024 * 1024;
 
 std::size_t wholePages(std::size_t length) {
     const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
@@ -32,13 +32,13 @@ ByteBuffer::~ByteBuffer() {
 }
 
 void ByteBuffer::grow(std::size_t atLeast) {
-    const std::size_t capacity = wholePages(std::max({atLeast, m_capacity * 2, MinCapacity}));
+    const std::size_t capacity = wholePages(std::max({atLeast, m_capacity * 2, minCapacity}));
     void *block = m_data ? ::mremap(m_data, m_capacity, capacity, MREMAP_MAYMOVE)
                          : ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (block == MAP_FAILED)
         throw std::bad_alloc();
     // Taking an image in by small pages would cost half as much time as decoding it.
-    if (capacity >= 2 * HugePage)
+    if (capacity >= 2 * hugePage)
         (void)::madvise(block, capacity, MADV_HUGEPAGE);
     m_data = static_cast<BYTE *>(block);
     m_capacity = capacity;
@@ -52,7 +52,7 @@ void ByteBuffer::append(const BYTE *bytes, std::size_t length) {
 }
 
 void ByteBuffer::forgetBefore(std::size_t offset) {
-    const std::size_t end = offset / HugePage * HugePage;
+    const std::size_t end = offset / hugePage * hugePage;
     if (end <= m_forgotten)
         return;
     (void)::madvise(m_data + m_forgotten, end - m_forgotten, MADV_DONTNEED);

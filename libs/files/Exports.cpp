@@ -20,8 +20,8 @@ namespace {
 using files::Image;
 using files::Status;
 
-constexpr unsigned int NoError = 0x12340000;
-constexpr int FilterOperation = 2;
+constexpr unsigned int noError = 0x12340000;
+constexpr int filterOperation = 2;
 
 template <typename Work>
 Status guarded(Work work) noexcept {
@@ -35,7 +35,7 @@ Status guarded(Work work) noexcept {
 template <typename Work>
 unsigned int answer(Work work) noexcept {
     const Status status = guarded(work);
-    return status == Status::Ok ? NoError : static_cast<unsigned int>(status);
+    return status == Status::Ok ? noError : static_cast<unsigned int>(status);
 }
 
 // Does the work on the image of a handle.
@@ -57,7 +57,7 @@ Status readImage(const char *path, bool program, HANDLE *handle) {
         return opened;
     files::RunCollector runs;
     // User system data know no flash address: a flat file of them starts at 0.
-    const Status read = format->read(file, program ? files::FlashBase : 0, runs);
+    const Status read = format->read(file, program ? files::flashBase : 0, runs);
     if (read != Status::Ok)
         return read;
     auto image = std::make_shared<Image>();
@@ -150,7 +150,7 @@ unsigned int FILES_SetImageName(HANDLE handle, const char *name) {
 
 unsigned int FILES_FilterImageForOperation(HANDLE handle, PMAPPING mapping, int operation, BYTE optimise) {
     return answerFor(handle, [&](Image &image) {
-        if (!mapping || operation != FilterOperation)
+        if (!mapping || operation != filterOperation)
             return Status::BadParameter;
         return files::filterImage(image, *mapping, optimise != 0);
     });

@@ -6,7 +6,7 @@ namespace files {
 
 namespace {
 
-constexpr std::uint64_t DefaultSectorSize = 2048;
+constexpr std::uint64_t defaultSectorSize = 2048;
 
 struct Sector {
     std::uint64_t start;
@@ -29,7 +29,7 @@ SectorGrid::SectorGrid(const MAPPING &mapping) {
     for (DWORD i = 0; i < mapping.NbSectors; ++i) {
         const Sector sector{mapping.pSectors[i].dwStartAddress, mapping.pSectors[i].dwSectorSize};
         // One that is no piece of the address space borders nothing.
-        if (sector.size > 0 && sector.start < AddressSpace && sector.size <= AddressSpace - sector.start)
+        if (sector.size > 0 && sector.start < addressSpace && sector.size <= addressSpace - sector.start)
             m_sectors.push_back(sector);
     }
     const auto lower = [](const Sector &a, const Sector &b) { return a.start < b.start; };
@@ -46,9 +46,9 @@ std::uint64_t gridBorder(std::uint64_t address, std::uint64_t anchor, std::uint6
 std::uint64_t SectorGrid::nextBorder(std::uint64_t address) const {
     const auto above = std::upper_bound(m_sectors.begin(), m_sectors.end(), address,
                                         [](std::uint64_t a, const Sector &sector) { return a < sector.start; });
-    std::uint64_t anchor = FlashBase;
-    std::uint64_t size = DefaultSectorSize;
-    std::uint64_t limit = address < SpimBase ? SpimBase : ~std::uint64_t(0);
+    std::uint64_t anchor = flashBase;
+    std::uint64_t size = defaultSectorSize;
+    std::uint64_t limit = address < spimBase ? spimBase : ~std::uint64_t(0);
     if (above != m_sectors.end())
         limit = std::min(limit, above->start);
     if (above != m_sectors.begin()) {
@@ -61,9 +61,9 @@ std::uint64_t SectorGrid::nextBorder(std::uint64_t address) const {
         anchor = above->start;
         size = above->size;
     }
-    if (address >= SpimBase) {
-        anchor = SpimBase;
-        size = SpimSectorSize;
+    if (address >= spimBase) {
+        anchor = spimBase;
+        size = spimSectorSize;
     }
     return std::min(limit, gridBorder(address, anchor, size));
 }

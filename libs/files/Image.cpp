@@ -8,7 +8,7 @@ namespace files {
 
 namespace {
 
-constexpr BYTE Blank = 0xFF;
+constexpr BYTE blank = 0xFF;
 
 std::shared_ptr<BYTE> newBlock(std::size_t length) {
     return std::shared_ptr<BYTE>(new BYTE[length], std::default_delete<BYTE[]>());
@@ -26,16 +26,16 @@ Element copyOf(const IMAGEELEMENT &source) {
 bool Element::isBlank() const {
     // Each byte equals the one behind it, and the first is blank.
     const BYTE *data = bytes.get();
-    return data[0] == Blank && std::memcmp(data, data + 1, length - 1) == 0;
+    return data[0] == blank && std::memcmp(data, data + 1, length - 1) == 0;
 }
 
 Status Image::check(const IMAGEELEMENT &source, std::size_t replaced) const {
     if (!source.Data || source.dwDataLength == 0)
         return Status::BadParameter;
-    if (source.dwAddress >= AddressSpace || source.dwDataLength > AddressSpace - source.dwAddress)
+    if (source.dwAddress >= addressSpace || source.dwDataLength > addressSpace - source.dwAddress)
         return Status::BadAddressRange;
-    if (source.dwDataLength > MaxImageSize ||
-        m_inserted - std::min(m_inserted, replaced) > MaxImageSize - source.dwDataLength)
+    if (source.dwDataLength > maxImageSize ||
+        m_inserted - std::min(m_inserted, replaced) > maxImageSize - source.dwDataLength)
         return Status::ElementsFull;
     return Status::Ok;
 }
@@ -76,7 +76,7 @@ Status Image::makeSectors(const MAPPING &mapping, std::uint64_t spimBytes) {
     std::uint64_t total = 0;
     const auto add = [&](std::uint64_t address, std::uint64_t size) {
         total += size;
-        if (size == 0 || size > MaxImageSize || total > MaxImageSize || address > AddressSpace - size)
+        if (size == 0 || size > maxImageSize || total > maxImageSize || address > addressSpace - size)
             return false;
         sectors.push_back({static_cast<std::uint32_t>(address), static_cast<std::uint32_t>(size), nullptr});
         return true;
@@ -84,12 +84,12 @@ Status Image::makeSectors(const MAPPING &mapping, std::uint64_t spimBytes) {
     for (DWORD i = 0; i < mapping.NbSectors; ++i)
         if (!add(mapping.pSectors[i].dwStartAddress, mapping.pSectors[i].dwSectorSize))
             return Status::BadAddressRange;
-    for (std::uint64_t at = 0; at + SpimSectorSize <= spimBytes; at += SpimSectorSize)
-        if (!add(SpimBase + at, SpimSectorSize))
+    for (std::uint64_t at = 0; at + spimSectorSize <= spimBytes; at += spimSectorSize)
+        if (!add(spimBase + at, spimSectorSize))
             return Status::BadAddressRange;
 
     const std::shared_ptr<BYTE> block = newBlock(total);
-    std::memset(block.get(), Blank, total);
+    std::memset(block.get(), blank, total);
     std::uint64_t offset = 0;
     for (Element &sector : sectors) {
         sector.bytes = std::shared_ptr<BYTE>(block, block.get() + offset);

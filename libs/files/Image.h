@@ -13,12 +13,12 @@ namespace files {
 
 // More than any chip of the family has, external flash included; keeps a hostile file from filling
 // the memory.
-constexpr std::size_t MaxImageSize = 256 * 1024 * 1024;
+constexpr std::size_t maxImageSize = 256 * 1024 * 1024;
 
-constexpr std::uint64_t AddressSpace = std::uint64_t(1) << 32;
-constexpr std::uint64_t FlashBase = 0x08000000; // where an image without addresses starts
-constexpr std::uint64_t SpimBase = 0x08400000;  // external flash, behind the main flash
-constexpr std::uint32_t SpimSectorSize = 4096;
+constexpr std::uint64_t addressSpace = std::uint64_t(1) << 32;
+constexpr std::uint64_t flashBase = 0x08000000; // where an image without addresses starts
+constexpr std::uint64_t spimBase = 0x08400000;  // external flash, behind the main flash
+constexpr std::uint32_t spimSectorSize = 4096;
 
 // A block of bytes at an address. Elements of one file share the block that they lie in.
 struct Element {

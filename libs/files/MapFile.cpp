@@ -16,28 +16,28 @@ namespace files {
 
 namespace {
 
-constexpr std::size_t MaxFileSize = 1024 * 1024;
-constexpr std::size_t MaxName = sizeof(MAPPING::Name) - 1;
-constexpr std::uint64_t MaxSectors = std::numeric_limits<short>::max();
-constexpr std::uint64_t MinSectorSize = 256; // one packet
-constexpr std::uint64_t MaxPacketSize = 256;
-constexpr int Decimal = 10;
-constexpr int Hexadecimal = 16;
+constexpr std::size_t maxFileSize = 1024 * 1024;
+constexpr std::size_t maxName = sizeof(MAPPING::Name) - 1;
+constexpr std::uint64_t maxSectors = std::numeric_limits<short>::max();
+constexpr std::uint64_t minSectorSize = 256; // one packet
+constexpr std::uint64_t maxPacketSize = 256;
+constexpr int decimal = 10;
+constexpr int hexadecimal = 16;
 
 Status readText(const char *path, std::string &text) {
     InputFile file;
     const Status opened = file.open(path);
     if (opened != Status::Ok)
         return opened;
-    if (file.size() > MaxFileSize)
+    if (file.size() > maxFileSize)
         return Status::BadFormat;
-    text.resize(MaxFileSize + 1);
+    text.resize(maxFileSize + 1);
     std::size_t got = 0;
     const Status read = file.read(&text[0], text.size(), got);
     if (read != Status::Ok)
         return read;
     text.resize(got);
-    return got <= MaxFileSize ? Status::Ok : Status::BadFormat;
+    return got <= maxFileSize ? Status::Ok : Status::BadFormat;
 }
 
 // Reads numbers out of one section and remembers whether each of those that the table stands on was one.
@@ -57,7 +57,7 @@ public:
         std::uint64_t value = missing;
         return take(key, base, highest, value) ? value : missing;
     }
-    bool flag(const char *key) const { return getOr(key, Decimal, 1, 1) != 0; }
+    bool flag(const char *key) const { return getOr(key, decimal, 1, 1) != 0; }
     bool valid() const { return m_valid; }
 
 private:
@@ -80,27 +80,27 @@ private:
 
 void readProduct(const IniSection &section, MapFile &map) {
     const auto name = section.find("Name");
-    if (name != section.end() && name->second.size() <= MaxName)
+    if (name != section.end() && name->second.size() <= maxName)
         map.name = name->second;
     const Numbers numbers(section);
-    map.packetSize = static_cast<short>(numbers.getOr("PacketSize", Decimal, MaxPacketSize, 0));
-    map.sectorsPerSector = static_cast<BYTE>(numbers.getOr("SectorsPerSector", Decimal, 255, 0));
-    map.alternate = static_cast<BYTE>(numbers.getOr("Alternate", Decimal, 255, 0));
+    map.packetSize = static_cast<short>(numbers.getOr("PacketSize", decimal, maxPacketSize, 0));
+    map.sectorsPerSector = static_cast<BYTE>(numbers.getOr("SectorsPerSector", decimal, 255, 0));
+    map.alternate = static_cast<BYTE>(numbers.getOr("Alternate", decimal, 255, 0));
 }
 
 // `next` is the end of the group before.
 Status readGroup(const IniSection &section, std::uint64_t next, SectorGroup &group) {
     Numbers numbers(section);
-    group.size = numbers.get("Size", Hexadecimal, MaxImageSize, 0);
-    group.count = numbers.get("Count", Decimal, MaxSectors, 1);
-    group.address = numbers.get("Address", Hexadecimal, AddressSpace - 1, next);
-    group.alias = numbers.getOr("Alias", Hexadecimal, AddressSpace - 1, group.address);
-    group.type = static_cast<BYTE>(numbers.getOr("Type", Decimal, 255, 0));
+    group.size = numbers.get("Size", hexadecimal, maxImageSize, 0);
+    group.count = numbers.get("Count", decimal, maxSectors, 1);
+    group.address = numbers.get("Address", hexadecimal, addressSpace - 1, next);
+    group.alias = numbers.getOr("Alias", hexadecimal, addressSpace - 1, group.address);
+    group.type = static_cast<BYTE>(numbers.getOr("Type", decimal, 255, 0));
     group.operation = numbers.flag("Operation");
     group.erase = numbers.flag("Erase");
     group.upload = numbers.flag("Upload");
     group.protect = numbers.flag("Protect");
-    return numbers.valid() && group.size >= MinSectorSize && group.count > 0 ? Status::Ok : Status::BadFormat;
+    return numbers.valid() && group.size >= minSectorSize && group.count > 0 ? Status::Ok : Status::BadFormat;
 }
 
 // The number behind "Sector", or -1 if the section is no group.
@@ -114,7 +114,7 @@ long groupNumber(const std::string &name) {
 }
 
 Status readGroups(const IniSections &sections, MapFile &map) {
-    std::uint64_t next = FlashBase;
+    std::uint64_t next = flashBase;
     std::uint64_t sectors = 0;
     std::uint64_t bytes = 0;
     for (;;) {
@@ -129,7 +129,7 @@ Status readGroups(const IniSections &sections, MapFile &map) {
         sectors += group.count;
         bytes += total;
         const bool descends = !map.groups.empty() && group.address < next;
-        if (descends || group.address + total > AddressSpace || sectors > MaxSectors || bytes > MaxImageSize)
+        if (descends || group.address + total > addressSpace || sectors > maxSectors || bytes > maxImageSize)
             return Status::BadAddressRange;
         next = group.address + total;
         map.groups.push_back(group);

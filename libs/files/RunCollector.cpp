@@ -6,7 +6,7 @@
 namespace files {
 
 Status RunCollector::commitElsewhere(std::uint64_t address, std::size_t length) {
-    if (address + length > AddressSpace)
+    if (address + length > addressSpace)
         return Status::BadAddressRange;
     if (length == 0)
         return Status::Ok;
@@ -20,9 +20,9 @@ Status RunCollector::commitElsewhere(std::uint64_t address, std::size_t length) 
         return Status::Ok;
     const Status settled = settle();
     // In proportion to what stays, so that settling again and again costs no more than a sort.
-    m_runLimit = m_runs.size() + std::max(MinRunStep, m_runs.size() / 2);
-    m_byteLimit = std::min(MaxImageSize, m_bytes.size() + std::max(MinByteStep, m_bytes.size()));
-    if (settled == Status::Ok && m_bytes.size() > MaxImageSize)
+    m_runLimit = m_runs.size() + std::max(minRunStep, m_runs.size() / 2);
+    m_byteLimit = std::min(maxImageSize, m_bytes.size() + std::max(minByteStep, m_bytes.size()));
+    if (settled == Status::Ok && m_bytes.size() > maxImageSize)
         return Status::BadAddressRange;
     return settled;
 }

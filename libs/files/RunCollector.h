@@ -26,7 +26,7 @@ public:
     // past the size of an image, BadFormat where an address gets two different values (which may
     // show as late as finish()).
     Status commit(std::uint64_t address, std::size_t length) {
-        if (length == 0 || m_runs.empty() || m_runs.back().end() != address || address + length > AddressSpace ||
+        if (length == 0 || m_runs.empty() || m_runs.back().end() != address || address + length > addressSpace ||
             m_bytes.size() + length > m_byteLimit)
             return commitElsewhere(address, length);
         m_runs.back().length += static_cast<std::uint32_t>(length);
@@ -38,8 +38,8 @@ public:
     Status finish(std::vector<Element> &elements);
 
 private:
-    static constexpr std::size_t MinRunStep = 128 * 1024;
-    static constexpr std::size_t MinByteStep = 16 * 1024 * 1024;
+    static constexpr std::size_t minRunStep = 128 * 1024;
+    static constexpr std::size_t minByteStep = 16 * 1024 * 1024;
 
     struct Run {
         std::uint32_t address;
@@ -55,8 +55,8 @@ private:
     ByteBuffer m_bytes;
     std::vector<Run> m_runs;
     std::size_t m_settledBytes = 0;      // so many bytes lie in the order of their addresses
-    std::size_t m_runLimit = MinRunStep; // settle() when there are more
-    std::size_t m_byteLimit = MinByteStep;
+    std::size_t m_runLimit = minRunStep; // settle() when there are more
+    std::size_t m_byteLimit = minByteStep;
 };
 
 } // namespace files

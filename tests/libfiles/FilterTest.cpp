@@ -32,25 +32,25 @@ struct Cut {
     Spans expected;
 };
 
-const auto Flash = uniform(0x08000000, 2048, 4);
+const auto flashSectors = uniform(0x08000000, 2048, 4);
 
-const Cut Cuts[] = {
-    {"inside one sector", Flash, 0x08000010, 16, {{0x08000010, 16}}},
-    {"exactly one sector", Flash, 0x08000800, 2048, {{0x08000800, 2048}}},
-    {"across a border", Flash, 0x080007FF, 2, {{0x080007FF, 1}, {0x08000800, 1}}},
-    {"three sectors", Flash, 0x08000400, 4096, {{0x08000400, 1024}, {0x08000800, 2048}, {0x08001000, 1024}}},
+const Cut cuts[] = {
+    {"inside one sector", flashSectors, 0x08000010, 16, {{0x08000010, 16}}},
+    {"exactly one sector", flashSectors, 0x08000800, 2048, {{0x08000800, 2048}}},
+    {"across a border", flashSectors, 0x080007FF, 2, {{0x080007FF, 1}, {0x08000800, 1}}},
+    {"three sectors", flashSectors, 0x08000400, 4096, {{0x08000400, 1024}, {0x08000800, 2048}, {0x08001000, 1024}}},
     {"behind the map at the last size",
-     Flash,
+     flashSectors,
      0x08001FFF,
      2050,
      {{0x08001FFF, 1}, {0x08002000, 2048}, {0x08002800, 1}}},
-    {"far behind the map", Flash, 0x083FF7FF, 3, {{0x083FF7FF, 1}, {0x083FF800, 2}}},
-    {"into the external flash", Flash, 0x083FFFFF, 4098, {{0x083FFFFF, 1}, {0x08400000, 4096}, {0x08401000, 1}}},
-    {"in the external flash", Flash, 0x08400FFF, 2, {{0x08400FFF, 1}, {0x08401000, 1}}},
-    {"far above everything", Flash, 0x1FFFF7FF, 2049, {{0x1FFFF7FF, 2049}}},
-    {"the last addresses", Flash, 0xFFFFEFFF, 4097, {{0xFFFFEFFF, 1}, {0xFFFFF000, 4096}}},
-    {"below the map", Flash, 0x07FFF7FF, 2050, {{0x07FFF7FF, 1}, {0x07FFF800, 2048}, {0x08000000, 1}}},
-    {"from the first address", Flash, 0, 2049, {{0, 2048}, {2048, 1}}},
+    {"far behind the map", flashSectors, 0x083FF7FF, 3, {{0x083FF7FF, 1}, {0x083FF800, 2}}},
+    {"into the external flash", flashSectors, 0x083FFFFF, 4098, {{0x083FFFFF, 1}, {0x08400000, 4096}, {0x08401000, 1}}},
+    {"in the external flash", flashSectors, 0x08400FFF, 2, {{0x08400FFF, 1}, {0x08401000, 1}}},
+    {"far above everything", flashSectors, 0x1FFFF7FF, 2049, {{0x1FFFF7FF, 2049}}},
+    {"the last addresses", flashSectors, 0xFFFFEFFF, 4097, {{0xFFFFEFFF, 1}, {0xFFFFF000, 4096}}},
+    {"below the map", flashSectors, 0x07FFF7FF, 2050, {{0x07FFF7FF, 1}, {0x07FFF800, 2048}, {0x08000000, 1}}},
+    {"from the first address", flashSectors, 0, 2049, {{0, 2048}, {2048, 1}}},
     {"sectors of two sizes",
      {{0x08000000, 1024}, {0x08000400, 4096}},
      0x08000000,
@@ -97,14 +97,14 @@ const Cut Cuts[] = {
 };
 
 TEST(Filter, CutsAtSectorBorders) {
-    for (const Cut &cut : Cuts) {
+    for (const Cut &cut : cuts) {
         SCOPED_TRACE(cut.what);
         Handle image;
-        ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
+        ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
         const Bytes bytes = pattern(cut.length);
-        ASSERT_EQ(image.insert(0, cut.address, bytes), NoError);
+        ASSERT_EQ(image.insert(0, cut.address, bytes), noError);
         Map map(cut.sectors);
-        ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 0), NoError);
+        ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 0), noError);
         const Pieces pieces = image.pieces();
         EXPECT_EQ(spansOf(pieces), cut.expected);
         Bytes joined;
@@ -116,12 +116,12 @@ TEST(Filter, CutsAtSectorBorders) {
 
 TEST(Filter, ASecondTimeChangesNothing) {
     Handle image;
-    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    ASSERT_EQ(image.insert(0, 0x07FFFFF0, pattern(10000)), NoError);
-    Map map(Flash);
-    ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 0), NoError);
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    ASSERT_EQ(image.insert(0, 0x07FFFFF0, pattern(10000)), noError);
+    Map map(flashSectors);
+    ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 0), noError);
     const Pieces once = image.pieces();
-    ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 0), NoError);
+    ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 0), noError);
     EXPECT_EQ(image.pieces(), once);
 }
 
@@ -139,13 +139,13 @@ Bytes patchy() {
 Spans optimised(const std::string &name, const Bytes &bytes, BYTE optimise = 1) {
     const TempDir dir;
     Handle made;
-    EXPECT_EQ(FILES_CreateImage(made.out(), 1), NoError);
-    EXPECT_EQ(made.insert(0, 0x08000000, bytes), NoError);
-    EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), made.get()), NoError);
+    EXPECT_EQ(FILES_CreateImage(made.out(), 1), noError);
+    EXPECT_EQ(made.insert(0, 0x08000000, bytes), noError);
+    EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), made.get()), noError);
     Handle image;
-    EXPECT_EQ(FILES_ImageFromFile((dir / name).c_str(), image.out(), Program), NoError);
-    Map map(Flash);
-    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, optimise), NoError);
+    EXPECT_EQ(FILES_ImageFromFile((dir / name).c_str(), image.out(), programImage), noError);
+    Map map(flashSectors);
+    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, optimise), noError);
     return spansOf(image.pieces());
 }
 
@@ -177,14 +177,14 @@ TEST(Filter, WithoutOptimiseBlankElementsStay) {
 
 TEST(Filter, BadParameters) {
     Handle image;
-    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    Map map(Flash);
-    EXPECT_EQ(FILES_FilterImageForOperation(nullptr, map.get(), 2, 0), BadParameter);
-    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), nullptr, 2, 0), BadParameter);
-    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 1, 0), BadParameter);
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    Map map(flashSectors);
+    EXPECT_EQ(FILES_FilterImageForOperation(nullptr, map.get(), 2, 0), badParameter);
+    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), nullptr, 2, 0), badParameter);
+    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 1, 0), badParameter);
     MAPPING hollow{};
     hollow.NbSectors = 4;
-    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), &hollow, 2, 0), BadParameter);
+    EXPECT_EQ(FILES_FilterImageForOperation(image.get(), &hollow, 2, 0), badParameter);
 }
 
 } // namespace

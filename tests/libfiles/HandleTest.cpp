@@ -18,14 +18,14 @@ void expectRefused(HANDLE handle) {
     BYTE byte = 0;
     IMAGEELEMENT element{0x08000000, 1, &byte};
     unsigned int count = 7;
-    EXPECT_EQ(FILES_ImageToFile((dir / "a.bin").c_str(), handle), BadParameter);
-    EXPECT_EQ(FILES_SetImageName(handle, "name"), BadParameter);
-    EXPECT_EQ(FILES_FilterImageForOperation(handle, map.get(), 2, 0), BadParameter);
-    EXPECT_EQ(FILES_GetImageNbElement(handle, &count), BadParameter);
-    EXPECT_EQ(FILES_GetImageElement(handle, 0, &element), BadParameter);
-    EXPECT_EQ(FILES_SetImageElement(handle, 0, 1, element), BadParameter);
+    EXPECT_EQ(FILES_ImageToFile((dir / "a.bin").c_str(), handle), badParameter);
+    EXPECT_EQ(FILES_SetImageName(handle, "name"), badParameter);
+    EXPECT_EQ(FILES_FilterImageForOperation(handle, map.get(), 2, 0), badParameter);
+    EXPECT_EQ(FILES_GetImageNbElement(handle, &count), badParameter);
+    EXPECT_EQ(FILES_GetImageElement(handle, 0, &element), badParameter);
+    EXPECT_EQ(FILES_SetImageElement(handle, 0, 1, element), badParameter);
     HANDLE destroyed = handle;
-    EXPECT_EQ(FILES_DestroyImage(&destroyed), BadParameter);
+    EXPECT_EQ(FILES_DestroyImage(&destroyed), badParameter);
     EXPECT_EQ(destroyed, handle);
     EXPECT_EQ(count, 7u);
     EXPECT_TRUE(dir.entries().empty());
@@ -40,28 +40,28 @@ TEST(Handles, OneThatWasNeverGivenOut) {
 
 TEST(Handles, OneThatWasDestroyed) {
     HANDLE image = nullptr;
-    ASSERT_EQ(FILES_CreateImage(&image, 1), NoError);
+    ASSERT_EQ(FILES_CreateImage(&image, 1), noError);
     const HANDLE copy = image;
-    ASSERT_EQ(FILES_DestroyImage(&image), NoError);
+    ASSERT_EQ(FILES_DestroyImage(&image), noError);
     expectRefused(copy);
 }
 
 // The address of a handle that was dropped may become another handle, which knows nothing of the first.
 TEST(Handles, OneThatIsDroppedWithoutACall) {
     Handle kept;
-    ASSERT_EQ(FILES_CreateImage(kept.out(), 1), NoError);
-    ASSERT_EQ(kept.insert(0, 0x100, {1, 2, 3}), NoError);
+    ASSERT_EQ(FILES_CreateImage(kept.out(), 1), noError);
+    ASSERT_EQ(kept.insert(0, 0x100, {1, 2, 3}), noError);
     HANDLE last = nullptr;
     bool cameBack = false;
     for (int i = 0; i < 100; ++i) {
         HANDLE image = nullptr;
-        ASSERT_EQ(FILES_CreateImage(&image, 1), NoError);
+        ASSERT_EQ(FILES_CreateImage(&image, 1), noError);
         cameBack |= image == last;
         unsigned int count = 7;
-        ASSERT_EQ(FILES_GetImageNbElement(image, &count), NoError);
+        ASSERT_EQ(FILES_GetImageNbElement(image, &count), noError);
         ASSERT_EQ(count, 0u);
         Bytes bytes = pattern(100);
-        ASSERT_EQ(FILES_SetImageElement(image, 0, 1, {0x200, bytes.size(), bytes.data()}), NoError);
+        ASSERT_EQ(FILES_SetImageElement(image, 0, 1, {0x200, bytes.size(), bytes.data()}), noError);
         last = image;
         ::operator delete(image);
     }
@@ -83,7 +83,7 @@ TEST(Handles, SeveralThreadsWithAnImageEach) {
             IMAGEELEMENT element{};
             Bytes back(64);
             element.Data = back.data();
-            good += FILES_GetImageElement(image, 0, &element) == NoError && element.dwAddress == seed && back == bytes;
+            good += FILES_GetImageElement(image, 0, &element) == noError && element.dwAddress == seed && back == bytes;
             if (i % 2 == 0)
                 FILES_DestroyImage(&image);
             else
@@ -101,9 +101,9 @@ TEST(Handles, SeveralThreadsWithAnImageEach) {
 // A process may end with images that nobody gave back.
 TEST(Handles, OneThatIsHeldUntilTheEnd) {
     static HANDLE held = nullptr;
-    ASSERT_EQ(FILES_CreateImage(&held, 1), NoError);
+    ASSERT_EQ(FILES_CreateImage(&held, 1), noError);
     Bytes bytes = pattern(100);
-    EXPECT_EQ(FILES_SetImageElement(held, 0, 1, {0, bytes.size(), bytes.data()}), NoError);
+    EXPECT_EQ(FILES_SetImageElement(held, 0, 1, {0, bytes.size(), bytes.data()}), noError);
 }
 
 } // namespace

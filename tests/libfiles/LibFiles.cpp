@@ -50,16 +50,16 @@ Handle::~Handle() {
 
 Pieces Handle::pieces() const {
     unsigned int count = 0;
-    if (FILES_GetImageNbElement(m_image, &count) != NoError)
+    if (FILES_GetImageNbElement(m_image, &count) != noError)
         throw std::runtime_error("no element count");
     Pieces pieces;
     for (unsigned int i = 0; i < count; ++i) {
         IMAGEELEMENT element{};
-        if (FILES_GetImageElement(m_image, i, &element) != NoError)
+        if (FILES_GetImageElement(m_image, i, &element) != noError)
             throw std::runtime_error("no element");
         Piece piece{element.dwAddress, Bytes(element.dwDataLength)};
         element.Data = piece.bytes.data();
-        if (FILES_GetImageElement(m_image, i, &element) != NoError)
+        if (FILES_GetImageElement(m_image, i, &element) != noError)
             throw std::runtime_error("no element bytes");
         pieces.push_back(std::move(piece));
     }
@@ -189,7 +189,7 @@ int inChild(const std::function<int()> &work) {
 
 unsigned int unprivileged(const std::function<unsigned int()> &work) {
     const int status = inChild([&] {
-        if (::geteuid() == 0 && (::setegid(Nobody) != 0 || ::seteuid(Nobody) != 0))
+        if (::geteuid() == 0 && (::setegid(nobody) != 0 || ::seteuid(nobody) != 0))
             return 255;
         return static_cast<int>(work());
     });

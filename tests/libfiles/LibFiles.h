@@ -12,18 +12,18 @@
 
 namespace libfiles {
 
-constexpr unsigned int NoError = 0x12340000;
-constexpr unsigned int BadSuffix = 2;
-constexpr unsigned int UnableToOpenFile = 3;
-constexpr unsigned int UnableToOpenTempFile = 4;
-constexpr unsigned int BadFormat = 5;
-constexpr unsigned int BadAddressRange = 6;
-constexpr unsigned int BadParameter = 8;
-constexpr unsigned int GeneralError = 13;
-constexpr unsigned int ElementsFull = 15;
+constexpr unsigned int noError = 0x12340000;
+constexpr unsigned int badSuffix = 2;
+constexpr unsigned int unableToOpenFile = 3;
+constexpr unsigned int unableToOpenTempFile = 4;
+constexpr unsigned int badFormat = 5;
+constexpr unsigned int badAddressRange = 6;
+constexpr unsigned int badParameter = 8;
+constexpr unsigned int generalError = 13;
+constexpr unsigned int elementsFull = 15;
 
-constexpr int Program = 1;
-constexpr int UserSystemData = 0;
+constexpr int programImage = 1;
+constexpr int userSystemDataImage = 0;
 
 using Bytes = std::vector<BYTE>;
 
@@ -97,12 +97,12 @@ std::string srec(unsigned type, std::uint32_t address, const Bytes &data);
 
 // Reads a file of that content; `pieces` receives the elements.
 unsigned int load(const TempDir &dir, const std::string &name, const std::string &content, Pieces &pieces,
-                  int program = Program);
+                  int program = programImage);
 
 // Runs a program; its exit status.
 int run(const std::string &command);
 
-constexpr unsigned Nobody = 65534; // a user without rights
+constexpr unsigned nobody = 65534; // a user without rights
 
 // Runs `work` in a process of its own; its raw wait status.
 int inChild(const std::function<int()> &work);

@@ -157,47 +157,47 @@ struct Bad {
     unsigned int status;
 };
 
-const Bad BadMaps[] = {
-    {"nothing", "", BadFormat},
-    {"no sectors", "[Product]\nName=x\n", BadFormat},
-    {"no Size", "[Sector0]\nCount=4\n", BadFormat},
-    {"Size 0", "[Sector0]\nSize=0\n", BadFormat},
-    {"Size below 256", "[Sector0]\nSize=FF\n", BadFormat},
-    {"Size over 256 MB", "[Sector0]\nSize=10000001\n", BadFormat},
-    {"Size without end", "[Sector0]\nSize=FFFFFFFFFFFFFFFFFFFF\n", BadFormat},
-    {"Size negative", "[Sector0]\nSize=-800\n", BadFormat},
-    {"Size empty", "[Sector0]\nSize=\n", BadFormat},
-    {"Size no number", "[Sector0]\nSize=8oo\n", BadFormat},
-    {"Count 0", "[Sector0]\nSize=800\nCount=0\n", BadFormat},
-    {"Count hexadecimal", "[Sector0]\nSize=800\nCount=1F\n", BadFormat},
-    {"two million sectors", "[Sector0]\nSize=100\nCount=2000000\n", BadFormat},
-    {"32768 sectors", "[Sector0]\nSize=100\nCount=32768\n", BadFormat},
-    {"32768 sectors in two groups", "[Sector0]\nSize=100\nCount=32767\n[Sector1]\nSize=100\n", BadAddressRange},
-    {"more than 256 MB", "[Sector0]\nSize=8000000\nCount=3\n", BadAddressRange},
-    {"past 32 bits", "[Sector0]\nAddress=FFFFFF00\nSize=200\n", BadAddressRange},
-    {"Address over 32 bits", "[Sector0]\nAddress=100000000\nSize=200\n", BadFormat},
-    {"groups overlap", "[Sector0]\nSize=800\nCount=2\n[Sector1]\nAddress=08000800\nSize=800\n", BadAddressRange},
-    {"groups go down", "[Sector0]\nSize=800\n[Sector1]\nAddress=07000000\nSize=800\n", BadAddressRange},
-    {"a hole in the numbering", "[Sector0]\nSize=800\n[Sector2]\nSize=800\n", BadFormat},
-    {"no first group", "[Sector1]\nSize=800\n", BadFormat},
-    {"a second spelling of a number", "[Sector0]\nSize=800\n[Sector00]\nSize=800\n", BadFormat},
-    {"a group twice", "[Sector0]\nSize=800\n[Sector0]\nSize=800\n", BadFormat},
-    {"a key twice", "[Sector0]\nSize=800\nSize=400\n", BadFormat},
-    {"a line without a key", "[Sector0]\nSize=800\nhello\n", BadFormat},
-    {"a line without a name", "[Sector0]\nSize=800\n=5\n", BadFormat},
-    {"a key in front of all sections", "Size=800\n[Sector0]\nSize=800\n", BadFormat},
-    {"a section without an end", "[Sector0\nSize=800\n", BadFormat},
-    {"only a bracket", "[\n", BadFormat},
-    {"a null", std::string("[Sector0]\nSize=800\nx=\0\n", 23), BadFormat},
+const Bad badMaps[] = {
+    {"nothing", "", badFormat},
+    {"no sectors", "[Product]\nName=x\n", badFormat},
+    {"no Size", "[Sector0]\nCount=4\n", badFormat},
+    {"Size 0", "[Sector0]\nSize=0\n", badFormat},
+    {"Size below 256", "[Sector0]\nSize=FF\n", badFormat},
+    {"Size over 256 MB", "[Sector0]\nSize=10000001\n", badFormat},
+    {"Size without end", "[Sector0]\nSize=FFFFFFFFFFFFFFFFFFFF\n", badFormat},
+    {"Size negative", "[Sector0]\nSize=-800\n", badFormat},
+    {"Size empty", "[Sector0]\nSize=\n", badFormat},
+    {"Size no number", "[Sector0]\nSize=8oo\n", badFormat},
+    {"Count 0", "[Sector0]\nSize=800\nCount=0\n", badFormat},
+    {"Count hexadecimal", "[Sector0]\nSize=800\nCount=1F\n", badFormat},
+    {"two million sectors", "[Sector0]\nSize=100\nCount=2000000\n", badFormat},
+    {"32768 sectors", "[Sector0]\nSize=100\nCount=32768\n", badFormat},
+    {"32768 sectors in two groups", "[Sector0]\nSize=100\nCount=32767\n[Sector1]\nSize=100\n", badAddressRange},
+    {"more than 256 MB", "[Sector0]\nSize=8000000\nCount=3\n", badAddressRange},
+    {"past 32 bits", "[Sector0]\nAddress=FFFFFF00\nSize=200\n", badAddressRange},
+    {"Address over 32 bits", "[Sector0]\nAddress=100000000\nSize=200\n", badFormat},
+    {"groups overlap", "[Sector0]\nSize=800\nCount=2\n[Sector1]\nAddress=08000800\nSize=800\n", badAddressRange},
+    {"groups go down", "[Sector0]\nSize=800\n[Sector1]\nAddress=07000000\nSize=800\n", badAddressRange},
+    {"a hole in the numbering", "[Sector0]\nSize=800\n[Sector2]\nSize=800\n", badFormat},
+    {"no first group", "[Sector1]\nSize=800\n", badFormat},
+    {"a second spelling of a number", "[Sector0]\nSize=800\n[Sector00]\nSize=800\n", badFormat},
+    {"a group twice", "[Sector0]\nSize=800\n[Sector0]\nSize=800\n", badFormat},
+    {"a key twice", "[Sector0]\nSize=800\nSize=400\n", badFormat},
+    {"a line without a key", "[Sector0]\nSize=800\nhello\n", badFormat},
+    {"a line without a name", "[Sector0]\nSize=800\n=5\n", badFormat},
+    {"a key in front of all sections", "Size=800\n[Sector0]\nSize=800\n", badFormat},
+    {"a section without an end", "[Sector0\nSize=800\n", badFormat},
+    {"only a bracket", "[\n", badFormat},
+    {"a null", std::string("[Sector0]\nSize=800\nx=\0\n", 23), badFormat},
     {"binary",
      std::string("\x7F"
                  "ELF\x02\x01\x01\0\0\0\xFF\xFE",
                  12),
-     BadFormat},
+     badFormat},
 };
 
-TEST(MapFile, BadMaps) {
-    for (const Bad &bad : BadMaps) {
+TEST(MapFile, badMaps) {
+    for (const Bad &bad : badMaps) {
         SCOPED_TRACE(bad.what);
         const Read read = readText(bad.text);
         EXPECT_EQ(read.status, bad.status);
@@ -221,12 +221,12 @@ TEST(MapFile, PathsThatAreNoMap) {
     ASSERT_EQ(::mkfifo((dir / "f.ZVmap").c_str(), 0600), 0);
     for (const char *name : {"d.ZVmap", "z.ZVmap", "f.ZVmap", "missing.ZVmap"}) {
         const Read read = readMap(dir / name);
-        EXPECT_EQ(read.status, UnableToOpenFile) << name;
+        EXPECT_EQ(read.status, unableToOpenFile) << name;
         EXPECT_EQ(read.sectors, 0) << name;
     }
     writeFile(dir / "large.ZVmap", std::string());
     std::filesystem::resize_file(dir / "large.ZVmap", 8ull << 30);
-    EXPECT_EQ(readMap(dir / "large.ZVmap").status, BadFormat);
+    EXPECT_EQ(readMap(dir / "large.ZVmap").status, badFormat);
 }
 
 TEST(MapFile, NullPointers) {
@@ -234,12 +234,12 @@ TEST(MapFile, NullPointers) {
     const std::string path = dir / "a.ZVmap";
     writeFile(path, std::string("[Sector0]\nSize=800\n"));
     short sectors = 0;
-    EXPECT_EQ(FILES_GetMemoryMapping(nullptr, &sectors, nullptr, nullptr, nullptr, nullptr), BadParameter);
-    EXPECT_EQ(FILES_GetMemoryMapping(path.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr), BadParameter);
+    EXPECT_EQ(FILES_GetMemoryMapping(nullptr, &sectors, nullptr, nullptr, nullptr, nullptr), badParameter);
+    EXPECT_EQ(FILES_GetMemoryMapping(path.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr), badParameter);
     EXPECT_EQ(FILES_GetMemoryMapping(path.c_str(), &sectors, nullptr, nullptr, nullptr, nullptr), 0u);
     EXPECT_EQ(sectors, 1);
     MAPPING map{};
-    EXPECT_EQ(FILES_GetMemoryMapping(path.c_str(), &sectors, nullptr, nullptr, &map, nullptr), BadParameter);
+    EXPECT_EQ(FILES_GetMemoryMapping(path.c_str(), &sectors, nullptr, nullptr, &map, nullptr), badParameter);
 }
 
 // The file may change between the call that counts and the one that fills.
@@ -251,7 +251,7 @@ TEST(MapFile, ATableThatGrewIsNotWrittenPastItsRecords) {
     map.pSectors = records.data();
     short sectors = 8;
     EXPECT_EQ(FILES_GetMemoryMapping((dir / "a.ZVmap").c_str(), &sectors, nullptr, nullptr, &map, nullptr),
-              ElementsFull);
+              elementsFull);
     EXPECT_EQ(sectors, 0);
     EXPECT_EQ(map.NbSectors, 0u);
     map.NbSectors = 9;

@@ -55,19 +55,19 @@ std::string mutate(std::string text, std::mt19937 &random) {
 void tryImage(const TempDir &dir, const std::string &name, const std::string &content) {
     writeFile(dir / name, content);
     Handle image;
-    const unsigned int status = FILES_ImageFromFile((dir / name).c_str(), image.out(), Program);
-    ASSERT_EQ(image.get() != nullptr, status == NoError);
-    if (status != NoError) {
-        ASSERT_TRUE(status == BadFormat || status == BadAddressRange) << status;
+    const unsigned int status = FILES_ImageFromFile((dir / name).c_str(), image.out(), programImage);
+    ASSERT_EQ(image.get() != nullptr, status == noError);
+    if (status != noError) {
+        ASSERT_TRUE(status == badFormat || status == badAddressRange) << status;
         return;
     }
     const Pieces before = image.pieces();
-    ASSERT_EQ(FILES_ImageToFile((dir / "again.hex").c_str(), image.get()), NoError);
+    ASSERT_EQ(FILES_ImageToFile((dir / "again.hex").c_str(), image.get()), noError);
     Handle again;
-    ASSERT_EQ(FILES_ImageFromFile((dir / "again.hex").c_str(), again.out(), Program), NoError);
+    ASSERT_EQ(FILES_ImageFromFile((dir / "again.hex").c_str(), again.out(), programImage), noError);
     ASSERT_EQ(again.pieces(), before);
     Map map(uniform(0x08000000, 64, 16));
-    ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 1), NoError);
+    ASSERT_EQ(FILES_FilterImageForOperation(image.get(), map.get(), 2, 1), noError);
 }
 
 TEST(Mutation, Hex) {

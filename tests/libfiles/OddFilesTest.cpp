@@ -16,76 +16,79 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const char *const Suffixes[] = {".bin", ".hex", ".s19", ".srec"};
+const char *const suffixes[] = {".bin", ".hex", ".s19", ".srec"};
 
-unsigned int open(const std::string &path, int program = Program) {
+unsigned int open(const std::string &path, int program = programImage) {
     Handle image;
     const unsigned int status = FILES_ImageFromFile(path.c_str(), image.out(), program);
-    EXPECT_EQ(image.get() != nullptr, status == NoError);
+    EXPECT_EQ(image.get() != nullptr, status == noError);
     return status;
 }
 
-TEST(OddFiles, Suffixes) {
+TEST(OddFiles, suffixes) {
     const TempDir dir;
     struct {
         const char *name;
         int program;
         unsigned int status;
     } const cases[] = {
-        {"a.bin", Program, NoError},       {"a.BIN", Program, NoError},    {"a.Bin", UserSystemData, NoError},
-        {"a.hex", Program, BadFormat},     {"a.HeX", Program, BadFormat},  {"a.HEX", UserSystemData, BadFormat},
-        {"a.s19", Program, BadFormat},     {"a.S19", Program, BadFormat},  {"a.s19", UserSystemData, BadFormat},
-        {"a.srec", Program, BadFormat},    {"a.SREC", Program, BadFormat}, {"a.srec", UserSystemData, BadFormat},
-        {"a.hex.txt", Program, BadSuffix}, {"a", Program, BadSuffix},      {"a.", Program, BadSuffix},
-        {"bin", Program, BadSuffix},       {"ahex", Program, BadSuffix},   {"a.elf", Program, BadSuffix},
-        {"a.bin.hex", Program, BadFormat},
+        {"a.bin", programImage, noError},          {"a.BIN", programImage, noError},
+        {"a.Bin", userSystemDataImage, noError},   {"a.hex", programImage, badFormat},
+        {"a.HeX", programImage, badFormat},        {"a.HEX", userSystemDataImage, badFormat},
+        {"a.s19", programImage, badFormat},        {"a.S19", programImage, badFormat},
+        {"a.s19", userSystemDataImage, badFormat}, {"a.srec", programImage, badFormat},
+        {"a.SREC", programImage, badFormat},       {"a.srec", userSystemDataImage, badFormat},
+        {"a.hex.txt", programImage, badSuffix},    {"a", programImage, badSuffix},
+        {"a.", programImage, badSuffix},           {"bin", programImage, badSuffix},
+        {"ahex", programImage, badSuffix},         {"a.elf", programImage, badSuffix},
+        {"a.bin.hex", programImage, badFormat},
     };
     for (const auto &one : cases) {
         writeFile(dir / one.name, std::string("x"));
         EXPECT_EQ(open(dir / one.name, one.program), one.status) << one.name;
     }
-    EXPECT_EQ(open("", Program), BadSuffix);
+    EXPECT_EQ(open("", programImage), badSuffix);
 }
 
 TEST(OddFiles, AWrongSuffixIsNotWrittenEither) {
     const TempDir dir;
     Handle image;
-    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    EXPECT_EQ(FILES_ImageToFile((dir / "a.txt").c_str(), image.get()), BadSuffix);
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    EXPECT_EQ(FILES_ImageToFile((dir / "a.txt").c_str(), image.get()), badSuffix);
     EXPECT_TRUE(dir.entries().empty());
 }
 
 TEST(OddFiles, Missing) {
     const TempDir dir;
-    for (const char *suffix : Suffixes)
-        EXPECT_EQ(open(dir / (std::string("no") + suffix)), UnableToOpenFile);
+    for (const char *suffix : suffixes)
+        EXPECT_EQ(open(dir / (std::string("no") + suffix)), unableToOpenFile);
 }
 
 TEST(OddFiles, Directory) {
     const TempDir dir;
-    for (const char *suffix : Suffixes) {
+    for (const char *suffix : suffixes) {
         const std::string path = dir / (std::string("d") + suffix);
         fs::create_directory(path);
-        EXPECT_EQ(open(path), UnableToOpenFile);
+        EXPECT_EQ(open(path), unableToOpenFile);
     }
 }
 
 TEST(OddFiles, FifoWithoutAWriter) {
     const TempDir dir;
-    for (const char *suffix : Suffixes) {
+    for (const char *suffix : suffixes) {
         const std::string path = dir / (std::string("f") + suffix);
         ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-        EXPECT_EQ(open(path), UnableToOpenFile);
+        EXPECT_EQ(open(path), unableToOpenFile);
     }
 }
 
 TEST(OddFiles, Devices) {
     const TempDir dir;
     for (const char *device : {"/dev/zero", "/dev/null", "/dev/full"})
-        for (const char *suffix : Suffixes) {
+        for (const char *suffix : suffixes) {
             const std::string path = dir / (std::string("z") + suffix);
             fs::create_symlink(device, path);
-            EXPECT_EQ(open(path), UnableToOpenFile);
+            EXPECT_EQ(open(path), unableToOpenFile);
             fs::remove(path);
         }
 }
@@ -99,7 +102,7 @@ TEST(OddFiles, Socket) {
     std::strcpy(address.sun_path, path.c_str());
     const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
     ASSERT_EQ(::bind(fd, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-    EXPECT_EQ(open(path), UnableToOpenFile);
+    EXPECT_EQ(open(path), unableToOpenFile);
     ::close(fd);
 }
 
@@ -107,16 +110,16 @@ TEST(OddFiles, LinksInACircle) {
     const TempDir dir;
     fs::create_symlink(dir / "b.hex", dir / "a.hex");
     fs::create_symlink(dir / "a.hex", dir / "b.hex");
-    EXPECT_EQ(open(dir / "a.hex"), UnableToOpenFile);
+    EXPECT_EQ(open(dir / "a.hex"), unableToOpenFile);
 }
 
 TEST(OddFiles, Unreadable) {
     const TempDir dir;
     fs::permissions(dir.path(), fs::perms::all);
     writeFile(dir / "a.hex", std::string(":00000001FF\n"));
-    EXPECT_EQ(unprivileged([&] { return open(dir / "a.hex") == NoError ? 0u : 1u; }), 0u);
+    EXPECT_EQ(unprivileged([&] { return open(dir / "a.hex") == noError ? 0u : 1u; }), 0u);
     fs::permissions(dir / "a.hex", fs::perms::none);
-    EXPECT_EQ(unprivileged([&] { return open(dir / "a.hex"); }), UnableToOpenFile);
+    EXPECT_EQ(unprivileged([&] { return open(dir / "a.hex"); }), unableToOpenFile);
 }
 
 // A sparse file of zeros is no record, however long it is.
@@ -126,7 +129,7 @@ TEST(OddFiles, ALongLineOfNothing) {
         const std::string path = dir / (std::string("l") + suffix);
         writeFile(path, std::string());
         fs::resize_file(path, 8ull << 30);
-        EXPECT_EQ(open(path), BadFormat);
+        EXPECT_EQ(open(path), badFormat);
     }
 }
 

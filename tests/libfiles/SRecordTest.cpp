@@ -6,8 +6,8 @@ using namespace libfiles;
 
 namespace {
 
-const std::string Head = "S0030000FC\n";
-const std::string End = "S9030000FC\n";
+const std::string headRecord = "S0030000FC\n";
+const std::string endRecord = "S9030000FC\n";
 
 struct Good {
     const char *what;
@@ -15,37 +15,37 @@ struct Good {
     Pieces pieces;
 };
 
-const Good GoodFiles[] = {
-    {"a byte order mark", "\xEF\xBB\xBF" + srec(1, 0, {1}) + "\n" + End, {{0, {1}}}},
-    {"a Ctrl-Z after the end record", srec(1, 0, {1}) + "\n" + End + "\x1A\x1A\n", {{0, {1}}}},
+const Good goodFiles[] = {
+    {"a byte order mark", "\xEF\xBB\xBF" + srec(1, 0, {1}) + "\n" + endRecord, {{0, {1}}}},
+    {"a Ctrl-Z after the end record", srec(1, 0, {1}) + "\n" + endRecord + "\x1A\x1A\n", {{0, {1}}}},
     {"a Ctrl-Z after a right count", srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\x1A", {{0, {1}}}},
     {"a literal record", "S107000001020304EE\nS9030000FC\n", {{0, {1, 2, 3, 4}}}},
-    {"only an end", End, {}},
+    {"only an end", endRecord, {}},
     {"no line end behind the end record", "S104000055A6\nS9030000FC", {{0, {0x55}}}},
     {"lower case digits", "S1070000deadbeefc0\nS9030000fc\n", {{0, {0xDE, 0xAD, 0xBE, 0xEF}}}},
     {"CRLF", "S104000055A6\r\nS9030000FC\r\n", {{0, {0x55}}}},
-    {"a header with a name", srec(0, 0, {'a', 'b'}) + "\n" + srec(1, 0, {1}) + "\n" + End, {{0, {1}}}},
-    {"S1", srec(1, 0xFFFF, {1}) + "\n" + End, {{0xFFFF, {1}}}},
+    {"a header with a name", srec(0, 0, {'a', 'b'}) + "\n" + srec(1, 0, {1}) + "\n" + endRecord, {{0, {1}}}},
+    {"S1", srec(1, 0xFFFF, {1}) + "\n" + endRecord, {{0xFFFF, {1}}}},
     {"S2", srec(2, 0x123456, {1}) + "\n" + srec(8, 0, {}) + "\n", {{0x123456, {1}}}},
     {"S3", srec(3, 0x08001234, {1}) + "\n" + srec(7, 0x08000000, {}) + "\n", {{0x08001234, {1}}}},
     {"S1, S2 and S3 in one file",
-     srec(3, 2, {3}) + "\n" + srec(2, 1, {2}) + "\n" + srec(1, 0, {1}) + "\n" + End,
+     srec(3, 2, {3}) + "\n" + srec(2, 1, {2}) + "\n" + srec(1, 0, {1}) + "\n" + endRecord,
      {{0, {1, 2, 3}}}},
-    {"the longest S1", srec(1, 0, pattern(252)) + "\n" + End, {{0, pattern(252)}}},
-    {"the longest S3", srec(3, 0, pattern(250)) + "\n" + End, {{0, pattern(250)}}},
-    {"S1 data past 16 bits", srec(1, 0xFFFF, {1, 2}) + "\n" + End, {{0xFFFF, {1, 2}}}},
-    {"a record without data", srec(1, 0, {}) + "\n" + End, {}},
+    {"the longest S1", srec(1, 0, pattern(252)) + "\n" + endRecord, {{0, pattern(252)}}},
+    {"the longest S3", srec(3, 0, pattern(250)) + "\n" + endRecord, {{0, pattern(250)}}},
+    {"S1 data past 16 bits", srec(1, 0xFFFF, {1, 2}) + "\n" + endRecord, {{0xFFFF, {1, 2}}}},
+    {"a record without data", srec(1, 0, {}) + "\n" + endRecord, {}},
     {"S5 counts the data records",
-     Head + srec(1, 0, {1}) + "\n" + srec(1, 1, {2}) + "\n" + srec(5, 2, {}) + "\n" + End,
+     headRecord + srec(1, 0, {1}) + "\n" + srec(1, 1, {2}) + "\n" + srec(5, 2, {}) + "\n" + endRecord,
      {{0, {1, 2}}}},
-    {"so does S6", srec(1, 0, {1}) + "\n" + srec(6, 1, {}) + "\n" + End, {{0, {1}}}},
+    {"so does S6", srec(1, 0, {1}) + "\n" + srec(6, 1, {}) + "\n" + endRecord, {{0, {1}}}},
     {"a right count is an end, as some writers have no other",
-     Head + srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\n",
+     headRecord + srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\n",
      {{0, {1}}}},
-    {"data behind a count", srec(5, 0, {}) + "\n" + srec(1, 0, {1}) + "\n" + End, {{0, {1}}}},
-    {"S5 of none", srec(5, 0, {}) + "\n" + End, {}},
-    {"the same bytes twice", srec(1, 0, {1, 2}) + "\n" + srec(1, 1, {2, 3}) + "\n" + End, {{0, {1, 2, 3}}}},
-    {"up to the last address", srec(3, 0xFFFFFFFE, {1, 2}) + "\n" + End, {{0xFFFFFFFE, {1, 2}}}},
+    {"data behind a count", srec(5, 0, {}) + "\n" + srec(1, 0, {1}) + "\n" + endRecord, {{0, {1}}}},
+    {"S5 of none", srec(5, 0, {}) + "\n" + endRecord, {}},
+    {"the same bytes twice", srec(1, 0, {1, 2}) + "\n" + srec(1, 1, {2, 3}) + "\n" + endRecord, {{0, {1, 2, 3}}}},
+    {"up to the last address", srec(3, 0xFFFFFFFE, {1, 2}) + "\n" + endRecord, {{0xFFFFFFFE, {1, 2}}}},
 };
 
 struct Bad {
@@ -54,54 +54,55 @@ struct Bad {
     unsigned int status;
 };
 
-const Bad BadFiles[] = {
-    {"a Ctrl-Z before the end record", srec(1, 0, {1}) + "\n\x1A\n" + End, BadFormat},
-    {"a record after a count and a Ctrl-Z", srec(5, 0, {}) + "\n\x1A\n" + srec(1, 0, {1}) + "\n" + End, BadFormat},
-    {"an empty file", "", BadFormat},
-    {"no end record", Head + srec(1, 0, {1}) + "\n", BadFormat},
-    {"a wrong count is no end", srec(1, 0, {1}) + "\n" + srec(5, 2, {}) + "\n", BadFormat},
+const Bad badFiles[] = {
+    {"a Ctrl-Z before the end record", srec(1, 0, {1}) + "\n\x1A\n" + endRecord, badFormat},
+    {"a record after a count and a Ctrl-Z", srec(5, 0, {}) + "\n\x1A\n" + srec(1, 0, {1}) + "\n" + endRecord,
+     badFormat},
+    {"an empty file", "", badFormat},
+    {"no end record", headRecord + srec(1, 0, {1}) + "\n", badFormat},
+    {"a wrong count is no end", srec(1, 0, {1}) + "\n" + srec(5, 2, {}) + "\n", badFormat},
     {"a count is no end for data behind it", srec(1, 0, {1}) + "\n" + srec(5, 1, {}) + "\n" + srec(1, 1, {2}) + "\n",
-     BadFormat},
-    {"a wrong checksum", "S104000055A7\n" + End, BadFormat},
-    {"a wrong checksum in the end record", "S9030000FD\n", BadFormat},
-    {"a wrong checksum in the header", "S0030000FD\n" + End, BadFormat},
-    {"a bad digit in the data", "S10400005GA6\n" + End, BadFormat},
-    {"a bad digit in the address", "S1040X0055A6\n" + End, BadFormat},
-    {"a bad digit in the count", "S1G4000055A6\n" + End, BadFormat},
-    {"a type that is no digit", "SA04000055A6\n" + End, BadFormat},
-    {"a small mark", "s104000055A6\n" + End, BadFormat},
-    {"S4", "S4030000FC\n" + End, BadFormat},
-    {"a count that is too small for the address", "S10200FD\n" + End, BadFormat},
-    {"a count of 0", "S100FF\n" + End, BadFormat},
-    {"fewer data than the count", "S105000055A5\n" + End, BadFormat},
-    {"more data than the count", "S10400005500A6\n" + End, BadFormat},
-    {"two records on one line", "S104000055A6S9030000FC\n", BadFormat},
-    {"S5 counts wrong", srec(1, 0, {1}) + "\n" + srec(5, 2, {}) + "\n" + End, BadFormat},
-    {"S6 counts wrong", srec(1, 0, {1}) + "\n" + srec(6, 0, {}) + "\n" + End, BadFormat},
-    {"S5 with data", srec(5, 0, {1}) + "\n" + End, BadFormat},
-    {"S9 with data", srec(9, 0, {1}) + "\n", BadFormat},
-    {"S7 too short", "S7030000FC\n", BadFormat},
-    {"data behind the end record", End + srec(1, 0, {1}) + "\n", BadFormat},
-    {"a second end record", End + End, BadFormat},
-    {"text behind the end record", End + "x", BadFormat},
-    {"different bytes at one address", srec(1, 0, {1}) + "\n" + srec(1, 0, {2}) + "\n" + End, BadFormat},
-    {"data past 32 bits", srec(3, 0xFFFFFFFF, {1, 2}) + "\n" + End, BadAddressRange},
+     badFormat},
+    {"a wrong checksum", "S104000055A7\n" + endRecord, badFormat},
+    {"a wrong checksum in the end record", "S9030000FD\n", badFormat},
+    {"a wrong checksum in the header", "S0030000FD\n" + endRecord, badFormat},
+    {"a bad digit in the data", "S10400005GA6\n" + endRecord, badFormat},
+    {"a bad digit in the address", "S1040X0055A6\n" + endRecord, badFormat},
+    {"a bad digit in the count", "S1G4000055A6\n" + endRecord, badFormat},
+    {"a type that is no digit", "SA04000055A6\n" + endRecord, badFormat},
+    {"a small mark", "s104000055A6\n" + endRecord, badFormat},
+    {"S4", "S4030000FC\n" + endRecord, badFormat},
+    {"a count that is too small for the address", "S10200FD\n" + endRecord, badFormat},
+    {"a count of 0", "S100FF\n" + endRecord, badFormat},
+    {"fewer data than the count", "S105000055A5\n" + endRecord, badFormat},
+    {"more data than the count", "S10400005500A6\n" + endRecord, badFormat},
+    {"two records on one line", "S104000055A6S9030000FC\n", badFormat},
+    {"S5 counts wrong", srec(1, 0, {1}) + "\n" + srec(5, 2, {}) + "\n" + endRecord, badFormat},
+    {"S6 counts wrong", srec(1, 0, {1}) + "\n" + srec(6, 0, {}) + "\n" + endRecord, badFormat},
+    {"S5 with data", srec(5, 0, {1}) + "\n" + endRecord, badFormat},
+    {"S9 with data", srec(9, 0, {1}) + "\n", badFormat},
+    {"S7 too short", "S7030000FC\n", badFormat},
+    {"data behind the end record", endRecord + srec(1, 0, {1}) + "\n", badFormat},
+    {"a second end record", endRecord + endRecord, badFormat},
+    {"text behind the end record", endRecord + "x", badFormat},
+    {"different bytes at one address", srec(1, 0, {1}) + "\n" + srec(1, 0, {2}) + "\n" + endRecord, badFormat},
+    {"data past 32 bits", srec(3, 0xFFFFFFFF, {1, 2}) + "\n" + endRecord, badAddressRange},
 };
 
-TEST(SRecord, GoodFiles) {
+TEST(SRecord, goodFiles) {
     const TempDir dir;
-    for (const Good &file : GoodFiles)
+    for (const Good &file : goodFiles)
         for (const char *name : {"a.s19", "a.srec"}) {
             SCOPED_TRACE(file.what);
             Pieces pieces;
-            EXPECT_EQ(load(dir, name, file.content, pieces), NoError);
+            EXPECT_EQ(load(dir, name, file.content, pieces), noError);
             EXPECT_EQ(pieces, file.pieces);
         }
 }
 
-TEST(SRecord, BadFiles) {
+TEST(SRecord, badFiles) {
     const TempDir dir;
-    for (const Bad &file : BadFiles) {
+    for (const Bad &file : badFiles) {
         SCOPED_TRACE(file.what);
         Pieces pieces;
         EXPECT_EQ(load(dir, "a.s19", file.content, pieces), file.status);
@@ -111,10 +112,10 @@ TEST(SRecord, BadFiles) {
 
 TEST(SRecord, EveryCutOffFileIsRefused) {
     const TempDir dir;
-    const std::string whole = Head + srec(3, 0x08000000, pattern(16)) + "\nS9030000FC";
+    const std::string whole = headRecord + srec(3, 0x08000000, pattern(16)) + "\nS9030000FC";
     for (std::size_t length = 0; length < whole.size(); ++length) {
         Pieces pieces;
-        EXPECT_EQ(load(dir, "a.s19", whole.substr(0, length), pieces), BadFormat) << length;
+        EXPECT_EQ(load(dir, "a.s19", whole.substr(0, length), pieces), badFormat) << length;
     }
 }
 
@@ -125,17 +126,17 @@ TEST(SRecord, EveryWrongDigitIsRefused) {
         std::string wrong = record;
         wrong[at] = wrong[at] == '0' ? '1' : '0';
         Pieces pieces;
-        EXPECT_EQ(load(dir, "a.s19", wrong + "\n" + End, pieces), BadFormat) << wrong;
+        EXPECT_EQ(load(dir, "a.s19", wrong + "\n" + endRecord, pieces), badFormat) << wrong;
     }
 }
 
 TEST(SRecord, WrittenFile) {
     const TempDir dir;
     Handle image;
-    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    ASSERT_EQ(FILES_SetImageName(image.get(), "/some/where/app.hex"), NoError);
-    ASSERT_EQ(image.insert(0, 0x08000000, pattern(40)), NoError);
-    ASSERT_EQ(FILES_ImageToFile((dir / "o.srec").c_str(), image.get()), NoError);
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    ASSERT_EQ(FILES_SetImageName(image.get(), "/some/where/app.hex"), noError);
+    ASSERT_EQ(image.insert(0, 0x08000000, pattern(40)), noError);
+    ASSERT_EQ(FILES_ImageToFile((dir / "o.srec").c_str(), image.get()), noError);
     const Bytes bytes = pattern(40);
     const std::string expected = srec(0, 0, {'a', 'p', 'p', '.', 'h', 'e', 'x'}) + "\n" +
                                  srec(3, 0x08000000, Bytes(bytes.begin(), bytes.begin() + 32)) + "\n" +

@@ -87,8 +87,8 @@ __attribute__((visibility("default"))) int rename(const char *from, const char *
 
 namespace {
 
-const std::string Old = "old";
-const Bytes NewBytes = pattern(600000);
+const std::string oldText = "old";
+const Bytes newBytes = pattern(600000);
 
 struct Case {
     const char *name;
@@ -100,7 +100,7 @@ void PrintTo(const Case &one, std::ostream *out) {
     *out << one.name;
 }
 
-const Case Cases[] = {
+const Case cases[] = {
     {"UnnamedOver", true, true}, {"UnnamedNew", true, false}, {"NamedOver", false, true}, {"NamedNew", false, false}};
 
 struct Outcome {
@@ -120,12 +120,12 @@ protected:
         const TempDir dir;
         const std::string path = dir / "o.bin";
         if (GetParam().exists)
-            writeFile(path, Old);
+            writeFile(path, oldText);
         Outcome outcome = fault == Fault::Kills ? killed(path, at) : failed(path, fault, at);
         const auto entries = dir.entries();
         const bool present = std::find(entries.begin(), entries.end(), "o.bin") != entries.end();
-        outcome.isNew = present && readBytes(path) == NewBytes;
-        outcome.isOld = GetParam().exists ? present && readFile(path) == Old : !present;
+        outcome.isNew = present && readBytes(path) == newBytes;
+        outcome.isOld = GetParam().exists ? present && readFile(path) == oldText : !present;
         outcome.litter = entries.size() - (present ? 1 : 0);
         struct stat info {};
         if (::stat(path.c_str(), &info) == 0)
@@ -136,9 +136,9 @@ protected:
 private:
     Outcome failed(const std::string &path, Fault fault, int at) const {
         Handle image;
-        EXPECT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-        EXPECT_EQ(image.insert(0, 0, Bytes(NewBytes.begin(), NewBytes.begin() + 300000)), NoError);
-        EXPECT_EQ(image.insert(1, 300000, Bytes(NewBytes.begin() + 300000, NewBytes.end())), NoError);
+        EXPECT_EQ(FILES_CreateImage(image.out(), 1), noError);
+        EXPECT_EQ(image.insert(0, 0, Bytes(newBytes.begin(), newBytes.begin() + 300000)), noError);
+        EXPECT_EQ(image.insert(1, 300000, Bytes(newBytes.begin() + 300000, newBytes.end())), noError);
         plan = {true, fault, at, 0, GetParam().unnamedFiles, {}, 0};
         Outcome outcome;
         outcome.status = FILES_ImageToFile(path.c_str(), image.get());
@@ -164,7 +164,7 @@ private:
 
 TEST_P(SaveFaults, WithoutAFault) {
     const Outcome outcome = save(Fault::None, 0);
-    EXPECT_EQ(outcome.status, NoError);
+    EXPECT_EQ(outcome.status, noError);
     EXPECT_TRUE(outcome.isNew);
     EXPECT_EQ(outcome.litter, 0u);
     EXPECT_GE(outcome.calls, 6); // open, two writes, fsync, a name, the directory
@@ -190,7 +190,7 @@ TEST_P(SaveFaults, EachCallFails) {
         EXPECT_TRUE(outcome.isOld || outcome.isNew);
         // A failure behind the last step leaves the new file, and one that another way is found
         // around is none.
-        if (outcome.status == NoError)
+        if (outcome.status == noError)
             EXPECT_TRUE(outcome.isNew);
         else if (at < calls)
             EXPECT_TRUE(outcome.isOld);
@@ -210,7 +210,7 @@ TEST_P(SaveFaults, KilledInFrontOfEachCall) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, SaveFaults, testing::ValuesIn(Cases),
+INSTANTIATE_TEST_SUITE_P(Files, SaveFaults, testing::ValuesIn(cases),
                          [](const auto &one) { return std::string(one.param.name); });
 
 } // namespace

@@ -17,8 +17,8 @@ const Bytes newBytes = pattern(1000, 9);
 
 unsigned int save(const std::string &path) {
     Handle image;
-    EXPECT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    EXPECT_EQ(image.insert(0, 0x08000000, newBytes), NoError);
+    EXPECT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    EXPECT_EQ(image.insert(0, 0x08000000, newBytes), noError);
     return FILES_ImageToFile(path.c_str(), image.get());
 }
 
@@ -49,7 +49,7 @@ constexpr unsigned stranger = 4711;
 
 TEST_F(SharedDirectory, ALinkOfItsOwnIsFollowed) {
     fs::create_symlink(dir / "own/victim.bin", dir / "common/back.bin");
-    EXPECT_EQ(save(dir / "common/back.bin"), NoError);
+    EXPECT_EQ(save(dir / "common/back.bin"), noError);
     EXPECT_TRUE(fs::is_symlink(dir / "common/back.bin"));
     EXPECT_EQ(readBytes(dir / "own/victim.bin"), newBytes);
 }
@@ -57,7 +57,7 @@ TEST_F(SharedDirectory, ALinkOfItsOwnIsFollowed) {
 TEST_F(SharedDirectory, ALinkOfAStrangerIsNot) {
     ONLY_ROOT();
     link(dir / "own/victim.bin", "common/back.bin", stranger);
-    EXPECT_EQ(save(dir / "common/back.bin"), UnableToOpenFile);
+    EXPECT_EQ(save(dir / "common/back.bin"), unableToOpenFile);
     EXPECT_EQ(readFile(dir / "own/victim.bin"), "old");
 }
 
@@ -65,14 +65,14 @@ TEST_F(SharedDirectory, ALinkOfAStrangerIsNotFollowedFromAnotherLinkEither) {
     ONLY_ROOT();
     link(dir / "own/victim.bin", "common/back.bin", stranger);
     fs::create_symlink("../common/back.bin", dir / "own/mine.bin");
-    EXPECT_EQ(save(dir / "own/mine.bin"), UnableToOpenFile);
+    EXPECT_EQ(save(dir / "own/mine.bin"), unableToOpenFile);
     EXPECT_EQ(readFile(dir / "own/victim.bin"), "old");
 }
 
 TEST_F(SharedDirectory, ALinkOfAStrangerToNothingMakesNoFile) {
     ONLY_ROOT();
     link(dir / "own/new.bin", "common/back.bin", stranger);
-    EXPECT_EQ(save(dir / "common/back.bin"), UnableToOpenFile);
+    EXPECT_EQ(save(dir / "common/back.bin"), unableToOpenFile);
     EXPECT_FALSE(fs::exists(dir / "own/new.bin"));
 }
 
@@ -81,27 +81,27 @@ TEST_F(SharedDirectory, ALinkOfTheDirectorysOwnerIsFollowed) {
     ONLY_ROOT();
     ASSERT_EQ(::chown((dir / "own").c_str(), stranger, stranger), 0);
     link("victim.bin", "own/back.bin", stranger);
-    EXPECT_EQ(save(dir / "own/back.bin"), NoError);
+    EXPECT_EQ(save(dir / "own/back.bin"), noError);
     EXPECT_EQ(readBytes(dir / "own/victim.bin"), newBytes);
 }
 
 TEST_F(SharedDirectory, AnotherUserIsRefusedRootsFile) {
     ONLY_ROOT();
-    link(dir / "own/victim.bin", "common/back.bin", Nobody);
-    EXPECT_EQ(unprivileged([&] { return save(dir / "common/back.bin"); }), UnableToOpenFile);
+    link(dir / "own/victim.bin", "common/back.bin", nobody);
+    EXPECT_EQ(unprivileged([&] { return save(dir / "common/back.bin"); }), unableToOpenFile);
     EXPECT_EQ(readFile(dir / "own/victim.bin"), "old");
 }
 
 TEST_F(SharedDirectory, LinksThatLeadRoundInACircle) {
     fs::create_symlink("b.bin", dir / "own/a.bin");
     fs::create_symlink("a.bin", dir / "own/b.bin");
-    EXPECT_EQ(save(dir / "own/a.bin"), UnableToOpenFile);
+    EXPECT_EQ(save(dir / "own/a.bin"), unableToOpenFile);
 }
 
 TEST_F(SharedDirectory, SeveralLinksLeadToOneFile) {
     fs::create_symlink("../own/second.bin", dir / "common/first.bin");
     fs::create_symlink(dir / "own/victim.bin", dir / "own/second.bin");
-    EXPECT_EQ(save(dir / "common/first.bin"), NoError);
+    EXPECT_EQ(save(dir / "common/first.bin"), noError);
     EXPECT_TRUE(fs::is_symlink(dir / "own/second.bin"));
     EXPECT_EQ(readBytes(dir / "own/victim.bin"), newBytes);
 }

@@ -18,12 +18,12 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-const Bytes NewBytes = pattern(1 << 20, 9);
+const Bytes newBytes = pattern(1 << 20, 9);
 
-unsigned int save(const std::string &path, const Bytes &bytes = NewBytes) {
+unsigned int save(const std::string &path, const Bytes &bytes = newBytes) {
     Handle image;
-    EXPECT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    EXPECT_EQ(image.insert(0, 0x08000000, bytes), NoError);
+    EXPECT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    EXPECT_EQ(image.insert(0, 0x08000000, bytes), noError);
     return FILES_ImageToFile(path.c_str(), image.get());
 }
 
@@ -36,22 +36,22 @@ mode_t modeOf(const std::string &path) {
 TEST(Save, ReplacesTheOldFile) {
     const TempDir dir;
     writeFile(dir / "o.bin", std::string("old"));
-    EXPECT_EQ(save(dir / "o.bin"), NoError);
-    EXPECT_EQ(readBytes(dir / "o.bin"), NewBytes);
+    EXPECT_EQ(save(dir / "o.bin"), noError);
+    EXPECT_EQ(readBytes(dir / "o.bin"), newBytes);
     EXPECT_EQ(dir.entries(), Names{"o.bin"});
 }
 
 TEST(Save, MakesANewFile) {
     const TempDir dir;
-    EXPECT_EQ(save(dir / "o.bin"), NoError);
-    EXPECT_EQ(readBytes(dir / "o.bin"), NewBytes);
+    EXPECT_EQ(save(dir / "o.bin"), noError);
+    EXPECT_EQ(readBytes(dir / "o.bin"), newBytes);
     EXPECT_EQ(dir.entries(), Names{"o.bin"});
 }
 
 TEST(Save, ARelativePathWithoutADirectory) {
     const TempDir dir;
     const int status = inChild([&] {
-        return ::chdir(dir.path().c_str()) == 0 && save("o.bin") == NoError && save("o.bin") == NoError ? 0 : 1;
+        return ::chdir(dir.path().c_str()) == 0 && save("o.bin") == noError && save("o.bin") == noError ? 0 : 1;
     });
     EXPECT_EQ(status, 0);
     EXPECT_EQ(dir.entries(), Names{"o.bin"});
@@ -60,8 +60,8 @@ TEST(Save, ARelativePathWithoutADirectory) {
 TEST(Save, ALongName) {
     const TempDir dir;
     const std::string name = std::string(251, 'n') + ".bin";
-    EXPECT_EQ(save(dir / name), NoError);
-    EXPECT_EQ(save(dir / name), NoError);
+    EXPECT_EQ(save(dir / name), noError);
+    EXPECT_EQ(save(dir / name), noError);
     EXPECT_EQ(dir.entries(), Names{name});
 }
 
@@ -70,7 +70,7 @@ TEST(Save, KeepsPermissions) {
     for (const mode_t mode : {0600, 0640, 0666, 0755, 0777}) {
         writeFile(dir / "o.hex", std::string("old"));
         ASSERT_EQ(::chmod((dir / "o.hex").c_str(), mode), 0);
-        EXPECT_EQ(save(dir / "o.hex"), NoError);
+        EXPECT_EQ(save(dir / "o.hex"), noError);
         EXPECT_EQ(modeOf(dir / "o.hex"), mode);
     }
 }
@@ -78,7 +78,7 @@ TEST(Save, KeepsPermissions) {
 TEST(Save, ANewFileFollowsTheUmask) {
     const TempDir dir;
     const mode_t old = ::umask(027);
-    EXPECT_EQ(save(dir / "o.hex"), NoError);
+    EXPECT_EQ(save(dir / "o.hex"), noError);
     ::umask(old);
     EXPECT_EQ(modeOf(dir / "o.hex"), 0640u);
 }
@@ -88,12 +88,12 @@ TEST(Save, KeepsTheOwner) {
         GTEST_SKIP() << "only root gives files away";
     const TempDir dir;
     writeFile(dir / "o.hex", std::string("old"));
-    ASSERT_EQ(::chown((dir / "o.hex").c_str(), Nobody, Nobody), 0);
-    EXPECT_EQ(save(dir / "o.hex"), NoError);
+    ASSERT_EQ(::chown((dir / "o.hex").c_str(), nobody, nobody), 0);
+    EXPECT_EQ(save(dir / "o.hex"), noError);
     struct stat info {};
     ASSERT_EQ(::stat((dir / "o.hex").c_str(), &info), 0);
-    EXPECT_EQ(info.st_uid, Nobody);
-    EXPECT_EQ(info.st_gid, Nobody);
+    EXPECT_EQ(info.st_uid, nobody);
+    EXPECT_EQ(info.st_gid, nobody);
 }
 
 TEST(Save, FollowsALink) {
@@ -101,16 +101,16 @@ TEST(Save, FollowsALink) {
     fs::create_directory(dir / "real");
     writeFile(dir / "real/o.bin", std::string("old"));
     fs::create_symlink("real/o.bin", dir / "link.bin");
-    EXPECT_EQ(save(dir / "link.bin"), NoError);
+    EXPECT_EQ(save(dir / "link.bin"), noError);
     EXPECT_TRUE(fs::is_symlink(dir / "link.bin"));
-    EXPECT_EQ(readBytes(dir / "real/o.bin"), NewBytes);
+    EXPECT_EQ(readBytes(dir / "real/o.bin"), newBytes);
     EXPECT_EQ(dir.entries(), (Names{"link.bin", "real"}));
 }
 
 TEST(Save, ALinkToNothing) {
     const TempDir dir;
     fs::create_symlink("nothing.bin", dir / "link.bin");
-    EXPECT_EQ(save(dir / "link.bin"), UnableToOpenFile);
+    EXPECT_EQ(save(dir / "link.bin"), unableToOpenFile);
     EXPECT_TRUE(fs::is_symlink(dir / "link.bin"));
     EXPECT_EQ(dir.entries(), Names{"link.bin"});
 }
@@ -119,14 +119,14 @@ TEST(Save, NeitherADirectoryNorADeviceIsReplaced) {
     const TempDir dir;
     fs::create_directory(dir / "d.bin");
     fs::create_symlink("/dev/null", dir / "n.bin");
-    EXPECT_EQ(save(dir / "d.bin"), UnableToOpenFile);
-    EXPECT_EQ(save(dir / "d.bin/"), BadSuffix);
-    EXPECT_EQ(save(dir / "n.bin"), UnableToOpenFile);
+    EXPECT_EQ(save(dir / "d.bin"), unableToOpenFile);
+    EXPECT_EQ(save(dir / "d.bin/"), badSuffix);
+    EXPECT_EQ(save(dir / "n.bin"), unableToOpenFile);
     EXPECT_EQ(dir.entries(), (Names{"d.bin", "n.bin"}));
 }
 
 TEST(Save, NoSuchDirectory) {
-    EXPECT_EQ(save("/nowhere/o.bin"), UnableToOpenTempFile);
+    EXPECT_EQ(save("/nowhere/o.bin"), unableToOpenTempFile);
 }
 
 TEST(Save, ADirectoryThatMayNotBeWritten) {
@@ -134,8 +134,8 @@ TEST(Save, ADirectoryThatMayNotBeWritten) {
     writeFile(dir / "old.bin", std::string("old"));
     ASSERT_EQ(::chmod((dir / "old.bin").c_str(), 0666), 0);
     ASSERT_EQ(::chmod(dir.path().c_str(), 0555), 0);
-    EXPECT_EQ(unprivileged([&] { return save(dir / "new.bin"); }), UnableToOpenTempFile);
-    EXPECT_EQ(unprivileged([&] { return save(dir / "old.bin"); }), UnableToOpenTempFile);
+    EXPECT_EQ(unprivileged([&] { return save(dir / "new.bin"); }), unableToOpenTempFile);
+    EXPECT_EQ(unprivileged([&] { return save(dir / "old.bin"); }), unableToOpenTempFile);
     EXPECT_EQ(readFile(dir / "old.bin"), "old");
     EXPECT_EQ(dir.entries(), Names{"old.bin"});
 }
@@ -146,7 +146,7 @@ TEST(Save, AFileThatMayNotBeWritten) {
     writeFile(dir / "o.bin", std::string("old"));
     ASSERT_EQ(::chmod((dir / "o.bin").c_str(), 0444), 0);
     ASSERT_EQ(::chmod(dir.path().c_str(), 0777), 0);
-    EXPECT_EQ(unprivileged([&] { return save(dir / "o.bin"); }), UnableToOpenFile);
+    EXPECT_EQ(unprivileged([&] { return save(dir / "o.bin"); }), unableToOpenFile);
     EXPECT_EQ(readFile(dir / "o.bin"), "old");
     EXPECT_EQ(dir.entries(), Names{"o.bin"});
 }
@@ -165,7 +165,7 @@ TEST(Save, NoRoom) {
                 return static_cast<int>(save(dir / name));
             });
             EXPECT_TRUE(WIFEXITED(status));
-            EXPECT_EQ(WEXITSTATUS(status), static_cast<int>(GeneralError));
+            EXPECT_EQ(WEXITSTATUS(status), static_cast<int>(generalError));
             EXPECT_EQ(dir.entries(), exists ? Names{name} : Names{});
             if (exists)
                 EXPECT_EQ(readFile(dir / name), "old");
@@ -192,23 +192,23 @@ TEST(Save, KilledBySignalWhileWriting) {
 // A file can be read and written back under its own name.
 TEST(Save, OverTheFileThatWasRead) {
     const TempDir dir;
-    writeFile(dir / "o.bin", NewBytes);
+    writeFile(dir / "o.bin", newBytes);
     Handle image;
-    ASSERT_EQ(FILES_ImageFromFile((dir / "o.bin").c_str(), image.out(), Program), NoError);
-    EXPECT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), NoError);
-    EXPECT_EQ(readBytes(dir / "o.bin"), NewBytes);
+    ASSERT_EQ(FILES_ImageFromFile((dir / "o.bin").c_str(), image.out(), programImage), noError);
+    EXPECT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), noError);
+    EXPECT_EQ(readBytes(dir / "o.bin"), newBytes);
 }
 
 // An upload that selects nothing must not take the old file away.
 TEST(Save, AnImageWithoutElementsIsRefused) {
     const TempDir dir;
     Handle image;
-    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
     for (const char *name : {"o.bin", "o.hex", "o.s19", "o.srec"}) {
-        EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), image.get()), BadParameter);
+        EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), image.get()), badParameter);
         EXPECT_TRUE(dir.entries().empty());
         writeFile(dir / name, std::string("old"));
-        EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), image.get()), BadParameter);
+        EXPECT_EQ(FILES_ImageToFile((dir / name).c_str(), image.get()), badParameter);
         EXPECT_EQ(readFile(dir / name), "old");
         fs::remove(dir / name);
     }

@@ -38,29 +38,30 @@ TEST(Scattered, SixtyFourThousandRuns) {
     }
     shuffle(records);
     Pieces pieces;
-    ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), NoError);
+    ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), noError);
     EXPECT_EQ(pieces, expected);
 }
 
 // More records than are sorted at one time, so that sorted parts are joined with later ones.
 TEST(Scattered, ShuffledRecordsMakeOneElement) {
     const TempDir dir;
-    constexpr std::uint32_t Count = 200000;
-    constexpr std::uint32_t Length = 3;
-    const Bytes image = pattern(Count * Length);
+    constexpr std::uint32_t pieceCount = 200000;
+    constexpr std::uint32_t pieceLength = 3;
+    const Bytes image = pattern(pieceCount * pieceLength);
     std::vector<Record> records;
-    for (std::uint32_t i = 0; i < Count; ++i)
-        records.push_back({i * Length, Bytes(image.begin() + i * Length, image.begin() + (i + 1) * Length)});
+    for (std::uint32_t i = 0; i < pieceCount; ++i)
+        records.push_back(
+            {i * pieceLength, Bytes(image.begin() + i * pieceLength, image.begin() + (i + 1) * pieceLength)});
     shuffle(records);
     Pieces pieces;
-    ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), NoError);
+    ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), noError);
     EXPECT_EQ(pieces, (Pieces{{0, image}}));
 
     // One wrong byte, behind all that is sorted by then, is still found.
     Record twice = records.front();
     twice.bytes[1] ^= 1;
     records.push_back(twice);
-    EXPECT_EQ(load(dir, "a.s19", s3File(records), pieces), BadFormat);
+    EXPECT_EQ(load(dir, "a.s19", s3File(records), pieces), badFormat);
 }
 
 // Copies of two records take the memory of two.
@@ -72,7 +73,7 @@ TEST(Scattered, RepeatedRecords) {
         records.push_back({0x2000, pattern(32)});
     }
     Pieces pieces;
-    ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), NoError);
+    ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), noError);
     EXPECT_EQ(pieces, (Pieces{{0x1000, pattern(32)}, {0x2000, pattern(32)}}));
 }
 
@@ -101,7 +102,7 @@ TEST(Scattered, OverlapsAgainstAModel) {
             expected.back().bytes.push_back(image[i]);
         }
         Pieces pieces;
-        ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), NoError);
+        ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), noError);
         ASSERT_EQ(pieces, expected) << round;
     }
 }

@@ -12,16 +12,16 @@ using namespace libfiles;
 namespace {
 
 // Two areas, the second one across a 64 KB border and of an odd length.
-const std::uint32_t FirstAddress = 0x08000000;
-const std::uint32_t SecondAddress = 0x0803F123;
+const std::uint32_t firstAddress = 0x08000000;
+const std::uint32_t secondAddress = 0x0803F123;
 
 Pieces areas() {
-    return {{FirstAddress, pattern(200001, 1)}, {SecondAddress, pattern(70000, 2)}};
+    return {{firstAddress, pattern(200001, 1)}, {secondAddress, pattern(70000, 2)}};
 }
 
 Bytes flat() {
     Bytes bytes = areas()[0].bytes;
-    bytes.resize(SecondAddress - FirstAddress, 0xFF);
+    bytes.resize(secondAddress - firstAddress, 0xFF);
     const Bytes second = areas()[1].bytes;
     bytes.insert(bytes.end(), second.begin(), second.end());
     return bytes;
@@ -37,7 +37,7 @@ void PrintTo(const Witness &witness, std::ostream *out) {
     *out << witness.name;
 }
 
-const Witness Witnesses[] = {
+const Witness witnesses[] = {
     {"srec_cat.hex", "srec_cat $1 -binary -offset 0x08000000 $2 -binary -offset 0x0803F123 -o $3 -intel",
      "srec_cat $1 -intel -offset -0x08000000 -fill 0xFF 0 0x50293 -o $2 -binary"},
     {"short.hex",
@@ -79,25 +79,25 @@ TEST_P(Witnessed, WeReadWhatItWrites) {
     const std::string file = dir / GetParam().name;
     ASSERT_EQ(shell(GetParam().writes, {dir / "1.bin", dir / "2.bin", file}), 0);
     Handle image;
-    ASSERT_EQ(FILES_ImageFromFile(file.c_str(), image.out(), Program), NoError);
+    ASSERT_EQ(FILES_ImageFromFile(file.c_str(), image.out(), programImage), noError);
     EXPECT_EQ(image.pieces(), areas());
-    ASSERT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), NoError);
+    ASSERT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), noError);
     EXPECT_EQ(readBytes(dir / "o.bin"), flat());
 }
 
 TEST_P(Witnessed, ItReadsWhatWeWrite) {
     Handle image;
-    ASSERT_EQ(FILES_CreateImage(image.out(), 1), NoError);
-    ASSERT_EQ(image.insert(0, FirstAddress, areas()[0].bytes), NoError);
-    ASSERT_EQ(image.insert(1, SecondAddress, areas()[1].bytes), NoError);
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    ASSERT_EQ(image.insert(0, firstAddress, areas()[0].bytes), noError);
+    ASSERT_EQ(image.insert(1, secondAddress, areas()[1].bytes), noError);
     const std::string file = dir / GetParam().name;
-    ASSERT_EQ(FILES_ImageToFile(file.c_str(), image.get()), NoError);
+    ASSERT_EQ(FILES_ImageToFile(file.c_str(), image.get()), noError);
     ASSERT_EQ(shell(GetParam().reads, {file, dir / "o.bin"}), 0);
     const Bytes bytes = readBytes(dir / "o.bin");
     EXPECT_EQ(bytes, flat());
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Witnessed, testing::ValuesIn(Witnesses), [](const auto &one) {
+INSTANTIATE_TEST_SUITE_P(Files, Witnessed, testing::ValuesIn(witnesses), [](const auto &one) {
     std::string name = one.param.name;
     name[name.find('.')] = '_';
     return name;
@@ -121,7 +121,7 @@ TEST(Witness, AddressWidths) {
         const std::string offset = std::to_string(width.address);
         ASSERT_EQ(shell("srec_cat $1 -binary -offset " + offset + " -o $2 " + width.options, {dir / "1.bin", file}), 0);
         Handle image;
-        ASSERT_EQ(FILES_ImageFromFile(file.c_str(), image.out(), Program), NoError);
+        ASSERT_EQ(FILES_ImageFromFile(file.c_str(), image.out(), programImage), noError);
         EXPECT_EQ(image.pieces(), (Pieces{{width.address, pattern(300)}}));
     }
 }

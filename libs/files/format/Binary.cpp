@@ -4,27 +4,27 @@ namespace files {
 
 namespace {
 
-constexpr std::size_t ChunkSize = 1024 * 1024;
-constexpr unsigned char Gap = 0xFF;
+constexpr std::size_t chunkSize = 1024 * 1024;
+constexpr unsigned char gap = 0xFF;
 
 } // namespace
 
 Status readBinary(InputFile &file, std::uint32_t base, RunCollector &runs) {
-    if (file.size() > MaxImageSize)
+    if (file.size() > maxImageSize)
         return Status::BadAddressRange;
     // The last read, which finds the end, has to have its room too.
-    runs.reserve(file.size() + ChunkSize);
+    runs.reserve(file.size() + chunkSize);
     std::uint64_t address = base;
     std::size_t got = 0;
     do {
-        const Status read = file.read(runs.room(ChunkSize), ChunkSize, got);
+        const Status read = file.read(runs.room(chunkSize), chunkSize, got);
         if (read != Status::Ok)
             return read;
         const Status taken = runs.commit(address, got);
         if (taken != Status::Ok)
             return taken;
         address += got;
-    } while (got == ChunkSize);
+    } while (got == chunkSize);
     return Status::Ok;
 }
 
@@ -32,10 +32,10 @@ Status writeBinary(const std::vector<const Element *> &elements, const std::stri
     if (elements.empty())
         return Status::Ok;
     std::uint64_t address = elements.front()->address;
-    if (elements.back()->end() - address > MaxImageSize)
+    if (elements.back()->end() - address > maxImageSize)
         return Status::BadAddressRange;
     for (const Element *element : elements) {
-        const Status filled = file.fill(Gap, element->address - address);
+        const Status filled = file.fill(gap, element->address - address);
         if (filled != Status::Ok)
             return filled;
         const Status written = file.write(element->bytes.get(), element->length);

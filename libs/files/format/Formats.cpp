@@ -11,7 +11,7 @@ namespace files {
 
 namespace {
 
-const Format Formats[] = {
+const Format formats[] = {
     {".bin", true, readBinary, writeBinary},
     {".hex", false, readIntelHex, writeIntelHex},
     {".s19", false, readSRecord, writeSRecord},
@@ -27,7 +27,7 @@ bool endsWith(const char *path, const char *suffix) {
 } // namespace
 
 const Format *formatOf(const char *path) {
-    for (const Format &format : Formats)
+    for (const Format &format : formats)
         if (endsWith(path, format.suffix))
             return &format;
     return nullptr;

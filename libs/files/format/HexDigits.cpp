@@ -2,7 +2,7 @@
 
 namespace files::hexdigits {
 
-extern constexpr std::array<std::uint16_t, 65536> DecodeTable = makeDecodeTable();
-extern constexpr std::array<std::uint16_t, 256> EncodeTable = makeEncodeTable();
+extern constexpr std::array<std::uint16_t, 65536> decodeTable = makeDecodeTable();
+extern constexpr std::array<std::uint16_t, 256> encodeTable = makeEncodeTable();
 
 } // namespace files::hexdigits

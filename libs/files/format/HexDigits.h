@@ -13,11 +13,11 @@ namespace files {
 
 namespace hexdigits {
 
-// Every pair of characters, as the 16-bit word that it makes in memory, to its byte value plus Valid;
+// Every pair of characters, as the 16-bit word that it makes in memory, to its byte value plus validBit;
 // 0 for a pair that is not hexadecimal. Only the few rows of real digits are ever touched.
-constexpr std::uint16_t Valid = 0x100;
-constexpr char Upper[] = "0123456789ABCDEF";
-constexpr char Lower[] = "0123456789abcdef";
+constexpr std::uint16_t validBit = 0x100;
+constexpr char upperDigits[] = "0123456789ABCDEF";
+constexpr char lowerDigits[] = "0123456789abcdef";
 
 constexpr std::size_t pairIndex(char first, char second) {
     return static_cast<std::size_t>(first) | static_cast<std::size_t>(second) << 8;
@@ -27,35 +27,35 @@ constexpr std::array<std::uint16_t, 65536> makeDecodeTable() {
     std::array<std::uint16_t, 65536> table{};
     for (unsigned high = 0; high < 16; ++high)
         for (unsigned low = 0; low < 16; ++low)
-            for (const char *h : {Upper, Lower})
-                for (const char *l : {Upper, Lower})
-                    table[pairIndex(h[high], l[low])] = static_cast<std::uint16_t>(Valid | high << 4 | low);
+            for (const char *h : {upperDigits, lowerDigits})
+                for (const char *l : {upperDigits, lowerDigits})
+                    table[pairIndex(h[high], l[low])] = static_cast<std::uint16_t>(validBit | high << 4 | low);
     return table;
 }
 
 constexpr std::array<std::uint16_t, 256> makeEncodeTable() {
     std::array<std::uint16_t, 256> table{};
     for (unsigned value = 0; value < 256; ++value)
-        table[value] = static_cast<std::uint16_t>(pairIndex(Upper[value >> 4], Upper[value & 15]));
+        table[value] = static_cast<std::uint16_t>(pairIndex(upperDigits[value >> 4], upperDigits[value & 15]));
     return table;
 }
 
-extern const std::array<std::uint16_t, 65536> DecodeTable;
-extern const std::array<std::uint16_t, 256> EncodeTable;
+extern const std::array<std::uint16_t, 65536> decodeTable;
+extern const std::array<std::uint16_t, 256> encodeTable;
 
 } // namespace hexdigits
 
-// The byte that two characters stand for, plus hexdigits::Valid; 0 if one is not a digit.
+// The byte that two characters stand for, plus hexdigits::validBit; 0 if one is not a digit.
 inline unsigned decodeByte(const unsigned char *text) {
     std::uint16_t pair;
     std::memcpy(&pair, text, 2);
-    return hexdigits::DecodeTable[pair];
+    return hexdigits::decodeTable[pair];
 }
 
 // Sixteen bytes at a time where the processor can; what is left over goes through the tables.
 namespace hexdigits {
 
-constexpr std::size_t BlockSize = 16;
+constexpr std::size_t blockSize = 16;
 
 #ifdef __SSE2__
 
@@ -81,7 +81,7 @@ inline unsigned sumOf(__m128i bytes) {
 inline bool decodeBlock(const unsigned char *text, unsigned char *bytes, unsigned &sum) {
     __m128i valid = _mm_set1_epi8(-1);
     const __m128i low = decodeLanes(text, valid);
-    const __m128i block = _mm_packus_epi16(low, decodeLanes(text + BlockSize, valid));
+    const __m128i block = _mm_packus_epi16(low, decodeLanes(text + blockSize, valid));
     _mm_storeu_si128(reinterpret_cast<__m128i *>(bytes), block);
     sum += sumOf(block);
     return _mm_movemask_epi8(valid) == 0xFFFF;
@@ -99,15 +99,15 @@ inline void encodeBlock(const unsigned char *bytes, char *text, unsigned &sum) {
     const __m128i high = digitsOf(_mm_and_si128(_mm_srli_epi16(block, 4), nibble));
     const __m128i low = digitsOf(_mm_and_si128(block, nibble));
     _mm_storeu_si128(reinterpret_cast<__m128i *>(text), _mm_unpacklo_epi8(high, low));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(text + BlockSize), _mm_unpackhi_epi8(high, low));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(text + blockSize), _mm_unpackhi_epi8(high, low));
     sum += sumOf(block);
 }
 
 #else
 
 inline bool decodeBlock(const unsigned char *text, unsigned char *bytes, unsigned &sum) {
-    unsigned valid = Valid;
-    for (std::size_t i = 0; i < BlockSize; ++i) {
+    unsigned valid = validBit;
+    for (std::size_t i = 0; i < blockSize; ++i) {
         const unsigned value = decodeByte(text + 2 * i);
         valid &= value;
         sum += value;
@@ -117,8 +117,8 @@ inline bool decodeBlock(const unsigned char *text, unsigned char *bytes, unsigne
 }
 
 inline void encodeBlock(const unsigned char *bytes, char *text, unsigned &sum) {
-    for (std::size_t i = 0; i < BlockSize; ++i) {
-        std::memcpy(text + 2 * i, &EncodeTable[bytes[i]], 2);
+    for (std::size_t i = 0; i < blockSize; ++i) {
+        std::memcpy(text + 2 * i, &encodeTable[bytes[i]], 2);
         sum += bytes[i];
     }
 }
@@ -131,10 +131,10 @@ inline void encodeBlock(const unsigned char *bytes, char *text, unsigned &sum) {
 // character is not a digit.
 inline bool decodeBytes(const unsigned char *text, std::size_t count, unsigned char *bytes, unsigned &sum) {
     std::size_t i = 0;
-    for (; i + hexdigits::BlockSize <= count; i += hexdigits::BlockSize)
+    for (; i + hexdigits::blockSize <= count; i += hexdigits::blockSize)
         if (!hexdigits::decodeBlock(text + 2 * i, bytes + i, sum))
             return false;
-    unsigned valid = hexdigits::Valid;
+    unsigned valid = hexdigits::validBit;
     for (; i < count; ++i) {
         const unsigned value = decodeByte(text + 2 * i);
         valid &= value;
@@ -147,10 +147,10 @@ inline bool decodeBytes(const unsigned char *text, std::size_t count, unsigned c
 // Writes the bytes as digits to `text` and adds them to `sum`; answers the end of the text.
 inline char *encodeBytes(const unsigned char *bytes, std::size_t count, char *text, unsigned &sum) {
     std::size_t i = 0;
-    for (; i + hexdigits::BlockSize <= count; i += hexdigits::BlockSize)
+    for (; i + hexdigits::blockSize <= count; i += hexdigits::blockSize)
         hexdigits::encodeBlock(bytes + i, text + 2 * i, sum);
     for (; i < count; ++i) {
-        std::memcpy(text + 2 * i, &hexdigits::EncodeTable[bytes[i]], 2);
+        std::memcpy(text + 2 * i, &hexdigits::encodeTable[bytes[i]], 2);
         sum += bytes[i];
     }
     return text + 2 * count;

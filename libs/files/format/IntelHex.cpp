@@ -11,17 +11,17 @@ namespace {
 
 // A record: ':', then as digit pairs the data length, a 16-bit offset, the type, the data and a
 // checksum that makes the sum of all bytes 0.
-constexpr unsigned char Mark = ':';
-constexpr std::size_t HeadBytes = 4;
-constexpr std::size_t MaxData = 255;
-constexpr std::size_t WrittenData = 32;
-constexpr std::uint32_t PageSize = 0x10000;
+constexpr unsigned char mark = ':';
+constexpr std::size_t headBytes = 4;
+constexpr std::size_t maxData = 255;
+constexpr std::size_t writtenData = 32;
+constexpr std::uint32_t pageSize = 0x10000;
 
 enum Type { Data, End, SegmentBase, SegmentStart, LinearBase, LinearStart, TypeCount };
 
 // The data length that each type has; AnyLength for data.
-constexpr int AnyLength = -1;
-constexpr int TypeLength[TypeCount] = {AnyLength, 0, 2, 4, 2, 4};
+constexpr int anyLength = -1;
+constexpr int typeLength[TypeCount] = {anyLength, 0, 2, 4, 2, 4};
 
 class Reader {
 public:
@@ -59,20 +59,20 @@ Status Reader::read() {
 
 Status Reader::readRecord() {
     const unsigned char *text = m_window.begin();
-    unsigned char head[HeadBytes];
+    unsigned char head[headBytes];
     unsigned sum = 0;
-    if (m_window.available() < 1 + 2 * HeadBytes || text[0] != Mark || !decodeBytes(text + 1, HeadBytes, head, sum))
+    if (m_window.available() < 1 + 2 * headBytes || text[0] != mark || !decodeBytes(text + 1, headBytes, head, sum))
         return Status::BadFormat;
     const std::size_t length = head[0];
     const unsigned type = head[3];
-    const std::size_t characters = 1 + 2 * (HeadBytes + length + 1);
+    const std::size_t characters = 1 + 2 * (headBytes + length + 1);
     if (m_window.available() < characters || type >= TypeCount ||
-        (TypeLength[type] != AnyLength && TypeLength[type] != static_cast<int>(length)))
+        (typeLength[type] != anyLength && typeLength[type] != static_cast<int>(length)))
         return Status::BadFormat;
 
     // The checksum is decoded with the data, behind them.
     BYTE *data = m_runs.room(length + 1);
-    if (!decodeBytes(text + 1 + 2 * HeadBytes, length + 1, data, sum) || (sum & 0xFF) != 0 ||
+    if (!decodeBytes(text + 1 + 2 * headBytes, length + 1, data, sum) || (sum & 0xFF) != 0 ||
         !m_window.pass(characters))
         return Status::BadFormat;
     if (type == Data)
@@ -83,10 +83,10 @@ Status Reader::readRecord() {
 }
 
 Status Reader::takeData(unsigned offset, const BYTE *data, std::size_t length) {
-    const std::size_t inPage = PageSize - offset;
+    const std::size_t inPage = pageSize - offset;
     if (!m_segmented || length <= inPage)
         return m_runs.commit(std::uint64_t(m_base) + offset, length);
-    BYTE wrapped[MaxData];
+    BYTE wrapped[maxData];
     std::copy(data + inPage, data + length, wrapped);
     const Status taken = m_runs.commit(std::uint64_t(m_base) + offset, inPage);
     if (taken != Status::Ok)
@@ -103,13 +103,13 @@ void Reader::takeBase(unsigned type, const BYTE *data) {
 }
 
 Status writeRecord(AtomicFile &file, unsigned type, unsigned offset, const BYTE *data, std::size_t length) {
-    static_assert(1 + 2 * (HeadBytes + WrittenData + 1) + 1 <= AtomicFile::MaxLine, "a line has its room");
+    static_assert(1 + 2 * (headBytes + writtenData + 1) + 1 <= AtomicFile::maxLine, "a line has its room");
     char *const line = file.line();
-    const BYTE head[HeadBytes] = {static_cast<BYTE>(length), static_cast<BYTE>(offset >> 8), static_cast<BYTE>(offset),
+    const BYTE head[headBytes] = {static_cast<BYTE>(length), static_cast<BYTE>(offset >> 8), static_cast<BYTE>(offset),
                                   static_cast<BYTE>(type)};
     unsigned sum = 0;
-    line[0] = Mark;
-    char *at = encodeBytes(head, HeadBytes, line + 1, sum);
+    line[0] = mark;
+    char *at = encodeBytes(head, headBytes, line + 1, sum);
     at = encodeBytes(data, length, at, sum);
     const BYTE checksum = static_cast<BYTE>(0 - sum);
     at = encodeBytes(&checksum, 1, at, sum);
@@ -121,26 +121,26 @@ Status writeRecord(AtomicFile &file, unsigned type, unsigned offset, const BYTE 
 
 Status readIntelHex(InputFile &file, std::uint32_t, RunCollector &runs) {
     // Each byte takes more than two characters.
-    runs.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.size() / 2, MaxImageSize)));
+    runs.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.size() / 2, maxImageSize)));
     return Reader(file, runs).read();
 }
 
 Status writeIntelHex(const std::vector<const Element *> &elements, const std::string &, AtomicFile &file) {
-    constexpr std::uint32_t NoPage = PageSize;
-    std::uint32_t page = NoPage;
+    constexpr std::uint32_t noPage = pageSize;
+    std::uint32_t page = noPage;
     for (const Element *element : elements) {
         for (std::uint32_t done = 0; done < element->length;) {
             const std::uint32_t address = element->address + done;
-            const std::uint32_t offset = address % PageSize;
-            if (address / PageSize != page) {
-                page = address / PageSize;
+            const std::uint32_t offset = address % pageSize;
+            if (address / pageSize != page) {
+                page = address / pageSize;
                 const BYTE upper[] = {static_cast<BYTE>(page >> 8), static_cast<BYTE>(page)};
                 const Status moved = writeRecord(file, LinearBase, 0, upper, sizeof upper);
                 if (moved != Status::Ok)
                     return moved;
             }
             const std::uint32_t length =
-                std::min({element->length - done, PageSize - offset, std::uint32_t(WrittenData)});
+                std::min({element->length - done, pageSize - offset, std::uint32_t(writtenData)});
             const Status written = writeRecord(file, Data, offset, element->bytes.get() + done, length);
             if (written != Status::Ok)
                 return written;

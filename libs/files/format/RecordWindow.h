@@ -13,7 +13,7 @@ namespace files {
 class RecordWindow {
 public:
     // No record of any format is longer: a mark, 260 pairs of digits and the line's end fit.
-    static constexpr std::size_t MaxRecord = 600;
+    static constexpr std::size_t maxRecord = 600;
 
     explicit RecordWindow(InputFile &file);
 
@@ -23,7 +23,7 @@ public:
         for (;;) {
             while (m_at != m_end && isBlank(*m_at))
                 ++m_at;
-            if (available() >= MaxRecord || m_atFileEnd) {
+            if (available() >= maxRecord || m_atFileEnd) {
                 found = m_at != m_end;
                 return Status::Ok;
             }

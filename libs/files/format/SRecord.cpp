@@ -11,11 +11,11 @@ namespace {
 
 // A record: 'S', a digit for the type, then as digit pairs the number of bytes that follow, an
 // address of two to four bytes, the data and a checksum that makes the sum of all bytes 0xFF.
-constexpr unsigned char Mark = 'S';
-constexpr std::size_t MarkLength = 2;
-constexpr std::size_t MaxAddress = 4;
-constexpr std::size_t WrittenData = 32;
-constexpr std::size_t MaxHeader = 32;
+constexpr unsigned char mark = 'S';
+constexpr std::size_t markLength = 2;
+constexpr std::size_t maxAddress = 4;
+constexpr std::size_t writtenData = 32;
+constexpr std::size_t maxHeader = 32;
 
 enum class Role { Header, Data, None, Count, End };
 
@@ -24,7 +24,7 @@ struct Type {
     std::size_t addressBytes;
 };
 
-constexpr Type Types[] = {{Role::Header, 2}, {Role::Data, 2},  {Role::Data, 3}, {Role::Data, 4}, {Role::None, 0},
+constexpr Type types[] = {{Role::Header, 2}, {Role::Data, 2},  {Role::Data, 3}, {Role::Data, 4}, {Role::None, 0},
                           {Role::Count, 2},  {Role::Count, 3}, {Role::End, 4},  {Role::End, 3},  {Role::End, 2}};
 
 class Reader {
@@ -64,20 +64,20 @@ Status Reader::read() {
 
 Status Reader::readRecord() {
     const unsigned char *text = m_window.begin();
-    if (m_window.available() < MarkLength + 2 || text[0] != Mark || text[1] < '0' || text[1] > '9')
+    if (m_window.available() < markLength + 2 || text[0] != mark || text[1] < '0' || text[1] > '9')
         return Status::BadFormat;
-    const Type type = Types[text[1] - '0'];
+    const Type type = types[text[1] - '0'];
     unsigned sum = 0;
     BYTE count = 0;
-    if (!decodeBytes(text + MarkLength, 1, &count, sum) || type.role == Role::None || count < type.addressBytes + 1)
+    if (!decodeBytes(text + markLength, 1, &count, sum) || type.role == Role::None || count < type.addressBytes + 1)
         return Status::BadFormat;
-    const std::size_t characters = MarkLength + 2 + 2 * std::size_t(count);
+    const std::size_t characters = markLength + 2 + 2 * std::size_t(count);
     if (m_window.available() < characters)
         return Status::BadFormat;
 
-    text += MarkLength + 2;
+    text += markLength + 2;
     std::uint32_t address = 0;
-    unsigned valid = hexdigits::Valid;
+    unsigned valid = hexdigits::validBit;
     for (std::size_t i = 0; i < type.addressBytes; ++i, text += 2) {
         const unsigned value = decodeByte(text);
         valid &= value;
@@ -105,17 +105,17 @@ Status Reader::take(Role role, std::uint32_t address, std::size_t length) {
 }
 
 Status writeRecord(AtomicFile &file, unsigned type, std::uint32_t address, const BYTE *data, std::size_t length) {
-    static_assert(MarkLength + 2 * (1 + MaxAddress + WrittenData + 1) + 1 <= AtomicFile::MaxLine,
+    static_assert(markLength + 2 * (1 + maxAddress + writtenData + 1) + 1 <= AtomicFile::maxLine,
                   "a line has its room");
     char *const line = file.line();
-    const std::size_t addressBytes = Types[type].addressBytes;
-    BYTE head[1 + MaxAddress] = {static_cast<BYTE>(addressBytes + length + 1)};
+    const std::size_t addressBytes = types[type].addressBytes;
+    BYTE head[1 + maxAddress] = {static_cast<BYTE>(addressBytes + length + 1)};
     for (std::size_t i = 0; i < addressBytes; ++i)
         head[1 + i] = static_cast<BYTE>(address >> 8 * (addressBytes - 1 - i));
     unsigned sum = 0;
-    line[0] = Mark;
+    line[0] = mark;
     line[1] = static_cast<char>('0' + type);
-    char *at = encodeBytes(head, 1 + addressBytes, line + MarkLength, sum);
+    char *at = encodeBytes(head, 1 + addressBytes, line + markLength, sum);
     at = encodeBytes(data, length, at, sum);
     const BYTE checksum = static_cast<BYTE>(~sum);
     at = encodeBytes(&checksum, 1, at, sum);
@@ -125,7 +125,7 @@ Status writeRecord(AtomicFile &file, unsigned type, std::uint32_t address, const
 
 Status writeHeader(AtomicFile &file, const std::string &name) {
     std::string base = name.substr(name.rfind('/') + 1);
-    base.resize(std::min(base.size(), MaxHeader));
+    base.resize(std::min(base.size(), maxHeader));
     return writeRecord(file, 0, 0, reinterpret_cast<const BYTE *>(base.data()), base.size());
 }
 
@@ -133,7 +133,7 @@ Status writeHeader(AtomicFile &file, const std::string &name) {
 
 Status readSRecord(InputFile &file, std::uint32_t, RunCollector &runs) {
     // Each byte takes more than two characters.
-    runs.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.size() / 2, MaxImageSize)));
+    runs.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.size() / 2, maxImageSize)));
     return Reader(file, runs).read();
 }
 
@@ -143,7 +143,7 @@ Status writeSRecord(const std::vector<const Element *> &elements, const std::str
         return headed;
     for (const Element *element : elements) {
         for (std::uint32_t done = 0; done < element->length;) {
-            const std::uint32_t length = std::min(element->length - done, std::uint32_t(WrittenData));
+            const std::uint32_t length = std::min(element->length - done, std::uint32_t(writtenData));
             const Status written = writeRecord(file, 3, element->address + done, element->bytes.get() + done, length);
             if (written != Status::Ok)
                 return written;
