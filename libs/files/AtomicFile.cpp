@@ -67,10 +67,10 @@ AtomicFile::~AtomicFile() {
 
 Status AtomicFile::create(const char *path) {
     const Status located = m_target.locate(path);
-    if (located != Status::Ok)
+    if (located != Status::ok)
         return located;
     const Status opened = openTemporary();
-    if (opened == Status::Ok && m_target.exists)
+    if (opened == Status::ok && m_target.exists)
         keepPermissions();
     return opened;
 }
@@ -88,7 +88,7 @@ Status AtomicFile::openTemporary() {
         else if (errno != EEXIST)
             break;
     }
-    return m_fd >= 0 ? Status::Ok : Status::UnableToOpenTempFile;
+    return m_fd >= 0 ? Status::ok : Status::unableToOpenTempFile;
 }
 
 void AtomicFile::keepPermissions() {
@@ -107,7 +107,7 @@ void AtomicFile::keepPermissions() {
 }
 
 Status AtomicFile::write(const void *bytes, std::size_t length) {
-    if (m_used + length > bufferSize && flush() != Status::Ok)
+    if (m_used + length > bufferSize && flush() != Status::ok)
         return m_failure;
     if (length <= bufferSize) {
         std::memcpy(m_buffer.get() + m_used, bytes, length);
@@ -119,8 +119,8 @@ Status AtomicFile::write(const void *bytes, std::size_t length) {
 }
 
 Status AtomicFile::fill(unsigned char byte, std::size_t length) {
-    while (length > 0 && m_failure == Status::Ok) {
-        if (m_used == bufferSize && flush() != Status::Ok)
+    while (length > 0 && m_failure == Status::ok) {
+        if (m_used == bufferSize && flush() != Status::ok)
             break;
         const std::size_t part = std::min(length, bufferSize - m_used);
         std::memset(m_buffer.get() + m_used, byte, part);
@@ -137,10 +137,10 @@ Status AtomicFile::flush() {
 }
 
 void AtomicFile::put(const unsigned char *bytes, std::size_t length) {
-    while (length > 0 && m_failure == Status::Ok) {
+    while (length > 0 && m_failure == Status::ok) {
         const std::size_t part = std::min(length, writebackSize - (m_written - m_started));
         if (!writeAll(m_fd, bytes, part)) {
-            m_failure = Status::GeneralError;
+            m_failure = Status::generalError;
             return;
         }
         bytes += part;
@@ -156,14 +156,14 @@ void AtomicFile::put(const unsigned char *bytes, std::size_t length) {
 }
 
 Status AtomicFile::commit() {
-    if (flush() != Status::Ok)
+    if (flush() != Status::ok)
         return m_failure;
     if (!m_temporary.empty() && !m_target.exists)
         (void)::fchmod(m_fd, modeOfNewFile());
     if (::fsync(m_fd) != 0)
-        return Status::GeneralError;
+        return Status::generalError;
     const Status linked = link();
-    return linked == Status::Ok ? syncDirectory() : linked;
+    return linked == Status::ok ? syncDirectory() : linked;
 }
 
 // Gives the finished file its name.
@@ -172,7 +172,7 @@ Status AtomicFile::link() {
         const std::string self = descriptorPath(m_fd);
         if (!m_target.exists &&
             ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_target.path.c_str(), AT_SYMLINK_FOLLOW) == 0)
-            return Status::Ok;
+            return Status::ok;
         for (int i = 0; m_temporary.empty() && i < nameAttempts; ++i) {
             const std::string name = temporaryName(m_target, i);
             if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
@@ -181,22 +181,22 @@ Status AtomicFile::link() {
                 break;
         }
         if (m_temporary.empty())
-            return Status::UnableToOpenTempFile;
+            return Status::unableToOpenTempFile;
     }
     if (::rename(m_temporary.c_str(), m_target.path.c_str()) != 0)
-        return Status::UnableToOpenFile;
+        return Status::unableToOpenFile;
     m_temporary.clear();
-    return Status::Ok;
+    return Status::ok;
 }
 
 Status AtomicFile::syncDirectory() const {
     const int fd = ::open(m_target.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0)
-        return Status::Ok; // a directory may be writable and not readable
+        return Status::ok; // a directory may be writable and not readable
     // Some file systems cannot flush a directory and say so with EINVAL.
     const bool lost = ::fsync(fd) != 0 && errno == EIO;
     ::close(fd);
-    return lost ? Status::GeneralError : Status::Ok;
+    return lost ? Status::generalError : Status::ok;
 }
 
 } // namespace files

@@ -62,7 +62,7 @@ private:
     SaveTarget m_target;
     std::string m_temporary; // the temporary name, empty while there is none
     int m_fd = -1;
-    Status m_failure = Status::Ok;
+    Status m_failure = Status::ok;
     std::unique_ptr<unsigned char[]> m_buffer;
     std::size_t m_used = 0;    // bytes in m_buffer
     std::size_t m_written = 0; // bytes given to the file

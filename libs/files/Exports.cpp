@@ -28,14 +28,14 @@ Status guarded(Work work) noexcept {
     try {
         return work();
     } catch (...) {
-        return Status::UnexpectedError;
+        return Status::unexpectedError;
     }
 }
 
 template <typename Work>
 unsigned int answer(Work work) noexcept {
     const Status status = guarded(work);
-    return status == Status::Ok ? noError : static_cast<unsigned int>(status);
+    return status == Status::ok ? noError : static_cast<unsigned int>(status);
 }
 
 // Does the work on the image of a handle.
@@ -43,27 +43,27 @@ template <typename Work>
 unsigned int answerFor(HANDLE handle, Work work) noexcept {
     return answer([&] {
         const std::shared_ptr<Image> image = files::handles::find(handle);
-        return image ? work(*image) : Status::BadParameter;
+        return image ? work(*image) : Status::badParameter;
     });
 }
 
 Status readImage(const char *path, bool program, HANDLE *handle) {
     const files::Format *format = files::formatOf(path);
     if (!format)
-        return Status::BadSuffix;
+        return Status::badSuffix;
     files::InputFile file;
     const Status opened = file.open(path);
-    if (opened != Status::Ok)
+    if (opened != Status::ok)
         return opened;
     files::RunCollector runs;
     // User system data know no flash address: a flat file of them starts at 0.
     const Status read = format->read(file, program ? files::flashBase : 0, runs);
-    if (read != Status::Ok)
+    if (read != Status::ok)
         return read;
     auto image = std::make_shared<Image>();
     image->flat = format->flat;
     const Status finished = runs.finish(image->elements);
-    if (finished == Status::Ok)
+    if (finished == Status::ok)
         *handle = files::handles::give(std::move(image));
     return finished;
 }
@@ -71,20 +71,20 @@ Status readImage(const char *path, bool program, HANDLE *handle) {
 Status writeImage(const char *path, const Image &image) {
     const files::Format *format = files::formatOf(path);
     if (!format)
-        return Status::BadSuffix;
+        return Status::badSuffix;
     // A file of nothing would take the place of one that somebody needs.
     if (image.elements.empty())
-        return Status::BadParameter;
+        return Status::badParameter;
     std::vector<const files::Element *> elements;
     const Status sorted = image.sorted(elements);
-    if (sorted != Status::Ok)
+    if (sorted != Status::ok)
         return sorted;
     files::AtomicFile file;
     const Status created = file.create(path);
-    if (created != Status::Ok)
+    if (created != Status::ok)
         return created;
     const Status written = format->write(elements, image.name, file);
-    return written == Status::Ok ? file.commit() : written;
+    return written == Status::ok ? file.commit() : written;
 }
 
 // How many records the caller has room for: the count that he hands in, or the one in the record.
@@ -97,21 +97,21 @@ DWORD recordRoom(short handedIn, const MAPPING &mapping) {
 unsigned int FILES_CreateImage(HANDLE *image, int) {
     return answer([&] {
         if (!image)
-            return Status::BadParameter;
+            return Status::badParameter;
         *image = nullptr;
         *image = files::handles::give(std::make_shared<Image>());
-        return Status::Ok;
+        return Status::ok;
     });
 }
 
 unsigned int FILES_CreateImageFromMapping(HANDLE *image, PMAPPING mapping, unsigned int bank3Size) {
     return answer([&] {
         if (!image || !mapping)
-            return Status::BadParameter;
+            return Status::badParameter;
         *image = nullptr;
         auto made = std::make_shared<Image>();
         const Status status = made->makeSectors(*mapping, std::uint64_t(bank3Size) * 1024);
-        if (status == Status::Ok)
+        if (status == Status::ok)
             *image = files::handles::give(std::move(made));
         return status;
     });
@@ -120,38 +120,38 @@ unsigned int FILES_CreateImageFromMapping(HANDLE *image, PMAPPING mapping, unsig
 unsigned int FILES_DestroyImage(HANDLE *image) {
     return answer([&] {
         if (!image || !files::handles::take(*image))
-            return Status::BadParameter;
+            return Status::badParameter;
         *image = nullptr;
-        return Status::Ok;
+        return Status::ok;
     });
 }
 
 unsigned int FILES_ImageFromFile(const char *path, HANDLE *image, int program) {
     return answer([&] {
         if (!path || !image)
-            return Status::BadParameter;
+            return Status::badParameter;
         *image = nullptr;
         return readImage(path, program != 0, image);
     });
 }
 
 unsigned int FILES_ImageToFile(const char *path, HANDLE handle) {
-    return answerFor(handle, [&](Image &image) { return path ? writeImage(path, image) : Status::BadParameter; });
+    return answerFor(handle, [&](Image &image) { return path ? writeImage(path, image) : Status::badParameter; });
 }
 
 unsigned int FILES_SetImageName(HANDLE handle, const char *name) {
     return answerFor(handle, [&](Image &image) {
         if (!name)
-            return Status::BadParameter;
+            return Status::badParameter;
         image.name = name;
-        return Status::Ok;
+        return Status::ok;
     });
 }
 
 unsigned int FILES_FilterImageForOperation(HANDLE handle, PMAPPING mapping, int operation, BYTE optimise) {
     return answerFor(handle, [&](Image &image) {
         if (!mapping || operation != filterOperation)
-            return Status::BadParameter;
+            return Status::badParameter;
         return files::filterImage(image, *mapping, optimise != 0);
     });
 }
@@ -159,22 +159,22 @@ unsigned int FILES_FilterImageForOperation(HANDLE handle, PMAPPING mapping, int 
 unsigned int FILES_GetImageNbElement(HANDLE handle, unsigned int *count) {
     return answerFor(handle, [&](Image &image) {
         if (!count)
-            return Status::BadParameter;
+            return Status::badParameter;
         *count = static_cast<unsigned int>(image.elements.size());
-        return Status::Ok;
+        return Status::ok;
     });
 }
 
 unsigned int FILES_GetImageElement(HANDLE handle, unsigned int index, PIMAGEELEMENT element) {
     return answerFor(handle, [&](Image &image) {
         if (!element || index >= image.elements.size())
-            return Status::BadParameter;
+            return Status::badParameter;
         const files::Element &source = image.elements[index];
         element->dwAddress = source.address;
         element->dwDataLength = source.length;
         if (element->Data)
             std::memcpy(element->Data, source.bytes.get(), source.length);
-        return Status::Ok;
+        return Status::ok;
     });
 }
 
@@ -186,7 +186,7 @@ unsigned int FILES_SetImageElement(HANDLE handle, unsigned int index, BYTE inser
 unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name, short *packetSize, PMAPPING mapping,
                                     BYTE *sectorsPerSector) {
     if (!path || !sectors)
-        return static_cast<unsigned int>(Status::BadParameter);
+        return static_cast<unsigned int>(Status::badParameter);
     const DWORD room = mapping ? recordRoom(*sectors, *mapping) : 0;
     *sectors = 0;
     if (packetSize)
@@ -194,12 +194,12 @@ unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name
     return static_cast<unsigned int>(guarded([&] {
         files::MapFile map;
         const Status read = map.read(path);
-        if (read != Status::Ok)
+        if (read != Status::ok)
             return read;
         if (mapping && !mapping->pSectors)
-            return Status::BadParameter;
+            return Status::badParameter;
         if (mapping && static_cast<DWORD>(map.sectorCount) > room)
-            return Status::ElementsFull;
+            return Status::elementsFull;
         *sectors = map.sectorCount;
         if (name)
             std::memcpy(name, map.name.c_str(), map.name.size() + 1);
@@ -209,6 +209,6 @@ unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name
             *sectorsPerSector = map.sectorsPerSector;
         if (mapping)
             map.fill(*mapping);
-        return Status::Ok;
+        return Status::ok;
     }));
 }

@@ -93,12 +93,12 @@ void dropBlank(std::vector<Element> &elements, bool atEndOnly) {
 
 Status filterImage(Image &image, const MAPPING &mapping, bool optimise) {
     if (mapping.NbSectors > 0 && !mapping.pSectors)
-        return Status::BadParameter;
+        return Status::badParameter;
     std::vector<Element> pieces = cut(image.elements, SectorGrid(mapping));
     if (optimise)
         dropBlank(pieces, image.flat);
     image.elements = std::move(pieces);
-    return Status::Ok;
+    return Status::ok;
 }
 
 } // namespace files

@@ -31,47 +31,47 @@ bool Element::isBlank() const {
 
 Status Image::check(const IMAGEELEMENT &source, std::size_t replaced) const {
     if (!source.Data || source.dwDataLength == 0)
-        return Status::BadParameter;
+        return Status::badParameter;
     if (source.dwAddress >= addressSpace || source.dwDataLength > addressSpace - source.dwAddress)
-        return Status::BadAddressRange;
+        return Status::badAddressRange;
     if (source.dwDataLength > maxImageSize ||
         m_inserted - std::min(m_inserted, replaced) > maxImageSize - source.dwDataLength)
-        return Status::ElementsFull;
-    return Status::Ok;
+        return Status::elementsFull;
+    return Status::ok;
 }
 
 Status Image::insert(std::size_t index, const IMAGEELEMENT &source) {
     if (index > elements.size())
-        return Status::BadParameter;
+        return Status::badParameter;
     const Status checked = check(source, 0);
-    if (checked != Status::Ok)
+    if (checked != Status::ok)
         return checked;
     elements.insert(elements.begin() + static_cast<std::ptrdiff_t>(index), copyOf(source));
     m_inserted += source.dwDataLength;
-    return Status::Ok;
+    return Status::ok;
 }
 
 Status Image::replace(std::size_t index, const IMAGEELEMENT &source) {
     if (index >= elements.size())
-        return Status::BadParameter;
+        return Status::badParameter;
     Element &element = elements[index];
     const Status checked = check(source, element.length);
-    if (checked != Status::Ok)
+    if (checked != Status::ok)
         return checked;
     if (element.length == source.dwDataLength) {
         std::memcpy(element.bytes.get(), source.Data, element.length);
         element.address = static_cast<std::uint32_t>(source.dwAddress);
-        return Status::Ok;
+        return Status::ok;
     }
     m_inserted -= std::min<std::size_t>(m_inserted, element.length);
     m_inserted += source.dwDataLength;
     element = copyOf(source);
-    return Status::Ok;
+    return Status::ok;
 }
 
 Status Image::makeSectors(const MAPPING &mapping, std::uint64_t spimBytes) {
     if (mapping.NbSectors > 0 && !mapping.pSectors)
-        return Status::BadParameter;
+        return Status::badParameter;
     std::vector<Element> sectors;
     std::uint64_t total = 0;
     const auto add = [&](std::uint64_t address, std::uint64_t size) {
@@ -83,10 +83,10 @@ Status Image::makeSectors(const MAPPING &mapping, std::uint64_t spimBytes) {
     };
     for (DWORD i = 0; i < mapping.NbSectors; ++i)
         if (!add(mapping.pSectors[i].dwStartAddress, mapping.pSectors[i].dwSectorSize))
-            return Status::BadAddressRange;
+            return Status::badAddressRange;
     for (std::uint64_t at = 0; at + spimSectorSize <= spimBytes; at += spimSectorSize)
         if (!add(spimBase + at, spimSectorSize))
-            return Status::BadAddressRange;
+            return Status::badAddressRange;
 
     const std::shared_ptr<BYTE> block = newBlock(total);
     std::memset(block.get(), blank, total);
@@ -97,7 +97,7 @@ Status Image::makeSectors(const MAPPING &mapping, std::uint64_t spimBytes) {
     }
     elements = std::move(sectors);
     m_inserted = total;
-    return Status::Ok;
+    return Status::ok;
 }
 
 Status Image::sorted(std::vector<const Element *> &byAddress) const {
@@ -110,8 +110,8 @@ Status Image::sorted(std::vector<const Element *> &byAddress) const {
         std::sort(byAddress.begin(), byAddress.end(), lower);
     const auto overlap = [](const Element *a, const Element *b) { return a->end() > b->address; };
     if (std::adjacent_find(byAddress.begin(), byAddress.end(), overlap) != byAddress.end())
-        return Status::BadAddressRange;
-    return Status::Ok;
+        return Status::badAddressRange;
+    return Status::ok;
 }
 
 } // namespace files

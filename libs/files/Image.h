@@ -49,7 +49,7 @@ public:
     // Fills the image with blank elements: the sectors of the map, then those of an external flash.
     Status makeSectors(const MAPPING &mapping, std::uint64_t spimBytes);
 
-    // The elements by rising address; BadAddressRange when two overlap.
+    // The elements by rising address; badAddressRange when two overlap.
     Status sorted(std::vector<const Element *> &byAddress) const;
 
 private:

@@ -45,25 +45,25 @@ private:
 
 Status Parser::takeLine(const std::string &line) {
     if (line.find('\0') != std::string::npos)
-        return Status::BadFormat;
+        return Status::badFormat;
     if (line.empty() || line.front() == ';' || line.front() == '#')
-        return Status::Ok;
+        return Status::ok;
     if (line.front() == '[') {
         const std::string head = plainValue(line);
-        return head.back() == ']' ? openSection(trimmed(head.substr(1, head.size() - 2))) : Status::BadFormat;
+        return head.back() == ']' ? openSection(trimmed(head.substr(1, head.size() - 2))) : Status::badFormat;
     }
     const std::size_t equals = line.find('=');
     const std::string key = trimmed(line.substr(0, equals));
     if (equals == std::string::npos || key.empty() || !m_section)
-        return Status::BadFormat;
+        return Status::badFormat;
     const bool isNew = m_section->emplace(key, plainValue(line.substr(equals + 1))).second;
-    return isNew ? Status::Ok : Status::BadFormat;
+    return isNew ? Status::ok : Status::badFormat;
 }
 
 Status Parser::openSection(const std::string &name) {
     const auto [place, isNew] = m_sections.emplace(name, IniSection());
     m_section = &place->second;
-    return isNew ? Status::Ok : Status::BadFormat;
+    return isNew ? Status::ok : Status::badFormat;
 }
 
 } // namespace
@@ -75,11 +75,11 @@ Status parseIni(const std::string &text, IniSections &sections) {
     while (at < text.size()) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
         const Status taken = parser.takeLine(trimmed(text.substr(at, end - at)));
-        if (taken != Status::Ok)
+        if (taken != Status::ok)
             return taken;
         at = end + 1;
     }
-    return Status::Ok;
+    return Status::ok;
 }
 
 } // namespace files

@@ -12,7 +12,7 @@ namespace files {
 using IniSection = std::map<std::string, std::string>;
 using IniSections = std::map<std::string, IniSection>;
 
-// BadFormat for a line that is no section, key, comment or blank, and for a section or key given
+// badFormat for a line that is no section, key, comment or blank, and for a section or key given
 // twice.
 Status parseIni(const std::string &text, IniSections &sections);
 

@@ -18,9 +18,9 @@ Status InputFile::open(const char *path) {
     m_fd = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     struct stat info;
     if (m_fd < 0 || ::fstat(m_fd, &info) != 0 || !S_ISREG(info.st_mode))
-        return Status::UnableToOpenFile;
+        return Status::unableToOpenFile;
     m_size = static_cast<std::uint64_t>(info.st_size);
-    return Status::Ok;
+    return Status::ok;
 }
 
 Status InputFile::read(void *target, std::size_t wanted, std::size_t &got) {
@@ -32,9 +32,9 @@ Status InputFile::read(void *target, std::size_t wanted, std::size_t &got) {
         if (n > 0)
             got += static_cast<std::size_t>(n);
         else if (errno != EINTR)
-            return Status::UnableToOpenFile;
+            return Status::unableToOpenFile;
     }
-    return Status::Ok;
+    return Status::ok;
 }
 
 } // namespace files

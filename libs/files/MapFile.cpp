@@ -27,17 +27,17 @@ constexpr int hexadecimal = 16;
 Status readText(const char *path, std::string &text) {
     InputFile file;
     const Status opened = file.open(path);
-    if (opened != Status::Ok)
+    if (opened != Status::ok)
         return opened;
     if (file.size() > maxFileSize)
-        return Status::BadFormat;
+        return Status::badFormat;
     text.resize(maxFileSize + 1);
     std::size_t got = 0;
     const Status read = file.read(&text[0], text.size(), got);
-    if (read != Status::Ok)
+    if (read != Status::ok)
         return read;
     text.resize(got);
-    return got <= maxFileSize ? Status::Ok : Status::BadFormat;
+    return got <= maxFileSize ? Status::ok : Status::badFormat;
 }
 
 // Reads numbers out of one section and remembers whether each of those that the table stands on was one.
@@ -100,7 +100,7 @@ Status readGroup(const IniSection &section, std::uint64_t next, SectorGroup &gro
     group.erase = numbers.flag("Erase");
     group.upload = numbers.flag("Upload");
     group.protect = numbers.flag("Protect");
-    return numbers.valid() && group.size >= minSectorSize && group.count > 0 ? Status::Ok : Status::BadFormat;
+    return numbers.valid() && group.size >= minSectorSize && group.count > 0 ? Status::ok : Status::badFormat;
 }
 
 // The number behind "Sector", or -1 if the section is no group.
@@ -123,14 +123,14 @@ Status readGroups(const IniSections &sections, MapFile &map) {
             break;
         SectorGroup group;
         const Status read = readGroup(section->second, next, group);
-        if (read != Status::Ok)
+        if (read != Status::ok)
             return read;
         const std::uint64_t total = group.size * group.count;
         sectors += group.count;
         bytes += total;
         const bool descends = !map.groups.empty() && group.address < next;
         if (descends || group.address + total > addressSpace || sectors > maxSectors || bytes > maxImageSize)
-            return Status::BadAddressRange;
+            return Status::badAddressRange;
         next = group.address + total;
         map.groups.push_back(group);
     }
@@ -140,7 +140,7 @@ Status readGroups(const IniSections &sections, MapFile &map) {
         groups += groupNumber(section.first) >= 0;
     map.sectorCount = static_cast<short>(sectors);
     const bool whole = !map.groups.empty() && groups == static_cast<long>(map.groups.size());
-    return whole ? Status::Ok : Status::BadFormat;
+    return whole ? Status::ok : Status::badFormat;
 }
 
 void fillSector(MAPPINGSECTOR &sector, const SectorGroup &group, std::uint64_t inGroup, std::uint64_t index) {
@@ -162,11 +162,11 @@ void fillSector(MAPPINGSECTOR &sector, const SectorGroup &group, std::uint64_t i
 Status MapFile::read(const char *path) {
     std::string text;
     const Status loaded = readText(path, text);
-    if (loaded != Status::Ok)
+    if (loaded != Status::ok)
         return loaded;
     IniSections sections;
     const Status parsed = parseIni(text, sections);
-    if (parsed != Status::Ok)
+    if (parsed != Status::ok)
         return parsed;
     readProduct(sections["Product"], *this);
     return readGroups(sections, *this);

@@ -7,9 +7,9 @@ namespace files {
 
 Status RunCollector::commitElsewhere(std::uint64_t address, std::size_t length) {
     if (address + length > addressSpace)
-        return Status::BadAddressRange;
+        return Status::badAddressRange;
     if (length == 0)
-        return Status::Ok;
+        return Status::ok;
     if (!m_runs.empty() && m_runs.back().end() == address)
         m_runs.back().length += static_cast<std::uint32_t>(length);
     else
@@ -17,13 +17,13 @@ Status RunCollector::commitElsewhere(std::uint64_t address, std::size_t length) 
                           static_cast<std::uint32_t>(m_bytes.size())});
     m_bytes.add(length);
     if (m_runs.size() <= m_runLimit && m_bytes.size() <= m_byteLimit)
-        return Status::Ok;
+        return Status::ok;
     const Status settled = settle();
     // In proportion to what stays, so that settling again and again costs no more than a sort.
     m_runLimit = m_runs.size() + std::max(minRunStep, m_runs.size() / 2);
     m_byteLimit = std::min(maxImageSize, m_bytes.size() + std::max(minByteStep, m_bytes.size()));
-    if (settled == Status::Ok && m_bytes.size() > maxImageSize)
-        return Status::BadAddressRange;
+    if (settled == Status::ok && m_bytes.size() > maxImageSize)
+        return Status::badAddressRange;
     return settled;
 }
 
@@ -35,7 +35,7 @@ bool RunCollector::isSettled() const {
 
 Status RunCollector::settle() {
     if (isSettled())
-        return Status::Ok;
+        return Status::ok;
     std::sort(m_runs.begin(), m_runs.end(), [](const Run &a, const Run &b) { return a.address < b.address; });
 
     ByteBuffer joined;
@@ -56,26 +56,26 @@ Status RunCollector::settle() {
         const auto common = static_cast<std::uint32_t>(std::min<std::uint64_t>(last.end() - run.address, run.length));
         const BYTE *held = joined.data() + last.offset + (run.address - last.address);
         if (common > 0 && std::memcmp(held, source, common) != 0)
-            return Status::BadFormat;
+            return Status::badFormat;
         joined.append(source + common, run.length - common);
         last.length += run.length - common;
     }
     m_runs.resize(count);
     m_bytes.swap(joined);
     m_settledBytes = m_bytes.size();
-    return Status::Ok;
+    return Status::ok;
 }
 
 Status RunCollector::finish(std::vector<Element> &elements) {
     const Status settled = settle();
-    if (settled != Status::Ok)
+    if (settled != Status::ok)
         return settled;
     const std::shared_ptr<BYTE> block = m_bytes.release();
     elements.clear();
     elements.reserve(m_runs.size());
     for (const Run &run : m_runs)
         elements.push_back({run.address, run.length, std::shared_ptr<BYTE>(block, block.get() + run.offset)});
-    return Status::Ok;
+    return Status::ok;
 }
 
 } // namespace files

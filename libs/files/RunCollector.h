@@ -22,8 +22,8 @@ public:
     // Room for the next record's bytes, valid until the next call.
     BYTE *room(std::size_t length) { return m_bytes.room(length); }
 
-    // Takes in the first `length` bytes of that room for `address`. BadAddressRange past 32 bits or
-    // past the size of an image, BadFormat where an address gets two different values (which may
+    // Takes in the first `length` bytes of that room for `address`. badAddressRange past 32 bits or
+    // past the size of an image, badFormat where an address gets two different values (which may
     // show as late as finish()).
     Status commit(std::uint64_t address, std::size_t length) {
         if (length == 0 || m_runs.empty() || m_runs.back().end() != address || address + length > addressSpace ||
@@ -31,7 +31,7 @@ public:
             return commitElsewhere(address, length);
         m_runs.back().length += static_cast<std::uint32_t>(length);
         m_bytes.add(length);
-        return Status::Ok;
+        return Status::ok;
     }
 
     // Hands the elements over: contiguous, in rising order, none touching the next.

@@ -56,15 +56,15 @@ Status SaveTarget::locate(const char *name) {
     for (int links = 0; links <= maxLinks; ++links) {
         directory = directoryOf(path);
         if (::lstat(path.c_str(), &old) != 0)
-            return links == 0 ? Status::Ok : Status::UnableToOpenFile;
+            return links == 0 ? Status::ok : Status::unableToOpenFile;
         if (!S_ISLNK(old.st_mode)) {
             exists = isWritable(name, old);
-            return exists ? Status::Ok : Status::UnableToOpenFile;
+            return exists ? Status::ok : Status::unableToOpenFile;
         }
         if (!isTrusted(path, old) || !follow(path))
-            return Status::UnableToOpenFile;
+            return Status::unableToOpenFile;
     }
-    return Status::UnableToOpenFile;
+    return Status::unableToOpenFile;
 }
 
 } // namespace files

@@ -15,7 +15,7 @@ struct SaveTarget {
     bool exists = false;
     struct stat old; // of the target, when it exists
 
-    // UnableToOpenFile for what a save must not replace: a file that may not be written or is none, a
+    // unableToOpenFile for what a save must not replace: a file that may not be written or is none, a
     // link to nothing, and a link that belongs neither to the caller nor to the owner of its
     // directory. The kernel's own rule for links in shared directories holds as well.
     Status locate(const char *name);

@@ -21,11 +21,11 @@ using namespace libfiles;
 
 namespace {
 
-enum class Fault { None, Fails, Kills };
+enum class Fault { none, fails, kills };
 
 struct {
     bool armed = false;
-    Fault fault = Fault::None;
+    Fault fault = Fault::none;
     int at = 0; // which call, from 1
     int calls = 0;
     bool unnamedFiles = true; // the file system has O_TMPFILE
@@ -37,10 +37,10 @@ struct {
 bool meets(const char *call) {
     if (!plan.armed || ++plan.calls != plan.at)
         return false;
-    if (plan.fault == Fault::Kills)
+    if (plan.fault == Fault::kills)
         ::kill(::getpid(), SIGKILL);
     plan.hit = call;
-    return plan.fault == Fault::Fails;
+    return plan.fault == Fault::fails;
 }
 
 int failure(int error) {
@@ -121,7 +121,7 @@ protected:
         const std::string path = dir / "o.bin";
         if (GetParam().exists)
             writeFile(path, oldText);
-        Outcome outcome = fault == Fault::Kills ? killed(path, at) : failed(path, fault, at);
+        Outcome outcome = fault == Fault::kills ? killed(path, at) : failed(path, fault, at);
         const auto entries = dir.entries();
         const bool present = std::find(entries.begin(), entries.end(), "o.bin") != entries.end();
         outcome.isNew = present && readBytes(path) == newBytes;
@@ -152,7 +152,7 @@ private:
     Outcome killed(const std::string &path, int at) const {
         const pid_t child = ::fork();
         if (child == 0) {
-            (void)failed(path, Fault::Kills, at);
+            (void)failed(path, Fault::kills, at);
             ::_exit(0);
         }
         int status = 0;
@@ -163,7 +163,7 @@ private:
 };
 
 TEST_P(SaveFaults, WithoutAFault) {
-    const Outcome outcome = save(Fault::None, 0);
+    const Outcome outcome = save(Fault::none, 0);
     EXPECT_EQ(outcome.status, noError);
     EXPECT_TRUE(outcome.isNew);
     EXPECT_EQ(outcome.litter, 0u);
@@ -174,7 +174,7 @@ TEST_P(SaveFaults, WithoutAFault) {
 // name cannot be found by anybody.
 TEST_P(SaveFaults, NobodyElseReadsWhatIsNotComplete) {
     const mode_t old = ::umask(022);
-    const Outcome outcome = save(Fault::None, 0);
+    const Outcome outcome = save(Fault::none, 0);
     ::umask(old);
     const bool hidden = GetParam().unnamedFiles && !GetParam().exists;
     EXPECT_EQ(outcome.firstMode, hidden ? 0666u : 0600u);
@@ -182,9 +182,9 @@ TEST_P(SaveFaults, NobodyElseReadsWhatIsNotComplete) {
 }
 
 TEST_P(SaveFaults, EachCallFails) {
-    const int calls = save(Fault::None, 0).calls;
+    const int calls = save(Fault::none, 0).calls;
     for (int at = 1; at <= calls; ++at) {
-        const Outcome outcome = save(Fault::Fails, at);
+        const Outcome outcome = save(Fault::fails, at);
         SCOPED_TRACE(std::to_string(at) + " " + outcome.hit);
         EXPECT_EQ(outcome.litter, 0u);
         EXPECT_TRUE(outcome.isOld || outcome.isNew);
@@ -198,10 +198,10 @@ TEST_P(SaveFaults, EachCallFails) {
 }
 
 TEST_P(SaveFaults, KilledInFrontOfEachCall) {
-    const int calls = save(Fault::None, 0).calls;
+    const int calls = save(Fault::none, 0).calls;
     for (int at = 1; at <= calls; ++at) {
-        const std::string call = save(Fault::Fails, at).hit;
-        const Outcome outcome = save(Fault::Kills, at);
+        const std::string call = save(Fault::fails, at).hit;
+        const Outcome outcome = save(Fault::kills, at);
         SCOPED_TRACE(std::to_string(at) + " " + call);
         EXPECT_TRUE(outcome.isOld || outcome.isNew);
         // Without a name, the file has one only for the moment in front of the rename.

@@ -17,11 +17,11 @@ constexpr std::size_t maxData = 255;
 constexpr std::size_t writtenData = 32;
 constexpr std::uint32_t pageSize = 0x10000;
 
-enum Type { Data, End, SegmentBase, SegmentStart, LinearBase, LinearStart, TypeCount };
+enum Type { dataRecord, endRecord, segmentBase, segmentStart, linearBase, linearStart, typeCount };
 
 // The data length that each type has; AnyLength for data.
 constexpr int anyLength = -1;
-constexpr int typeLength[TypeCount] = {anyLength, 0, 2, 4, 2, 4};
+constexpr int typeLength[typeCount] = {anyLength, 0, 2, 4, 2, 4};
 
 class Reader {
 public:
@@ -45,14 +45,14 @@ Status Reader::read() {
     for (;;) {
         bool found = false;
         const Status moved = m_window.next(found);
-        if (moved != Status::Ok)
+        if (moved != Status::ok)
             return moved;
         if (!found)
-            return m_ended ? Status::Ok : Status::BadFormat;
+            return m_ended ? Status::ok : Status::badFormat;
         if (m_ended && m_window.passTextEnd())
             continue;
-        const Status taken = m_ended ? Status::BadFormat : readRecord();
-        if (taken != Status::Ok)
+        const Status taken = m_ended ? Status::badFormat : readRecord();
+        if (taken != Status::ok)
             return taken;
     }
 }
@@ -62,24 +62,24 @@ Status Reader::readRecord() {
     unsigned char head[headBytes];
     unsigned sum = 0;
     if (m_window.available() < 1 + 2 * headBytes || text[0] != mark || !decodeBytes(text + 1, headBytes, head, sum))
-        return Status::BadFormat;
+        return Status::badFormat;
     const std::size_t length = head[0];
     const unsigned type = head[3];
     const std::size_t characters = 1 + 2 * (headBytes + length + 1);
-    if (m_window.available() < characters || type >= TypeCount ||
+    if (m_window.available() < characters || type >= typeCount ||
         (typeLength[type] != anyLength && typeLength[type] != static_cast<int>(length)))
-        return Status::BadFormat;
+        return Status::badFormat;
 
     // The checksum is decoded with the data, behind them.
     BYTE *data = m_runs.room(length + 1);
     if (!decodeBytes(text + 1 + 2 * headBytes, length + 1, data, sum) || (sum & 0xFF) != 0 ||
         !m_window.pass(characters))
-        return Status::BadFormat;
-    if (type == Data)
+        return Status::badFormat;
+    if (type == dataRecord)
         return takeData(static_cast<unsigned>(head[1] << 8 | head[2]), data, length);
     takeBase(type, data);
-    m_ended = type == End;
-    return Status::Ok;
+    m_ended = type == endRecord;
+    return Status::ok;
 }
 
 Status Reader::takeData(unsigned offset, const BYTE *data, std::size_t length) {
@@ -89,16 +89,16 @@ Status Reader::takeData(unsigned offset, const BYTE *data, std::size_t length) {
     BYTE wrapped[maxData];
     std::copy(data + inPage, data + length, wrapped);
     const Status taken = m_runs.commit(std::uint64_t(m_base) + offset, inPage);
-    if (taken != Status::Ok)
+    if (taken != Status::ok)
         return taken;
     std::copy(wrapped, wrapped + (length - inPage), m_runs.room(length - inPage));
     return m_runs.commit(m_base, length - inPage);
 }
 
 void Reader::takeBase(unsigned type, const BYTE *data) {
-    if (type != SegmentBase && type != LinearBase)
+    if (type != segmentBase && type != linearBase)
         return;
-    m_segmented = type == SegmentBase;
+    m_segmented = type == segmentBase;
     m_base = static_cast<std::uint32_t>(data[0] << 8 | data[1]) << (m_segmented ? 4 : 16);
 }
 
@@ -135,19 +135,19 @@ Status writeIntelHex(const std::vector<const Element *> &elements, const std::st
             if (address / pageSize != page) {
                 page = address / pageSize;
                 const BYTE upper[] = {static_cast<BYTE>(page >> 8), static_cast<BYTE>(page)};
-                const Status moved = writeRecord(file, LinearBase, 0, upper, sizeof upper);
-                if (moved != Status::Ok)
+                const Status moved = writeRecord(file, linearBase, 0, upper, sizeof upper);
+                if (moved != Status::ok)
                     return moved;
             }
             const std::uint32_t length =
                 std::min({element->length - done, pageSize - offset, std::uint32_t(writtenData)});
-            const Status written = writeRecord(file, Data, offset, element->bytes.get() + done, length);
-            if (written != Status::Ok)
+            const Status written = writeRecord(file, dataRecord, offset, element->bytes.get() + done, length);
+            if (written != Status::ok)
                 return written;
             done += length;
         }
     }
-    return writeRecord(file, End, 0, nullptr, 0);
+    return writeRecord(file, endRecord, 0, nullptr, 0);
 }
 
 } // namespace files

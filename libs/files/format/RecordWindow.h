@@ -25,10 +25,10 @@ public:
                 ++m_at;
             if (available() >= maxRecord || m_atFileEnd) {
                 found = m_at != m_end;
-                return Status::Ok;
+                return Status::ok;
             }
             const Status filled = refill();
-            if (filled != Status::Ok)
+            if (filled != Status::ok)
                 return filled;
         }
     }

@@ -17,15 +17,15 @@ constexpr std::size_t maxAddress = 4;
 constexpr std::size_t writtenData = 32;
 constexpr std::size_t maxHeader = 32;
 
-enum class Role { Header, Data, None, Count, End };
+enum class Role { header, data, none, count, end };
 
 struct Type {
     Role role;
     std::size_t addressBytes;
 };
 
-constexpr Type types[] = {{Role::Header, 2}, {Role::Data, 2},  {Role::Data, 3}, {Role::Data, 4}, {Role::None, 0},
-                          {Role::Count, 2},  {Role::Count, 3}, {Role::End, 4},  {Role::End, 3},  {Role::End, 2}};
+constexpr Type types[] = {{Role::header, 2}, {Role::data, 2},  {Role::data, 3}, {Role::data, 4}, {Role::none, 0},
+                          {Role::count, 2},  {Role::count, 3}, {Role::end, 4},  {Role::end, 3},  {Role::end, 2}};
 
 class Reader {
 public:
@@ -48,16 +48,16 @@ Status Reader::read() {
     for (;;) {
         bool found = false;
         const Status moved = m_window.next(found);
-        if (moved != Status::Ok)
+        if (moved != Status::ok)
             return moved;
         if (!found)
-            return m_ended || m_counted ? Status::Ok : Status::BadFormat;
+            return m_ended || m_counted ? Status::ok : Status::badFormat;
         if ((m_ended || m_counted) && m_window.passTextEnd()) {
             m_ended = true;
             continue;
         }
-        const Status taken = m_ended ? Status::BadFormat : readRecord();
-        if (taken != Status::Ok)
+        const Status taken = m_ended ? Status::badFormat : readRecord();
+        if (taken != Status::ok)
             return taken;
     }
 }
@@ -65,15 +65,15 @@ Status Reader::read() {
 Status Reader::readRecord() {
     const unsigned char *text = m_window.begin();
     if (m_window.available() < markLength + 2 || text[0] != mark || text[1] < '0' || text[1] > '9')
-        return Status::BadFormat;
+        return Status::badFormat;
     const Type type = types[text[1] - '0'];
     unsigned sum = 0;
     BYTE count = 0;
-    if (!decodeBytes(text + markLength, 1, &count, sum) || type.role == Role::None || count < type.addressBytes + 1)
-        return Status::BadFormat;
+    if (!decodeBytes(text + markLength, 1, &count, sum) || type.role == Role::none || count < type.addressBytes + 1)
+        return Status::badFormat;
     const std::size_t characters = markLength + 2 + 2 * std::size_t(count);
     if (m_window.available() < characters)
-        return Status::BadFormat;
+        return Status::badFormat;
 
     text += markLength + 2;
     std::uint32_t address = 0;
@@ -88,18 +88,18 @@ Status Reader::readRecord() {
     const std::size_t length = count - type.addressBytes - 1;
     const bool digits = decodeBytes(text, length + 1, m_runs.room(length + 1), sum) && valid;
     if (!digits || (sum & 0xFF) != 0xFF || !m_window.pass(characters))
-        return Status::BadFormat;
+        return Status::badFormat;
     return take(type.role, address, length);
 }
 
 // The record's data, if it has any, are in the room of m_runs.
 Status Reader::take(Role role, std::uint32_t address, std::size_t length) {
-    m_ended = role == Role::End;
-    m_counted = role == Role::Count && address == m_dataRecords;
-    if (role == Role::Header)
-        return Status::Ok;
-    if (role != Role::Data)
-        return length == 0 && (m_ended || m_counted) ? Status::Ok : Status::BadFormat;
+    m_ended = role == Role::end;
+    m_counted = role == Role::count && address == m_dataRecords;
+    if (role == Role::header)
+        return Status::ok;
+    if (role != Role::data)
+        return length == 0 && (m_ended || m_counted) ? Status::ok : Status::badFormat;
     ++m_dataRecords;
     return m_runs.commit(address, length);
 }
@@ -139,13 +139,13 @@ Status readSRecord(InputFile &file, std::uint32_t, RunCollector &runs) {
 
 Status writeSRecord(const std::vector<const Element *> &elements, const std::string &name, AtomicFile &file) {
     const Status headed = writeHeader(file, name);
-    if (headed != Status::Ok)
+    if (headed != Status::ok)
         return headed;
     for (const Element *element : elements) {
         for (std::uint32_t done = 0; done < element->length;) {
             const std::uint32_t length = std::min(element->length - done, std::uint32_t(writtenData));
             const Status written = writeRecord(file, 3, element->address + done, element->bytes.get() + done, length);
-            if (written != Status::Ok)
+            if (written != Status::ok)
                 return written;
             done += length;
         }
