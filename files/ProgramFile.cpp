@@ -4,7 +4,7 @@
 
 namespace {
 
-// Sector numbers from here on name the elements behind main flash.
+// Sector numbers from here on name the elements after main flash.
 constexpr int firstSpimSector = 32768;
 
 bool hasMap(const CDevice *device) {

@@ -26,7 +26,7 @@ public:
             grow(capacity);
     }
 
-    // Room for `length` bytes behind the last one; add(length) then makes them part of the buffer.
+    // Room for `length` bytes after the last one; add(length) then makes them part of the buffer.
     BYTE *room(std::size_t length) {
         if (length > m_capacity - m_size)
             grow(m_size + length);
@@ -35,7 +35,7 @@ public:
     void add(std::size_t length) { m_size += length; }
     void append(const BYTE *bytes, std::size_t length);
 
-    // Gives the memory of the bytes in front of `offset` back; they must not be read any more, and
+    // Gives the memory of the bytes before `offset` back; they must not be read any more, and
     // the buffer must not grow.
     void forgetBefore(std::size_t offset);
 

@@ -5,7 +5,7 @@
 
 namespace files {
 
-// Cuts the elements at sector borders, so that none crosses one; not a byte is dropped. Behind the
+// Cuts the elements at sector borders, so that none crosses one; not a byte is dropped. After the
 // last sector of the map, and in a hole of it, sectors go on at the size of the one before, up to
 // the external flash; below the first sector they go on downwards at its size; external flash has
 // 4096-byte sectors wherever the map does not say otherwise. A map without sectors stands for

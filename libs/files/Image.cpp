@@ -24,7 +24,7 @@ Element copyOf(const IMAGEELEMENT &source) {
 } // namespace
 
 bool Element::isBlank() const {
-    // Each byte equals the one behind it, and the first is blank.
+    // Each byte equals the next one, and the first is blank.
     const BYTE *data = bytes.get();
     return data[0] == blank && std::memcmp(data, data + 1, length - 1) == 0;
 }

@@ -17,7 +17,7 @@ constexpr std::size_t maxImageSize = 256 * 1024 * 1024;
 
 constexpr std::uint64_t addressSpace = std::uint64_t(1) << 32;
 constexpr std::uint64_t flashBase = 0x08000000; // where an image without addresses starts
-constexpr std::uint64_t spimBase = 0x08400000;  // external flash, behind the main flash
+constexpr std::uint64_t spimBase = 0x08400000;  // external flash, after the main flash
 constexpr std::uint32_t spimSectorSize = 4096;
 
 // A block of bytes at an address. Elements of one file share the block that they lie in.

@@ -103,7 +103,7 @@ Status readGroup(const IniSection &section, std::uint64_t next, SectorGroup &gro
     return numbers.valid() && group.size >= minSectorSize && group.count > 0 ? Status::ok : Status::badFormat;
 }
 
-// The number behind "Sector", or -1 if the section is no group.
+// The number after "Sector", or -1 if the section is no group.
 long groupNumber(const std::string &name) {
     const std::string prefix = "Sector";
     const std::string digits = name.substr(std::min(name.size(), prefix.size()));
@@ -134,7 +134,7 @@ Status readGroups(const IniSections &sections, MapFile &map) {
         next = group.address + total;
         map.groups.push_back(group);
     }
-    // A group that the walk did not come to stands behind a hole in the numbering.
+    // A group that the walk did not come to stands after a hole in the numbering.
     long groups = 0;
     for (const auto &section : sections)
         groups += groupNumber(section.first) >= 0;

@@ -44,7 +44,7 @@ Status RunCollector::settle() {
     for (std::size_t i = 0; i < m_runs.size(); ++i) {
         const Run run = m_runs[i];
         const BYTE *source = m_bytes.data() + run.offset;
-        // What was settled before lies in order: in front of this run it is copied already.
+        // What was settled before lies in order: what belongs before this run is copied already.
         if (run.offset < m_settledBytes)
             m_bytes.forgetBefore(run.offset);
         if (count == 0 || m_runs[count - 1].end() < run.address) {

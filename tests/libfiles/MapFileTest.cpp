@@ -185,7 +185,7 @@ const Bad badMaps[] = {
     {"a key twice", "[Sector0]\nSize=800\nSize=400\n", badFormat},
     {"a line without a key", "[Sector0]\nSize=800\nhello\n", badFormat},
     {"a line without a name", "[Sector0]\nSize=800\n=5\n", badFormat},
-    {"a key in front of all sections", "Size=800\n[Sector0]\nSize=800\n", badFormat},
+    {"a key before all sections", "Size=800\n[Sector0]\nSize=800\n", badFormat},
     {"a section without an end", "[Sector0\nSize=800\n", badFormat},
     {"only a bracket", "[\n", badFormat},
     {"a null", std::string("[Sector0]\nSize=800\nx=\0\n", 23), badFormat},

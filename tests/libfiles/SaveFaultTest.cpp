@@ -1,5 +1,5 @@
 // FILES_ImageToFile with every one of its system calls failing in turn, and with the process killed
-// in front of every one of them. The calls are caught on their way out of the library.
+// before every one of them. The calls are caught on their way out of the library.
 
 #include <algorithm>
 #include <cerrno>
@@ -188,7 +188,7 @@ TEST_P(SaveFaults, EachCallFails) {
         SCOPED_TRACE(std::to_string(at) + " " + outcome.hit);
         EXPECT_EQ(outcome.litter, 0u);
         EXPECT_TRUE(outcome.isOld || outcome.isNew);
-        // A failure behind the last step leaves the new file, and one that another way is found
+        // A failure after the last step leaves the new file, and one that another way is found
         // around is none.
         if (outcome.status == noError)
             EXPECT_TRUE(outcome.isNew);
@@ -197,14 +197,14 @@ TEST_P(SaveFaults, EachCallFails) {
     }
 }
 
-TEST_P(SaveFaults, KilledInFrontOfEachCall) {
+TEST_P(SaveFaults, KilledBeforeEachCall) {
     const int calls = save(Fault::none, 0).calls;
     for (int at = 1; at <= calls; ++at) {
         const std::string call = save(Fault::fails, at).hit;
         const Outcome outcome = save(Fault::kills, at);
         SCOPED_TRACE(std::to_string(at) + " " + call);
         EXPECT_TRUE(outcome.isOld || outcome.isNew);
-        // Without a name, the file has one only for the moment in front of the rename.
+        // Without a name, the file has one only for the moment before the rename.
         if (GetParam().unnamedFiles && call != "rename")
             EXPECT_EQ(outcome.litter, 0u);
     }

@@ -57,7 +57,7 @@ TEST(Scattered, ShuffledRecordsMakeOneElement) {
     ASSERT_EQ(load(dir, "a.s19", s3File(records), pieces), noError);
     EXPECT_EQ(pieces, (Pieces{{0, image}}));
 
-    // One wrong byte, behind all that is sorted by then, is still found.
+    // One wrong byte, after all that is sorted by then, is still found.
     Record twice = records.front();
     twice.bytes[1] ^= 1;
     records.push_back(twice);

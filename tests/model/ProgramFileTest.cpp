@@ -179,7 +179,7 @@ const ChoiceRow choiceRows[] = {
     {"map sectors=64 size=1024\n", 64, 4, {0, 32768}, 2, {0x08000000, 0x08400000}},
     // Only the first so many count.
     {"map sectors=8 size=2048\n", 16, 0, {0, 1, 2}, 2, {0x08000000, 0x08000800}},
-    // A number lower than the one before it is not found, nor are those behind it.
+    // A number lower than the one before it is not found, nor are those after it.
     {"map sectors=8 size=2048\n", 16, 0, {2, 1, 5}, 3, {0x08001000}},
     {"map sectors=8 size=2048\n", 16, 0, {-1, 1}, 2, {}},
     {"map sectors=8 size=2048\n", 16, 0, {100}, 1, {}},
@@ -199,7 +199,7 @@ TEST(ProgramFile, ASectorNumberNamesAnElement) {
 }
 
 // With 4 KB sectors the count of main flash sectors is twice what there are, so the first SPIM number
-// names an element behind the first SPIM element.
+// names an element after the first SPIM element.
 TEST(ProgramFile, CountsFourKilobyteSectorsAsTwo) {
     Bench bench("map sectors=4 size=4096\n", 16);
     bench.file.SetSectorIndexsForCreate({32768}, 1);

@@ -70,7 +70,7 @@ Status Reader::readRecord() {
         (typeLength[type] != anyLength && typeLength[type] != static_cast<int>(length)))
         return Status::badFormat;
 
-    // The checksum is decoded with the data, behind them.
+    // The checksum follows the data and is decoded with them.
     BYTE *data = m_runs.room(length + 1);
     if (!decodeBytes(text + 1 + 2 * headBytes, length + 1, data, sum) || (sum & 0xFF) != 0 ||
         !m_window.pass(characters))

@@ -36,7 +36,7 @@ public:
     const unsigned char *begin() const { return m_at; }
     std::size_t available() const { return static_cast<std::size_t>(m_end - m_at); }
 
-    // Passes over a record of that many characters; false when it runs on behind them.
+    // Passes over a record of that many characters; false when it runs on after them.
     bool pass(std::size_t characters) {
         m_at += characters;
         return m_at == m_end || isBlank(*m_at) || *m_at == textEnd;

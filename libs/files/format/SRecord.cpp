@@ -84,7 +84,7 @@ Status Reader::readRecord() {
         sum += value;
         address = address << 8 | (value & 0xFF);
     }
-    // The checksum is decoded with the data, behind them.
+    // The checksum follows the data and is decoded with them.
     const std::size_t length = count - type.addressBytes - 1;
     const bool digits = decodeBytes(text, length + 1, m_runs.room(length + 1), sum) && valid;
     if (!digits || (sum & 0xFF) != 0xFF || !m_window.pass(characters))
