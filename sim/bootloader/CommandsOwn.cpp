@@ -32,12 +32,12 @@ Next crcAddress(Exchange &x, const Bytes &group) {
 
 Next crcCount(Exchange &x, const Bytes &group) {
     const unsigned sectors = number16(group, 0);
-    const Outcome outcome = x.chip.checkCrc(x.address(), sectors);
+    const Outcome outcome = sectors == 0 ? Outcome{} : x.chip.checkCrc(x.address(), sectors);
     if (!outcome.done())
         return x.refuse(outcome.why);
     x.accept();
-    Bytes answer;
-    append32(answer, x.chip.crc(x.address(), sectors));
+    Bytes answer; // for no sector at all, how large one is
+    append32(answer, sectors == 0 ? x.chip.sectorSize(x.address()) : x.chip.crc(x.address(), sectors));
     x.sendChecked(answer);
     return Next::end;
 }

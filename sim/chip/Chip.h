@@ -53,9 +53,10 @@ public:
     Outcome eraseBank(Bank bank);
     Outcome eraseBlock(std::uint32_t address);
 
-    // CRC-32 of whole sectors from the one that starts at the address.
+    // CRC-32 of what READ answers for whole sectors from the one that starts at the address.
     Outcome checkCrc(std::uint32_t address, unsigned sectors) const;
     std::uint32_t crc(std::uint32_t address, unsigned sectors) const;
+    std::uint32_t sectorSize(std::uint32_t address) const; // in main flash and SPIM
 
     // Option bytes and what they protect. New protection holds from the next reset on.
     Bytes userData() const { return m_options.compact(); }

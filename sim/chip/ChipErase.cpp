@@ -126,10 +126,13 @@ Outcome Chip::checkCrc(std::uint32_t address, unsigned sectors) const {
 }
 
 std::uint32_t Chip::crc(std::uint32_t address, unsigned sectors) const {
-    const bool spim = address >= wire::spimBase;
-    const std::size_t size = spim ? wire::spimSectorSize : m_facts.sectorSize;
-    const Cells &cells = spim ? m_spim.cells() : m_flash;
-    return crc32(cells.data() + (address - (spim ? wire::spimBase : wire::flashBase)), sectors * size);
+    Bytes bytes;
+    const Outcome outcome = read(address, std::size_t{sectors} * sectorSize(address), bytes);
+    return outcome.done() ? crc32(bytes.data(), bytes.size()) : 0;
+}
+
+std::uint32_t Chip::sectorSize(std::uint32_t address) const {
+    return address >= wire::spimBase ? wire::spimSectorSize : m_facts.sectorSize;
 }
 
 } // namespace sim

@@ -56,6 +56,22 @@ const sim::Vector smallOnes[] = {
         H: 00 02 02
         C: 79 21 BE 0A 6E FB
     )"},
+    {"crc_of_no_sector_is_the_size_of_one", "ZV32F403A_1024K", SYNC R"(
+        H: AC 53
+        C: 79
+        H: 08 00 00 00 08
+        C: 79
+        H: 00 00 00
+        C: 79 00 00 08 00 08
+    )"},
+    {"size_of_a_sector_of_1_KB", "ZV32F421_64K", SYNC R"(
+        H: AC 53
+        C: 79
+        H: 08 00 00 00 08
+        C: 79
+        H: 00 00 00
+        C: 79 00 00 04 00 04
+    )"},
     {"crc_refusals", "ZV32F403A_1024K", SYNC R"(
         # no sector starts there
         H: AC 53
@@ -71,13 +87,7 @@ const sim::Vector smallOnes[] = {
         C: 79
         H: 08 40 00 00 48
         C: 1F
-        # none, and one too many
-        H: AC 53
-        C: 79
-        H: 08 00 00 00 08
-        C: 79
-        H: 00 00 00
-        C: 1F
+        # one too many
         H: AC 53
         C: 79
         H: 08 00 00 00 08
