@@ -1,7 +1,8 @@
 // link-probe TYPE PORT BAUD RATE SPEED KILOBYTES
 //
-// Writes and reads back a stretch of the chip's flash over one link, and prints the bytes a second of
-// both. TYPE is the interface type; BAUD, RATE and SPEED are what SetCOMSettings, ZVBL_Init_BL and
+// Writes a stretch of the chip's flash over one link, verifies it, by checksum and by reading, and reads it
+// back. Prints the bytes a second of writing and reading, and of writing and verifying as multiples of the
+// time of writing alone. TYPE is the interface type; BAUD, RATE and SPEED are what SetCOMSettings, ZVBL_Init_BL and
 // ZVBL_SetSpeed are given. Ends with 1 when a call fails or other bytes come back.
 
 #include <chrono>
@@ -56,7 +57,18 @@ HANDLE connect(const Wishes &wishes) {
         demand(ZVBL_SetSpeed(link, wishes.speed), "ZVBL_SetSpeed");
     if (wishes.type == usart)
         demand(ZVBL_ZV32ISP_TOOL(link), "ZVBL_ZV32ISP_TOOL");
+    BYTE version = 0;
+    Commands commands;
+    demand(ZVBL_GET(link, &version, &commands), "ZVBL_GET");
     return link;
+}
+
+// Sector by sector, as an image is verified.
+void verify(HANDLE link, std::vector<unsigned char> &data, const char *by) {
+    constexpr unsigned sector = 2048;
+    setenv("ZVBL_VERIFY_BY", by, 1);
+    for (unsigned done = 0; done < data.size(); done += sector)
+        demand(ZVBL_VERIFY(link, flash + done, data.data() + done, sector, 0), "ZVBL_VERIFY");
 }
 
 template <class Call>
@@ -77,11 +89,14 @@ int measure(const Wishes &wishes) {
     const auto length = static_cast<unsigned>(data.size());
     const double download =
         bytesPerSecond(data.size(), [&] { demand(ZVBL_DNLOAD(link, flash, data.data(), length, 0), "ZVBL_DNLOAD"); });
+    const double byCrc = bytesPerSecond(data.size(), [&] { verify(link, data, "crc"); });
+    const double byReading = bytesPerSecond(data.size(), [&] { verify(link, data, "read"); });
+    unsetenv("ZVBL_VERIFY_BY");
     std::vector<unsigned char> back(data.size());
     const double upload =
         bytesPerSecond(data.size(), [&] { demand(ZVBL_UPLOAD(link, flash, back.data(), length), "ZVBL_UPLOAD"); });
     demand(Interface_Close(link), "Interface_Close");
-    std::printf("%.1f %.1f\n", download, upload);
+    std::printf("%.1f %.1f %.4f %.4f\n", download, upload, 1 + download / byCrc, 1 + download / byReading);
     return back == data ? 0 : 1;
 }
 

@@ -1,6 +1,6 @@
 // links_bench [--rounds N] [--link NAME]
 //
-// Measures a download and an upload through libZVBLLIB over each link beside what that link could carry
+// Measures a download, its verify and an upload through libZVBLLIB over each link beside what that link could carry
 // if it never rested: the simulated chip takes the time of its wire, and nothing for its flash. Best of
 // all rounds. Ends with 1 if a link fails or brings other bytes back; a missed goal is only told, since
 // a busy machine misses it too.
@@ -66,9 +66,13 @@ std::vector<Row> rows() {
     };
 }
 
+constexpr double verifyGoal = 1.03;
+
 struct Rates {
     double download = 0;
     double upload = 0;
+    double verifiedByCrc = 0; // the time of writing and verifying, of writing alone
+    double verifiedByReading = 0;
 };
 
 Rates measure(const Row &row, int rounds, const std::string &programs) {
@@ -80,10 +84,14 @@ Rates measure(const Row &row, int rounds, const std::string &programs) {
             command.push_back(word == "PORT" ? chip.port() : word);
         Rates rates;
         const std::string text = chip.outputOf(command);
-        if (std::sscanf(text.c_str(), "%lf %lf", &rates.download, &rates.upload) != 2)
+        if (std::sscanf(text.c_str(), "%lf %lf %lf %lf", &rates.download, &rates.upload, &rates.verifiedByCrc,
+                        &rates.verifiedByReading) != 4)
             throw std::runtime_error(std::string(row.name) + ": link-probe failed");
         best.download = std::max(best.download, rates.download);
         best.upload = std::max(best.upload, rates.upload);
+        best.verifiedByCrc = round == 0 ? rates.verifiedByCrc : std::min(best.verifiedByCrc, rates.verifiedByCrc);
+        best.verifiedByReading =
+            round == 0 ? rates.verifiedByReading : std::min(best.verifiedByReading, rates.verifiedByReading);
     }
     return best;
 }
@@ -106,7 +114,8 @@ bool run(int rounds, const std::string &only) {
             std::printf("%-29s", row.name);
             print("download", rates.download, row.ceiling.download, row.downloadGoal);
             print("  upload", rates.upload, row.ceiling.upload, row.uploadGoal);
-            std::printf("\n");
+            std::printf("  write and verify %.3f of write (%g)%s, by reading %.3f\n", rates.verifiedByCrc, verifyGoal,
+                        rates.verifiedByCrc <= verifyGoal ? " ok" : " MISSED", rates.verifiedByReading);
             std::fflush(stdout);
         } catch (const std::exception &error) {
             std::printf("%-29s  %s\n", row.name, error.what());
