@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-namespace zvbl {
+#include "libs/zvbl/Bytes.h"
 
-using Bytes = std::vector<std::uint8_t>;
+namespace zvbl {
 
 // What protects a group of bytes: the XOR of all of them, or the complement of the only one.
 enum class Check { sum, complement };
@@ -18,7 +18,7 @@ struct Group {
     bool counted = false; // a count byte goes in front: of the bytes; in a group without any, of those asked for
 };
 
-// What the chip sends behind its last ACK.
+// What the chip sends after its last ACK.
 struct Reply {
     enum class End { nothing, sum, ack };
 
@@ -34,10 +34,10 @@ struct Command {
     std::vector<Group> groups{};
     Reply reply{};
     bool packet = false; // READ or WRITE, of which many follow each other: no pause between its groups
-    bool more = false;   // another packet follows at once: no pause behind this one either
+    bool more = false;   // another packet follows at once: no pause after this one either
 };
 
-// Whether the chip behind this command, when it is done, starts anew or runs its program.
+// Whether the chip after this command, when it is done, starts anew or runs its program.
 bool endsBootloader(std::uint8_t opcode);
 
 // Appends a number, highest byte first.

@@ -13,7 +13,7 @@ enum class [[nodiscard]] Status{
     noAnswer,       // no answer in time, or a wrong byte where an answer belongs
     outOfStep,      // the chip did not get back in step: nothing of the command was sent
     noStart,        // no answer to the opening byte
-    refusedCommand, // NACK behind the opcode
+    refusedCommand, // NACK after the opcode
     refused,        // NACK anywhere later
     differs,        // the memory holds other data
     badArgument     // out of range, or a null pointer

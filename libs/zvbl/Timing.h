@@ -12,8 +12,8 @@ using TimePoint = std::chrono::time_point<Clock, Duration>;
 
 // The time limits of getting in step; docs/wire-protocol.md tells how they are used. Tests shorten them.
 struct Timing {
-    Duration frameLimit = std::chrono::milliseconds(wire::frameLimitMs); // the chip drops a command behind it
-    Duration quiet = std::chrono::milliseconds(20);                      // nothing late is to come behind it
+    Duration frameLimit = std::chrono::milliseconds(wire::frameLimitMs); // the chip drops a command after it
+    Duration quiet = std::chrono::milliseconds(20);                      // nothing late is to come after it
     Duration opening = std::chrono::milliseconds(100);                   // CAN: from one opening frame to the next
     Duration longestPoll = std::chrono::minutes(10);                     // DFU: whatever a device asks for
 };

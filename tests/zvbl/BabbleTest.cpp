@@ -50,7 +50,7 @@ TEST_F(BabbleTest, BeforeTheOpeningByte) {
     expectNoAnswer([&] { return int(ZVBL_Init_BL(link, 0, 0, 0)); });
 }
 
-TEST_F(BabbleTest, BehindTheOpeningByte) {
+TEST_F(BabbleTest, AfterTheOpeningByte) {
     const Babbler babbler(pty, noise, Babbler::Begin::whenSpokenTo);
     expectNoAnswer([&] { return int(ZVBL_Init_BL(link, 0, 0, 0)); });
 }

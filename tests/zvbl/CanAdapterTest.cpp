@@ -111,7 +111,7 @@ TEST_F(CanAdapterTest, CommandsAreLines) {
               0);
 }
 
-// Some say yes with z, some with nothing but the end of the line. Some put a time stamp behind a frame, some
+// Some say yes with z, some with nothing but the end of the line. Some put a time stamp after a frame, some
 // write small digits, and other frames of the bus come in between.
 TEST_F(CanAdapterTest, AdaptersDiffer) {
     EXPECT_EQ(play({line("t0D40\r", "\rt1D4179\r")}, [&] { return reset(); }), 0);
@@ -180,7 +180,7 @@ TEST_F(CanAdapterTest, AFrameThatIsRefusedForEverIs5InTime) {
     }
 }
 
-// Behind a frame that was refused within others the chip has a group with a gap. Then it is one at a time.
+// After a frame that was refused within others the chip has a group with a gap. Then it is one at a time.
 TEST_F(CanAdapterTest, AFrameRefusedWithinOthersEndsTheCommand) {
     BYTE data[12] = {};
     const Turn opcode = line("t0310\r", "z\rt131179\r"), address = line("t03152000000020\r", "z\rt131179\r");

@@ -104,5 +104,5 @@ void CanChip::serve() {
     }
     const std::string more = hear(afterTheEndMs);
     if (!more.empty())
-        m_complaint = "behind the end host sent [" + more + "]";
+        m_complaint = "after the end host sent [" + more + "]";
 }

@@ -11,7 +11,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// Bits per second, where it matters that a frame comes right behind another one, however busy the machine is.
+// Bits per second, where it matters that a frame comes right after another one, however busy the machine is.
 constexpr unsigned slow = 20000;
 
 const CanTurn inStep = {"07F", "17F 1F"};
@@ -182,7 +182,7 @@ TEST_F(CanFaultTest, ADoubledAckWritesNothing) {
               0);
 }
 
-// A long group leaves time for the doubled ACK to show, and nobody waits for it in front of each group. The
+// A long group leaves time for the doubled ACK to show, and nobody waits for it before each group. The
 // chip gets all but the last frame.
 TEST_F(CanFaultTest, ADoubledAckShowsWithinALongPacket) {
     openOn(50000);
@@ -213,7 +213,7 @@ TEST_F(CanFaultTest, ADoubledAckErasesNothing) {
 TEST_F(CanFaultTest, AnOldAnswerIsNeverTakenForANewOne) {
     hurry();
     EXPECT_EQ(play({{"044", ""}}, [&] { return erase(); }), 5);
-    // Late: the ACK of then. It stands in front of the opening frame's answer, and is no answer any more.
+    // Late: the ACK of then. It stands before the opening frame's answer, and is no answer any more.
     EXPECT_EQ(play({{"07F", "144 79, 17F 1F"}, {"044", "144 1F"}}, [&] { return erase(); }), 0x13);
     EXPECT_TRUE(traced("x 144 79"));
     // Later still: pending when the same command is sent again.

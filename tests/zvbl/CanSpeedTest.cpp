@@ -148,7 +148,7 @@ TEST_F(CanSpeedTest, AStartWithoutPermissionSendsNothing) {
     EXPECT_EQ(play({{"07F", "17F 1F"}}, [&] { return start(0); }), 0);
 }
 
-// Behind a reset the chip is at its start speed again, and nobody has to bring it there.
+// After a reset the chip is at its start speed again, and nobody has to bring it there.
 TEST_F(CanSpeedTest, AfterAResetTheEndTellsTheChipNothing) {
     EXPECT_EQ(play({opcode, {"003 03 FC", "103 79"}, inStep}, [&] { return setSpeed(500000); }), 0);
     EXPECT_EQ(play({{"0D4", "1D4 79"}}, [&] { return ZVBL_ResetMCU(link); }), 0);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <numeric>
 
+#include "tests/zvbl/Calls.h"
 #include "tests/zvbl/CanFixture.h"
 #include "tests/zvbl/Pty.h"
 
@@ -20,59 +21,33 @@ struct Vector {
 const Vector vectors[] = {
     {"init of a chip that was reset", {{"07F", "17F 79"}}, [](HANDLE h) { return ZVBL_Init_BL(h, 0, 2, 0); }},
     {"init of a chip in its command state", {{"07F", "17F 1F"}}, [](HANDLE h) { return ZVBL_Init_BL(h, 0, 2, 0); }},
-    {"tool exchange",
-     {{"05A", "15A 79"}, {"05A 00 02 00 01 03", "15A 79"}},
-     [](HANDLE h) { return ZVBL_ZV32ISP_TOOL(h); }},
-    {"go", {{"021", "121 79"}, {"021 08 00 00 00 08", "121 79"}}, [](HANDLE h) { return ZVBL_GO(h, 0x08000000); }},
-    {"reset", {{"0D4", "1D4 79"}}, [](HANDLE h) { return ZVBL_ResetMCU(h); }},
-    {"erase of a sector",
-     {{"044", "144 79"}, {"044 00 00 01 02 03", "144 79"}},
-     [](HANDLE h) {
-         BYTE sector[] = {0x02, 0x01};
-         return ZVBL_ERASE(h, 1, sector, 2048);
-     }},
-    {"erase of bank 1",
-     {{"044", "144 79"}, {"044 FF FE 01", "144 79"}},
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
+    {"tool exchange", {{"05A", "15A 79"}, {"05A 00 02 00 01 03", "15A 79"}}, calls::exchangeToolVersion},
+    {"go", {{"021", "121 79"}, {"021 08 00 00 00 08", "121 79"}}, calls::runFlash},
+    {"reset", {{"0D4", "1D4 79"}}, calls::reset},
+    {"erase of a sector", {{"044", "144 79"}, {"044 00 00 01 02 03", "144 79"}}, calls::eraseSector258},
+    {"erase of bank 1", {{"044", "144 79"}, {"044 FF FE 01", "144 79"}}, calls::eraseBank1},
     {"erase of a block",
      {{"044", "144 79"}, {"044 FF FB 04", "144 79"}, {"044 08 03 00 00 0B", "144 79"}},
-     [](HANDLE h) { return ZVBL_BLOCK_ERASE(h, 0xFFFB, 0x08030000); }},
-    {"access protection on", {{"082", "182 79, 182 79"}}, [](HANDLE h) { return ZVBL_ACCESS_PROTECT(h); }},
+     calls::eraseBlock},
+    {"access protection on", {{"082", "182 79, 182 79"}}, calls::protectAccess},
     {"access protection at the high level",
      {{"084", "184 79"}, {"084 02 FD", "184 79, 184 79"}},
-     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 2); }},
-    {"access protection off", {{"092", "192 79, 192 79"}}, [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); }},
-    {"sector protection on",
-     {{"063", "163 79"}, {"063 02 00 03 1F 1E", "163 79"}},
-     [](HANDLE h) {
-         BYTE bits[] = {0, 3, 31};
-         return ZVBL_ERASEPROGRAM_PROTECT(h, 3, bits);
-     }},
-    {"sector protection off",
-     {{"073", "173 79, 173 79"}},
-     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
+     calls::protectAccessAtLevel2},
+    {"access protection off", {{"092", "192 79, 192 79"}}, calls::unprotectAccess},
+    {"sector protection on", {{"063", "163 79"}, {"063 02 00 03 1F 1E", "163 79"}}, calls::protectSectors0And3And31},
+    {"sector protection off", {{"073", "173 79, 173 79"}}, calls::unprotectSectors},
     {"sLib on, more than one frame",
      {{"0D1", "1D1 79"}, {"0D1 12 34 56 78 00 04 FF FF,0D1 00 07 0B", "1D1 79"}},
-     [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},
-    {"sLib off",
-     {{"0D2", "1D2 79"}, {"0D2 12 34 56 78 08", "1D2 79"}},
-     [](HANDLE h) { return ZVBL_DisableSlib(h, 0x12345678); }},
-    {"remap on", {{"0B7", "1B7 79"}, {"0B7 01 FE", "1B7 79"}}, [](HANDLE h) { return ZVBL_SPIMREMAP(h, 1); }},
-    {"Bank 3 on",
-     {{"0B3", "1B3 79"}, {"0B3 91 00 40 00 00 00 01 00,0B3 00 D0", "1B3 79"}},
-     [](HANDLE h) { return ZVBL_EnableBank3(h, 0x91, 0x400000, 0x10000); }},
+     calls::enableSlib},
+    {"sLib off", {{"0D2", "1D2 79"}, {"0D2 12 34 56 78 08", "1D2 79"}}, calls::disableSlib},
+    {"remap on", {{"0B7", "1B7 79"}, {"0B7 01 FE", "1B7 79"}}, calls::remapTo1},
+    {"Bank 3 on", {{"0B3", "1B3 79"}, {"0B3 91 00 40 00 00 00 01 00,0B3 00 D0", "1B3 79"}}, calls::enableBank3},
     {"user system data set",
      {{"0E2", "1E2 79"}, {"0E2 1F FF F8 00 18", "1E2 79"}, {"0E2 00 02 A5 FF 01 59", "1E2 79, 1E2 79"}},
-     [](HANDLE h) {
-         BYTE data[] = {0xA5, 0xFF, 0x01};
-         return TARGET_SetUserSystemData(h, 0x1FFFF800, data, 3);
-     }},
+     calls::writeUserData},
     {"download to RAM",
      {{"031", "131 79"}, {"031 20 00 10 00 30", "131 79"}, {"031 02 AA BB CC DF", "131 79"}},
-     [](HANDLE h) {
-         BYTE data[] = {0xAA, 0xBB, 0xCC};
-         return ZVBL_DNLOAD(h, 0x20001000, data, 3, 0);
-     }},
+     calls::writeRam},
     {"download of two frames",
      {{"031", "131 79"},
       {"031 08 00 00 00 08", "131 79"},
@@ -83,10 +58,7 @@ const Vector vectors[] = {
      }},
     {"verify",
      {{"011", "111 79"}, {"011 08 00 00 04 0C", "111 79"}, {"011 02 FD", "111 79, 111 01 02 03 00"}},
-     [](HANDLE h) {
-         BYTE data[] = {1, 2, 3};
-         return ZVBL_VERIFY(h, 0x08000004, data, 3, 0);
-     }},
+     calls::verifyThree},
 };
 
 TEST_F(CanVectorsTest, CommandsWithoutAResult) {
@@ -107,7 +79,7 @@ TEST_F(CanVectorsTest, GetFillsTheRecord) {
     EXPECT_EQ(std::memcmp(&commands, expected, sizeof commands), 0);
 }
 
-// 16 bytes with their check byte: the frame behind them is the ACK, not a part that came twice.
+// 16 bytes with their check byte: the frame after them is the ACK, not a part that came twice.
 TEST_F(CanVectorsTest, AReplyOfFullFrames) {
     Commands commands;
     BYTE scratch = 0;

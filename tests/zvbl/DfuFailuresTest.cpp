@@ -261,7 +261,7 @@ TEST_F(DfuFailuresTest, APollTimeIsBelievedUpToALimit) {
     zvbl::setTiming({});
 }
 
-TEST_F(DfuFailuresTest, BusyForEverIs5OneTimeLimitBehindTheTimeThatWasTold) {
+TEST_F(DfuFailuresTest, BusyForEverIs5OneTimeLimitAfterTheTimeThatWasTold) {
     ASSERT_EQ(Interface_Open(link), 0);
     ASSERT_EQ(SetTimeOut(link, 150), 0);
     device->playForEver(inStep + UsbScript{{eraseBank1, ""}, {getStatus, "00 14 00 00 04 00"}});
@@ -277,7 +277,7 @@ TEST_F(DfuFailuresTest, UnpluggedWithinAPollTimeIs4AtOnce) {
 }
 
 // It is the answer to the first GETSTATUS that tells that the command was taken.
-TEST_F(DfuFailuresTest, ADeviceThatLeavesBehindItsPollTimeInAResetHasDoneWhatItWasTold) {
+TEST_F(DfuFailuresTest, ADeviceThatLeavesAfterItsPollTimeInAResetHasDoneWhatItWasTold) {
     const std::string commands[] = {"21 01 00 00 00 00 01 00 D4", "21 01 00 00 00 00 01 00 92",
                                     "21 01 00 00 00 00 01 00 82", "21 01 00 00 00 00 01 00 73",
                                     "21 01 00 00 00 00 06 00 D2 12 34 56 78 08"};

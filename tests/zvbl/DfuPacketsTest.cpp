@@ -63,7 +63,7 @@ TEST_F(DfuSize64Test, AnUploadCostsOneRequestABlock) {
 }
 
 // In RAM too, where packets need no alignment; and whatever packet size is wished.
-TEST_F(DfuSize64Test, ThePointerIsGoodForBlocksInAnyOrderBehindIt) {
+TEST_F(DfuSize64Test, ThePointerIsGoodForBlocksInAnyOrderAfterIt) {
     EXPECT_EQ(SetPaketSize(link, 16), 0);
     const zvbl::Bytes data = counting(64);
     const std::string whole = " 00 00 40 00 " + hex(data);
@@ -78,7 +78,7 @@ TEST_F(DfuSize64Test, ThePointerIsGoodForBlocksInAnyOrderBehindIt) {
     // And back again: what was uploaded has to be ended first.
     EXPECT_EQ(
         play(UsbScript{{abortRequest, ""}} + done("21 01 02 00" + whole), [&] { return write(0x20000001, data); }), 0);
-    // In front of it, and beside its blocks.
+    // Before it, and beside its blocks.
     EXPECT_EQ(play(done("21 01 00 00 00 00 05 00 21 00 00 00 20") + done("21 01 02 00" + whole),
                    [&] { return write(0x20000000, data); }),
               0);
@@ -155,8 +155,8 @@ TEST_F(DfuSize8192Test, PacketsOfATransferSizeThatTheSystemCannotCarry) {
               0);
 }
 
-// Behind a refusal nothing is known of the pointer, and a reset sets it back.
-TEST_F(DfuPacketsTest, ThePointerIsSetAnewBehindAFailureAndAReset) {
+// After a refusal nothing is known of the pointer, and a reset sets it back.
+TEST_F(DfuPacketsTest, ThePointerIsSetAnewAfterAFailureAndAReset) {
     const zvbl::Bytes data = counting(4);
     const UsbScript point = done("21 01 00 00 00 00 05 00 21 00 00 00 20");
     const UsbScript packet = done("21 01 02 00 00 00 04 00 00 01 02 03");

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <functional>
 
+#include "tests/zvbl/Calls.h"
 #include "tests/zvbl/DfuFixture.h"
 
 using namespace dfu;
@@ -18,58 +19,28 @@ struct Vector {
 };
 
 const Vector vectors[] = {
-    {"tool exchange", done("21 01 00 00 00 00 06 00 5A 00 02 00 01 03"), [](HANDLE h) { return ZVBL_ZV32ISP_TOOL(h); }},
-    {"reset", done("21 01 00 00 00 00 01 00 D4"), [](HANDLE h) { return ZVBL_ResetMCU(h); }},
-    {"erase of a sector", done("21 01 00 00 00 00 06 00 44 00 00 01 02 03"),
-     [](HANDLE h) {
-         BYTE sector[] = {0x02, 0x01};
-         return ZVBL_ERASE(h, 1, sector, 2048);
-     }},
-    {"erase of a sector of SPIM", done("21 01 00 00 00 00 06 00 44 00 00 80 05 85"),
-     [](HANDLE h) {
-         BYTE sector[] = {0x05, 0x80};
-         return ZVBL_ERASE(h, 1, sector, 4096);
-     }},
-    {"erase of bank 1", done("21 01 00 00 00 00 04 00 44 FF FE 01"),
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
-    {"erase of bank 2", done("21 01 00 00 00 00 04 00 44 FF FD 02"),
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFD, nullptr, 0); }},
-    {"erase of Bank 3", done("21 01 00 00 00 00 04 00 44 FF FC 03"),
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFC, nullptr, 0); }},
-    {"erase of a block", done("21 01 00 00 00 00 09 00 44 FF FB 04 08 03 00 00 0B"),
-     [](HANDLE h) { return ZVBL_BLOCK_ERASE(h, 0xFFFB, 0x08030000); }},
-    {"access protection on", done("21 01 00 00 00 00 01 00 82"), [](HANDLE h) { return ZVBL_ACCESS_PROTECT(h); }},
-    {"access protection at a level", done("21 01 00 00 00 00 03 00 84 01 FE"),
-     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 1); }},
-    {"access protection at the high level", done("21 01 00 00 00 00 03 00 84 02 FD"),
-     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 2); }},
-    {"access protection off", done("21 01 00 00 00 00 01 00 92"),
-     [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); }},
-    {"sector protection on", done("21 01 00 00 00 00 06 00 63 02 00 03 1F 1E"),
-     [](HANDLE h) {
-         BYTE bits[] = {0, 3, 31};
-         return ZVBL_ERASEPROGRAM_PROTECT(h, 3, bits);
-     }},
-    {"sector protection off", done("21 01 00 00 00 00 01 00 73"),
-     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
-    {"sLib on", done("21 01 00 00 00 00 0C 00 D1 12 34 56 78 00 04 FF FF 00 07 0B"),
-     [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},
-    {"sLib off", done("21 01 00 00 00 00 06 00 D2 12 34 56 78 08"),
-     [](HANDLE h) { return ZVBL_DisableSlib(h, 0x12345678); }},
-    {"remap off", done("21 01 00 00 00 00 03 00 B7 00 FF"), [](HANDLE h) { return ZVBL_SPIMREMAP(h, 0); }},
-    {"remap on", done("21 01 00 00 00 00 03 00 B7 01 FE"), [](HANDLE h) { return ZVBL_SPIMREMAP(h, 1); }},
-    {"Bank 3 on", done("21 01 00 00 00 00 0B 00 B3 91 00 40 00 00 00 01 00 00 D0"),
-     [](HANDLE h) { return ZVBL_EnableBank3(h, 0x91, 0x400000, 0x10000); }},
-    {"user system data set", done("21 01 00 00 00 00 0C 00 E2 1F FF F8 00 18 00 02 A5 FF 01 59"),
-     [](HANDLE h) {
-         BYTE data[] = {0xA5, 0xFF, 0x01};
-         return TARGET_SetUserSystemData(h, 0x1FFFF800, data, 3);
-     }},
+    {"tool exchange", done("21 01 00 00 00 00 06 00 5A 00 02 00 01 03"), calls::exchangeToolVersion},
+    {"reset", done("21 01 00 00 00 00 01 00 D4"), calls::reset},
+    {"erase of a sector", done("21 01 00 00 00 00 06 00 44 00 00 01 02 03"), calls::eraseSector258},
+    {"erase of a sector of SPIM", done("21 01 00 00 00 00 06 00 44 00 00 80 05 85"), calls::eraseSpimSector5},
+    {"erase of bank 1", done("21 01 00 00 00 00 04 00 44 FF FE 01"), calls::eraseBank1},
+    {"erase of bank 2", done("21 01 00 00 00 00 04 00 44 FF FD 02"), calls::eraseBank2},
+    {"erase of Bank 3", done("21 01 00 00 00 00 04 00 44 FF FC 03"), calls::eraseBank3},
+    {"erase of a block", done("21 01 00 00 00 00 09 00 44 FF FB 04 08 03 00 00 0B"), calls::eraseBlock},
+    {"access protection on", done("21 01 00 00 00 00 01 00 82"), calls::protectAccess},
+    {"access protection at a level", done("21 01 00 00 00 00 03 00 84 01 FE"), calls::protectAccessAtLevel1},
+    {"access protection at the high level", done("21 01 00 00 00 00 03 00 84 02 FD"), calls::protectAccessAtLevel2},
+    {"access protection off", done("21 01 00 00 00 00 01 00 92"), calls::unprotectAccess},
+    {"sector protection on", done("21 01 00 00 00 00 06 00 63 02 00 03 1F 1E"), calls::protectSectors0And3And31},
+    {"sector protection off", done("21 01 00 00 00 00 01 00 73"), calls::unprotectSectors},
+    {"sLib on", done("21 01 00 00 00 00 0C 00 D1 12 34 56 78 00 04 FF FF 00 07 0B"), calls::enableSlib},
+    {"sLib off", done("21 01 00 00 00 00 06 00 D2 12 34 56 78 08"), calls::disableSlib},
+    {"remap off", done("21 01 00 00 00 00 03 00 B7 00 FF"), calls::remapTo0},
+    {"remap on", done("21 01 00 00 00 00 03 00 B7 01 FE"), calls::remapTo1},
+    {"Bank 3 on", done("21 01 00 00 00 00 0B 00 B3 91 00 40 00 00 00 01 00 00 D0"), calls::enableBank3},
+    {"user system data set", done("21 01 00 00 00 00 0C 00 E2 1F FF F8 00 18 00 02 A5 FF 01 59"), calls::writeUserData},
     {"download to RAM", done("21 01 00 00 00 00 05 00 21 00 10 00 20") + done("21 01 02 00 00 00 03 00 AA BB CC"),
-     [](HANDLE h) {
-         BYTE data[] = {0xAA, 0xBB, 0xCC};
-         return ZVBL_DNLOAD(h, 0x20001000, data, 3, 0);
-     }},
+     calls::writeRam},
     {"download to flash, filled up",
      done("21 01 00 00 00 00 05 00 21 04 00 00 08") + done("21 01 02 00 00 00 04 00 FF AA BB FF"),
      [](HANDLE h) {
@@ -77,18 +48,11 @@ const Vector vectors[] = {
          return ZVBL_DNLOAD(h, 0x08000005, data, 2, 0);
      }},
     {"download of an OTP lock byte",
-     done("21 01 00 00 00 00 05 00 21 03 F5 FF 1F") + done("21 01 02 00 00 00 01 00 00"),
-     [](HANDLE h) {
-         BYTE data[] = {0x00};
-         return ZVBL_DNLOAD(h, 0x1FFFF503, data, 1, 0);
-     }},
+     done("21 01 00 00 00 00 05 00 21 03 F5 FF 1F") + done("21 01 02 00 00 00 01 00 00"), calls::lockOtp},
     {"verify",
      done("21 01 00 00 00 00 05 00 21 04 00 00 08") +
          UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 03 00", "01 02 03"}},
-     [](HANDLE h) {
-         BYTE data[] = {1, 2, 3};
-         return ZVBL_VERIFY(h, 0x08000004, data, 3, 0);
-     }},
+     calls::verifyThree},
     {"go",
      done("21 01 00 00 00 00 05 00 21 00 40 00 08") +
          UsbScript{{"21 01 02 00 00 00 00 00", ""}, {getStatus, isManifest}},

@@ -76,7 +76,7 @@ long FakeI2c::transfer(UMockdevIoctlData *argument, int &error) {
     } else if (mark != std::string::npos) {
         error = errorNamed(line.substr(mark + 2));
     } else if (line.empty()) {
-        complain(reads ? "a read behind the end" : "behind the end a write of " + hex(sent));
+        complain(reads ? "a read after the end" : "after the end a write of " + hex(sent));
     } else if (reads) {
         const zvbl::Bytes answer = hex(line.substr(1));
         if (answer.size() == told.len) {

@@ -15,7 +15,7 @@ class FakeI2c : public FakeNode {
 public:
     explicit FakeI2c(const std::string &name = "i2c-1") : FakeNode("i2c-dev", name) {}
 
-    // `rest`: what every transfer behind the last line is, nothing if there must be none.
+    // `rest`: what every transfer after the last line is, nothing if there must be none.
     void play(Transfers script, const std::string &rest = "");
     std::string finish(); // what went wrong; empty if all lines were played, and nothing else came
     int count();          // transfers since play()

@@ -32,7 +32,7 @@ private:
     UMockdevIoctlBase *m_handler;
 };
 
-// What a pointer inside the argument leads to: `length` bytes behind the pointer at `offset`.
+// What a pointer inside the argument leads to: `length` bytes after the pointer at `offset`.
 class Pointed {
 public:
     Pointed(UMockdevIoctlData *from, std::size_t offset, std::size_t length);

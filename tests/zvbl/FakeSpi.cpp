@@ -104,7 +104,7 @@ long FakeSpi::transfer(UMockdevIoctlData *argument, std::size_t parts, int &erro
 
 void FakeSpi::takeMessage(const zvbl::Bytes &message) {
     if (m_at >= m_script.size()) {
-        complain("behind the end " + hex(message));
+        complain("after the end " + hex(message));
         return;
     }
     if (message != hex(m_script[m_at].message))

@@ -6,7 +6,7 @@
 #include "libs/zvbl/Command.h"
 #include "tests/zvbl/FakeNode.h"
 
-// One message of the host, and what the chip says while the host fetches behind it.
+// One message of the host, and what the chip says while the host fetches after it.
 struct Exchange {
     std::string message;
     std::string fetched;
@@ -14,7 +14,7 @@ struct Exchange {
 using Exchanges = std::vector<Exchange>;
 
 // A bus with one chip that plays a script. A fetch gets as many bytes as it asks for, from where the last
-// one ended, and behind the end `idle`.
+// one ended, and after the end `idle`.
 class FakeSpi : public FakeNode {
 public:
     explicit FakeSpi(const std::string &name = "spidev0.0") : FakeNode("spidev", name) {}

@@ -20,7 +20,7 @@ enum class Fault { none, lost, late, doubled, damaged, refusal };
 struct Plan {
     Fault fault = Fault::none;
     bool onAnswers = true;    // else on what the host sends
-    int position = -1;        // counted from the first byte behind GET
+    int position = -1;        // counted from the first byte after GET
     int paceMicroseconds = 0; // of each byte, either way
     bool hearsAtOnce = false; // the pace is only that of its own bytes
     bool spoiled = false;     // the last byte of the memory is not erased
@@ -290,7 +290,7 @@ TEST(FaultSweepTest, AnswersOfAWriteDamaged) {
     sweep(Fault::damaged, true, true, answersOfTwoWrites, success);
 }
 
-// An ACK that turned into a NACK behind the data can't be told from a refusal: an error, and no harm.
+// An ACK that turned into a NACK after the data can't be told from a refusal: an error, and no harm.
 TEST(FaultSweepTest, AnswersOfAWriteTurnedIntoNack) {
     sweep(Fault::refusal, true, true, answersOfTwoWrites, [](int position) { return position % 3 == 2 ? 0x14 : 0; });
 }

@@ -56,7 +56,7 @@ protected:
     }
     int init() { return ZVBL_Init_BL(link, 0, 0, 0); }
 
-    // The link finds its way back, and the command behind it is carried out.
+    // The link finds its way back, and the command after it is carried out.
     void expectUsable() {
         SetTimeOut(link, 5000);
         EXPECT_EQ(play(get + reset, [&] { return ZVBL_ResetMCU(link); }), 0);

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <functional>
 
+#include "tests/zvbl/Calls.h"
 #include "tests/zvbl/FakeI2c.h"
 #include "tests/zvbl/NodeFixture.h"
 #include "tests/zvbl/Pty.h"
@@ -32,78 +33,41 @@ struct Vector {
 
 const Vector vectors[] = {
     {"init", get, [](HANDLE h) { return ZVBL_Init_BL(h, 0x3C, 400000, 2); }},
-    {"tool exchange", {"> 5A A5", "< 79", "> 00 02 00 01 03", "< 79"}, [](HANDLE h) { return ZVBL_ZV32ISP_TOOL(h); }},
-    {"go", {"> 21 DE", "< 79", "> 08 00 00 00 08", "< 79"}, [](HANDLE h) { return ZVBL_GO(h, 0x08000000); }},
-    {"reset", {"> D4 2B", "< 79"}, [](HANDLE h) { return ZVBL_ResetMCU(h); }},
+    {"tool exchange", {"> 5A A5", "< 79", "> 00 02 00 01 03", "< 79"}, calls::exchangeToolVersion},
+    {"go", {"> 21 DE", "< 79", "> 08 00 00 00 08", "< 79"}, calls::runFlash},
+    {"reset", {"> D4 2B", "< 79"}, calls::reset},
     {"erase of a sector, its count alone",
      {"> 44 BB", "< 79", "> 00 00 00", "< 79", "> 01 02 03", "< 76", "< 76", "< 79"},
-     [](HANDLE h) {
-         BYTE sector[] = {0x02, 0x01};
-         return ZVBL_ERASE(h, 1, sector, 2048);
-     }},
+     calls::eraseSector258},
     {"erase of a sector of SPIM",
      {"> 44 BB", "< 79", "> 00 00 00", "< 79", "> 80 05 85", "< 79"},
-     [](HANDLE h) {
-         BYTE sector[] = {0x05, 0x80};
-         return ZVBL_ERASE(h, 1, sector, 4096);
-     }},
-    {"erase of bank 1",
-     {"> 44 BB", "< 79", "> FF FE 01", "< 79"},
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
-    {"erase of bank 2",
-     {"> 44 BB", "< 79", "> FF FD 02", "< 79"},
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFD, nullptr, 0); }},
-    {"erase of Bank 3",
-     {"> 44 BB", "< 79", "> FF FC 03", "< 79"},
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFC, nullptr, 0); }},
+     calls::eraseSpimSector5},
+    {"erase of bank 1", {"> 44 BB", "< 79", "> FF FE 01", "< 79"}, calls::eraseBank1},
+    {"erase of bank 2", {"> 44 BB", "< 79", "> FF FD 02", "< 79"}, calls::eraseBank2},
+    {"erase of Bank 3", {"> 44 BB", "< 79", "> FF FC 03", "< 79"}, calls::eraseBank3},
     {"erase of a block",
      {"> 44 BB", "< 79", "> FF FB 04", "< 79", "> 08 03 00 00 0B", "< 76", "< 79"},
-     [](HANDLE h) { return ZVBL_BLOCK_ERASE(h, 0xFFFB, 0x08030000); }},
-    {"access protection on", {"> 82 7D", "< 79", "< 76", "< 79"}, [](HANDLE h) { return ZVBL_ACCESS_PROTECT(h); }},
-    {"access protection at a level",
-     {"> 84 7B", "< 79", "> 02 FD", "< 79", "< 79"},
-     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 2); }},
-    {"access protection off",
-     {"> 92 6D", "< 79", "< 76", "< 76", "< 76", "< 79"},
-     [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); }},
-    {"sector protection on",
-     {"> 63 9C", "< 79", "> 02 00 03 1F 1E", "< 79"},
-     [](HANDLE h) {
-         BYTE bits[] = {0, 3, 31};
-         return ZVBL_ERASEPROGRAM_PROTECT(h, 3, bits);
-     }},
-    {"sector protection off",
-     {"> 73 8C", "< 79", "< 79"},
-     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
-    {"sLib on",
-     {"> D1 2E", "< 79", "> 12 34 56 78 00 04 FF FF 00 07 0B", "< 79"},
-     [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},
-    {"sLib off",
-     {"> D2 2D", "< 79", "> 12 34 56 78 08", "< 79"},
-     [](HANDLE h) { return ZVBL_DisableSlib(h, 0x12345678); }},
-    {"remap", {"> B7 48", "< 79", "> 01 FE", "< 79"}, [](HANDLE h) { return ZVBL_SPIMREMAP(h, 1); }},
-    {"Bank 3 on",
-     {"> B3 4C", "< 79", "> 91 00 40 00 00 00 01 00 00 D0", "< 79"},
-     [](HANDLE h) { return ZVBL_EnableBank3(h, 0x91, 0x400000, 0x10000); }},
+     calls::eraseBlock},
+    {"access protection on", {"> 82 7D", "< 79", "< 76", "< 79"}, calls::protectAccess},
+    {"access protection at a level", {"> 84 7B", "< 79", "> 02 FD", "< 79", "< 79"}, calls::protectAccessAtLevel2},
+    {"access protection off", {"> 92 6D", "< 79", "< 76", "< 76", "< 76", "< 79"}, calls::unprotectAccess},
+    {"sector protection on", {"> 63 9C", "< 79", "> 02 00 03 1F 1E", "< 79"}, calls::protectSectors0And3And31},
+    {"sector protection off", {"> 73 8C", "< 79", "< 79"}, calls::unprotectSectors},
+    {"sLib on", {"> D1 2E", "< 79", "> 12 34 56 78 00 04 FF FF 00 07 0B", "< 79"}, calls::enableSlib},
+    {"sLib off", {"> D2 2D", "< 79", "> 12 34 56 78 08", "< 79"}, calls::disableSlib},
+    {"remap", {"> B7 48", "< 79", "> 01 FE", "< 79"}, calls::remapTo1},
+    {"Bank 3 on", {"> B3 4C", "< 79", "> 91 00 40 00 00 00 01 00 00 D0", "< 79"}, calls::enableBank3},
     {"user system data set",
      {"> E2 1D", "< 79", "> 1F FF F8 00 18", "< 79", "> 00 02 A5 FF 01 59", "< 79", "< 76", "< 79"},
-     [](HANDLE h) {
-         BYTE data[] = {0xA5, 0xFF, 0x01};
-         return TARGET_SetUserSystemData(h, 0x1FFFF800, data, 3);
-     }},
+     calls::writeUserData},
     {"download to flash",
      {"> 31 CE", "< 79", "> 08 00 00 00 08", "< 79", "> 03 AA BB CC FF 21", "< 76", "< 79"},
      [](HANDLE h) {
          BYTE data[] = {0xAA, 0xBB, 0xCC};
          return ZVBL_DNLOAD(h, 0x08000000, data, 3, 0);
      }},
-    {"verify",
-     {"> 11 EE", "< 79", "> 08 00 00 04 0C", "< 79", "> 02 FD", "< 79", "< 01 02 03"},
-     [](HANDLE h) {
-         BYTE data[] = {1, 2, 3};
-         return ZVBL_VERIFY(h, 0x08000004, data, 3, 0);
-     }},
-    {"speed, which this bus has none of", {}, [](HANDLE h) { return ZVBL_SetSpeed(h, 100000) - 0x13; }},
+    {"verify", {"> 11 EE", "< 79", "> 08 00 00 04 0C", "< 79", "> 02 FD", "< 79", "< 01 02 03"}, calls::verifyThree},
+    {"speed, which this bus has none of", {}, calls::setSpeedThatNoneHas},
 };
 
 TEST_F(I2cVectorsTest, CommandsWithoutAResult) {

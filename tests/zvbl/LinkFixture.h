@@ -19,7 +19,7 @@ protected:
     }
     void TearDown() override { Interface_Close(link); }
 
-    // Opens the link anew with short time limits, for what happens behind a failure.
+    // Opens the link anew with short time limits, for what happens after a failure.
     void hurry(int frameLimitMs = 100, int quietMs = 5, unsigned timeoutMs = 120) {
         zvbl::setTiming({std::chrono::milliseconds(frameLimitMs), std::chrono::milliseconds(quietMs)});
         ASSERT_EQ(Interface_Open(link), 0);

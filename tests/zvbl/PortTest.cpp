@@ -83,7 +83,7 @@ TEST_F(PortTest, APortThatAnotherProgramHasLockedIs3) {
     EXPECT_EQ(Interface_Open(link), 0);
 }
 
-TEST_F(PortTest, ThePortIsExclusiveWhileItIsOpenAndNotBehindIt) {
+TEST_F(PortTest, ThePortIsExclusiveWhileItIsOpenAndNotAfterIt) {
     int exclusive = 0;
     ASSERT_EQ(ioctl(pty.hostEnd(), TIOCGEXCL, &exclusive), 0);
     EXPECT_EQ(exclusive, 1);
@@ -155,7 +155,7 @@ TEST_F(PortTest, ALinkKeepsItsTypeWhileItIsOpen) {
     EXPECT_EQ(Interface_Open(link), 3);
 }
 
-// At 300 baud the last byte of this packet leaves 367 ms behind the first.
+// At 300 baud the last byte of this packet leaves 367 ms after the first.
 TEST_F(PortTest, TheTimeThatBytesTakeOnTheLineIsNoPartOfTheTimeout) {
     ASSERT_EQ(configure(300, 8, 2, 1.0F), 0);
     ASSERT_EQ(SetTimeOut(link, 150), 0);

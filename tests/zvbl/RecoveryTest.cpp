@@ -1,4 +1,4 @@
-// What happens behind a failure: getting in step, what is sent again and what is not, and reading back.
+// What happens after a failure: getting in step, what is sent again and what is not, and reading back.
 
 #include "tests/zvbl/LinkFixture.h"
 
@@ -52,7 +52,7 @@ TEST_F(RecoveryTest, AChipThatWasResetIsFoundAgain) {
     EXPECT_EQ(play({lostVersionTurn, {"7F", "79"}, inStep, versionTurn}, [&] { return version(); }), 0);
 }
 
-TEST_F(RecoveryTest, ADeadLineEndsBehindOneTimeoutForTheCommandAndOneForTheStep) {
+TEST_F(RecoveryTest, ADeadLineEndsAfterOneTimeoutForTheCommandAndOneForTheStep) {
     hurry();
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(play({lostVersionTurn, {"7F", ""}}, [&] { return version(); }), 5);
@@ -72,7 +72,7 @@ TEST_F(RecoveryTest, ARefusedFrameIsRepeatedAndTheStepSecuredAtOnce) {
 }
 
 // Bytes of a damaged group that are still under way are answered too, so one NACK is not enough.
-TEST_F(RecoveryTest, ARefusalWithMoreBehindItIsWaitedOut) {
+TEST_F(RecoveryTest, ARefusalWithMoreAfterItIsWaitedOut) {
     hurry();
     EXPECT_EQ(play({{"01 FE", "1F"}, {"7F", "1F 1F"}, inStep, versionTurn}, [&] { return version(); }), 0);
 }
@@ -106,7 +106,7 @@ TEST_F(RecoveryTest, AWrongChecksumIsAskedForAgain) {
     EXPECT_EQ(enabled, 0);
 }
 
-TEST_F(RecoveryTest, ACommandIsNotFinishedBehindTheChipsFrameLimit) {
+TEST_F(RecoveryTest, ACommandIsNotFinishedAfterTheChipsFrameLimit) {
     zvbl::setTiming({Milliseconds(0), Milliseconds(5)}); // so that every pause is too long
     ASSERT_EQ(Interface_Open(link), 0);
     const Script script = {{"11 EE", "79"}, inStep, {"11 EE", "79"}, inStep, {"11 EE", "79"}};
@@ -116,7 +116,7 @@ TEST_F(RecoveryTest, ACommandIsNotFinishedBehindTheChipsFrameLimit) {
 
 // The start.
 
-TEST_F(RecoveryTest, AnOpeningByteThatGotLostIsSentAgainBehindTheFrameLimit) {
+TEST_F(RecoveryTest, AnOpeningByteThatGotLostIsSentAgainAfterTheFrameLimit) {
     hurry(100, 5, 700);
     EXPECT_EQ(play({{"7F", ""}, {"7F", "79"}, versionTurn},
                    [&] {

@@ -48,5 +48,5 @@ void ScriptedChip::serve() {
     }
     heard = m_pty.read(afterTheEndMs);
     if (!heard.empty())
-        m_complaint = "behind the end host sent [" + hex(heard) + "]";
+        m_complaint = "after the end host sent [" + hex(heard) + "]";
 }

@@ -8,7 +8,7 @@
 #include "tests/zvbl/Pty.h"
 
 // One turn of a script: these bytes from the host, then these from the chip, after a while if told so, and
-// with a pause in front of the last one if told so.
+// with a pause before the last one if told so.
 struct Turn {
     zvbl::Bytes host;
     zvbl::Bytes chip;

@@ -44,7 +44,7 @@ using Moves = std::vector<std::string>;
 
 // Most drivers raise both at the open, some none. They go up together, so that a board never sees one
 // without the other.
-TEST_F(SerialPortTest, BothLinesAreHighBehindTheOpen) {
+TEST_F(SerialPortTest, BothLinesAreHighAfterTheOpen) {
     for (const int fromDriver : {0, bothLines}) {
         tty.setLines(fromDriver);
         ASSERT_EQ(Interface_Open(link), 0);

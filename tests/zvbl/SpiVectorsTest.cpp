@@ -3,6 +3,7 @@
 #include <cstring>
 #include <functional>
 
+#include "tests/zvbl/Calls.h"
 #include "tests/zvbl/FakeSpi.h"
 #include "tests/zvbl/NodeFixture.h"
 #include "tests/zvbl/Pty.h"
@@ -30,69 +31,41 @@ const Vector vectors[] = {
     {"init of a chip that was reset",
      {{"5A 7F", "5A 79"}, {"5A 7F", "5A 1F"}},
      [](HANDLE h) { return ZVBL_Init_BL(h, 0, 150000, 0); }},
-    {"init of a chip in its command state", {{"5A 7F", "5A 1F"}}, [](HANDLE h) { return ZVBL_Init_BL(h, 0, 0, 0); }},
-    {"tool exchange",
-     {{"5A 5A A5", "5A 79"}, {"5A 00 02 00 01 03", "5A 79"}},
-     [](HANDLE h) { return ZVBL_ZV32ISP_TOOL(h); }},
-    {"go", {{"5A 21 DE", "5A 79"}, {"5A 08 00 00 00 08", "5A 79"}}, [](HANDLE h) { return ZVBL_GO(h, 0x08000000); }},
-    {"reset", {{"5A D4 2B", "5A 79"}}, [](HANDLE h) { return ZVBL_ResetMCU(h); }},
+    {"init of a chip in its command state", {{"5A 7F", "5A 1F"}}, calls::start},
+    {"tool exchange", {{"5A 5A A5", "5A 79"}, {"5A 00 02 00 01 03", "5A 79"}}, calls::exchangeToolVersion},
+    {"go", {{"5A 21 DE", "5A 79"}, {"5A 08 00 00 00 08", "5A 79"}}, calls::runFlash},
+    {"reset", {{"5A D4 2B", "5A 79"}}, calls::reset},
     {"erase of a sector, its count in the group",
      {{"5A 44 BB", "5A 79"}, {"5A 00 00 01 02 03", "00 00 00 00 00 00 00 00 00 00 00 5A 79"}},
-     [](HANDLE h) {
-         BYTE sector[] = {0x02, 0x01};
-         return ZVBL_ERASE(h, 1, sector, 2048);
-     }},
-    {"erase of bank 1",
-     {{"5A 44 BB", "5A 79"}, {"5A FF FE 01", "00 5A 79"}},
-     [](HANDLE h) { return ZVBL_ERASE(h, 0xFFFE, nullptr, 0); }},
+     calls::eraseSector258},
+    {"erase of bank 1", {{"5A 44 BB", "5A 79"}, {"5A FF FE 01", "00 5A 79"}}, calls::eraseBank1},
     {"erase of a block",
      {{"5A 44 BB", "5A 79"}, {"5A FF FB 04", "5A 79"}, {"5A 08 03 00 00 0B", "00 00 00 5A 79"}},
-     [](HANDLE h) { return ZVBL_BLOCK_ERASE(h, 0xFFFB, 0x08030000); }},
-    {"access protection on", {{"5A 82 7D", "5A 79 00 00 00 5A 79"}}, [](HANDLE h) { return ZVBL_ACCESS_PROTECT(h); }},
+     calls::eraseBlock},
+    {"access protection on", {{"5A 82 7D", "5A 79 00 00 00 5A 79"}}, calls::protectAccess},
     {"access protection at a level",
      {{"5A 84 7B", "5A 79"}, {"5A 01 FE", "5A 79 5A 79"}},
-     [](HANDLE h) { return ZVBL_ACCESS_PROTECT_LEVEL(h, 1); }},
-    {"access protection off",
-     {{"5A 92 6D", "00 5A 79 00 00 00 00 5A 79"}},
-     [](HANDLE h) { return ZVBL_ACCESS_PERM_UNPROTECT(h); }},
-    {"sector protection on",
-     {{"5A 63 9C", "5A 79"}, {"5A 02 00 03 1F 1E", "5A 79"}},
-     [](HANDLE h) {
-         BYTE bits[] = {0, 3, 31};
-         return ZVBL_ERASEPROGRAM_PROTECT(h, 3, bits);
-     }},
-    {"sector protection off",
-     {{"5A 73 8C", "5A 79 5A 79"}},
-     [](HANDLE h) { return ZVBL_ERASEPROGRAM_PERM_UNPROTECT(h); }},
-    {"sLib on",
-     {{"5A D1 2E", "5A 79"}, {"5A 12 34 56 78 00 04 FF FF 00 07 0B", "5A 79"}},
-     [](HANDLE h) { return ZVBL_EnableSlib(h, 0x12345678, 4, 0xFFFF, 7); }},
-    {"sLib off",
-     {{"5A D2 2D", "5A 79"}, {"5A 12 34 56 78 08", "5A 79"}},
-     [](HANDLE h) { return ZVBL_DisableSlib(h, 0x12345678); }},
-    {"remap", {{"5A B7 48", "5A 79"}, {"5A 01 FE", "5A 79"}}, [](HANDLE h) { return ZVBL_SPIMREMAP(h, 1); }},
-    {"Bank 3 on",
-     {{"5A B3 4C", "5A 79"}, {"5A 91 00 40 00 00 00 01 00 00 D0", "5A 79"}},
-     [](HANDLE h) { return ZVBL_EnableBank3(h, 0x91, 0x400000, 0x10000); }},
+     calls::protectAccessAtLevel1},
+    {"access protection off", {{"5A 92 6D", "00 5A 79 00 00 00 00 5A 79"}}, calls::unprotectAccess},
+    {"sector protection on", {{"5A 63 9C", "5A 79"}, {"5A 02 00 03 1F 1E", "5A 79"}}, calls::protectSectors0And3And31},
+    {"sector protection off", {{"5A 73 8C", "5A 79 5A 79"}}, calls::unprotectSectors},
+    {"sLib on", {{"5A D1 2E", "5A 79"}, {"5A 12 34 56 78 00 04 FF FF 00 07 0B", "5A 79"}}, calls::enableSlib},
+    {"sLib off", {{"5A D2 2D", "5A 79"}, {"5A 12 34 56 78 08", "5A 79"}}, calls::disableSlib},
+    {"remap", {{"5A B7 48", "5A 79"}, {"5A 01 FE", "5A 79"}}, calls::remapTo1},
+    {"Bank 3 on", {{"5A B3 4C", "5A 79"}, {"5A 91 00 40 00 00 00 01 00 00 D0", "5A 79"}}, calls::enableBank3},
     {"user system data set",
      {{"5A E2 1D", "5A 79"}, {"5A 1F FF F8 00 18", "5A 79"}, {"5A 00 02 A5 FF 01 59", "5A 79 00 00 5A 79"}},
-     [](HANDLE h) {
-         BYTE data[] = {0xA5, 0xFF, 0x01};
-         return TARGET_SetUserSystemData(h, 0x1FFFF800, data, 3);
-     }},
+     calls::writeUserData},
     {"download to RAM",
      {{"5A 31 CE", "5A 79"}, {"5A 20 00 10 00 30", "5A 79"}, {"5A 02 AA BB CC DF", "5A 79"}},
-     [](HANDLE h) {
-         BYTE data[] = {0xAA, 0xBB, 0xCC};
-         return ZVBL_DNLOAD(h, 0x20001000, data, 3, 0);
-     }},
-    {"verify, the XOR of the reply behind it",
+     calls::writeRam},
+    {"verify, the XOR of the reply after it",
      {{"5A 11 EE", "5A 79"}, {"5A 08 00 00 04 0C", "5A 79"}, {"5A 02 FD", "5A 79 5A 01 02 04 07"}},
      [](HANDLE h) {
          BYTE data[] = {1, 2, 4};
          return ZVBL_VERIFY(h, 0x08000004, data, 3, 0);
      }},
-    {"speed, which is told at the start", {}, [](HANDLE h) { return ZVBL_SetSpeed(h, 100000) - 0x13; }},
+    {"speed, which is told at the start", {}, calls::setSpeedThatNoneHas},
 };
 
 TEST_F(SpiVectorsTest, CommandsWithoutAResult) {

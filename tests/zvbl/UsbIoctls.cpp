@@ -115,7 +115,7 @@ std::string UsbDevice::scriptedAnswer(const Bytes &host) {
     constexpr std::size_t telling = 80; // letters of a complaint about a block
     if (m_turn >= m_script.size()) {
         if (m_complaint.empty())
-            m_complaint = "behind the script: " + seen;
+            m_complaint = "after the script: " + seen;
         return usbWords::stall;
     }
     const UsbTurn &turn = m_script[m_turn];

@@ -16,8 +16,8 @@
 struct UsbTurn {
     std::string host;
     std::string device;
-    int gapMs = 0;    // what the host has to let pass behind the turn in front of this one
-    int unplugMs = 0; // the device goes away so long behind its answer, if not 0
+    int gapMs = 0;    // what the host has to let pass after the turn before this one
+    int unplugMs = 0; // the device goes away so long after its answer, if not 0
 
     UsbTurn(std::string hostBytes, std::string answer, int gap = 0, int unplug = 0)
         : host(std::move(hostBytes)), device(std::move(answer)), gapMs(gap), unplugMs(unplug) {}
@@ -64,8 +64,8 @@ public:
 
     void plugIn();
     void unplug();
-    void awaitUnplugged(); // behind a script by which it goes away
-    void plugInAgain();    // under the next number, as behind a reset
+    void awaitUnplugged(); // after a script by which it goes away
+    void plugInAgain();    // under the next number, as after a reset
     void play(UsbScript script);
     void playForEver(UsbScript script); // the last turn again and again
     std::string finish();               // what went wrong with the script; empty if all of it was played, and no more

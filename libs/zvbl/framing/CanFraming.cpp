@@ -6,7 +6,7 @@ namespace zvbl {
 namespace {
 
 constexpr std::size_t frameSize = 8;
-// Data bytes of a group that takes longer than the answer to the one in front of it.
+// Data bytes of a group that takes longer than the answer to the one before it.
 constexpr std::size_t longGroup = 128;
 
 std::string describe(const CanFrame &frame) {
@@ -39,9 +39,10 @@ Status CanFraming::transfer(const Command &command, Bytes &reply, Duration timeo
 }
 
 // A frame is sent again when its end was disturbed, and then a receiver may have it twice: an ACK that came
-// twice would stand for the next one, and so on to the last. Waiting behind each for its double would cost the
-// packets some of their speed, but there it shows: a reply has another size, and in front of the last frame of
-// a long group, when the chip can't act yet, there is an answer left.
+// twice would be taken for the next one, and so on to the last. To wait after each ACK for its double would
+// cost the packets some of their speed, and there it shows without that. A reply has another size than an
+// ACK. Before the last frame of a long group the chip can't have answered yet, so an answer that is there is
+// one too many.
 CanFraming::Doubles CanFraming::whereDoublesShow(const Command &command) {
     if (command.reply.counted || command.reply.size > 0)
         return Doubles::inReply;
@@ -87,8 +88,9 @@ Status CanFraming::takeReply(const Command &command, Bytes &reply) {
     } while (reply.size() < size);
     if (const Status status = unwrap(command, reply); status != Status::ok)
         return status;
-    // Of full frames alone one that came twice has pushed out the last, and twice the same is 0 in the sum.
-    // Where an ACK follows, the last one then stands in its place.
+    // In a reply of full frames only, a frame that came twice takes the place of the next one, and the last
+    // frame is left over. The checksum can miss that, as two equal frames add nothing to it, so the frame that
+    // is left over has to show. Where an ACK follows the reply, it stands in the place of the ACK, and shows.
     const bool pushedOut = size > frameSize && size % frameSize == 0 && command.reply.end != Reply::End::ack;
     return pushedOut ? expectSilence(command.opcode) : Status::ok;
 }

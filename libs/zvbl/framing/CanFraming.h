@@ -55,7 +55,7 @@ private:
     std::size_t m_groupsLeft = 0;
     Doubles m_doubles = Doubles::nowhere;
     bool m_wentWell = false; // the one before
-    bool m_hurried = false;  // a packet behind a command that went well
+    bool m_hurried = false;  // a packet after a command that went well
 };
 
 } // namespace zvbl

@@ -53,7 +53,7 @@ Status CanFraming::startAtTwoSpeeds(unsigned bitsPerSecond, Duration timeout) {
 }
 
 // Sends opening frames until one is answered: a chip that starts, or works, loses some. noStart: there was
-// no answer. What comes in front of it is old.
+// no answer. What comes before it is old.
 Status CanFraming::open(Duration timeout) {
     const TimePoint end = Clock::now() + timeout;
     Status status = Status::noAnswer;
@@ -79,7 +79,7 @@ Status CanFraming::open(Duration timeout) {
     return status == Status::noAnswer && !heardWrong ? Status::noStart : status;
 }
 
-// Hears until the opening frame is answered. What comes in front of it is old.
+// Hears until the opening frame is answered. What comes before it is old.
 Status CanFraming::hearOpened(TimePoint until, std::uint8_t &answer) {
     CanFrame frame;
     Status status = Status::ok;
@@ -100,7 +100,7 @@ Status CanFraming::hearOpened(TimePoint until, std::uint8_t &answer) {
 }
 
 Status CanFraming::getInStep() {
-    // What is late of the command before comes now, or in front of the opening frame's answer.
+    // What is late of the command before comes now, or before the opening frame's answer.
     Status status = discardUntilQuiet(Clock::now() + m_timeout);
     if (status == Status::ok)
         status = open(m_timeout);

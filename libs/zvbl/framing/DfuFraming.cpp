@@ -81,7 +81,7 @@ Status DfuFraming::write(const Command &command) {
 }
 
 Status DfuFraming::go(const Command &command) {
-    m_pointer.reset(); // it runs at the pointer itself, not behind it
+    m_pointer.reset(); // it runs at the pointer itself, not after it
     std::uint16_t block = 0;
     Status status = pointTo(addressOf(command), block);
     if (status == Status::ok)

@@ -16,7 +16,7 @@ struct StartSettings {
 };
 
 // How one kind of link carries commands. After a failure it gets back in step with the chip by itself,
-// in front of the next command.
+// before the next command.
 class Framing {
 public:
     virtual ~Framing() = default;

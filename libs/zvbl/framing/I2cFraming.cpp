@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "libs/zvbl/Polling.h"
 #include "libs/zvbl/framing/Groups.h"
-#include "libs/zvbl/framing/Polling.h"
 
 namespace zvbl {
 namespace {

@@ -21,7 +21,7 @@ protected:
     // Takes the byte that answers what was sent last; noAnswer when none comes within the timeout.
     virtual Status takeAnswer(std::uint8_t opcode, std::uint8_t &answer) = 0;
 
-    // Takes the reply without its count, its checksum and the ACK behind it.
+    // Takes the reply without its count, its checksum and the ACK after it.
     virtual Status takeReply(const Command &command, Bytes &reply) = 0;
 
     // Makes sure that the chip waits for an opcode and nothing old is under way. outOfStep: it does not.

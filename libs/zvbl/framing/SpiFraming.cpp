@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "libs/zvbl/Polling.h"
 #include "libs/zvbl/framing/Groups.h"
-#include "libs/zvbl/framing/Polling.h"
 
 namespace zvbl {
 namespace {
@@ -32,8 +32,8 @@ Status SpiFraming::getInStep() {
     return status == Status::ok || status == Status::gone ? status : Status::outOfStep;
 }
 
-// Sends the opening byte until it is answered by NACK. An ACK comes from a chip that was reset, which says
-// NACK the next time, or it is the late one of an old command, whose end is not near enough to tell.
+// Sends the opening byte until it is answered by NACK, which only a chip says that waits for an opcode. An ACK
+// tells less: a chip that was reset says it once, and so does one that ends an old command just now.
 Status SpiFraming::open() {
     const TimePoint end = Clock::now() + m_timeout;
     Duration patience = m_timing.quiet;
@@ -112,7 +112,7 @@ Status SpiFraming::takeReply(const Command &command, Bytes &reply) {
     return unwrap(command, reply);
 }
 
-// Fetches until the next answer is there with so many bytes behind its start byte.
+// Fetches until the next answer is there with so many bytes after its start byte.
 Status SpiFraming::hear(std::size_t count, TimePoint deadline) {
     Polling polling(deadline);
     for (;;) {
@@ -135,7 +135,7 @@ Status SpiFraming::hear(std::size_t count, TimePoint deadline) {
     }
 }
 
-// Takes the start byte and so many bytes behind it, which are there.
+// Takes the start byte and so many bytes after it, which are there.
 void SpiFraming::take(std::size_t count, Bytes &bytes) {
     const auto end = m_heard.begin() + 1 + static_cast<std::ptrdiff_t>(count);
     m_trace.received(m_heard.data(), 1 + count);

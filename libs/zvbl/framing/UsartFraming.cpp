@@ -111,7 +111,7 @@ Status UsartFraming::takeReply(const Reply &expected, Bytes &reply) {
     return expected.end == Reply::End::ack ? takeAnswer(Status::refused) : Status::ok;
 }
 
-// A byte behind the last one expected means that an answer was doubled or a byte slipped in. What the line
+// A byte after the last one expected means that an answer was doubled or a byte slipped in. What the line
 // has not yet carried, by its pace, cannot have been answered, so that time is waited for as well: a host
 // that was held up may have heard an old answer late enough to take it for a new one.
 Status UsartFraming::expectSilence(double characters) {

@@ -52,7 +52,7 @@ Status UsartFraming::start(const StartSettings &, Duration timeout) {
 Status UsartFraming::getInStep() {
     Bytes heard;
     if (m_step == Step::doubtful) {
-        // Behind a NACK the chip waits for an opcode, unless bytes of a damaged group are still under way.
+        // After a NACK the chip waits for an opcode, unless bytes of a damaged group are still under way.
         Status status = discardReceived();
         if (status == Status::ok)
             status = probe(std::min(m_timeout, m_timing.frameLimit), heard);
@@ -72,7 +72,7 @@ Status UsartFraming::getInStep() {
             status = probe(m_timeout, heard);
         if (status != Status::ok)
             return status == Status::noAnswer ? Status::outOfStep : status;
-        // An ACK may come from a chip that was reset, or be a late one: only a NACK behind all else tells.
+        // An ACK may come from a chip that was reset, or be a late one: only a NACK after all else tells.
         if (heard.back() == wire::nack) {
             m_step = Step::kept;
             return Status::ok;

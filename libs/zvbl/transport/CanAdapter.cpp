@@ -15,7 +15,7 @@ constexpr auto answerLimit = std::chrono::milliseconds(500);
 constexpr auto openingLimit = std::chrono::milliseconds(1000);
 constexpr auto closingLimit = std::chrono::milliseconds(100);
 constexpr auto firstAnswer = std::chrono::milliseconds(100); // most adapters say something to C
-constexpr auto quiet = std::chrono::milliseconds(20);        // no line is under way behind it
+constexpr auto quiet = std::chrono::milliseconds(20);        // no line is under way after it
 constexpr auto refusalPause = std::chrono::milliseconds(1);
 constexpr std::size_t longestLine = 64;
 
@@ -73,7 +73,7 @@ std::string lineOf(const CanFrame &frame) {
     return line + carriageReturn;
 }
 
-// False: it is no whole frame. A time stamp behind the data is passed over.
+// False: it is no whole frame. A time stamp after the data is passed over.
 bool isFrame(const std::string &line, CanFrame &frame) {
     const int id = number(line, 1, 3);
     const int size = number(line, 4, 1);

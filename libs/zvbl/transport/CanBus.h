@@ -38,7 +38,7 @@ public:
 
     // What a frame takes at most, on its whole way. Where nobody can tell the rate, at a chip's start speed.
     virtual Duration frameTime(std::size_t dataBytes) const {
-        // Frame, gap, and a bit stuffed in behind every four of what can be stuffed.
+        // Frame, gap, and a bit stuffed in after every four of what can be stuffed.
         const std::size_t bits = 47 + 8 * dataBytes + (33 + 8 * dataBytes) / 4;
         return std::chrono::nanoseconds(bits * 1000000000ULL / (bitRate() ? bitRate() : wire::canStartSpeed));
     }

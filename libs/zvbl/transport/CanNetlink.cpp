@@ -97,9 +97,9 @@ std::pair<const char *, std::size_t> find(unsigned short type, const char *attri
             break;
         if ((head.rta_type & NLA_TYPE_MASK) == type)
             return {attributes + RTA_LENGTH(0), head.rta_len - RTA_LENGTH(0)};
-        const std::size_t step = std::min<std::size_t>(size, RTA_ALIGN(head.rta_len));
-        attributes += step;
-        size -= step;
+        const std::size_t stride = std::min<std::size_t>(size, RTA_ALIGN(head.rta_len));
+        attributes += stride;
+        size -= stride;
     }
     return {nullptr, 0};
 }

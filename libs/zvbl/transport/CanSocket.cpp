@@ -12,8 +12,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "libs/zvbl/Polling.h"
 #include "libs/zvbl/Text.h"
-#include "libs/zvbl/framing/Polling.h"
 #include "libs/zvbl/transport/CanNetlink.h"
 #include "libs/zvbl/wire/Wire.h"
 
@@ -206,7 +206,7 @@ Status CanSocket::mayChangeBitRate() {
     return Status::gone;
 }
 
-// A new socket behind it: what was under way is lost, and what the old one has to tell of it is of no use.
+// A new socket after it: what was under way is lost, and what the old one has to tell of it is of no use.
 Status CanSocket::setBitRate(unsigned bitsPerSecond) {
     const int error = setCanBitRate(m_index, bitsPerSecond);
     if (error != 0)

@@ -19,7 +19,7 @@ enum class Meaning { notTaken, unknown, refused };
 Meaning meaningOf(int error) {
     switch (error) {
     case ENXIO:
-    case EREMOTEIO: // also a byte behind the address: a message that was not taken whole
+    case EREMOTEIO: // also a byte after the address: a message that was not taken whole
     case EAGAIN:    // lost to another master of the bus
         return Meaning::notTaken;
     case ENODEV:

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "libs/zvbl/Command.h"
+#include "libs/zvbl/Bytes.h"
 #include "libs/zvbl/transport/DeviceNode.h"
 #include "libs/zvbl/transport/Transport.h"
 
 namespace zvbl {
 
-// An I2C bus of Linux, /dev/i2c-N. Each transfer is one message with a stop behind it.
+// An I2C bus of Linux, /dev/i2c-N. Each transfer is one message with a stop after it.
 //
 // How long one transfer may take when the bus is stuck is the matter of the adapter's driver, a second at
 // most as a rule. It could be told another limit, but that would hold for all users of the bus, and stay.

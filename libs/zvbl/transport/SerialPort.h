@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libs/zvbl/Command.h"
+#include "libs/zvbl/Bytes.h"
 #include "libs/zvbl/Timing.h"
 #include "libs/zvbl/Trace.h"
 #include "libs/zvbl/transport/Transport.h"

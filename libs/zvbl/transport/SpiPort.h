@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libs/zvbl/Command.h"
+#include "libs/zvbl/Bytes.h"
 #include "libs/zvbl/transport/DeviceNode.h"
 #include "libs/zvbl/transport/Transport.h"
 

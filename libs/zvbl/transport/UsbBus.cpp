@@ -43,7 +43,7 @@ std::uint16_t number16(const std::uint8_t *lowByteFirst) {
     return static_cast<std::uint16_t>(lowByteFirst[0] | lowByteFirst[1] << 8);
 }
 
-// The functional descriptor stands behind the last of the alternate settings, or behind each.
+// The functional descriptor stands after the last of the alternate settings, or after each.
 void readFunctional(const libusb_interface_descriptor &setting, DfuInterface &dfu) {
     const std::uint8_t *at = setting.extra;
     int left = setting.extra_length;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "libs/zvbl/Command.h"
+#include "libs/zvbl/Bytes.h"
 #include "libs/zvbl/Status.h"
 
 struct libusb_context;

@@ -167,7 +167,7 @@ Status UsbPort::wait(Duration time) {
     const TimePoint until = Clock::now() + time;
     for (TimePoint now = Clock::now(); now < until; now = Clock::now()) {
         std::this_thread::sleep_for(std::min<Duration>(until - now, lookEvery));
-        // Behind the time the device may have left in a reset: the request that follows tells.
+        // After the time the device may have left in a reset: the request that follows tells.
         if (Clock::now() < until && hasVanished()) {
             m_gone = true;
             m_trace.remark("the device is gone");

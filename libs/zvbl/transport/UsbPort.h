@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "libs/zvbl/Command.h"
+#include "libs/zvbl/Bytes.h"
 #include "libs/zvbl/Timing.h"
 #include "libs/zvbl/Trace.h"
 #include "libs/zvbl/transport/Transport.h"
@@ -36,7 +36,9 @@ public:
 
     std::size_t transferSize() const { return m_dfu.transferSize; } // wTransferSize
 
-    // Between a command behind which the device resets and the next open its number stays its own.
+    // A device that resets leaves the bus and comes back. Called before a command that makes it do so: until
+    // the next open, its number in the device list is given to no other device. endRestart takes that back
+    // when the command was refused.
     void expectRestart();
     void endRestart();
 

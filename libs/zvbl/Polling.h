@@ -13,7 +13,7 @@ class Polling {
 public:
     explicit Polling(TimePoint deadline) : m_begin(Clock::now()), m_deadline(deadline) {}
 
-    // Pauses. False: the deadline is past, and the last look was behind it.
+    // Pauses. False: the deadline is past, and the last look was after it.
     bool again() {
         const TimePoint now = Clock::now();
         if (now >= m_deadline)
