@@ -36,6 +36,19 @@ std::vector<Packet> cutIntoPackets(std::uint32_t address, std::size_t length, st
     return packets;
 }
 
+bool isBlank(const std::uint8_t *data, std::size_t length) {
+    return std::all_of(data, data + length, [](std::uint8_t byte) { return byte == blank; });
+}
+
+std::vector<Packet> packetsOf(std::uint32_t address, const std::uint8_t *data, std::size_t length, std::size_t size,
+                              bool withoutBlank) {
+    std::vector<Packet> packets = cutIntoPackets(address, length, size);
+    const auto blankPacket = [data](const Packet &packet) { return isBlank(data + packet.offset, packet.length); };
+    if (withoutBlank)
+        packets.erase(std::remove_if(packets.begin(), packets.end(), blankPacket), packets.end());
+    return packets;
+}
+
 Block fillUp(const Packet &packet, const std::uint8_t *data) {
     const std::size_t front = isFlash(packet.address) ? packet.address % granularity : 0;
     Block block{static_cast<std::uint32_t>(packet.address - front), Bytes(front, 0xFF)};

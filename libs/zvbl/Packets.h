@@ -22,7 +22,14 @@ bool isRam(std::uint32_t address);
 // a multiple of 4, and the size is rounded down to one, but not to 0.
 std::vector<Packet> cutIntoPackets(std::uint32_t address, std::size_t length, std::size_t packetSize);
 
-// The data of a packet as they are written: in flash filled up with FF in front and behind, and the
+// The same without the packets whose data are all FF, if that is wished.
+std::vector<Packet> packetsOf(std::uint32_t address, const std::uint8_t *data, std::size_t length, std::size_t size,
+                              bool withoutBlank);
+
+constexpr std::uint8_t blank = 0xFF; // a cell that is erased
+bool isBlank(const std::uint8_t *data, std::size_t length);
+
+// The data of a packet as they are written: in flash filled up with FF before and after, and the
 // address rounded down to match.
 struct Block {
     std::uint32_t address;

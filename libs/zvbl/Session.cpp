@@ -44,6 +44,7 @@ Status Session::open() {
     m_parts = std::move(parts);
     m_hasEraseExt = true;
     m_idLength.reset();
+    m_crc = {};
     return Status::ok;
 }
 

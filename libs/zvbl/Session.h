@@ -32,6 +32,15 @@ struct SlibStatus {
     SlibRange range;
 };
 
+// The chip's own checksum of its sectors: what is known of it while the link is open.
+struct SectorCrc {
+    bool listed = false;                    // by GET
+    bool trusted = true;                    // false: another checksum than ours, or none came
+    bool toldUnvouched = false;             // in the trace
+    std::optional<std::size_t> flashSector; // bytes of a sector; 0: the chip does not tell
+    std::optional<std::size_t> spimSector;
+};
+
 // One link: its settings, and the commands of the bootloader on it. Nothing here knows which kind of
 // link it is. Every command answers notOpen while the link is closed.
 class Session {
@@ -91,6 +100,29 @@ private:
     std::size_t packetSize() const { return m_parts.framing->packetSize(m_packetSize); }
     Status writePacket(Block block, bool more);
     Status compare(const Packet &packet, const std::uint8_t *data);
+    Status compareByReading(const std::uint8_t *data, const std::vector<Packet> &packets);
+    Status read(std::uint32_t address, std::uint8_t *data, std::size_t length);
+
+    // Whole sectors against the checksum of the chip. Of an unknown fit nobody can tell by it.
+    enum class Fit { equal, differs, unknown };
+    struct Sectors {
+        std::uint32_t address;
+        std::size_t size; // of one
+        std::size_t count;
+        std::size_t bytes() const { return size * count; }
+        Sectors one(std::size_t number) const;
+    };
+    std::size_t sectorSize(std::uint32_t address, std::size_t length);
+    std::size_t askSectorSize(std::uint32_t address);
+    static Sectors nextSectors(std::uint32_t address, std::size_t left, std::size_t size);
+    Fit askCrc(const Sectors &sectors, const std::uint8_t *data);
+    void distrustCrc(const char *why);
+    Status compareSectors(const Sectors &sectors, const std::uint8_t *data, bool optimise);
+    Status compareSector(const Sectors &sector, const std::uint8_t *data, bool optimise);
+    Status vouchForSectors(const Sectors &sectors, std::uint8_t *data);
+    Status vouchForSector(const Sectors &sector, std::uint8_t *data, Fit fit);
+    Status settleUnvouched(const Sectors &sectors, const std::uint8_t *data, bool wasTrusted);
+    void tellUnvouched();
 
     const LinkKind *m_kind = nullptr;
     LinkSettings m_settings;
@@ -101,6 +133,7 @@ private:
     LinkParts m_parts;
     bool m_hasEraseExt = true; // until GET says otherwise
     std::optional<std::size_t> m_idLength;
+    SectorCrc m_crc;
 };
 
 } // namespace zvbl

@@ -8,21 +8,6 @@
 namespace zvbl {
 namespace {
 
-constexpr std::uint8_t blank = 0xFF;
-
-bool isBlank(const std::uint8_t *data, std::size_t length) {
-    return std::all_of(data, data + length, [](std::uint8_t byte) { return byte == blank; });
-}
-
-std::vector<Packet> packetsOf(std::uint32_t address, const std::uint8_t *data, std::size_t length, std::size_t size,
-                              bool optimise) {
-    std::vector<Packet> packets = cutIntoPackets(address, length, size);
-    const auto blankPacket = [data](const Packet &packet) { return isBlank(data + packet.offset, packet.length); };
-    if (optimise)
-        packets.erase(std::remove_if(packets.begin(), packets.end(), blankPacket), packets.end());
-    return packets;
-}
-
 // What a write without an answer has left in its cells.
 enum class Cells { holdTheData, canBeWritten, areSpoiled };
 
@@ -63,6 +48,22 @@ Command writeCommand(const Block &block) {
 Status Session::upload(std::uint32_t address, std::uint8_t *data, std::size_t length) {
     if (!isOpen())
         return Status::notOpen;
+    const std::size_t size = sectorSize(address, length);
+    if (size == 0 && isFlash(address) && length >= wire::smallestSector)
+        tellUnvouched();
+    Status status = Status::ok;
+    for (std::size_t done = 0, part = 0; done < length && status == Status::ok; done += part) {
+        const auto at = static_cast<std::uint32_t>(address + done);
+        const Sectors sectors = nextSectors(at, length - done, size);
+        part = sectors.bytes();
+        status = read(at, data + done, part);
+        if (status == Status::ok && sectors.size == size)
+            status = vouchForSectors(sectors, data + done);
+    }
+    return status;
+}
+
+Status Session::read(std::uint32_t address, std::uint8_t *data, std::size_t length) {
     for (const Packet &packet : cutIntoPackets(address, length, packetSize())) {
         Bytes bytes;
         const Status status = exchange(readCommand(packet.address, packet.length), bytes, Tries::thrice);
@@ -111,7 +112,22 @@ Status Session::writePacket(Block block, bool more) {
 Status Session::verify(std::uint32_t address, const std::uint8_t *data, std::size_t length, bool optimise) {
     if (!isOpen())
         return Status::notOpen;
-    for (const Packet &packet : packetsOf(address, data, length, packetSize(), optimise)) {
+    const std::size_t size = sectorSize(address, length);
+    Status status = Status::ok;
+    for (std::size_t done = 0, part = 0; done < length && status == Status::ok; done += part) {
+        const auto at = static_cast<std::uint32_t>(address + done);
+        const Sectors sectors = nextSectors(at, length - done, size);
+        part = sectors.bytes();
+        if (sectors.size == size)
+            status = compareSectors(sectors, data + done, optimise);
+        else
+            status = compareByReading(data + done, packetsOf(at, data + done, part, packetSize(), optimise));
+    }
+    return status;
+}
+
+Status Session::compareByReading(const std::uint8_t *data, const std::vector<Packet> &packets) {
+    for (const Packet &packet : packets) {
         Status status = compare(packet, data + packet.offset);
         if (status == Status::differs)
             status = compare(packet, data + packet.offset); // a reply has no checksum: it may have been the line

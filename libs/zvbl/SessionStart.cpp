@@ -26,6 +26,7 @@ Status Session::getCapabilities(Capabilities &capabilities) {
     const auto has = [&](std::uint8_t opcode) {
         return std::count(capabilities.opcodes.begin(), capabilities.opcodes.end(), opcode) > 0;
     };
+    m_crc.listed = has(wire::opFirmwareCrc);
     m_hasEraseExt = has(wire::opEraseExt) || !has(wire::opErase);
     return Status::ok;
 }

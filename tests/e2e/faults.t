@@ -50,7 +50,7 @@ What is not safe to repeat ends the line at once: an erase, a jump.
 A chip that falls silent, and a port that goes away: the right text and status, no partial file, and a
 second run succeeds.
 
-  $ chip_new ZV32F421_64K --fault silence@60
+  $ chip_new ZV32F421_64K --fault silence@76
   $ isp -com --pn $PWD/port --to 1 -u --fn ./part.bin | tail -5
   Running...20%
   No response from the device...

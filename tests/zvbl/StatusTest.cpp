@@ -1,7 +1,5 @@
 // How a failure becomes a status byte, row by row, and what the arguments have to be.
 
-#include <algorithm>
-#include <cstring>
 #include <functional>
 #include <thread>
 
@@ -214,11 +212,11 @@ TEST_F(StatusTest, AWrongByteWhereAnAnswerBelongsIs5) {
     EXPECT_EQ(play({{"D4 2B", "78"}}, [&] { return ZVBL_ResetMCU(link); }), 5);
 }
 
-TEST_F(StatusTest, NackBehindAnOpcodeIs0x13) {
+TEST_F(StatusTest, NackAfterAnOpcodeIs0x13) {
     EXPECT_EQ(play({{"92 6D", "1F"}}, [&] { return ZVBL_ACCESS_PERM_UNPROTECT(link); }), 0x13);
 }
 
-TEST_F(StatusTest, NackBehindAGroupIs0x14) {
+TEST_F(StatusTest, NackAfterAGroupIs0x14) {
     EXPECT_EQ(play({{"21 DE", "79"}, {"08 00 00 00 08", "1F"}}, [&] { return ZVBL_GO(link, 0x08000000); }), 0x14);
 }
 
@@ -239,53 +237,13 @@ TEST_F(StatusTest, ADifferenceIs19FromVerify) {
     EXPECT_EQ(play(onlyTheLine, [&] { return ZVBL_VERIFY(link, 0x08000000, data, 2, 0); }), 0);
 }
 
-TEST_F(StatusTest, NackBehindTheOpcodeIs0x14FromVerifyAnd0x13FromUpload) {
+TEST_F(StatusTest, NackAfterTheOpcodeIs0x14FromVerifyAnd0x13FromUpload) {
     const Script refusals = {{"11 EE", "1F"}, {"7F", "1F"}, {"11 EE", "1F"}, {"7F", "1F"}, {"11 EE", "1F"}};
     BYTE data[] = {1, 2};
     EXPECT_EQ(play(refusals, [&] { return ZVBL_VERIFY(link, 0x08000000, data, 2, 0); }), 0x14);
     Script again = {{"7F", "1F"}};
     again.insert(again.end(), refusals.begin(), refusals.end());
     EXPECT_EQ(play(again, [&] { return ZVBL_UPLOAD(link, 0x08000000, data, 2); }), 0x13);
-}
-
-// The caller has room for the length that it was told.
-TEST_F(StatusTest, AnIdThatChangesItsLengthIs5) {
-    BYTE length = 0, id[2] = {};
-    EXPECT_EQ(play({{"02 FD", "79 01 02 42 79"}}, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 0);
-    EXPECT_EQ(play({{"02 FD", "79 04 03 47 70 05 07 79"}}, [&] { return ZVBL_GET_ID(link, &length, id); }), 5);
-}
-
-// A PID, or a PID and a series. The caller's buffer holds no more.
-TEST_F(StatusTest, AnIdentifierOfAnotherLengthIs5AndNothingIsCopied) {
-    for (const std::size_t size : {1U, 3U, 4U, 6U, 256U}) {
-        SCOPED_TRACE(size);
-        zvbl::Bytes answer{0x79, static_cast<std::uint8_t>(size - 1)};
-        answer.resize(2 + size, 0x42);
-        answer.push_back(0x79);
-        const Script script = {{hex("02 FD"), hex(answer)}};
-        BYTE length = 0xAA, id[300] = {};
-        EXPECT_EQ(play(script, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 5);
-        EXPECT_EQ(length, 0xAA);
-        EXPECT_EQ(play(script, [&] { return ZVBL_GET_ID(link, &length, id); }), 5);
-        EXPECT_EQ(std::count(std::begin(id), std::end(id), 0x42), 0);
-    }
-}
-
-// The most that a counted reply can hold: it stays in the record.
-TEST_F(StatusTest, AListOf255OpcodesFillsTheRecordAndNoMore) {
-    struct {
-        Commands commands;
-        BYTE behind[16];
-    } room;
-    std::memset(&room, 0x55, sizeof room);
-    zvbl::Bytes answer{0x79, 0xFF, 0x21};
-    for (int opcode = 0; opcode < 255; ++opcode)
-        answer.push_back(static_cast<std::uint8_t>(opcode));
-    answer.push_back(0x79);
-    BYTE version = 0;
-    EXPECT_EQ(play({{"00 FF", hex(answer)}}, [&] { return ZVBL_GET(link, &version, &room.commands); }), 0);
-    EXPECT_EQ(room.commands.ACCESS_LEVEL_PROTECT_CMD, 1);
-    EXPECT_EQ(std::count(std::begin(room.behind), std::end(room.behind), 0x55), 16);
 }
 
 // As long as a link waits that was never told anything.

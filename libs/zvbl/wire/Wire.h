@@ -21,7 +21,7 @@ constexpr std::uint8_t i2cAddress = 0x3C;    // 7 bits
 constexpr std::uint8_t spiStart = 0x5A;      // opens a message, and an answer
 constexpr std::uint8_t spiIdle = 0x00;       // the host fetches; the chip has nothing to say
 constexpr std::uint16_t canFromChip = 0x100; // added to the opcode
-constexpr unsigned canStartSpeed = 250000;   // bits per second behind a reset
+constexpr unsigned canStartSpeed = 250000;   // bits per second after a reset
 
 // USB DFU 1.1 and its extension.
 constexpr std::uint16_t dfuVendorId = 0x1209; // of the simulated chip
@@ -74,6 +74,7 @@ constexpr std::uint16_t eraseBlock = 0xFFFB;
 constexpr unsigned maxPacket = 256;      // bytes of one READ or WRITE
 constexpr unsigned writeGranularity = 4; // main flash and SPIM: length and address of a WRITE
 constexpr unsigned blockSize = 0x10000;  // bytes of one block of eraseBlock
+constexpr unsigned smallestSector = 1024;
 constexpr unsigned spimSectorSize = 4096;
 constexpr unsigned firstSpimSector = 32768; // a sector number from here up is a SPIM sector
 constexpr unsigned shortId = 2;             // bytes of an identifier: the PID

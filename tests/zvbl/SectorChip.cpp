@@ -1,0 +1,139 @@
+#include "tests/zvbl/SectorChip.h"
+
+#include <utility>
+
+namespace {
+
+constexpr int patienceMs = 10;
+constexpr std::size_t sectorSize = 2048;
+constexpr std::uint8_t ack = 0x79;
+constexpr std::uint8_t nack = 0x1F;
+constexpr std::uint8_t sync = 0x7F;
+
+std::size_t number(const zvbl::Bytes &bytes, std::size_t count) {
+    std::size_t value = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        value = value << 8 | bytes[i];
+    return value;
+}
+
+std::uint32_t bitwiseCrc(const std::uint8_t *data, std::size_t count, std::uint32_t polynomial, std::uint32_t start) {
+    std::uint32_t crc = start;
+    for (std::size_t i = 0; i < count; ++i) {
+        crc ^= data[i];
+        for (int bit = 0; bit < 8; ++bit)
+            crc = crc >> 1 ^ (crc & 1 ? polynomial : 0);
+    }
+    return crc ^ 0xFFFFFFFF;
+}
+
+zvbl::Bytes checked(std::size_t value) {
+    zvbl::Bytes bytes{ack};
+    std::uint8_t sum = 0;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+        sum = static_cast<std::uint8_t>(sum ^ bytes.back());
+    }
+    bytes.push_back(sum);
+    return bytes;
+}
+
+} // namespace
+
+SectorChip::SectorChip(Pty &pty, zvbl::Bytes memory, Crc crc)
+    : m_pty(pty), m_memory(std::move(memory)), m_crc(crc), m_thread([this] { serve(); }) {}
+
+SectorChip::~SectorChip() {
+    m_stop = true;
+    m_thread.join();
+}
+
+void SectorChip::serve() {
+    while (!m_stop) {
+        const zvbl::Bytes opcode = take(1);
+        if (opcode.empty())
+            continue;
+        if (opcode[0] == sync)
+            answer({nack});
+        else if (take(1).size() == 1)
+            serveOne(opcode[0]);
+    }
+}
+
+void SectorChip::serveOne(std::uint8_t opcode) {
+    if (opcode == 0x00)
+        answer(hex(m_crc == Crc::notListed ? "79 01 21 11 79" : "79 02 21 11 AC 79"));
+    else if (opcode == 0x11)
+        serveRead();
+    else if (opcode == 0xAC && m_crc != Crc::refused)
+        serveCrc();
+    else
+        answer({nack});
+}
+
+void SectorChip::serveRead() {
+    answer({ack});
+    const zvbl::Bytes address = take(5);
+    answer({ack});
+    const zvbl::Bytes count = take(2);
+    if (count.size() < 2)
+        return;
+    const std::size_t from = number(address, 4) - base;
+    zvbl::Bytes reply{ack};
+    for (std::size_t i = 0; i <= count[0]; ++i)
+        reply.push_back(m_memory.at(from + i));
+    const int read = ++reads;
+    if (damageAll || damagedReads.count(read) > 0)
+        reply[2] ^= static_cast<std::uint8_t>(read % 255 + 1);
+    answer(reply);
+}
+
+void SectorChip::serveCrc() {
+    answer({ack});
+    const zvbl::Bytes address = take(5);
+    answer({ack});
+    const zvbl::Bytes count = take(3);
+    if (count.size() < 3)
+        return;
+    const std::size_t sectors = number(count, 2);
+    if (sectors == 0) {
+        ++sizeQuestions;
+        answer(m_crc == Crc::sizeNotTold ? zvbl::Bytes{nack} : checked(m_crc == Crc::oddSize ? 2000 : sectorSize));
+        return;
+    }
+    ++questions;
+    m_dead = m_crc == Crc::deadly;
+    if (m_crc == Crc::refusedCount)
+        answer({nack});
+    else if (m_crc != Crc::dropped && !m_dead)
+        answer(checked(checksum(number(address, 4) - base, sectors * sectorSize)));
+}
+
+std::uint32_t SectorChip::checksum(std::size_t from, std::size_t count) const {
+    const std::uint8_t *const data = m_memory.data() + from;
+    switch (m_crc) {
+    case Crc::otherPolynomial: return bitwiseCrc(data, count, 0x82F63B78, 0xFFFFFFFF);
+    case Crc::otherStart: return bitwiseCrc(data, count, 0xEDB88320, 0);
+    case Crc::alwaysTheSame: return 0x12345678;
+    default: return bitwiseCrc(data, count, 0xEDB88320, 0xFFFFFFFF);
+    }
+}
+
+// What the host sends next; less, when the test is over or the host has given up.
+zvbl::Bytes SectorChip::take(std::size_t count) {
+    constexpr int longestPause = 20;
+    for (int pauses = 0; m_heard.size() < count && !m_stop && pauses < longestPause;) {
+        const zvbl::Bytes more = m_pty.read(patienceMs);
+        m_heard.insert(m_heard.end(), more.begin(), more.end());
+        pauses = more.empty() ? pauses + 1 : 0;
+    }
+    const auto end = m_heard.begin() + static_cast<std::ptrdiff_t>(std::min(count, m_heard.size()));
+    const zvbl::Bytes taken(m_heard.begin(), end);
+    m_heard.erase(m_heard.begin(), end);
+    return taken;
+}
+
+void SectorChip::answer(const zvbl::Bytes &bytes) {
+    if (!m_dead)
+        m_pty.write(bytes);
+}

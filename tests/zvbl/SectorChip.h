@@ -1,0 +1,55 @@
+#pragma once
+
+#include <atomic>
+#include <set>
+#include <thread>
+
+#include "tests/zvbl/Pty.h"
+
+// A chip that knows GET, READ and FIRMWARE_CRC, and whose checksum may be of many kinds.
+class SectorChip {
+public:
+    static constexpr unsigned base = 0x08000000;
+
+    enum class Crc {
+        ours,
+        otherPolynomial,
+        otherStart,
+        alwaysTheSame,
+        notListed,
+        sizeNotTold,
+        oddSize,      // a size that no sector has
+        refused,      // by a NACK after the opcode
+        refusedCount, // by a NACK after the number of sectors, but the size is told
+        dropped,      // no answer to the number of sectors
+        deadly        // no answer to that and to anything that follows
+    };
+
+    SectorChip(Pty &pty, zvbl::Bytes memory, Crc crc = Crc::ours);
+    ~SectorChip();
+    SectorChip(const SectorChip &) = delete;
+    SectorChip &operator=(const SectorChip &) = delete;
+
+    std::set<int> damagedReads; // numbers of READs, from 1, whose reply has a wrong byte
+    bool damageAll = false;
+    std::atomic<int> reads{0};
+    std::atomic<int> questions{0}; // for a checksum
+    std::atomic<int> sizeQuestions{0};
+
+private:
+    void serve();
+    void serveOne(std::uint8_t opcode);
+    void serveRead();
+    void serveCrc();
+    zvbl::Bytes take(std::size_t count);
+    void answer(const zvbl::Bytes &bytes);
+    std::uint32_t checksum(std::size_t from, std::size_t count) const;
+
+    Pty &m_pty;
+    const zvbl::Bytes m_memory;
+    const Crc m_crc;
+    zvbl::Bytes m_heard;
+    bool m_dead = false;
+    std::atomic<bool> m_stop{false};
+    std::thread m_thread;
+};
