@@ -1,5 +1,6 @@
 #include "app/FileNames.h"
 
+#include "device/ImageSuffixes.h"
 #include "foundation/ShareParameter.h"
 
 namespace {
@@ -20,9 +21,14 @@ bool isBareSuffix(const std::string &fileName, std::size_t length) {
 } // namespace
 
 bool IsValidFileName(const std::string &fileName) {
-    // MEANT: no dot is asked for; "/x/hex" is a name, "/x/s19" is too short for one.
-    return baseNameEndsIn(fileName, "HEX") || baseNameEndsIn(fileName, "BIN") || baseNameEndsIn(fileName, "SREC") ||
-           (baseNameEndsIn(fileName, "S19") && !isBareSuffix(fileName, 3));
+    for (const ImageSuffix &suffix : imageSuffixes) {
+        // MEANT: no dot is asked for; "/x/hex" is a name, "/x/s19" is too short for one.
+        const std::string end = ShareParameter::ToUpper(suffix.text + 1);
+        const bool isTooShort = suffix.format == ImageFormat::sRecord && isBareSuffix(fileName, 3);
+        if (baseNameEndsIn(fileName, end) && !isTooShort)
+            return true;
+    }
+    return false;
 }
 
 bool IsValidOTPFileName(const std::string &fileName) {

@@ -4,18 +4,20 @@
 #include <cstring>
 #include <new>
 
+#include "device/ImageSuffixes.h"
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
 
 namespace {
 
-struct Suffix {
-    const char *text;
-    Type type;
-};
-
-// In the order of the search.
-constexpr Suffix suffixes[] = {{".bin", BIN}, {".hex", HEX}, {".s19", S19}, {".srec", S19}};
+Type typeOf(ImageFormat format) {
+    switch (format) {
+    case ImageFormat::binary: return BIN;
+    case ImageFormat::intelHex: return HEX;
+    case ImageFormat::sRecord: return S19;
+    }
+    return UNKNOWN;
+}
 
 // A block of at least one byte, so that an empty element has bytes to point at.
 BYTE *allocate(DWORD length) {
@@ -169,9 +171,9 @@ void CFiles::Close() {
 
 Type CFiles::ParseFileType(std::string strPath) {
     const std::string path = ShareParameter::ToLower(strPath);
-    for (const Suffix &suffix : suffixes)
+    for (const ImageSuffix &suffix : imageSuffixes)
         if (path.find(suffix.text) != std::string::npos)
-            return suffix.type;
+            return typeOf(suffix.format);
     return UNKNOWN;
 }
 

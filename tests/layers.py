@@ -11,7 +11,7 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 
 # What a folder may include, as prefixes of the spelled path.
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
-ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "foundation/LibraryTypes.h"]
+ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "device/ImageSuffixes.h", "foundation/LibraryTypes.h"]
 ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h"]
 
 # The rooms of the simulated chip, the upper ones first.

@@ -12,10 +12,9 @@ namespace files {
 namespace {
 
 const Format formats[] = {
-    {".bin", true, readBinary, writeBinary},
-    {".hex", false, readIntelHex, writeIntelHex},
-    {".s19", false, readSRecord, writeSRecord},
-    {".srec", false, readSRecord, writeSRecord},
+    {ImageFormat::binary, true, readBinary, writeBinary},
+    {ImageFormat::intelHex, false, readIntelHex, writeIntelHex},
+    {ImageFormat::sRecord, false, readSRecord, writeSRecord},
 };
 
 bool endsWith(const char *path, const char *suffix) {
@@ -27,9 +26,10 @@ bool endsWith(const char *path, const char *suffix) {
 } // namespace
 
 const Format *formatOf(const char *path) {
-    for (const Format &format : formats)
-        if (endsWith(path, format.suffix))
-            return &format;
+    for (const ImageSuffix &suffix : imageSuffixes)
+        for (const Format &format : formats)
+            if (format.id == suffix.format && endsWith(path, suffix.text))
+                return &format;
     return nullptr;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "device/ImageSuffixes.h"
 #include "libs/files/AtomicFile.h"
 #include "libs/files/Image.h"
 #include "libs/files/InputFile.h"
@@ -11,10 +12,11 @@
 
 namespace files {
 
-// One row per suffix. A new format is a file pair in this folder and a row in Formats.cpp.
+// One row per format. A new one is a file pair in this folder, a row in Formats.cpp and its suffixes in
+// device/ImageSuffixes.h.
 struct Format {
-    const char *suffix; // lower case, with its dot
-    bool flat;          // has no addresses of its own: starts at the address that it is given
+    ImageFormat id;
+    bool flat; // has no addresses of its own: starts at the address that it is given
 
     // Reads the whole file; `base` is for a flat one.
     Status (*read)(InputFile &file, std::uint32_t base, RunCollector &runs);
