@@ -4,6 +4,7 @@ What an installation looks like:
   $ cmake --install $BUILD --prefix $PWD/there >/dev/null
   $ (cd there && find . -type f -o -type l | grep -v ./share | sort)
   ./bin/ZV32_ISP_Console
+  ./bin/zv32-check-map
   ./bin/zv32-sim
   ./bin/zv32-sim-dev
   ./lib/libFiles.so.1
@@ -13,6 +14,8 @@ What an installation looks like:
   ./lib/udev/rules.d/70-zv32-isp.rules
   $ diff -r there/share/zv32-isp-console/Map "$ROOT/Map" && echo all maps
   all maps
+  $ there/bin/zv32-check-map there/share/zv32-isp-console/Map/*.ZVmap && echo nothing wrong
+  nothing wrong
 
 It finds its libraries beside itself, wherever it is moved, by a RUNPATH:
 
