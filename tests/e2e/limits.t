@@ -169,6 +169,7 @@ A chip that no map knows; and one whose PID is known, but not with this series:
   $ touch Map/empty.ZVmap; head -c 100000 /dev/urandom > Map/garbage.ZVmap; mkdir Map/x.ZVmap
   $ printf '\0\0\0\0' > Map/null.ZVmap; ln -s nowhere Map/link.ZVmap; mkfifo Map/fifo.ZVmap
   $ echo '[Product]' > Map/product.ZVmap; yes 'PID=' | head -c 3000000 > Map/long.ZVmap
+  $ printf '[Product]\nPID=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x2X\\0)\nSerial=04\n' > Map/a.ZVmap; truncate -s 1G Map/b.ZVmap
   $ isp -com --pn $PWD/port
   USART Connect......
   Init Device Failed!
@@ -180,35 +181,46 @@ Beside all of these the right one is found:
   $ line -e --sec 0-0 | tail -1
   Erase successfully!
 
-Damaged ones under the chip's own name: the sector table is empty. A job has the Size to go by, or ends
-with an error; no other sector is touched.
+Damaged ones under the chip's own name: a key that the sector table does not stand on counts as missing, and
+without a table nothing is erased.
 
   $ damaged() {
   >     sed "$@" "$MAPS/ZV32F413_64K.ZVmap" > Map/ZV32F413_64K.ZVmap
   >     isp -com --pn $PWD/port -d --fn ./three.bin >out; echo "status $?: $(tail -1 out)"
   > }
   $ damaged s/^Size=.*/Size=0/
-  status 3: Unknown error!
+  status 3: Input parameters error!
   $ damaged s/^Size=.*/Size=FFFFFFFF/
-  status 0: Download successfully!
+  status 3: Input parameters error!
   $ damaged s/^Size=.*/Size=FFFFFFFFFFFFFFFFFFFF/
-  status 3: Unknown error!
+  status 3: Input parameters error!
   $ damaged s/^Count=.*/Count=2000000/
-  status 0: Download successfully!
+  status 3: Input parameters error!
   $ damaged s/^Count=.*/Count=-1/
-  status 0: Download successfully!
+  status 3: Input parameters error!
   $ damaged s/^Address=.*/Address=FFFFFFFF/
-  status 0: Download successfully!
+  status 3: Input parameters error!
   $ damaged s/^SectorsPerSector=.*/SectorsPerSector=0/
   status 0: Download successfully!
   $ damaged s/^PacketSize=.*/PacketSize=-1/
   status 0: Download successfully!
   $ damaged s/Sector0/Sector1/
-  status 3: Unknown error!
+  status 3: Input parameters error!
   $ damaged '/Sector0/,$d'
-  status 3: Unknown error!
+  status 3: Input parameters error!
   $ damaged '$a garbage'
-  status 0: Download successfully!
+  status 3: Input parameters error!
+
+Nothing can be selected there for an upload either, and the old file stays:
+
+  $ echo old > back.bin; line -u --fn ./back.bin
+  Upload
+  ./back.bin     0B
+  
+  File's bad paramer!
+  [4]
+  $ cat back.bin
+  old
   $ rm Map/ZV32F413_64K.ZVmap; mkdir Map/ZV32F413_64K.ZVmap
   $ isp -com --pn $PWD/port
   USART Connect......
