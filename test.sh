@@ -20,17 +20,10 @@ esac
 tools/install-packages.sh test
 [ -z "$kernel" ] || tools/install-packages.sh kernel
 
-jobs=$(nproc)
-
-# build PRESET: configures and builds, and shows what the compiler said only when it failed.
+# build PRESET
 build() {
-    log=build/$1.log
-    mkdir -p build
     echo "== build: $1"
-    { cmake --preset "$1" && cmake --build --preset "$1" -j "$jobs"; } >"$log" 2>&1 || {
-        tail -n 60 "$log"
-        exit 1
-    }
+    tools/build.sh "$1"
 }
 
 # run PRESET [CTEST-ARGS]: runs the tests of a build, in parallel.
@@ -41,7 +34,7 @@ run() {
     # umockdev aborts the simulated chip when a listener of its events leaves in the moment of one; its preload then
     # calls exit() in the client, and on a job's thread that never returns. The chip sends hardly any events, so
     # this is rare. What ran out of its time, and nothing else, gets a second try.
-    ctest --preset "$preset" -j "$((jobs * 2))" --no-tests=error --schedule-random --repeat after-timeout:2 "$@"
+    ctest --preset "$preset" -j "$(($(nproc) * 2))" --no-tests=error --schedule-random --repeat after-timeout:2 "$@"
 }
 
 build release

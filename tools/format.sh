@@ -3,7 +3,7 @@
 #
 # usage: tools/format.sh [--check] [FILE...]
 #   --check  changes nothing; names the files that differ, and ends with 1 if there are any
-#   FILE     without one, every .h and .cpp file that git tracks
+#   FILE     without one, every .h and .cpp file of the tree
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -12,7 +12,7 @@ if [ "${1:-}" = --check ]; then
     check=yes
     shift
 fi
-[ $# -gt 0 ] || mapfile -t files < <(git ls-files '*.h' '*.cpp')
+[ $# -gt 0 ] || mapfile -t files < <(find . -path ./build -prune -o -name '*.h' -print -o -name '*.cpp' -print)
 [ $# -eq 0 ] || files=("$@")
 
 # clang-format 14 breaks lines oddly in the pass that takes braces away, so a second one sets them.
