@@ -2,7 +2,7 @@
 # Installs what is missing, builds, and runs all tests.
 #
 # usage: ./test.sh [--all|--kernel]
-#   --all     also builds with clang++ and runs the tests under AddressSanitizer with
+#   --all     also builds with clang++, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
 #             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
 set -eu
@@ -20,10 +20,10 @@ esac
 tools/install-packages.sh test
 [ -z "$kernel" ] || tools/install-packages.sh kernel
 
-# build PRESET
+# build PRESET [--target TARGET...]
 build() {
     echo "== build: $1"
-    tools/build.sh "$1"
+    tools/build.sh "$@"
 }
 
 # run PRESET [CTEST-ARGS]: runs the tests of a build, in parallel.
@@ -46,8 +46,10 @@ fi
 run release
 if [ -n "$all" ]; then
     build clang
+    echo "== clang-tidy"
+    tools/tidy.sh
     build asan
     run asan
-    build tsan
+    build tsan --target console_tests
     run tsan -L console
 fi

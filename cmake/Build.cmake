@@ -16,6 +16,8 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror
 if(ZV32_SANITIZE)
   add_compile_options(-fsanitize=${ZV32_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ZV32_SANITIZE})
+  # Indices and iterators of the standard library are checked too.
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
   # In instrumented code g++ 12 warns of branches that can't be reached, its own library's among them.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wno-maybe-uninitialized -Wno-array-bounds -Wno-stringop-overflow)
@@ -36,6 +38,7 @@ function(zv32_console_folder name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC Qt5::Core ${ARG_LINK})
+  zv32_use_headers(${name} console_headers)
 endfunction()
 
 find_package(Qt5 5.15 REQUIRED COMPONENTS Core)
