@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks who includes whom, and that no Qt gets into the libraries and the simulator.
+"""Checks who includes whom, that nobody does so in a circle, and that no Qt gets into the libraries and the simulator.
 
 usage: layers.py SOURCE-DIR
 """
@@ -23,7 +23,40 @@ for i, room in enumerate(ROOMS):
 DESCRIPTORS = re.compile(r"(unistd|poll|fcntl|termios|fstream|sys/\w+|linux/.*|net/.*)(\.h)?$")
 WITHOUT_DESCRIPTORS = ["sim/links", "sim/bootloader", "sim/chip"]
 
+# The floors of a folder, from the top, as beginnings of the path. A file includes its own floor and those below.
+FLOORS = {
+    "libs/zvbl": [
+        ["libs/zvbl/Exports", "libs/zvbl/Border.", "libs/zvbl/Registry."],
+        ["libs/zvbl/Session", "libs/zvbl/Links.", "libs/zvbl/Packets."],
+        ["libs/zvbl/framing/"],
+        ["libs/zvbl/transport/"],
+        ["libs/zvbl/"],
+    ],
+}
+
+# Files (a header and its source are one) that may stand in a circle with each other.
+CIRCLES = [
+    # The link makes the bootloader control, which asks the link for its type; the contract names both.
+    {"link/BootLoader", "link/BootOption", "link/CCom"},
+    # A table and its rows: the rows use the type that the table's header declares.
+    {"libs/files/format/" + name for name in ("Formats", "Binary", "IntelHex", "SRecord")},
+    {"usersystemdata/" + name for name in ("CUserSystemData", "Layouts", "SwitchByte")},
+    {"device/Device", "device/Families"},
+    # To be opened.
+    {"app/Connect", "app/Otp", "app/Walk"},
+    {"sim/memory/OptionBytes", "sim/memory/Protection"},
+    {"sim/chip/OptionBytes", "sim/chip/Protection"},
+    {"sim/Fronts", "sim/Options"}
+    | {"sim/fronts/" + name for name in ("CanFront", "CanServer", "SlcanFront", "UsartFront", "VhciFront", "VhciFronts")},
+    {"sim/program/Fronts", "sim/program/Options", "sim/ports/can/CanFront", "sim/ports/can/CanServer"}
+    | {"sim/ports/pty/SlcanFront", "sim/ports/pty/UsartFront", "sim/ports/usb/VhciFront", "sim/ports/usb/VhciFronts"},
+]
+
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.M)
+
+
+def sources_of(root, folder):
+    return [path for path in (root / folder).rglob("*") if path.suffix in (".h", ".cpp")]
 
 
 def complaints(root):
@@ -31,7 +64,7 @@ def complaints(root):
     if rooms != sorted(ROOMS):
         yield f"sim: the rooms are {rooms}"
     for folder, allowed in ALLOWED.items():
-        sources = [p for p in (root / folder).rglob("*") if p.suffix in (".h", ".cpp")]
+        sources = sources_of(root, folder)
         if not sources:
             yield f"{folder}: no sources found"
         for path in sources:
@@ -45,8 +78,55 @@ def complaints(root):
                     yield f"{where} is Qt"
 
 
+def floor_of(name, floors):
+    for number, beginnings in enumerate(floors):
+        if any(name.startswith(beginning) for beginning in beginnings):
+            return number
+    return None
+
+
+def upward(root):
+    for folder, floors in FLOORS.items():
+        for path in sources_of(root, folder):
+            name = str(path.relative_to(root))
+            for _, other in INCLUDE.findall(path.read_text()):
+                above = floor_of(other, floors)
+                if above is not None and "Polling" not in other and above < floor_of(name, floors):
+                    yield f"{name}: {other} is a floor above"
+
+
+def parts(root):
+    """What each header with its source includes: {"link/CCom": {"link/BootLoader", ...}}."""
+    graph = {}
+    for folder in ALLOWED:
+        for path in sources_of(root, folder):
+            part = graph.setdefault(str(path.relative_to(root).with_suffix("")), set())
+            part.update(re.sub(r"\.\w+$", "", name) for kind, name in INCLUDE.findall(path.read_text()) if kind == '"')
+    return graph
+
+
+def reachable(graph, start):
+    seen, todo = set(), [start]
+    while todo:
+        for other in graph.get(todo.pop(), ()):
+            if other not in seen:
+                seen.add(other)
+                todo.append(other)
+    return seen
+
+
+def circles(root):
+    graph = parts(root)
+    below = {part: reachable(graph, part) - {part} for part in graph}
+    found = {frozenset({part} | {other for other in below[part] if part in below.get(other, ())}) for part in graph}
+    for circle in found:
+        if len(circle) > 1 and not any(circle <= allowed for allowed in CIRCLES):
+            yield "a circle: " + ", ".join(sorted(circle))
+
+
 def main():
-    found = list(complaints(pathlib.Path(sys.argv[1])))
+    root = pathlib.Path(sys.argv[1])
+    found = [*complaints(root), *upward(root), *sorted(circles(root))]
     print("\n".join(found) if found else "layers: ok")
     return 1 if found else 0
 

@@ -48,6 +48,16 @@ std::string FakeI2c::next() {
     return m_at < m_script.size() ? m_script[m_at++] : m_rest;
 }
 
+bool FakeI2c::fails(int &error) {
+    const int number = m_count++;
+    if (failAt < 0 || number < failAt)
+        return false;
+    if (number == failAt)
+        unplug();
+    error = errorNamed(failure);
+    return true;
+}
+
 long FakeI2c::transfer(UMockdevIoctlData *argument, int &error) {
     const Pointed record(argument, 0, sizeof(i2c_rdwr_ioctl_data));
     if (record.as<i2c_rdwr_ioctl_data>()->nmsgs != 1)
@@ -61,13 +71,8 @@ long FakeI2c::transfer(UMockdevIoctlData *argument, int &error) {
     error = EIO;
     if (told.addr != address || (told.flags & ~I2C_M_RD))
         complain("address " + std::to_string(told.addr) + ", flags " + std::to_string(told.flags));
-    const int number = m_count++;
-    if (failAt >= 0 && number >= failAt) {
-        if (number == failAt)
-            unplug();
-        error = errorNamed(failure);
+    if (fails(error))
         return -1;
-    }
     const std::string line = next();
     const std::size_t mark = line.find('!');
     if (!line.empty() && line[0] != '!' && line[0] != (reads ? '<' : '>')) {

@@ -29,6 +29,7 @@ protected:
     long answer(unsigned long request, UMockdevIoctlData *argument, int &error) override;
 
 private:
+    bool fails(int &error);
     long transfer(UMockdevIoctlData *argument, int &error);
     std::string next();
     void complain(const std::string &what);
