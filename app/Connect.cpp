@@ -113,13 +113,10 @@ bool connectLine(const LinkCommand &command, int argc, char **argv, int &arg_ind
 bool openFirstDfuDevice(CCom *&obCCom) {
     CComManager comManager;
     comManager.SetInterfaceType(INTERFACE_USBDFU);
-    signed char num = 99;
-    std::vector<unsigned short> vidlist(255);
-    std::vector<unsigned short> pidlist(255);
-    TDeviceInfo di = {};
-    if (ZVBL_GetZVDeviceList(&num, vidlist.data(), pidlist.data(), &di) != 0 || num < 1)
+    const int count = CComManager::CountDfuDevices();
+    if (count < 1)
         return fail("Unable to get DFU device");
-    const QList<CCom> devices = comManager.getCom(num);
+    const QList<CCom> devices = comManager.getCom(count);
     if (devices.isEmpty())
         return fail("Don't have DFU device!");
     obCCom = keep(std::make_unique<CCom>());

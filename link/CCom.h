@@ -112,6 +112,8 @@ public:
     QList<CCom> getCom(int nPortNum);
     // Whether a USART port is open or opens; true on every other link.
     bool IsCanbeOpen(int iPortNum);
+    // How many USB DFU devices there are; 0 when they cannot be listed.
+    static int CountDfuDevices();
     // Whether a USB DFU device can be reached; true without any library call on a run over another link,
     // which the shared parameter record tells.
     static bool InitZVDFUDeviceList();

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr signed char MostDevices = 99;
+constexpr signed char mostDevices = 99;
 
 } // namespace
 
@@ -37,16 +37,19 @@ bool CComManager::IsCanbeOpen(int iPortNum) {
     return true;
 }
 
+int CComManager::CountDfuDevices() {
+    signed char count = mostDevices;
+    unsigned short vendorIds[255] = {};
+    unsigned short productIds[255] = {};
+    TDeviceInfo info = {};
+    return ZVBL_GetZVDeviceList(&count, vendorIds, productIds, &info) == 0 && count > 0 ? count : 0;
+}
+
 bool CComManager::InitZVDFUDeviceList() {
     if (g_shareParameter.m_InterfaceType != INTERFACE_USBDFU)
         return true;
     CComManager manager;
     manager.SetInterfaceType(INTERFACE_USBDFU);
-    signed char count = MostDevices;
-    unsigned short vendorIds[255] = {};
-    unsigned short productIds[255] = {};
-    TDeviceInfo info = {};
-    if (ZVBL_GetZVDeviceList(&count, vendorIds, productIds, &info) != 0 || count < 1)
-        return false;
-    return !manager.getCom(count).isEmpty();
+    const int count = CountDfuDevices();
+    return count > 0 && !manager.getCom(count).isEmpty();
 }
