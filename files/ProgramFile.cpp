@@ -1,11 +1,9 @@
 #include "files/ProgramFile.h"
 
+#include "device/SpimSectors.h"
 #include "foundation/Result.h"
 
 namespace {
-
-// Sector numbers from here on name the elements after main flash.
-constexpr int firstSpimSector = 32768;
 
 bool hasMap(const CDevice *device) {
     return device != nullptr && device->m_CMapping != nullptr && device->m_CMapping->GetIpMapping() != nullptr;

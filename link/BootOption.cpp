@@ -17,7 +17,7 @@ struct AutoConnectRow {
 // How a board is wired: which line resets the chip, which one selects the bootloader, and the state in which
 // each does so. Row 0 moves no line and only waits.
 // clang-format off
-constexpr AutoConnectRow AutoConnectTable[] = {
+constexpr AutoConnectRow autoConnectTable[] = {
     {BOOTOPTION_NONE, BOOTOPTION_NONE, LOW, HIGH},
     {BOOTOPTION_DTR, BOOTOPTION_NONE, LOW, HIGH},
     {BOOTOPTION_DTR, BOOTOPTION_RTS, LOW, LOW},
@@ -33,7 +33,7 @@ constexpr AutoConnectRow AutoConnectTable[] = {
     {BOOTOPTION_RTS, BOOTOPTION_DTR, HIGH, HIGH},
 };
 // clang-format on
-constexpr unsigned int AutoConnectRows = sizeof AutoConnectTable / sizeof *AutoConnectTable;
+constexpr unsigned int autoConnectRows = sizeof autoConnectTable / sizeof *autoConnectTable;
 
 BootOptionState opposite(BootOptionState state) {
     return state == HIGH ? LOW : HIGH;
@@ -58,9 +58,9 @@ bool CCom::SetBootOption() {
     if (m_InterfaceType != INTERFACE_USART)
         return true;
     const auto index = static_cast<unsigned int>(m_AutoSwitchIndex);
-    if (m_emBootSwitch != AUTOMATIC || index >= AutoConnectRows)
+    if (m_emBootSwitch != AUTOMATIC || index >= autoConnectRows)
         return false;
-    const AutoConnectRow &row = AutoConnectTable[index];
+    const AutoConnectRow &row = autoConnectTable[index];
     return SetBootOption(row.reset, row.bootSelection, row.resetState, row.bootSelectionState);
 }
 

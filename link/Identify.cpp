@@ -9,22 +9,22 @@
 
 namespace {
 
-constexpr BYTE DefaultSeries = 2; // of the chips with the short identifier
-constexpr BYTE ShortIdentifier = 2;
-constexpr BYTE LongIdentifier = 5;
-constexpr int StatusReadFail = 5;
-constexpr int StatusBadArgument = 33;
+constexpr BYTE defaultSeries = 2; // of the chips with the short identifier
+constexpr BYTE shortIdentifier = 2;
+constexpr BYTE longIdentifier = 5;
+constexpr int statusReadFail = 5;
+constexpr int statusBadArgument = 33;
 
-constexpr unsigned int BlockIdentifierAddress = 0x1FFFB100;
-constexpr unsigned int BlockIdentifierLength = 8;
-constexpr unsigned int UniqueIdAddress = 0x1FFFF7E8;
-constexpr unsigned int UniqueIdLength = 12;
+constexpr unsigned int blockIdentifierAddress = 0x1FFFB100;
+constexpr unsigned int blockIdentifierLength = 8;
+constexpr unsigned int uniqueIdAddress = 0x1FFFF7E8;
+constexpr unsigned int uniqueIdLength = 12;
 
-constexpr int FlashSizeMask = 0x7C0;
-constexpr int FlashSizeShift = 6;
-constexpr int FlashSizes[] = {16,  24,   32,   48,   64,   72,   96,  128, 192,  256,  384, 512,
+constexpr int flashSizeMask = 0x7C0;
+constexpr int flashSizeShift = 6;
+constexpr int flashSizes[] = {16,  24,   32,   48,   64,   72,   96,  128, 192,  256,  384, 512,
                               768, 1024, 1536, 2048, 4096, 5120, 192, 960, 1984, 4032, 448};
-constexpr int FlashSizeCount = sizeof FlashSizes / sizeof *FlashSizes;
+constexpr int flashSizeCount = sizeof flashSizes / sizeof *flashSizes;
 
 std::string hexByte(BYTE value) {
     char text[3];
@@ -40,20 +40,20 @@ std::string hexPair(BYTE high, BYTE low) {
 
 int CBootLoader::GetPID(std::string &strPID, BYTE &chipSeries) {
     strPID.clear();
-    chipSeries = DefaultSeries;
+    chipSeries = defaultSeries;
     BYTE size = 0;
     int status = ZVBL_GET_ID(m_handle, &size, nullptr);
     if (status != 0)
         return CResult::Convert(status);
     // MEANT: a bare status value, which the next caller converts.
-    if (size != ShortIdentifier && size != LongIdentifier)
-        return StatusReadFail;
+    if (size != shortIdentifier && size != longIdentifier)
+        return statusReadFail;
     BYTE id[256] = {}; // whatever length the second answer has
     BYTE sizeAgain = size;
     status = ZVBL_GET_ID(m_handle, &sizeAgain, id);
     if (status != 0)
         return CResult::Convert(status);
-    if (size == ShortIdentifier) {
+    if (size == shortIdentifier) {
         strPID = hexPair(id[0], id[1]);
     } else {
         strPID = hexPair(id[2], id[3]) + hexPair(id[0], id[1]);
@@ -63,8 +63,8 @@ int CBootLoader::GetPID(std::string &strPID, BYTE &chipSeries) {
 }
 
 int CBootLoader::ZV32GetFlashSize(int value) const {
-    const int index = (value & FlashSizeMask) >> FlashSizeShift;
-    return index < FlashSizeCount ? FlashSizes[index] : 0;
+    const int index = (value & flashSizeMask) >> flashSizeShift;
+    return index < flashSizeCount ? flashSizes[index] : 0;
 }
 
 int CBootLoader::identify(std::string &pid, std::string &series, int &flashSize) {
@@ -121,17 +121,17 @@ int CBootLoader::GetVersion(std::string &strVersion, std::string &strBid) {
 }
 
 int CBootLoader::GetBID(std::string) {
-    BYTE block[BlockIdentifierLength] = {};
-    const int status = ZVBL_UPLOAD(m_handle, BlockIdentifierAddress, block, sizeof block);
+    BYTE block[blockIdentifierLength] = {};
+    const int status = ZVBL_UPLOAD(m_handle, blockIdentifierAddress, block, sizeof block);
     return CResult::Convert(status);
 }
 
 int CBootLoader::GetUID(BYTE *bUID) {
     // MEANT: a bare status value.
     if (bUID == nullptr)
-        return StatusBadArgument;
-    BYTE uid[UniqueIdLength] = {};
-    const int status = ZVBL_UPLOAD(m_handle, UniqueIdAddress, uid, sizeof uid);
+        return statusBadArgument;
+    BYTE uid[uniqueIdLength] = {};
+    const int status = ZVBL_UPLOAD(m_handle, uniqueIdAddress, uid, sizeof uid);
     if (status == 0)
         std::memcpy(bUID, uid, sizeof uid);
     return CResult::Convert(status);

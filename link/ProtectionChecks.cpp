@@ -5,17 +5,13 @@
 #include <QSet>
 
 #include "device/Families.h"
+#include "device/SpimSectors.h"
 #include "foundation/Result.h"
+#include "link/AccessProtection.h"
 #include "link/BootLoader.h"
-#include "link/Refusal.h"
 #include "usersystemdata/CUserSystemData.h"
 
 namespace {
-
-constexpr BYTE AccessProtectionOff = 0xA5;
-constexpr int FirstSpimSector = 32768;
-constexpr uint MassEraseMilliseconds = 100000;
-constexpr uint UsualMilliseconds = 5000;
 
 // Whether erase and program protection covers one of the sectors; an empty list is the whole device.
 bool coversOneOf(CUserSystemData &optionBytes, const QList<int> &sectors, bool haveSpim) {
@@ -28,7 +24,7 @@ bool coversOneOf(CUserSystemData &optionBytes, const QList<int> &sectors, bool h
     const int spimItem = flashSectors;
     const QList<int> items = optionBytes.GetEPPMapSectorIndex(flashSectors + 1);
     const auto isProtected = [items = QSet<int>(items.begin(), items.end()), spimItem](int sector) {
-        return items.contains(sector >= FirstSpimSector ? spimItem : sector);
+        return items.contains(sector >= firstSpimSector ? spimItem : sector);
     };
     if (!sectors.isEmpty())
         return std::any_of(sectors.begin(), sectors.end(), isProtected);
@@ -46,7 +42,7 @@ int CBootLoader::GetAccessProtectiosStatus(bool *protectedFlag) {
     if (isRefusal(result))
         return CResult::SUCCESS;
     if (result == CResult::SUCCESS)
-        *protectedFlag = !block.empty() && block[0] != AccessProtectionOff;
+        *protectedFlag = !block.empty() && block[0] != accessProtectionOff;
     return result;
 }
 
@@ -78,12 +74,4 @@ int CBootLoader::HasBeenEraseProgramProtect(QList<int> sectors) {
                                 static_cast<quint32>(block.size()));
     return coversOneOf(optionBytes, sectors, m_ObDevice->m_haveBank3) ? CResult::SYS_ERASEPROGRAM_PROTECTION
                                                                       : CResult::SUCCESS;
-}
-
-int CBootLoader::ReadoutUnProtectNoThread() {
-    // The chip erases its flash before it answers.
-    SetTimeOut(m_handle, MassEraseMilliseconds);
-    const int status = ZVBL_ACCESS_PERM_UNPROTECT(m_handle);
-    SetTimeOut(m_handle, UsualMilliseconds);
-    return status != 0 ? CResult::Convert(status) : Reconnect();
 }

@@ -8,16 +8,16 @@
 
 namespace {
 
-constexpr int Attempts = 5;
-constexpr unsigned long AttemptMilliseconds = 2000;
-constexpr unsigned long BootloaderMilliseconds = 100;
+constexpr int attempts = 5;
+constexpr unsigned long attemptMilliseconds = 2000;
+constexpr unsigned long bootloaderMilliseconds = 100;
 
 } // namespace
 
 int reopenAfterReset(HANDLE handle) {
     int status = Interface_Close(handle);
-    for (int attempt = 0; attempt < Attempts; ++attempt) {
-        QThread::msleep(AttemptMilliseconds);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        QThread::msleep(attemptMilliseconds);
         if (!CComManager::InitZVDFUDeviceList())
             return CResult::SUCCESS;
         status = Interface_Open(handle);
@@ -28,7 +28,7 @@ int reopenAfterReset(HANDLE handle) {
 }
 
 void waitForBootloader() {
-    QThread::msleep(BootloaderMilliseconds);
+    QThread::msleep(bootloaderMilliseconds);
 }
 
 int CBootLoader::Reconnect() {

@@ -1,13 +1,12 @@
-// What makes the target leave its bootloader or start it anew, and the direct way to the SPIM.
+// What makes the target leave its bootloader or start it anew.
 
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
 
 namespace {
 
-constexpr uint LastWordBeforeFlash = 0x7FFFFFC; // the last word of a flash of size 0
-constexpr uint BytesPerKilobyte = 1024;
-constexpr int BytesPerMegabyteShift = 20;
+constexpr uint lastWordBeforeFlash = 0x7FFFFFC; // the last word of a flash of size 0
+constexpr uint bytesPerKilobyte = 1024;
 
 } // namespace
 
@@ -20,7 +19,7 @@ int CBootLoader::ResetMcu403B() {
     if (m_ObDevice == nullptr)
         return CResult::UNKNOWN_ERROR;
     const uint flashSize = static_cast<uint>(m_ObDevice->m_IFlashSize);
-    const int result = JumpToUserProgram(LastWordBeforeFlash + flashSize * BytesPerKilobyte);
+    const int result = JumpToUserProgram(lastWordBeforeFlash + flashSize * bytesPerKilobyte);
     return result != CResult::SUCCESS ? result : Reconnect();
 }
 
@@ -35,15 +34,4 @@ int CBootLoader::JumpToUserProgram(uint addr) {
     if (status == 0)
         m_bHasJumpToUserProgram = true;
     return CResult::Convert(status);
-}
-
-int CBootLoader::EnableSPIM(EnBank3Param param) {
-    if (param.m_bRemapFlag) {
-        const int status = ZVBL_SPIMREMAP(m_handle, 1);
-        if (status != 0)
-            return CResult::Convert(status);
-    }
-    // MEANT: this status goes back as it is.
-    return ZVBL_EnableBank3(m_handle, param.m_bFlashType, param.m_uiFlashSize << BytesPerMegabyteShift,
-                            param.m_uiFlashDA);
 }

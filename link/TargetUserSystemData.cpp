@@ -14,11 +14,11 @@
 namespace {
 
 // Bytes of an element form that is taken at all.
-constexpr quint32 LongestElement = 4096;
-constexpr quint32 ShortestElement = USERSYSTEMDATA_LENGTH_403;
+constexpr quint32 longestElement = 4096;
+constexpr quint32 shortestElement = USERSYSTEMDATA_LENGTH_403;
 
 bool isElementLength(DWORD length) {
-    return length >= ShortestElement && length <= LongestElement;
+    return length >= shortestElement && length <= longestElement;
 }
 
 } // namespace
@@ -149,7 +149,7 @@ int CBootLoader::LoadUserSystemDataToDevice(BYTE *data, quint32 len) {
     const int result = ensureUserSystemData();
     if (result != CResult::SUCCESS)
         return result;
-    if (len > LongestElement)
+    if (len > longestElement)
         return CResult::FILES_BADPARAMETER;
     // MEANT: there is no lower limit here; too little data writes what the chip holds.
     m_ObUserSystemData->SetElementData(data, len);

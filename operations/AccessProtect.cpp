@@ -12,17 +12,11 @@ constexpr BYTE basicLevel = 1;
 constexpr BYTE highLevel = 2;
 } // namespace
 
-CAccessProtect::CAccessProtect(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_ACCESS_PROTECT;
-    m_strName = CResult::GetInfoString(Info_Operation_FAP_E);
-}
+CAccessProtect::CAccessProtect(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_ACCESS_PROTECT, Info_Operation_FAP_E) {}
 
 void CAccessProtect::SetParameters(void *p) {
     m_protectLevel = *static_cast<BYTE *>(p);
-}
-
-int CAccessProtect::InitAction() {
-    return COperation::InitAction();
 }
 
 int CAccessProtect::Action() {
@@ -40,9 +34,7 @@ int CAccessProtect::Action() {
         return result;
     if (!isProtected)
         return CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING;
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }
 
 int CAccessProtect::send() {

@@ -8,7 +8,6 @@ class CAccessProtect : public COperation {
 public:
     explicit CAccessProtect(CBootLoader *obBootLoader);
 
-    int InitAction() override;
     // SYS_CMD_NOT_ALLOWED, and nothing sent, for a level that the chip does not have.
     // PROGRAM_VERIFY_DATA_NOT_MATCHING when the chip took the command and is open all the same.
     int Action() override;

@@ -3,25 +3,19 @@
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
+#include "link/ReplyLimit.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
 
-CAccessUnProtect::CAccessUnProtect(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_ACCESS_UNPROTECT;
-    m_strName = CResult::GetInfoString(Info_Operation_FAP_D);
-}
-
-int CAccessUnProtect::InitAction() {
-    return COperation::InitAction();
-}
+CAccessUnProtect::CAccessUnProtect(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_ACCESS_UNPROTECT, Info_Operation_FAP_D) {}
 
 int CAccessUnProtect::Action() {
     if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
     HANDLE link = m_obBootLoader->m_handle;
-    SetTimeOut(link, jobsteps::longTimeout);
+    SetTimeOut(link, replylimit::whileErasing);
     const int status = ZVBL_ACCESS_PERM_UNPROTECT(link);
-    jobsteps::restoreTimeout(link);
+    replylimit::restore(link);
     if (status != 0)
         return CResult::Convert(status);
     int result = m_obBootLoader->Reconnect();
@@ -33,7 +27,5 @@ int CAccessUnProtect::Action() {
         return result;
     if (isProtected)
         return CResult::SYS_ACCESS_PROTECTION;
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }

@@ -7,7 +7,6 @@ class CAccessUnProtect : public COperation {
 public:
     explicit CAccessUnProtect(CBootLoader *obBootLoader);
 
-    int InitAction() override;
     // SYS_ACCESS_PROTECTION when the chip took the command and is protected all the same.
     int Action() override;
 };

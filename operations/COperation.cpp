@@ -12,6 +12,11 @@ COperation::~COperation() {
     WaitUntilEnded();
 }
 
+COperation::COperation(CBootLoader *obBootLoader, OP_Type kind, const std::string &name) : COperation(obBootLoader) {
+    m_EmType = kind;
+    m_strName = CResult::GetInfoString(name);
+}
+
 void COperation::run() {
     m_run.watchThisThread();
     for (const ThreadEnd &earlier : m_earlierRuns)
@@ -106,6 +111,18 @@ void COperation::CalculatePercent() {
 
 void COperation::CalculatePercent(QObject) {
     m_ActionInfo.m_iPercent = 100;
+}
+
+int COperation::done() {
+    CalculatePercent();
+    CallCommand(COMMAND_DONE);
+    return 0;
+}
+
+void COperation::showBytes(uint bytes, uint fileSize) {
+    m_ActionInfo.m_uiFileStatus = bytes;
+    m_ActionInfo.m_iPercent =
+        fileSize == 0 ? 100 : static_cast<int>(100.0 * static_cast<double>(bytes) / static_cast<double>(fileSize));
 }
 
 void COperation::SetParameters(void *) {}

@@ -23,6 +23,8 @@ class COperation : public QThread {
 public:
     COperation() = default;
     explicit COperation(CBootLoader *obBootLoader);
+    // A job of that kind; name is the key of its display name.
+    COperation(CBootLoader *obBootLoader, OP_Type kind, const std::string &name);
     // A job may be deleted once WaitUntilEnded has returned; CBootLoader::FreeOperation does both.
     ~COperation() override;
 
@@ -83,6 +85,12 @@ public:
     std::string m_strInfoStringName; // with INFO_TYPE_INFO, which no job raises
     static uint crc32table[258];     // MEANT: declared only, as the host computes no CRC
     lpFunc m_lpFunc = nullptr;
+
+protected:
+    // Ends the work: the percent, and COMMAND_DONE. Returns 0.
+    int done();
+    // Sets bytes and percent of the progress, truncated and multiplied first. A file of no bytes is all done.
+    void showBytes(uint bytes, uint fileSize);
 
 private:
     int startThread();

@@ -4,30 +4,25 @@
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
+#include "link/ReplyLimit.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
+#include "operations/SlibArea.h"
 
 namespace {
 constexpr int statusRefused = 0x14; // the chip took the command and refused what came with it
 } // namespace
 
-CDisableSlib::CDisableSlib(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_DISSLIB;
-    m_strName = CResult::GetInfoString(Info_Operation_DisableSlib);
-}
+CDisableSlib::CDisableSlib(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_DISSLIB, Info_Operation_DisableSlib) {}
 
 void CDisableSlib::SetParameters(void *p) {
     m_uiPassword = *static_cast<uint *>(p);
 }
 
-int CDisableSlib::InitAction() {
-    return COperation::InitAction();
-}
-
 int CDisableSlib::Action() {
     if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
-    if (!jobsteps::isSlibPassword(m_uiPassword))
+    if (!isSlibPassword(m_uiPassword))
         return CResult::SLIB_DISABLE_PASSWORD_ERROR;
     if (m_obBootLoader->m_pCmds->DISABLE_SLIB_CMD != 1)
         return CResult::SYS_CMD_NOT_ALLOWED;
@@ -38,9 +33,7 @@ int CDisableSlib::Action() {
         result = disable();
     if (result != 0)
         return result;
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }
 
 int CDisableSlib::readEnabled(bool &enabled) {
@@ -52,9 +45,9 @@ int CDisableSlib::readEnabled(bool &enabled) {
 
 int CDisableSlib::disable() {
     HANDLE link = m_obBootLoader->m_handle;
-    SetTimeOut(link, jobsteps::longTimeout);
+    SetTimeOut(link, replylimit::whileErasing);
     const int status = ZVBL_DisableSlib(link, m_uiPassword);
-    jobsteps::restoreTimeout(link);
+    replylimit::restore(link);
     if (status != 0)
         return status == statusRefused ? CResult::SLIB_DISABLE_PASSWORD_ERROR : CResult::Convert(status);
     int result = m_obBootLoader->Reconnect();

@@ -7,7 +7,6 @@ class CDisableSlib : public COperation {
 public:
     explicit CDisableSlib(CBootLoader *obBootLoader);
 
-    int InitAction() override;
     // SLIB_DISABLE_PASSWORD_ERROR, and nothing changed, for a password that cannot be or is not the one.
     // SLIB_HASBEEN_ENABLE_ERROR when the chip took the command and shows the area all the same.
     int Action() override;

@@ -9,7 +9,7 @@
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
+#include "operations/Target.h"
 #include "usersystemdata/CUserSystemData.h"
 
 namespace {
@@ -22,10 +22,7 @@ bool keysAreBlank(const CUserSystemData &data) {
 
 } // namespace
 
-CEnBank3::CEnBank3(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_ENBANK3;
-    m_strName = CResult::GetInfoString(Info_Operation_ENBANK3);
-}
+CEnBank3::CEnBank3(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_ENBANK3, Info_Operation_ENBANK3) {}
 
 void CEnBank3::SetParameters(void *p) {
     m_Parameters = *static_cast<EnBank3Param *>(p);
@@ -48,15 +45,13 @@ int CEnBank3::Action() {
     const int status = ZVBL_EnableBank3(link, m_Parameters.m_bFlashType, m_Parameters.m_uiFlashSize << 10, address);
     if (status != 0)
         return CResult::Convert(status);
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }
 
 // A bank whose keys are blank has no encrypted range. Keys that the chip does not show now, because it is
 // under access protection, decide nothing: it answers the enabling itself.
 uint CEnBank3::flashAddress() {
     const bool isRead = m_obBootLoader->GetUserSystemData() == 0;
-    const bool isAsked = isRead && jobsteps::familyOf(m_obBootLoader).has(blankKeysOpenBank3);
+    const bool isAsked = isRead && target::familyOf(m_obBootLoader).has(blankKeysOpenBank3);
     return isAsked && keysAreBlank(*m_obBootLoader->m_ObUserSystemData) ? 0 : m_Parameters.m_uiFlashDA;
 }

@@ -6,23 +6,17 @@
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
+#include "operations/SlibArea.h"
+#include "operations/Target.h"
 
 namespace {
 constexpr ushort noDataPart = 0xFFFF;
 } // namespace
 
-CEnableSlib::CEnableSlib(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_ENSLIB;
-    m_strName = CResult::GetInfoString(Info_Operation_EnableSlib);
-}
+CEnableSlib::CEnableSlib(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_ENSLIB, Info_Operation_EnableSlib) {}
 
 void CEnableSlib::SetParameters(void *p) {
     m_Parameters = *static_cast<EnableSlibParam *>(p);
-}
-
-int CEnableSlib::InitAction() {
-    return COperation::InitAction();
 }
 
 int CEnableSlib::Action() {
@@ -39,16 +33,14 @@ int CEnableSlib::Action() {
         result = readBack();
     if (result != 0)
         return result;
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }
 
 int CEnableSlib::checkRecord() const {
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    const CDevice *device = target::deviceOf(m_obBootLoader);
     if (!device || device->m_ISectorSize == 0)
         return CResult::UNKNOWN_ERROR;
-    if (!jobsteps::isSlibPassword(m_Parameters.m_uiPassword))
+    if (!isSlibPassword(m_Parameters.m_uiPassword))
         return CResult::SLIB_PASSWORD_ERROR;
     const uint sectors = static_cast<uint>(device->m_IFlashSize) * 1024 / device->m_ISectorSize;
     if (m_Parameters.m_usStartSector >= sectors)
@@ -71,14 +63,11 @@ int CEnableSlib::checkChip() {
 }
 
 int CEnableSlib::readBack() {
-    BYTE enabled = 0;
-    ushort start = 0;
-    ushort startData = 0;
-    ushort end = 0;
-    const int status = ZVBL_GetSlibStatus_Ex(m_obBootLoader->m_handle, &enabled, &start, &startData, &end);
-    if (status != 0)
-        return CResult::Convert(status);
-    const bool asAsked = enabled == 1 && start == m_Parameters.m_usStartSector &&
-                         startData == m_Parameters.m_usStartDataSector && end == m_Parameters.m_usEndSector;
+    SlibArea area;
+    const int result = readSlibArea(*m_obBootLoader, area);
+    if (result != 0)
+        return result;
+    const bool asAsked = area.isEnabled && area.start == m_Parameters.m_usStartSector &&
+                         area.startData == m_Parameters.m_usStartDataSector && area.end == m_Parameters.m_usEndSector;
     return asAsked ? 0 : CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING;
 }

@@ -17,7 +17,6 @@ class CEnableSlib : public COperation {
 public:
     explicit CEnableSlib(CBootLoader *obBootLoader);
 
-    int InitAction() override;
     // A SLIB_... code, and nothing changed, for a password, a range or a state that does not allow it.
     // PROGRAM_VERIFY_DATA_NOT_MATCHING when the chip took the command and shows another area, or none.
     int Action() override;

@@ -4,8 +4,9 @@
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
+#include "link/ReplyLimit.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
+#include "operations/Target.h"
 
 namespace {
 
@@ -22,10 +23,7 @@ constexpr unsigned int saveTimeout = 5;
 
 } // namespace
 
-CErase::CErase(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_ERASE;
-    m_strName = CResult::GetInfoString(Info_Operation_Erase);
-}
+CErase::CErase(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_ERASE, Info_Operation_Erase) {}
 
 int CErase::InitAction() {
     return COperation::InitAction();
@@ -38,7 +36,7 @@ void CErase::SetParameters(void *p) {
 int CErase::Action() {
     m_iAllSectorNum = 0;
     m_iAddSectorNum = 0;
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    const CDevice *device = target::deviceOf(m_obBootLoader);
     if (!device)
         return CResult::UNKNOWN_ERROR;
     const QList<int> &blocks = m_parameters.m_iBlockIndex;
@@ -66,13 +64,13 @@ QList<int> CErase::GetNecessarySectorIndexFromBlockIndex(QList<int> BlockIndex, 
     if (sectorSize == 0)
         return sectors;
     for (const int block : BlockIndex) {
-        const uint begin = static_cast<uint>(block) * BlockSize + jobsteps::flashBase;
-        const uint end = (static_cast<uint>(block) + 1) * BlockSize + jobsteps::flashBase;
+        const uint begin = static_cast<uint>(block) * BlockSize + target::flashBase;
+        const uint end = (static_cast<uint>(block) + 1) * BlockSize + target::flashBase;
         // MEANT: a block at or beyond SPIM's base is dropped here, and erased all the same.
-        if (end >= jobsteps::spimBase)
+        if (end >= target::spimBase)
             continue;
-        const uint endSector = (end - jobsteps::flashBase) / sectorSize;
-        for (uint sector = (begin - jobsteps::flashBase) / sectorSize; sector < endSector; ++sector)
+        const uint endSector = (end - target::flashBase) / sectorSize;
+        for (uint sector = (begin - target::flashBase) / sectorSize; sector < endSector; ++sector)
             sectors.append(static_cast<int>(sector));
     }
     return sectors;
@@ -91,15 +89,13 @@ int CErase::Erase() {
 }
 
 int CErase::eraseDevice() {
-    SetTimeOut(m_obBootLoader->m_handle, jobsteps::longTimeout);
+    SetTimeOut(m_obBootLoader->m_handle, replylimit::whileErasing);
     const int erased = eraseBanks();
     const int restored = SetTimeOut(m_obBootLoader->m_handle, saveTimeout * 1000);
     const int status = erased != 0 ? erased : restored;
     if (status != 0)
         return CResult::Convert(status);
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }
 
 int CErase::eraseBanks() {
@@ -117,7 +113,7 @@ int CErase::eraseBanks() {
 int CErase::eraseBlocks(bool &goOn) {
     int result = 0;
     for (const int block : m_parameters.m_iBlockIndex) {
-        const uint address = m_obBootLoader->m_ObDevice->m_BlockSize * static_cast<uint>(block) + jobsteps::flashBase;
+        const uint address = m_obBootLoader->m_ObDevice->m_BlockSize * static_cast<uint>(block) + target::flashBase;
         result = unitDone(ZVBL_BLOCK_ERASE(m_obBootLoader->m_handle, oneBlock, address), goOn);
         if (!goOn)
             break;

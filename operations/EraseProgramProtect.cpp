@@ -11,17 +11,11 @@
 #include "link/ZVBLLIB.h"
 #include "operations/ProtectionBits.h"
 
-CEraseProgramProtect::CEraseProgramProtect(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_ERASEPROGRAM_PROTECT;
-    m_strName = CResult::GetInfoString(Info_Operation_EPP_E);
-}
+CEraseProgramProtect::CEraseProgramProtect(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_ERASEPROGRAM_PROTECT, Info_Operation_EPP_E) {}
 
 void CEraseProgramProtect::SetParameters(void *p) {
     m_iSectorIndex = *static_cast<QList<int> *>(p);
-}
-
-int CEraseProgramProtect::InitAction() {
-    return COperation::InitAction();
 }
 
 int CEraseProgramProtect::Action() {
@@ -40,9 +34,7 @@ int CEraseProgramProtect::Action() {
         result = readBack(asked);
     if (result != 0)
         return result;
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }
 
 // Bits that are protected already go along, so that they stay so on a chip that takes the list for the

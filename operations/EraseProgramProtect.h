@@ -10,7 +10,6 @@ class CEraseProgramProtect : public COperation {
 public:
     explicit CEraseProgramProtect(CBootLoader *obBootLoader);
 
-    int InitAction() override;
     // PROGRAM_VERIFY_DATA_NOT_MATCHING when the chip took the command and a sector asked for is open.
     int Action() override;
     void SetParameters(void *p) override; // a QList<int> of sector numbers

@@ -8,14 +8,8 @@
 #include "link/ZVBLLIB.h"
 #include "operations/ProtectionBits.h"
 
-CEraseProgramUnProtect::CEraseProgramUnProtect(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_ERASEPROGRAM_UNPROTECT;
-    m_strName = CResult::GetInfoString(Info_Operation_EPP_D);
-}
-
-int CEraseProgramUnProtect::InitAction() {
-    return COperation::InitAction();
-}
+CEraseProgramUnProtect::CEraseProgramUnProtect(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_ERASEPROGRAM_UNPROTECT, Info_Operation_EPP_D) {}
 
 int CEraseProgramUnProtect::Action() {
     if (!m_obBootLoader)
@@ -32,7 +26,5 @@ int CEraseProgramUnProtect::Action() {
         return result;
     if (!protectedBits.isEmpty())
         return CResult::SYS_ERASEPROGRAM_PROTECTION;
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }

@@ -8,7 +8,6 @@ class CEraseProgramUnProtect : public COperation {
 public:
     explicit CEraseProgramUnProtect(CBootLoader *obBootLoader);
 
-    int InitAction() override;
     // SYS_ERASEPROGRAM_PROTECTION when the chip took the command and a sector is protected all the same.
     int Action() override;
 };

@@ -5,12 +5,11 @@
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "foundation/ShareParameter.h"
-#include "operations/JobSteps.h"
+#include "operations/FileTitle.h"
+#include "operations/Images.h"
+#include "operations/Target.h"
 
-CFWCRC::CFWCRC(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_FWCRC;
-    m_strName = CResult::GetInfoString(Info_Operation_FWCRC);
-}
+CFWCRC::CFWCRC(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_FWCRC, Info_Operation_FWCRC) {}
 
 void CFWCRC::SetParameters(void *p) {
     m_Parameters = *static_cast<FWCRCParam *>(p);
@@ -21,9 +20,9 @@ int CFWCRC::InitAction() {
         return CResult::UNKNOWN_ERROR;
     std::string fileName;
     // MEANT: a path without "/" ends the preparation before anything is opened.
-    if (!jobsteps::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName))
+    if (!filetitle::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName))
         return 0;
-    m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_FWCRC), fileName);
+    m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_FWCRC), fileName);
     COperation::InitAction();
     const int result = OpenFile();
     return result != 0 ? result : ConfirmAddressOffset();
@@ -34,7 +33,7 @@ int CFWCRC::OpenFile() {
     for (const std::string &path : m_Parameters.m_strDownPathFile) {
         CProgramFile file;
         file.SetOptimizeForOpen(false);
-        const int result = jobsteps::openImage(file, path, jobsteps::deviceOf(m_obBootLoader));
+        const int result = images::open(file, path, target::deviceOf(m_obBootLoader));
         if (result != 0)
             return result;
         m_obProgramFile.append(file);
@@ -52,8 +51,7 @@ int CFWCRC::ConfirmAddressOffset() {
     m_uiAddressOffset.clear();
     for (int i = 0; i < m_obProgramFile.size(); ++i) {
         uint offset = 0;
-        const int result =
-            jobsteps::addressOffsetOf(m_obProgramFile[i], m_Parameters.m_uiStartAddress.value(i), offset);
+        const int result = images::addressOffset(m_obProgramFile[i], m_Parameters.m_uiStartAddress.value(i), offset);
         if (result != 0)
             return result;
         m_uiAddressOffset.append(offset);
@@ -62,16 +60,16 @@ int CFWCRC::ConfirmAddressOffset() {
 }
 
 int CFWCRC::Action() {
-    const bool first403 = jobsteps::familyOf(m_obBootLoader).has(firstFirmwareCrc);
+    const bool first403 = target::familyOf(m_obBootLoader).has(firstFirmwareCrc);
     for (int i = 0; i < m_obProgramFile.size(); ++i) {
         if (i > 0) {
             m_InitInfo.m_strFilePath = m_obProgramFile.at(i).m_StrPath;
             m_InitInfo.m_uiFileSize = m_obProgramFile.at(i).m_UiFileSize;
             std::string fileName;
             // MEANT: the command stays, so Work calls again from the first file.
-            if (!jobsteps::fileNameOf(m_obProgramFile.at(i).m_StrPath, fileName))
+            if (!filetitle::fileNameOf(m_obProgramFile.at(i).m_StrPath, fileName))
                 return 0;
-            m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_FWCRC), fileName);
+            m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_FWCRC), fileName);
             m_InitInfo.m_strName = m_strName;
             Callback(INFO_TYPE_INIT);
         }

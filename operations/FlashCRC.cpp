@@ -4,17 +4,14 @@
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
+#include "link/ReplyLimit.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
 
 namespace {
 constexpr unsigned long settleMs = 50;
 } // namespace
 
-CFlashCRC::CFlashCRC(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_FLASHCRC;
-    m_strName = CResult::GetInfoString(Info_Operation_FlashCRC);
-}
+CFlashCRC::CFlashCRC(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_FLASHCRC, Info_Operation_FlashCRC) {}
 
 void CFlashCRC::SetParameters(void *p) {
     m_Parameters = *static_cast<FlashCRCParam *>(p);
@@ -31,18 +28,17 @@ int CFlashCRC::Action() {
     if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
     HANDLE link = m_obBootLoader->m_handle;
-    SetTimeOut(link, jobsteps::longTimeout);
+    SetTimeOut(link, replylimit::whileErasing);
     QThread::msleep(settleMs);
     BYTE crc[4] = {};
     // MEANT: a count above 65535 is cut to its low 16 bits.
     const int status = ZVBL_GetFirmwareCRC(link, m_Parameters.m_uiStartAddress,
                                            static_cast<unsigned short>(m_Parameters.m_uiSectorNumbers), crc);
-    const int restored = jobsteps::restoreTimeout(link);
+    const int restored = replylimit::restore(link);
     if (status != 0)
         return CResult::Convert(status);
     m_CRCValue = static_cast<uint>(crc[0]) << 24 | static_cast<uint>(crc[1]) << 16 | static_cast<uint>(crc[2]) << 8 |
                  static_cast<uint>(crc[3]);
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
+    done();
     return restored; // MEANT: the bare status byte
 }

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "device/SpimSectors.h"
 #include "foundation/Result.h"
+#include "link/AccessProtection.h"
 #include "link/BootLoader.h"
-#include "link/Refusal.h"
-#include "operations/JobSteps.h"
 #include "usersystemdata/CUserSystemData.h"
 
 namespace protectionbits {
@@ -26,7 +26,7 @@ bool covers(CUserSystemData &data, int bit) {
 }
 
 bool isOnChip(const CUserSystemData &data, int sector) {
-    if (sector >= jobsteps::firstSpimSector)
+    if (sector >= firstSpimSector)
         return isShortLayout(data); // the long layout has no bit for SPIM
     return sector >= 0 && sector < data.m_nSectorNums;
 }
@@ -67,7 +67,7 @@ int covering(const CBootLoader &control, const QList<int> &sectors, QList<int> &
     for (int &sector : wanted) {
         if (!isOnChip(*data, sector))
             return CResult::PROGRAM_INPUT_PARAMS_ERROR;
-        if (isShortLayout(*data) && sector < jobsteps::firstSpimSector)
+        if (isShortLayout(*data) && sector < firstSpimSector)
             sector = std::min(sector, lastShortSector);
     }
     for (const int bit : data->FilterEPPSectorIndexForEraseProgramProtect(wanted))

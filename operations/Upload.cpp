@@ -6,12 +6,9 @@
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
+#include "operations/Target.h"
 
-CUpload::CUpload(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_UPLOAD;
-    m_strName = CResult::GetInfoString(Info_Operation_Upload);
-}
+CUpload::CUpload(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_UPLOAD, Info_Operation_Upload) {}
 
 CUpload::~CUpload() {
     delete m_obProgramFile;
@@ -27,7 +24,7 @@ int CUpload::InitAction() {
         m_obProgramFile = new CProgramFile;
     m_obProgramFile->SetSectorIndexsForCreate(m_Parameters.m_aSectorIndexs, m_Parameters.m_aSectorIndexs.size());
     m_obProgramFile->SetBank3SizeForCreate(m_Parameters.m_bank3Size);
-    const int result = m_obProgramFile->Create(jobsteps::deviceOf(m_obBootLoader));
+    const int result = m_obProgramFile->Create(target::deviceOf(m_obBootLoader));
     if (result != 0)
         return result;
     m_InitInfo.m_strFilePath = pathOf(m_Parameters.m_strUploadPathFile);
@@ -54,6 +51,5 @@ int CUpload::Action() {
 }
 
 void CUpload::CalculatePercent() {
-    m_ActionInfo.m_uiFileStatus = m_obProgramFile->m_uiFileStatus;
-    m_ActionInfo.m_iPercent = jobsteps::percentOf(m_obProgramFile->m_uiFileStatus, m_obProgramFile->m_UiFileSize);
+    showBytes(m_obProgramFile->m_uiFileStatus, m_obProgramFile->m_UiFileSize);
 }

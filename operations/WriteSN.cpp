@@ -6,28 +6,22 @@
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
+#include "operations/Target.h"
+#include "operations/VerifyResult.h"
 
-CWriteSN::CWriteSN(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_WRITESN;
-    m_strName = CResult::GetInfoString(Info_Operation_WRITESN);
-}
+CWriteSN::CWriteSN(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_WRITESN, Info_Operation_WRITESN) {}
 
 void CWriteSN::SetParameters(void *p) {
     m_Parameters = *static_cast<WriteSN_Param *>(p);
 }
 
-int CWriteSN::InitAction() {
-    return COperation::InitAction();
-}
-
 int CWriteSN::Action() {
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    const CDevice *device = target::deviceOf(m_obBootLoader);
     if (!device)
         return CResult::UNKNOWN_ERROR;
     const uint address = m_Parameters.m_uiSNAddress;
     const int result = m_obBootLoader->HasBeenEraseProgramProtect(
-        {jobsteps::sectorOf(address, device->m_ISectorSize), jobsteps::sectorOf(address + 3, device->m_ISectorSize)});
+        {target::sectorOf(address, device->m_ISectorSize), target::sectorOf(address + 3, device->m_ISectorSize)});
     if (result != 0)
         return result;
     const uint number = m_Parameters.m_uiSNNumber;
@@ -39,9 +33,7 @@ int CWriteSN::Action() {
         return CResult::Convert(static_cast<int>(status));
     status = ZVBL_VERIFY(m_obBootLoader->m_handle, address, bytes, sizeof bytes, 0);
     if (status != 0)
-        return jobsteps::verifyResult(status);
+        return verifyResult(status);
     m_Parameters.m_uiSNNumber += m_Parameters.m_uiSNStep;
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }

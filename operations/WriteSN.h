@@ -15,7 +15,6 @@ class CWriteSN : public COperation {
 public:
     explicit CWriteSN(CBootLoader *obBootLoader);
 
-    int InitAction() override;
     int Action() override;
     void SetParameters(void *p) override; // a WriteSN_Param
 

@@ -6,10 +6,8 @@
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
 
-CWriteUserSystemData::CWriteUserSystemData(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_WRITEUSERSYSTEMDATA;
-    m_strName = CResult::GetInfoString(Info_Operation_WRITEUSERSYSTEMDATA);
-}
+CWriteUserSystemData::CWriteUserSystemData(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_WRITEUSERSYSTEMDATA, Info_Operation_WRITEUSERSYSTEMDATA) {}
 
 CWriteUserSystemData::~CWriteUserSystemData() {
     delete[] m_UserSystemData;
@@ -22,17 +20,11 @@ void CWriteUserSystemData::SetParameters(BYTE *data, quint32 len) {
     std::copy_n(data, m_UserSystemDataLen, m_UserSystemData);
 }
 
-int CWriteUserSystemData::InitAction() {
-    return COperation::InitAction();
-}
-
 int CWriteUserSystemData::Action() {
     if (!m_obBootLoader)
         return CResult::UNKNOWN_ERROR;
     const int result = m_obBootLoader->LoadUserSystemDataToDevice(m_UserSystemData, m_UserSystemDataLen);
     if (result != 0)
         return CResult::Convert(result);
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }

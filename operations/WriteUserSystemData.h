@@ -9,7 +9,6 @@ public:
     explicit CWriteUserSystemData(CBootLoader *obBootLoader);
     ~CWriteUserSystemData() override;
 
-    int InitAction() override;
     int Action() override;
     using COperation::SetParameters;
     // Copies the bytes.

@@ -6,10 +6,8 @@
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
 
-CWriteUserSystemDataProject::CWriteUserSystemDataProject(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_WRITEUSERSYSTEMDATA;
-    m_strName = CResult::GetInfoString(Info_Operation_WRITEUSERSYSTEMDATA);
-}
+CWriteUserSystemDataProject::CWriteUserSystemDataProject(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_WRITEUSERSYSTEMDATA, Info_Operation_WRITEUSERSYSTEMDATA) {}
 
 CWriteUserSystemDataProject::~CWriteUserSystemDataProject() {
     delete[] m_UserSystemData;
@@ -28,7 +26,5 @@ int CWriteUserSystemDataProject::Action() {
     const int result = m_obBootLoader->LoadUserSystemDataToDevice(m_UserSystemData, m_UserSystemDataLen);
     if (result != 0)
         return CResult::Convert(result);
-    CalculatePercent();
-    CallCommand(COMMAND_DONE);
-    return 0;
+    return done();
 }

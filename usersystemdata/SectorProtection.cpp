@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "device/Families.h"
+#include "device/SpimSectors.h"
 #include "usersystemdata/CUserSystemData.h"
 
 namespace {
@@ -16,7 +17,6 @@ namespace {
 constexpr int lastBit = 31;       // of the four-byte layout
 constexpr int firstGroupBit = 32; // of the twenty-byte layout
 constexpr int lastByte = 3;       // of the sectors counted singly
-constexpr int spimSectors = 32768;
 
 bool hasGroups(const CUserSystemData &data) {
     return familyOf(data.m_MCUSerials).has(wideGroups);
@@ -173,7 +173,7 @@ QList<int> CUserSystemData::FilterEPPSectorIndexForEraseProgramProtect(QList<int
     const bool groups = hasGroups(*this);
     qint64 previous = -1;
     for (const int sector : aSectorIndexs) {
-        if (!groups && sector >= spimSectors) {
+        if (!groups && sector >= firstSpimSector) {
             if (!bits.contains(lastBit))
                 bits.append(lastBit);
             continue;

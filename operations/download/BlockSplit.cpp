@@ -1,4 +1,4 @@
-#include "operations/BlockSplit.h"
+#include "operations/download/BlockSplit.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "operations/Download.h"
+#include "operations/download/Download.h"
 
 #include "device/Device.h"
 #include "device/Families.h"
@@ -12,19 +12,19 @@
 #include "operations/EnBank3.h"
 #include "operations/EnableSlib.h"
 #include "operations/Erase.h"
-#include "operations/JobSteps.h"
-#include "operations/SubOperations.h"
-#include "operations/Verify.h"
+#include "operations/FileTitle.h"
+#include "operations/Images.h"
+#include "operations/Target.h"
 #include "operations/WriteSN.h"
 #include "operations/WriteUserSystemData.h"
+#include "operations/download/SubOperations.h"
+#include "operations/download/Verify.h"
 
 CDownload::CDownload(CBootLoader *obBootLoader)
-    : COperation(obBootLoader), m_obErase(new CErase(obBootLoader)), m_obVerify(new CVerify(obBootLoader)),
-      m_obWriteSN(new CWriteSN(obBootLoader)), m_obFAP(new CAccessProtect(obBootLoader)),
-      m_obWriteOTP2File(new CWriteUserSystemData(obBootLoader)), m_obEnableSlib(new CEnableSlib(obBootLoader)),
-      m_obEnBank3(new CEnBank3(obBootLoader)) {
-    m_EmType = OP_DOWNLOAD;
-    m_strName = CResult::GetInfoString(Info_Operation_Download);
+    : COperation(obBootLoader, OP_DOWNLOAD, Info_Operation_Download), m_obErase(new CErase(obBootLoader)),
+      m_obVerify(new CVerify(obBootLoader)), m_obWriteSN(new CWriteSN(obBootLoader)),
+      m_obFAP(new CAccessProtect(obBootLoader)), m_obWriteOTP2File(new CWriteUserSystemData(obBootLoader)),
+      m_obEnableSlib(new CEnableSlib(obBootLoader)), m_obEnBank3(new CEnBank3(obBootLoader)) {
     for (COperation *job : subOperations())
         job->SetSubOperation(true);
 }
@@ -68,9 +68,9 @@ int CDownload::InitAction() {
         return CResult::UNKNOWN_ERROR;
     std::string fileName;
     // MEANT: a path without "/" leaves the command unset, so the job does nothing and raises no end event.
-    if (!jobsteps::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName))
+    if (!filetitle::fileNameOf(m_Parameters.m_strDownPathFile.first(), fileName))
         return 0;
-    m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), fileName);
+    m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_Download), fileName);
     COperation::InitAction();
     int result = OpenFile();
     if (result == 0)
@@ -93,7 +93,7 @@ int CDownload::checkSectors() {
         return 0;
     if (!m_obBootLoader->m_ObDevice)
         return CResult::UNKNOWN_ERROR;
-    if (!jobsteps::isTrustedMap(*m_obBootLoader->m_ObDevice))
+    if (!images::areCutAsErased(*m_obBootLoader->m_ObDevice))
         return CResult::PROGRAM_INPUT_PARAMS_ERROR;
     const QList<int> sectors = GetNecessarySectorIndex();
     return sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
@@ -140,16 +140,16 @@ bool CDownload::announce(const CProgramFile &file) {
     m_InitInfo.m_strFilePath = file.m_StrPath;
     m_InitInfo.m_uiFileSize = file.m_UiFileSize;
     std::string fileName;
-    if (!jobsteps::fileNameOf(file.m_StrPath, fileName))
+    if (!filetitle::fileNameOf(file.m_StrPath, fileName))
         return false;
-    m_InitInfo.m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), fileName);
+    m_InitInfo.m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_Download), fileName);
     Callback(INFO_TYPE_INIT);
     return true;
 }
 
 // The first two families read back what they hold only after a restart, which switches SPIM off.
 int CDownload::restartFirst403() {
-    if (!jobsteps::familyOf(m_obBootLoader).has(restartsBeforeVerify))
+    if (!target::familyOf(m_obBootLoader).has(restartsBeforeVerify))
         return 0;
     const int result = ResetMcu403B();
     return result == 0 && m_Parameters.m_bEnBank3 ? EnBank3() : result;
@@ -175,8 +175,7 @@ int CDownload::Download(uint uiAddressOffset, CProgramFile *tmpProgramFile) {
 }
 
 void CDownload::CalculatePercent(CProgramFile *pFile) {
-    m_ActionInfo.m_uiFileStatus = pFile->m_uiFileStatus;
-    m_ActionInfo.m_iPercent = jobsteps::percentOf(pFile->m_uiFileStatus, pFile->m_UiFileSize);
+    showBytes(pFile->m_uiFileStatus, pFile->m_UiFileSize);
 }
 
 int CDownload::ActionDone() {

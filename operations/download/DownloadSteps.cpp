@@ -4,13 +4,13 @@
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
-#include "operations/Download.h"
 #include "operations/EnableSlib.h"
 #include "operations/Erase.h"
-#include "operations/JobSteps.h"
-#include "operations/SubOperations.h"
-#include "operations/Verify.h"
+#include "operations/Target.h"
 #include "operations/WriteSN.h"
+#include "operations/download/Download.h"
+#include "operations/download/SubOperations.h"
+#include "operations/download/Verify.h"
 
 // The single steps of a download: its sub-operations, each with its record, and the restarts.
 
@@ -21,7 +21,7 @@ int CDownload::Erase(EraseMode enEraseMode) {
         return 0;
     int result = 0;
     if (enEraseMode == NECESSARY) {
-        const bool hasBlocks = jobsteps::familyOf(m_obBootLoader).eraseBlock != 0;
+        const bool hasBlocks = target::familyOf(m_obBootLoader).eraseBlock != 0;
         result = hasBlocks ? SetEraseBlockNecessary() : SetEraseNecessary();
     } else {
         EraseParam wholeDevice;

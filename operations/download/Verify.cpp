@@ -1,16 +1,14 @@
-#include "operations/Verify.h"
+#include "operations/download/Verify.h"
 
 #include "files/CFiles.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
+#include "operations/FileTitle.h"
+#include "operations/VerifyResult.h"
 
-CVerify::CVerify(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_VERIFY;
-    m_strName = CResult::GetInfoString(Info_Operation_Verify);
-}
+CVerify::CVerify(CBootLoader *obBootLoader) : COperation(obBootLoader, OP_VERIFY, Info_Operation_Verify) {}
 
 CVerify::~CVerify() {
     delete m_obProgramFile;
@@ -31,9 +29,9 @@ int CVerify::InitAction() {
         return CResult::UNKNOWN_ERROR;
     std::string fileName;
     // MEANT: a path without "/" leaves the command as the last run left it.
-    if (!jobsteps::fileNameOf(m_obProgramFile->m_StrPath, fileName))
+    if (!filetitle::fileNameOf(m_obProgramFile->m_StrPath, fileName))
         return 0;
-    m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Verify), fileName);
+    m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_Verify), fileName);
     COperation::InitAction();
     m_obProgramFile->ResetElement();
     m_InitInfo.m_strFilePath = m_obProgramFile->m_StrPath;
@@ -53,12 +51,11 @@ int CVerify::Action() {
         ZVBL_VERIFY(m_obBootLoader->m_handle, static_cast<uint>(element->dwAddress) + m_uiAddressOffset, element->Data,
                     static_cast<uint>(element->dwDataLength), m_obProgramFile->m_bOptimize ? 1 : 0);
     if (status != 0)
-        return jobsteps::verifyResult(status);
+        return verifyResult(status);
     CalculatePercent();
     return 0;
 }
 
 void CVerify::CalculatePercent() {
-    m_ActionInfo.m_uiFileStatus = m_obProgramFile->m_uiFileStatus;
-    m_ActionInfo.m_iPercent = jobsteps::percentOf(m_obProgramFile->m_uiFileStatus, m_obProgramFile->m_UiFileSize);
+    showBytes(m_obProgramFile->m_uiFileStatus, m_obProgramFile->m_UiFileSize);
 }

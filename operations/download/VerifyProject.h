@@ -11,8 +11,7 @@ public:
     int InitAction() override;
     int Action() override;
     using COperation::CalculatePercent;
-    void CalculatePercent(int size);      // bytes just compared
-    void SetParameters(void *p) override; // without effect
+    void CalculatePercent(int size); // bytes just compared
 
     void SetVerifyFile(SFileInfo obProgramFile);
     void SetVerifyOptimize(bool bOptimize);

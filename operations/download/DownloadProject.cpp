@@ -1,4 +1,4 @@
-#include "operations/DownloadProject.h"
+#include "operations/download/DownloadProject.h"
 
 #include <algorithm>
 
@@ -12,21 +12,20 @@
 #include "operations/EnBank3.h"
 #include "operations/EnableSlib.h"
 #include "operations/Erase.h"
-#include "operations/JobSteps.h"
-#include "operations/ProjectParts.h"
-#include "operations/SubOperations.h"
-#include "operations/VerifyProject.h"
+#include "operations/FileTitle.h"
+#include "operations/Target.h"
 #include "operations/WriteSN.h"
 #include "operations/WriteUserSystemData.h"
+#include "operations/download/ProjectParts.h"
+#include "operations/download/SubOperations.h"
+#include "operations/download/VerifyProject.h"
 
 CDownloadProject::CDownloadProject(CBootLoader *obBootLoader)
-    : COperation(obBootLoader), m_obErase(new CErase(obBootLoader)), m_obVerify(new CVerifyProject(obBootLoader)),
-      m_obWriteSN(new CWriteSN(obBootLoader)), m_obFAP(new CAccessProtect(obBootLoader)),
-      m_obRDUP(new CAccessUnProtect(obBootLoader)), m_obWriteOTP2File(new CWriteUserSystemData(obBootLoader)),
-      m_obEnBank3(new CEnBank3(obBootLoader)), m_obEnableSlib(new CEnableSlib(obBootLoader)),
-      m_obDisableSlib(new CDisableSlib(obBootLoader)) {
-    m_EmType = OP_DOWNLOAD;
-    m_strName = CResult::GetInfoString(Info_Operation_Download);
+    : COperation(obBootLoader, OP_DOWNLOAD, Info_Operation_Download), m_obErase(new CErase(obBootLoader)),
+      m_obVerify(new CVerifyProject(obBootLoader)), m_obWriteSN(new CWriteSN(obBootLoader)),
+      m_obFAP(new CAccessProtect(obBootLoader)), m_obRDUP(new CAccessUnProtect(obBootLoader)),
+      m_obWriteOTP2File(new CWriteUserSystemData(obBootLoader)), m_obEnBank3(new CEnBank3(obBootLoader)),
+      m_obEnableSlib(new CEnableSlib(obBootLoader)), m_obDisableSlib(new CDisableSlib(obBootLoader)) {
     for (COperation *job : subOperations())
         job->SetSubOperation(true);
 }
@@ -58,7 +57,7 @@ int CDownloadProject::InitAction() {
     if (result != 0)
         return result;
     const SFileInfo &first = m_Parameters.m_DownFileInfo.first();
-    m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), first.LoadFileType);
+    m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_Download), first.LoadFileType);
     COperation::InitAction();
     m_InitInfo.m_strFilePath = first.FilePath;
     m_InitInfo.m_uiFileSize = static_cast<uint>(first.FileSize);
@@ -78,7 +77,7 @@ int CDownloadProject::InitAction() {
 }
 
 int CDownloadProject::checkRecord() const {
-    if (m_Parameters.m_DownFileInfo.isEmpty() || !jobsteps::deviceOf(m_obBootLoader))
+    if (m_Parameters.m_DownFileInfo.isEmpty() || !target::deviceOf(m_obBootLoader))
         return CResult::UNKNOWN_ERROR;
     for (const SFileInfo &file : m_Parameters.m_DownFileInfo)
         if (!std::all_of(file.partInfo.begin(), file.partInfo.end(), projectparts::isWhole))
@@ -141,7 +140,7 @@ int CDownloadProject::checkSectors() {
 void CDownloadProject::describe(const SFileInfo &file) {
     m_InitInfo.m_strFilePath = file.FilePath;
     m_InitInfo.m_uiFileSize = static_cast<uint>(file.FileSize);
-    m_InitInfo.m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Download), file.LoadFileType);
+    m_InitInfo.m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_Download), file.LoadFileType);
 }
 
 int CDownloadProject::Download(SFileInfo tmpProgramFile) {
@@ -174,8 +173,7 @@ int CDownloadProject::downloadPart(const HEXFILEPARTINFO &part) {
 
 void CDownloadProject::CalculatePercent(int size) {
     m_TempDownlaodedFileSize += static_cast<uint>(size);
-    m_ActionInfo.m_uiFileStatus = m_TempDownlaodedFileSize;
-    m_ActionInfo.m_iPercent = jobsteps::percentOf(m_TempDownlaodedFileSize, m_TempDownlaodFileSize);
+    showBytes(m_TempDownlaodedFileSize, m_TempDownlaodFileSize);
 }
 
 int CDownloadProject::ActionDone() {

@@ -1,18 +1,20 @@
 #include <algorithm>
 
 #include "device/Device.h"
+#include "device/SpimSectors.h"
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
 #include "operations/AccessUnProtect.h"
 #include "operations/DisableSlib.h"
-#include "operations/DownloadProject.h"
 #include "operations/EnableSlib.h"
 #include "operations/Erase.h"
-#include "operations/JobSteps.h"
-#include "operations/SubOperations.h"
-#include "operations/VerifyProject.h"
+#include "operations/SlibArea.h"
+#include "operations/Target.h"
 #include "operations/WriteSN.h"
+#include "operations/download/DownloadProject.h"
+#include "operations/download/SubOperations.h"
+#include "operations/download/VerifyProject.h"
 
 // The single steps of a project download: which sectors it touches, and its sub-operations.
 
@@ -32,37 +34,34 @@ void appendSpan(QList<int> &sectors, const HEXFILEPARTINFO &part, uint base, uin
 } // namespace
 
 int CDownloadProject::DownloadFileInSlibCheck() {
-    BYTE enabled = 0;
-    ushort start = 0;
-    ushort startData = 0;
-    ushort end = 0;
-    const int status = ZVBL_GetSlibStatus_Ex(m_obBootLoader->m_handle, &enabled, &start, &startData, &end);
-    if (status != 0)
-        return CResult::Convert(status);
+    SlibArea area;
+    const int result = readSlibArea(*m_obBootLoader, area);
+    if (result != 0)
+        return result;
     const QList<int> sectors = GetNecessarySectorIndex();
-    const bool touches =
-        std::any_of(sectors.begin(), sectors.end(), [&](int sector) { return sector >= start && sector <= end; });
-    return enabled == 1 && touches ? CResult::SLIB_DOWNLOADFILE_IN_SLIBSECTOR_ERROR : 0;
+    const bool touches = std::any_of(sectors.begin(), sectors.end(),
+                                     [&](int sector) { return sector >= area.start && sector <= area.end; });
+    return area.isEnabled && touches ? CResult::SLIB_DOWNLOADFILE_IN_SLIBSECTOR_ERROR : 0;
 }
 
 QList<int> CDownloadProject::GetNecessarySectorIndex() {
     QList<int> sectors;
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    const CDevice *device = target::deviceOf(m_obBootLoader);
     if (!device || device->m_ISectorSize == 0)
         return sectors;
     for (const SFileInfo &file : m_Parameters.m_DownFileInfo) {
         for (const HEXFILEPARTINFO &part : file.partInfo)
-            if (part.PartStartAddress < jobsteps::spimBase)
-                appendSpan(sectors, part, jobsteps::flashBase, device->m_ISectorSize, 0);
+            if (part.PartStartAddress < target::spimBase)
+                appendSpan(sectors, part, target::flashBase, device->m_ISectorSize, 0);
             else if (part.PartStartAddress < firstAddressWithoutSectors)
-                appendSpan(sectors, part, jobsteps::spimBase, jobsteps::spimSectorSize, jobsteps::firstSpimSector);
+                appendSpan(sectors, part, target::spimBase, spimSectorSize, firstSpimSector);
     }
     return sectors;
 }
 
 int CDownloadProject::FlashGetSectorIndex(uint addr, int) {
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    return jobsteps::sectorOf(addr, device ? device->m_ISectorSize : 0);
+    const CDevice *device = target::deviceOf(m_obBootLoader);
+    return target::sectorOf(addr, device ? device->m_ISectorSize : 0);
 }
 
 int CDownloadProject::Erase(EraseMode enEraseMode) {

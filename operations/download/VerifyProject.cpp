@@ -1,4 +1,4 @@
-#include "operations/VerifyProject.h"
+#include "operations/download/VerifyProject.h"
 
 #include <cctype>
 
@@ -6,15 +6,12 @@
 #include "foundation/ResultMessages.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
-#include "operations/JobSteps.h"
-#include "operations/ProjectParts.h"
+#include "operations/FileTitle.h"
+#include "operations/VerifyResult.h"
+#include "operations/download/ProjectParts.h"
 
-CVerifyProject::CVerifyProject(CBootLoader *obBootLoader) : COperation(obBootLoader) {
-    m_EmType = OP_VERIFY;
-    m_strName = CResult::GetInfoString(Info_Operation_Verify);
-}
-
-void CVerifyProject::SetParameters(void *) {}
+CVerifyProject::CVerifyProject(CBootLoader *obBootLoader)
+    : COperation(obBootLoader, OP_VERIFY, Info_Operation_Verify) {}
 
 void CVerifyProject::SetVerifyFile(SFileInfo obProgramFile) {
     m_obProgramFile = obProgramFile;
@@ -25,7 +22,7 @@ void CVerifyProject::SetVerifyOptimize(bool bOptimize) {
 }
 
 int CVerifyProject::InitAction() {
-    m_strName = jobsteps::titleWithFile(CResult::GetInfoString(Info_Operation_Verify), m_obProgramFile.LoadFileType);
+    m_strName = filetitle::withFile(CResult::GetInfoString(Info_Operation_Verify), m_obProgramFile.LoadFileType);
     COperation::InitAction();
     m_InitInfo.m_strFilePath = m_obProgramFile.FilePath;
     m_InitInfo.m_uiFileSize = static_cast<uint>(m_obProgramFile.FileSize);
@@ -66,7 +63,7 @@ int CVerifyProject::verifyPart(const HEXFILEPARTINFO &part, uint address) {
         const uint length = projectparts::copyChunk(part, offset, chunk);
         const BYTE status = ZVBL_VERIFY(m_obBootLoader->m_handle, address + offset, chunk, length, m_bOptimize ? 1 : 0);
         if (status != 0)
-            return jobsteps::verifyResult(status);
+            return verifyResult(status);
         CalculatePercent(static_cast<int>(length));
         Callback(INFO_TYPE_ACTION);
         if (IsCancel())
@@ -77,6 +74,5 @@ int CVerifyProject::verifyPart(const HEXFILEPARTINFO &part, uint address) {
 
 void CVerifyProject::CalculatePercent(int size) {
     m_TempDownlaodedFileSize += static_cast<uint>(size);
-    m_ActionInfo.m_uiFileStatus = m_TempDownlaodedFileSize;
-    m_ActionInfo.m_iPercent = jobsteps::percentOf(m_TempDownlaodedFileSize, m_TempDownlaodFileSize);
+    showBytes(m_TempDownlaodedFileSize, m_TempDownlaodFileSize);
 }

@@ -1,4 +1,4 @@
-#include "operations/ProjectParts.h"
+#include "operations/download/ProjectParts.h"
 
 #include <algorithm>
 

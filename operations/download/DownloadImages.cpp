@@ -8,16 +8,17 @@
 #include "files/CFiles.h"
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
-#include "operations/BlockSplit.h"
-#include "operations/Download.h"
-#include "operations/JobSteps.h"
+#include "operations/Images.h"
+#include "operations/Target.h"
+#include "operations/download/BlockSplit.h"
+#include "operations/download/Download.h"
 
 // The part of a download that deals with its images: opening them, where they go, and which sectors
 // and blocks they touch.
 
 namespace {
 
-constexpr DWORD lastFlashAddress = jobsteps::spimBase - 1;
+constexpr DWORD lastFlashAddress = target::spimBase - 1;
 
 QList<int> withoutRepeats(const QList<int> &sectors) {
     QList<int> unique;
@@ -51,7 +52,7 @@ int CDownload::OpenFile() {
     for (const std::string &path : m_Parameters.m_strDownPathFile) {
         auto file = std::make_unique<CProgramFile>();
         file->SetOptimizeForOpen(m_Parameters.m_bOptimize);
-        const int result = jobsteps::openImage(*file, path, jobsteps::deviceOf(m_obBootLoader));
+        const int result = images::open(*file, path, target::deviceOf(m_obBootLoader));
         if (result != 0)
             return result;
         m_lsProgramFile.append(keptToTheEnd(std::move(file)));
@@ -70,7 +71,7 @@ int CDownload::ConfirmAddressOffset() {
     for (int i = 0; i < m_lsProgramFile.size(); ++i) {
         uint offset = 0;
         const int result =
-            jobsteps::addressOffsetOf(*m_lsProgramFile.at(i), m_Parameters.m_uiStartAddress.value(i), offset);
+            images::addressOffset(*m_lsProgramFile.at(i), m_Parameters.m_uiStartAddress.value(i), offset);
         if (result != 0)
             return result;
         m_uiAddressOffset.append(offset);
@@ -79,19 +80,19 @@ int CDownload::ConfirmAddressOffset() {
 }
 
 int CDownload::FlashGetSectorIndex(uint addr, int) {
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
-    return jobsteps::sectorOf(addr, device ? device->m_ISectorSize : 0);
+    const CDevice *device = target::deviceOf(m_obBootLoader);
+    return target::sectorOf(addr, device ? device->m_ISectorSize : 0);
 }
 
 QList<int> CDownload::GetNecessarySectorIndex() {
-    const CDevice *device = jobsteps::deviceOf(m_obBootLoader);
+    const CDevice *device = target::deviceOf(m_obBootLoader);
     if (m_lsProgramFile.isEmpty() || !device || !device->m_CMapping)
         return {};
     QList<int> sectors;
     for (int i = 0; i < m_lsProgramFile.size(); ++i) {
         CProgramFile &file = *m_lsProgramFile.at(i);
         const uint start = m_Parameters.m_uiStartAddress.value(i);
-        if (file.m_Type == BIN && start < jobsteps::spimBase)
+        if (file.m_Type == BIN && start < target::spimBase)
             sectors += sectorsByCount(start, file.GetElementCount());
         else
             sectors += sectorsByElement(file, file.m_Type == BIN ? m_uiAddressOffset.value(i) : 0);

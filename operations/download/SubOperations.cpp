@@ -1,8 +1,9 @@
-#include "operations/SubOperations.h"
+#include "operations/download/SubOperations.h"
 
 #include <vector>
 
 #include "foundation/Result.h"
+#include "link/AccessProtection.h"
 #include "operations/AccessProtect.h"
 #include "operations/EnBank3.h"
 #include "operations/EnableSlib.h"
@@ -14,7 +15,6 @@ namespace suboperations {
 namespace {
 
 // The first pair of an element image: the access protection byte and its complement.
-constexpr BYTE protectionOff = 0xA5;
 constexpr quint32 pairLength = 2;
 
 int startWith(COperation *job, void *record) {
@@ -50,8 +50,8 @@ int writeUserSystemData(CWriteUserSystemData *job, BYTE *data, quint32 length, b
         return CResult::UNKNOWN_ERROR;
     std::vector<BYTE> bytes(data, data + length);
     if (protectionFollows && length >= pairLength) {
-        bytes[0] = protectionOff;
-        bytes[1] = static_cast<BYTE>(~protectionOff);
+        bytes[0] = accessProtectionOff;
+        bytes[1] = static_cast<BYTE>(~accessProtectionOff);
     }
     job->SetParameters(bytes.data(), length);
     return job->Start();
