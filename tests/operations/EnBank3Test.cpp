@@ -4,11 +4,8 @@
 class EnBank3Test : public OperationsTest {
 protected:
     int enable(EnBank3Param parameters) {
-        events.clear();
-        library.clearLog();
-        abendCode = 0;
         bootLoader().EnableBank3Func(parameters);
-        return run();
+        return runAnew();
     }
     Lines sent() const { return calls({"ZVBL_SPIMREMAP", "ZVBL_EnableBank3"}); }
     static std::string withKeys(const std::string &keys) {

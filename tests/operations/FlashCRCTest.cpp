@@ -3,11 +3,8 @@
 class FlashCRCTest : public OperationsTest {
 protected:
     int crc(uint address, uint first, uint count) {
-        events.clear();
-        library.clearLog();
-        abendCode = 0;
         bootLoader().FlashCRCCheck(FlashCRCParam{address, first, count});
-        return run();
+        return runAnew();
     }
     CFlashCRC &job() { return static_cast<CFlashCRC &>(*bootLoader().m_ObOperation); }
 };

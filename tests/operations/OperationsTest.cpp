@@ -63,6 +63,17 @@ int OperationsTest::run() {
     return run(*bootLoader().m_ObOperation);
 }
 
+int OperationsTest::runAnew() {
+    return runAnew(*bootLoader().m_ObOperation);
+}
+
+int OperationsTest::runAnew(COperation &job) {
+    events.clear();
+    abendCode = 0;
+    library.clearLog();
+    return run(job);
+}
+
 int OperationsTest::run(COperation &job) {
     listen(job);
     job.Start();

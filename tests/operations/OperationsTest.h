@@ -47,6 +47,9 @@ protected:
     // of its ABEND, or 0.
     int run();
     int run(COperation &job);
+    // The same with nothing of an earlier run left.
+    int runAnew();
+    int runAnew(COperation &job);
 
     // The same, with the job cancelled between its preparation's beginning and its first call of the link library;
     // gives the calls as the log tells them.

@@ -10,27 +10,21 @@ const std::string isOpen = "TARGET_GetUserSystemData data=A5";
 
 class ProtectionTest : public OperationsTest {
 protected:
-    int go() {
-        events.clear();
-        abendCode = 0;
-        library.clearLog();
-        return run();
-    }
     int protectAccess(BYTE level) {
         bootLoader().AccessProtect(level);
-        return go();
+        return runAnew();
     }
     int unprotectAccess() {
         bootLoader().ReadoutUnProtect();
-        return go();
+        return runAnew();
     }
     int protectSectors(QList<int> sectors) {
         bootLoader().EraseProgramProtect(sectors);
-        return go();
+        return runAnew();
     }
     int unprotectSectors() {
         bootLoader().WriteUnProtect();
-        return go();
+        return runAnew();
     }
     // Option bytes of layout A in front of and behind the restart.
     static std::string epp(const std::string &before, const std::string &after) {

@@ -4,17 +4,11 @@ class SlibTest : public OperationsTest {
 protected:
     int enable(EnableSlibParam record) {
         bootLoader().EnableSlib(record);
-        return go();
+        return runAnew();
     }
     int disable(uint password) {
         bootLoader().DisableSlib(password);
-        return go();
-    }
-    int go() {
-        events.clear();
-        abendCode = 0;
-        library.clearLog();
-        return run();
+        return runAnew();
     }
 };
 

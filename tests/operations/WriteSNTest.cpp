@@ -4,10 +4,7 @@ class WriteSNTest : public OperationsTest {
 protected:
     int write(CWriteSN &job, WriteSN_Param record) {
         job.SetParameters(&record);
-        library.clearLog();
-        events.clear();
-        abendCode = 0;
-        return run(job);
+        return runAnew(job);
     }
 };
 
