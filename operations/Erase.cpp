@@ -18,7 +18,7 @@ constexpr unsigned short oneBlock = 0xFFFB;
 
 constexpr int bank1MaxKb = 512; // a larger flash has a second bank
 
-// MEANT: the reply limit behind a whole-device erase, whatever it was before, in seconds.
+// MEANT: the reply limit after a whole-device erase, whatever it was before, in seconds.
 constexpr unsigned int saveTimeout = 5;
 
 } // namespace

@@ -12,7 +12,7 @@ namespace protectionbits {
 
 namespace {
 
-constexpr int lastBitOfShortLayout = 31; // covers all that is behind bit 30, SPIM included
+constexpr int lastBitOfShortLayout = 31; // covers all that is after bit 30, SPIM included
 
 bool isShortLayout(const CUserSystemData &data) {
     return data.m_iEppLen == CUserSystemData::OTP2_EPP_LENGTH_ZV32;
@@ -61,7 +61,7 @@ int covering(const CBootLoader &control, const QList<int> &sectors, QList<int> &
     CUserSystemData *data = control.m_ObUserSystemData;
     if (!data)
         return CResult::UNKNOWN_ERROR;
-    // The filter ends at the first sector behind those of bit 31, which bit 31 covers all the same.
+    // The filter ends at the first sector after those of bit 31, which bit 31 covers all the same.
     const int lastShortSector = lastBitOfShortLayout * data->m_bSectorsPerBit;
     QList<int> wanted = sectors.isEmpty() ? allSectors(*data) : sectors;
     for (int &sector : wanted) {

@@ -21,7 +21,7 @@ public:
     ~CUpload() override;
 
     int InitAction() override;
-    // The file is written last: no failure in front of that touches it.
+    // The file is written last: no failure before that touches it.
     int Action() override;
     using COperation::CalculatePercent;
     void CalculatePercent() override;

@@ -9,7 +9,7 @@ struct WriteSN_Param {
 };
 typedef WriteSN_Param WRITESN_PARAM;
 
-// Writes a serial number, four bytes, lowest first, into erased flash and verifies it. Behind that
+// Writes a serial number, four bytes, lowest first, into erased flash and verifies it. After that
 // the record holds the next chip's number.
 class CWriteSN : public COperation {
 public:

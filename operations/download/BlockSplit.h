@@ -4,7 +4,7 @@
 #include <QtGlobal>
 
 // Turns sectors into whole blocks where it can; sizes in bytes. A run of successive sectors gives the
-// blocks that lie wholly in it; what is in front of the first and behind the last stays sectors.
+// blocks that lie wholly in it; what is before the first and after the last stays sectors.
 struct BlockSplit {
     QList<int> sectors;
     QList<int> blocks;

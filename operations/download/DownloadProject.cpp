@@ -103,7 +103,7 @@ bool CDownloadProject::prepare(int &result) {
 }
 
 int CDownloadProject::Action() {
-    // MEANT: the check comes behind the erase.
+    // MEANT: the check comes after the erase.
     const int checked = checkSectors();
     if (checked != 0)
         return checked;

@@ -20,7 +20,7 @@
 
 namespace {
 
-// Behind Bank 3: a part in RAM and above has no sectors.
+// After Bank 3: a part in RAM and above has no sectors.
 constexpr uint firstAddressWithoutSectors = 0x20000000;
 
 void appendSpan(QList<int> &sectors, const HEXFILEPARTINFO &part, uint base, uint sectorSize, int firstIndex) {

@@ -47,7 +47,7 @@ int CDownload::SetEraseBlockNecessary() {
     QList<int> noutSectorIndex;
     const CDevice *device = m_obBootLoader->m_ObDevice;
     // MEANT: the lists go by value and stay empty here, so this answers UNKNOWN_ERROR always. The two
-    // families that come here are programmed behind an erase step, without one of their own.
+    // families that come here are programmed after an erase step, without one of their own.
     GetNecessaryBlockIndexAndSectorIndex(sectors, noutSectorIndex, noutBlockIndex, device->m_BlockSize,
                                          device->m_ISectorSize);
     if (noutSectorIndex.isEmpty() && noutBlockIndex.isEmpty())

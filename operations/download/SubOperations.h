@@ -23,14 +23,14 @@ int enableBank3(CEnBank3 *job, EnBank3Param record);
 int enableSlib(CEnableSlib *job, EnableSlibParam record);
 int protectAccess(CAccessProtect *job, BYTE level);
 
-// Behind a success the record holds the next number.
+// After a success the record holds the next number.
 int writeSerialNumber(CWriteSN *job, WriteSN_Param &record);
 
 // Writes an element image. Where a protection step follows, it writes a copy with access protection
 // off, because that step alone decides about the protection.
 int writeUserSystemData(CWriteUserSystemData *job, BYTE *data, quint32 length, bool protectionFollows);
 
-// Enables SPIM in front of a download. The key bytes lie in the user system data and the enabling uses
+// Enables SPIM before a download. The key bytes lie in the user system data and the enabling uses
 // them, so with an encrypted range they go to the target first.
 template <class Download>
 int prepareBank3(Download &job) {

@@ -25,7 +25,7 @@ TEST_F(ControlTest, ResetByCommand) {
     EXPECT_EQ(control->ResetMcu(), CResult::SUCCESS);
     EXPECT_FALSE(control->IsNeedReeonnect());
     BYTE bytes[4] = {};
-    EXPECT_NE(ZVBL_UPLOAD(control->m_handle, spimBase, bytes, 4), 0) << "SPIM is off behind a reset";
+    EXPECT_NE(ZVBL_UPLOAD(control->m_handle, spimBase, bytes, 4), 0) << "SPIM is off after a reset";
 }
 
 TEST_F(ControlTest, TheFirst403RestartsByAJump) {

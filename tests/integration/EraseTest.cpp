@@ -51,7 +51,7 @@ TEST_F(BlockEraseTest, WhereNoBlockStarts) {
     const unsigned block = flashBase + blockSize;
     mark(block);
     EXPECT_EQ(ZVBL_BLOCK_ERASE(link, selector, block + 4096), refused);
-    EXPECT_EQ(ZVBL_BLOCK_ERASE(link, selector, flashBase + 63 * blockSize), refused) << "behind the last";
+    EXPECT_EQ(ZVBL_BLOCK_ERASE(link, selector, flashBase + 63 * blockSize), refused) << "after the last";
     EXPECT_EQ(ZVBL_BLOCK_ERASE(link, selector, ramBase), refused);
     EXPECT_EQ(ZVBL_BLOCK_ERASE(link, 1, block), badArgument);
     expectAlone(block, marker);

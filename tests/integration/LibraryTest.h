@@ -31,7 +31,7 @@ constexpr unsigned firstSpimSector = 0x8000;
 // A new open link to the chip, the bootloader in its command state. The library keeps links to the end of
 // the process.
 HANDLE openLink(const SimulatedChip &chip);
-// Once more, behind a restart of the chip.
+// Once more, after a restart of the chip.
 BYTE startLink(HANDLE link, const SimulatedChip &chip);
 
 class LibraryTest : public testing::Test {
@@ -40,7 +40,7 @@ protected:
 
     // A chip at the other end of "link".
     void connect(const std::string &chip, const std::vector<std::string> &options = {});
-    // Behind a command that resets the chip.
+    // After a command that resets the chip.
     BYTE initAgain();
 
     BYTE write(unsigned address, Bytes bytes);

@@ -88,7 +88,7 @@ TEST_F(ProjectJobTest, AnImageInTheSlibAreaIsRefused) {
     EXPECT_EQ(end, "ABEND");
     EXPECT_EQ(read(border, 4), Bytes(4, 0xFF));
     EXPECT_EQ(chip->log(), "") << "nothing was sent";
-    EXPECT_EQ(download({file({part(border, program(8))})}), CResult::SUCCESS) << "behind it";
+    EXPECT_EQ(download({file({part(border, program(8))})}), CResult::SUCCESS) << "after it";
     EXPECT_EQ(read(border, 8), program(8));
 }
 

@@ -129,9 +129,9 @@ TEST_F(SlibTest, AreasThatCannotBe) {
         {"a blank password", 0xFFFFFFFF, 10, 12, 13},
         {"end before start", password, 13, 13, 10},
         {"data before start", password, 10, 9, 13},
-        {"data behind end", password, 10, 14, 13},
-        {"end behind the flash", password, 10, 12, 512},
-        {"start behind the flash", password, 512, none, 512},
+        {"data after end", password, 10, 14, 13},
+        {"end after the flash", password, 10, 12, 512},
+        {"start after the flash", password, 512, none, 512},
     };
     for (const auto &row : rows) {
         EXPECT_EQ(ZVBL_EnableSlib(link, row.password, row.start, row.dataStart, row.end), refused) << row.what;

@@ -11,7 +11,7 @@ using Bytes = std::vector<std::uint8_t>;
 // Bytes that look like a program: none of them FF, no two neighbours alike, other ones for another seed.
 Bytes program(std::size_t length, unsigned seed = 1);
 
-// The bytes, with FF behind them up to the length.
+// The bytes, with FF after them up to the length.
 Bytes filledUp(Bytes bytes, std::size_t length);
 
 // CRC-32 of the bytes by a program that is not ours.

@@ -21,7 +21,7 @@ struct Row {
 };
 
 // The control lines of every row, in the order in which they move.
-constexpr Row Rows[] = {
+constexpr Row rows[] = {
     {0, "100 100 200 200"},
     {1, "D0 100 100 D1 200 200"},
     {2, "D0 100 R0 100 D1 200 R1 200"},
@@ -51,7 +51,7 @@ std::string asLog(const std::string &shortForm) {
 TEST_F(BootOptionTest, EveryRowOfTheAutoConnectTable) {
     CCom &link = open(USART);
     link.SetBootSwitch(AUTOMATIC);
-    for (const Row &row : Rows) {
+    for (const Row &row : rows) {
         library.clearLog();
         link.SetBootOptionIndex(row.index);
         EXPECT_TRUE(link.SetBootOption());

@@ -57,7 +57,7 @@ TEST_F(IdentifyTest, FlashSizesByTheIndexInThePid) {
 }
 
 TEST_F(IdentifyTest, InitDeviceAsksSetsThePacketSizeAndReadsTheVersion) {
-    writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2, 0x90);
+    writeUsualMap(0x90);
     EXPECT_EQ(bootLoader().InitDevice(), CResult::SUCCESS);
     EXPECT_EQ(library.log(), "ZVBL_GET_ID h=1001 id=null\nZVBL_GET_ID h=1001 id=buffer\n"
                              "SetPaketSize h=1001 bytes=144\nZVBL_GET_VER_ROPS h=1001\n");
@@ -69,7 +69,7 @@ TEST_F(IdentifyTest, InitDeviceAsksSetsThePacketSizeAndReadsTheVersion) {
 }
 
 TEST_F(IdentifyTest, AUsbDfuDeviceIsReachedByItsIndexAlone) {
-    writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2);
+    writeUsualMap();
     g_shareParameter.m_InterfaceType = USBDFU;
     CComManager manager;
     manager.SetInterfaceType(USBDFU);
@@ -85,21 +85,21 @@ TEST_F(IdentifyTest, AUsbDfuDeviceIsReachedByItsIndexAlone) {
 }
 
 TEST_F(IdentifyTest, InitDeviceDropsTheStatusOfThePacketSize) {
-    writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2, 256);
+    writeUsualMap(256);
     library.script("SetPaketSize status=33");
     EXPECT_EQ(bootLoader().InitDevice(), CResult::SUCCESS);
     EXPECT_NE(library.log().find("SetPaketSize h=1001 bytes=0\n"), std::string::npos) << "256 is the byte 0";
 }
 
 TEST_F(IdentifyTest, InitDeviceGivesTheCodeOfTheVersionWithTheDeviceSet) {
-    writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2);
+    writeUsualMap();
     library.script("ZVBL_GET_VER_ROPS status=5");
     EXPECT_EQ(bootLoader().InitDevice(), CResult::COM_READ_FAIL);
     EXPECT_TRUE(bootLoader().HasInitDevice());
 }
 
 TEST_F(IdentifyTest, AnUnknownChipLeavesNoDevice) {
-    writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2);
+    writeUsualMap();
     EXPECT_EQ(bootLoader().InitDevice(), CResult::SUCCESS);
     library.script("ZVBL_GET_ID id=0347700508"); // the series of another chip
     EXPECT_EQ(bootLoader().InitDevice(), CResult::SYS_UNREOGNIZED_DEVICE);

@@ -43,6 +43,9 @@ protected:
             << "\n\n[Sector0]\nSize=" << QString::number(sectorSize, 16).toStdString() << "\nCount=" << sectors << "\n";
     }
 
+    // That of the chip that the double answers for.
+    void writeUsualMap(int packetSize = 0) { writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2, packetSize); }
+
     // An open link of the type, with the log empty.
     CCom &open(LinkType type) {
         g_shareParameter.m_InterfaceType = type == SPI ? char(CAN) : char(type);
@@ -53,7 +56,7 @@ protected:
     }
     CBootLoader &bootLoader() { return *com->m_ObBootLoader; }
 
-    // An open USART link to an identified chip, with the log empty. The script starts its counts behind it.
+    // An open USART link to an identified chip, with the log empty. The script starts its counts after it.
     CBootLoader &identified(const std::string &scriptForIdentification = "") {
         open(USART);
         library.script(scriptForIdentification);

@@ -2,15 +2,15 @@
 
 namespace {
 
-const std::string Read = "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24\n";
-constexpr int Spim = 32768;
+const std::string optionBytesRead = "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24\n";
+constexpr int firstSpim = 32768;
 
 } // namespace
 
 class ProtectionChecksTest : public LinkTest {
 protected:
     void SetUp() override {
-        writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2);
+        writeUsualMap();
         identified();
     }
     // The option bytes of a 24-byte layout with these four protection bytes.
@@ -26,7 +26,7 @@ TEST_F(ProtectionChecksTest, AccessProtectionByTheFirstOptionByte) {
         bool answer = !isProtected;
         EXPECT_EQ(bootLoader().GetAccessProtectiosStatus(&answer), CResult::SUCCESS);
         EXPECT_EQ(answer, isProtected) << byte;
-        EXPECT_EQ(library.log(), Read);
+        EXPECT_EQ(library.log(), optionBytesRead);
     }
     EXPECT_EQ(bootLoader().m_ObUserSystemData, nullptr) << "the check keeps nothing";
 }
@@ -89,9 +89,9 @@ TEST_F(ProtectionChecksTest, WithoutADeviceAFailureIsNeverUnprotected) {
 }
 
 TEST_F(ProtectionChecksTest, NothingIsProtectedByErasedBits) {
-    EXPECT_EQ(check({0, 1, 511, Spim, Spim + 4095}), CResult::SUCCESS);
+    EXPECT_EQ(check({0, 1, 511, firstSpim, firstSpim + 4095}), CResult::SUCCESS);
     EXPECT_EQ(check({}), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), Read + Read);
+    EXPECT_EQ(library.log(), optionBytesRead + optionBytesRead);
     EXPECT_EQ(bootLoader().m_ObUserSystemData, nullptr) << "the check keeps nothing";
 }
 
@@ -99,7 +99,7 @@ TEST_F(ProtectionChecksTest, ASectorIsProtectedAndItsNeighboursAreNot) {
     protectBits("FDFFFFFF"); // bit 1: sectors 2 and 3
     for (const int sector : {2, 3})
         EXPECT_EQ(check({sector}), CResult::SYS_ERASEPROGRAM_PROTECTION) << sector;
-    EXPECT_EQ(check({0, 1, 4, 5, 511, Spim}), CResult::SUCCESS);
+    EXPECT_EQ(check({0, 1, 4, 5, 511, firstSpim}), CResult::SUCCESS);
     EXPECT_EQ(check({0, 1, 2}), CResult::SYS_ERASEPROGRAM_PROTECTION) << "one is enough";
     EXPECT_EQ(check({}), CResult::SYS_ERASEPROGRAM_PROTECTION);
 }
@@ -107,7 +107,7 @@ TEST_F(ProtectionChecksTest, ASectorIsProtectedAndItsNeighboursAreNot) {
 TEST_F(ProtectionChecksTest, TheLastBitStandsForTheRestOfTheFlashAndTheSpim) {
     protectBits("FFFFFF7F");
     EXPECT_EQ(check({61}), CResult::SUCCESS);
-    for (const int sector : {62, 63, 511, Spim, 40000})
+    for (const int sector : {62, 63, 511, firstSpim, 40000})
         EXPECT_EQ(check({sector}), CResult::SYS_ERASEPROGRAM_PROTECTION) << sector;
 }
 
@@ -116,7 +116,7 @@ TEST_F(ProtectionChecksTest, TheWholeDeviceHasASpimOnlyWhereOneIsEnabled) {
     identified("ZVBL_GET_ID id=0085700305\nZVBL_GET_VER_ROPS bid=46 res=01");
     protectBits("FFFFFF7F");
     EXPECT_EQ(check({}), CResult::SUCCESS);
-    EXPECT_EQ(check({Spim}), CResult::SYS_ERASEPROGRAM_PROTECTION);
+    EXPECT_EQ(check({firstSpim}), CResult::SYS_ERASEPROGRAM_PROTECTION);
     bootLoader().m_ObDevice->m_haveBank3 = true;
     EXPECT_EQ(check({}), CResult::SYS_ERASEPROGRAM_PROTECTION);
     bootLoader().m_ObDevice->m_haveBank3 = false;
@@ -129,12 +129,12 @@ TEST_F(ProtectionChecksTest, TwentyBytesOfBits) {
     identified("ZVBL_GET_ID id=454070080D");
     bootLoader().m_ObDevice->m_haveBank3 = true;
     library.script("TARGET_GetUserSystemData data=A5FFFFFFFFFFFFFFFFFFFE"); // bit 32: the second 128 KB
-    EXPECT_EQ(check({31, 64, 1007, Spim}), CResult::SUCCESS);
+    EXPECT_EQ(check({31, 64, 1007, firstSpim}), CResult::SUCCESS);
     for (const int sector : {32, 63})
         EXPECT_EQ(check({sector}), CResult::SYS_ERASEPROGRAM_PROTECTION) << sector;
     library.script("TARGET_GetUserSystemData data=A5FFFFFFFFFFFF7F"); // bit 31 is sector 31, and no SPIM
     EXPECT_EQ(check({31}), CResult::SYS_ERASEPROGRAM_PROTECTION);
-    EXPECT_EQ(check({30, 32, Spim}), CResult::SUCCESS);
+    EXPECT_EQ(check({30, 32, firstSpim}), CResult::SUCCESS);
 }
 
 TEST_F(ProtectionChecksTest, WithoutASectorTableAnyClearBitCounts) {

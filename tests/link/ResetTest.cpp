@@ -3,17 +3,17 @@
 
 namespace {
 
-const std::string OneAttempt = "sleep 2000\nInterface_Open h=1001\n";
-const std::string UsartConnect =
+const std::string oneAttempt = "sleep 2000\nInterface_Open h=1001\n";
+const std::string usartConnect =
     "sleep 100\nZVBL_Init_BL h=1001 addr=0 rate=0 duty=0\nZVBL_ZV32ISP_TOOL h=1001\nZVBL_GET h=1001\n";
-const std::string OptionBytesRead = "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24\n";
+const std::string optionBytesRead = "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24\n";
 
 } // namespace
 
 class ResetTest : public LinkTest {
 protected:
     CBootLoader &chip() {
-        writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2);
+        writeUsualMap();
         return identified();
     }
 };
@@ -21,14 +21,14 @@ protected:
 TEST_F(ResetTest, ReconnectAtTheFirstAttempt) {
     open(USART);
     EXPECT_EQ(bootLoader().Reconnect(), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), "Interface_Close h=1001\n" + OneAttempt + UsartConnect);
+    EXPECT_EQ(library.log(), "Interface_Close h=1001\n" + oneAttempt + usartConnect);
 }
 
 TEST_F(ResetTest, ReconnectAtTheThirdAttempt) {
     open(USART);
     library.script("Interface_Open status=3 to=2");
     EXPECT_EQ(bootLoader().Reconnect(), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), "Interface_Close h=1001\n" + OneAttempt + OneAttempt + OneAttempt + UsartConnect);
+    EXPECT_EQ(library.log(), "Interface_Close h=1001\n" + oneAttempt + oneAttempt + oneAttempt + usartConnect);
 }
 
 TEST_F(ResetTest, FiveFailedAttemptsGiveTheLastStatusAndNoConnect) {
@@ -36,7 +36,7 @@ TEST_F(ResetTest, FiveFailedAttemptsGiveTheLastStatusAndNoConnect) {
     library.script("Interface_Open status=3\nInterface_Open status=4 nth=5\nInterface_Close status=1");
     EXPECT_EQ(bootLoader().Reconnect(), CResult::COM_SEND_FAIL);
     EXPECT_EQ(library.log(),
-              "Interface_Close h=1001\n" + OneAttempt + OneAttempt + OneAttempt + OneAttempt + OneAttempt);
+              "Interface_Close h=1001\n" + oneAttempt + oneAttempt + oneAttempt + oneAttempt + oneAttempt);
 }
 
 TEST_F(ResetTest, TheCodeOfConnectIsTheResult) {
@@ -65,7 +65,7 @@ TEST_F(ResetTest, AUsbDeviceThatIsBackIsOpened) {
 TEST_F(ResetTest, ResetMcu) {
     open(USART);
     EXPECT_EQ(bootLoader().ResetMcu(), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), "ZVBL_ResetMCU h=1001\nInterface_Close h=1001\n" + OneAttempt + UsartConnect);
+    EXPECT_EQ(library.log(), "ZVBL_ResetMCU h=1001\nInterface_Close h=1001\n" + oneAttempt + usartConnect);
     library.clearLog();
     library.script("ZVBL_ResetMCU status=0x13");
     EXPECT_EQ(bootLoader().ResetMcu(), CResult::SYS_CMD_NOT_ALLOWED);
@@ -84,7 +84,7 @@ TEST_F(ResetTest, ResetByAJumpToTheLastWordOfFlash) {
     CBootLoader &control = chip();
     EXPECT_EQ(control.ResetMcu403B(), CResult::SUCCESS);
     EXPECT_EQ(library.log(),
-              OptionBytesRead + "ZVBL_GO h=1001 addr=080FFFFC\nInterface_Close h=1001\n" + OneAttempt + UsartConnect);
+              optionBytesRead + "ZVBL_GO h=1001 addr=080FFFFC\nInterface_Close h=1001\n" + oneAttempt + usartConnect);
     EXPECT_FALSE(control.m_bHasJumpToUserProgram) << "the chip is back in its bootloader";
 }
 
@@ -92,7 +92,7 @@ TEST_F(ResetTest, ResetByAJumpPassesTheCodeOfTheJump) {
     CBootLoader &control = chip();
     library.script("ZVBL_GO status=5");
     EXPECT_EQ(control.ResetMcu403B(), CResult::COM_READ_FAIL);
-    EXPECT_EQ(library.log(), OptionBytesRead + "ZVBL_GO h=1001 addr=080FFFFC\n");
+    EXPECT_EQ(library.log(), optionBytesRead + "ZVBL_GO h=1001 addr=080FFFFC\n");
 }
 
 TEST_F(ResetTest, ResetByAJumpNeedsADevice) {
@@ -105,7 +105,7 @@ TEST_F(ResetTest, JumpToTheUserProgram) {
     CBootLoader &control = chip();
     EXPECT_EQ(control.JumpToUserProgram(0x08004000), CResult::SUCCESS);
     EXPECT_TRUE(control.m_bHasJumpToUserProgram);
-    EXPECT_EQ(library.log(), OptionBytesRead + "ZVBL_GO h=1001 addr=08004000\n");
+    EXPECT_EQ(library.log(), optionBytesRead + "ZVBL_GO h=1001 addr=08004000\n");
 }
 
 TEST_F(ResetTest, NoJumpOnAProtectedChip) {
@@ -114,7 +114,7 @@ TEST_F(ResetTest, NoJumpOnAProtectedChip) {
         library.clearLog();
         library.script(std::string("TARGET_GetUserSystemData ") + answer);
         EXPECT_EQ(control.JumpToUserProgram(0x08000000), CResult::SYS_ACCESS_PROTECTION) << answer;
-        EXPECT_EQ(library.log(), OptionBytesRead);
+        EXPECT_EQ(library.log(), optionBytesRead);
     }
 }
 
@@ -122,7 +122,7 @@ TEST_F(ResetTest, NoJumpWhenTheCheckCannotBeMade) {
     CBootLoader &control = chip();
     library.script("TARGET_GetUserSystemData status=5");
     EXPECT_EQ(control.JumpToUserProgram(0x08000000), CResult::COM_READ_FAIL);
-    EXPECT_EQ(library.log(), OptionBytesRead);
+    EXPECT_EQ(library.log(), optionBytesRead);
 }
 
 TEST_F(ResetTest, AFailedJumpIsNotRemembered) {

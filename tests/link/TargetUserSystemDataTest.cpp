@@ -10,10 +10,10 @@ namespace {
 using Bytes = std::vector<BYTE>;
 
 // The option bytes of a layout of 24 bytes, protection off.
-const std::string ChipData = "A5FF1122FFFFFFFF3344556677889900A1A2A3A4A5A6A7A8";
-const std::string Read = "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24\n";
-const std::string Reopened = "Interface_Close h=1001\nsleep 2000\nInterface_Open h=1001\n";
-const std::string Connected =
+const std::string chipData = "A5FF1122FFFFFFFF3344556677889900A1A2A3A4A5A6A7A8";
+const std::string optionBytesRead = "TARGET_GetUserSystemData h=1001 addr=1FFFF800 len=24\n";
+const std::string reopened = "Interface_Close h=1001\nsleep 2000\nInterface_Open h=1001\n";
+const std::string connectedAgain =
     "sleep 100\nZVBL_Init_BL h=1001 addr=0 rate=0 duty=0\nZVBL_ZV32ISP_TOOL h=1001\nZVBL_GET h=1001\n";
 
 Bytes pairsOf(const std::string &hexDigits, size_t length) {
@@ -42,9 +42,9 @@ Bytes readFile(const std::string &path) {
 class TargetUserSystemDataTest : public LinkTest {
 protected:
     void SetUp() override {
-        writeMap("ZV32F403A_1024K", "70050347", "07", 2048, 512, 2);
+        writeUsualMap();
         identified();
-        library.script("TARGET_GetUserSystemData data=" + ChipData);
+        library.script("TARGET_GetUserSystemData data=" + chipData);
     }
     std::string logOfTheWrite() const {
         const std::string log = library.log();
@@ -55,7 +55,7 @@ protected:
 
 TEST_F(TargetUserSystemDataTest, ReadsIntoOneObject) {
     EXPECT_EQ(bootLoader().GetUserSystemData(), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), Read);
+    EXPECT_EQ(library.log(), optionBytesRead);
     CUserSystemData *object = bootLoader().m_ObUserSystemData;
     ASSERT_NE(object, nullptr);
     EXPECT_EQ(object->FAP, 0xA5);
@@ -86,34 +86,34 @@ TEST_F(TargetUserSystemDataTest, WithoutADeviceNothingIsRead) {
 TEST_F(TargetUserSystemDataTest, WritesWhatWasReadAndReconnects) {
     EXPECT_EQ(bootLoader().SetUserSystemData(), CResult::SUCCESS);
     const std::string log = library.log();
-    EXPECT_EQ(log, Read + logOfTheWrite() + "\n" + Reopened + Connected);
+    EXPECT_EQ(log, optionBytesRead + logOfTheWrite() + "\n" + reopened + connectedAgain);
     EXPECT_EQ(logOfTheWrite().rfind("TARGET_SetUserSystemData h=1001 addr=1FFFF800 len=24 "
                                     "data=A5FF1122FFFFFFFF3344556677889900..",
                                     0),
               0u);
 }
 
-TEST_F(TargetUserSystemDataTest, AReadThatFailsBehindAWriteWithoutObjectIsAnUnknownError) {
+TEST_F(TargetUserSystemDataTest, AReadThatFailsAfterAWriteWithoutObjectIsAnUnknownError) {
     library.script("TARGET_GetUserSystemData status=5");
     EXPECT_EQ(bootLoader().SetUserSystemData(), CResult::UNKNOWN_ERROR);
-    EXPECT_EQ(library.log(), Read);
+    EXPECT_EQ(library.log(), optionBytesRead);
 }
 
 TEST_F(TargetUserSystemDataTest, ARefusedWriteIsNotFollowedByAReconnect) {
     library.script("TARGET_SetUserSystemData status=0x14");
     EXPECT_EQ(bootLoader().SetUserSystemData(), CResult::SYS_CMD_FAIL);
-    EXPECT_EQ(library.log(), Read + logOfTheWrite() + "\n");
+    EXPECT_EQ(library.log(), optionBytesRead + logOfTheWrite() + "\n");
 }
 
 TEST_F(TargetUserSystemDataTest, WhetherTheChipComesBackIsNotLookedAt) {
     library.script("Interface_Open status=3\nZVBL_Init_BL status=0x11");
     EXPECT_EQ(bootLoader().SetUserSystemData(), CResult::SUCCESS);
     const std::string attempt = "sleep 2000\nInterface_Open h=1001\n";
-    EXPECT_EQ(library.log(), Read + logOfTheWrite() + "\nInterface_Close h=1001\n" + attempt + attempt + attempt +
-                                 attempt + attempt + "sleep 100\nZVBL_Init_BL h=1001 addr=0 rate=0 duty=0\n");
+    EXPECT_EQ(library.log(), optionBytesRead + logOfTheWrite() + "\nInterface_Close h=1001\n" + attempt + attempt +
+                                 attempt + attempt + attempt + "sleep 100\nZVBL_Init_BL h=1001 addr=0 rate=0 duty=0\n");
 }
 
-TEST_F(TargetUserSystemDataTest, TwoFamiliesAreResetBehindAWrite) {
+TEST_F(TargetUserSystemDataTest, TwoFamiliesAreResetAfterAWrite) {
     writeMap("ZV32F435_4032K", "70084540", "0D", 4096, 1008, 1);
     writeMap("ZV32F437_4032K", "70083541", "0E", 4096, 1008, 1);
     for (const char *id : {"454070080D", "354170080E"}) {
@@ -140,10 +140,10 @@ TEST_F(TargetUserSystemDataTest, TheBlockIdentifierDecidesTheLength) {
 
 TEST_F(TargetUserSystemDataTest, SavesTheElementForm) {
     EXPECT_EQ(bootLoader().SaveUserSystemDatatoFile("./usd.bin"), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), Read);
-    EXPECT_EQ(readFile("usd.bin"), pairsOf(ChipData, 4096));
+    EXPECT_EQ(library.log(), optionBytesRead);
+    EXPECT_EQ(readFile("usd.bin"), pairsOf(chipData, 4096));
     EXPECT_EQ(bootLoader().SaveUserSystemDatatoFile("./again.bin"), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), Read) << "what was read is kept";
+    EXPECT_EQ(library.log(), optionBytesRead) << "what was read is kept";
     EXPECT_EQ(readFile("again.bin"), readFile("usd.bin"));
 }
 
@@ -159,9 +159,9 @@ TEST_F(TargetUserSystemDataTest, GivesTheCodeOfAFailedSave) {
 }
 
 TEST_F(TargetUserSystemDataTest, LoadsAFileIntoTheObjectOnly) {
-    writeFile("usd.bin", pairsOf("CC" + ChipData.substr(2), 4096));
+    writeFile("usd.bin", pairsOf("CC" + chipData.substr(2), 4096));
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFile("./usd.bin"), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), Read);
+    EXPECT_EQ(library.log(), optionBytesRead);
     EXPECT_EQ(bootLoader().m_ObUserSystemData->FAP, 0xCC);
 }
 
@@ -171,7 +171,7 @@ TEST_F(TargetUserSystemDataTest, TheElementHasBounds) {
                                             {4096, CResult::SUCCESS},
                                             {4097, CResult::FILES_BADPARAMETER}};
     for (const auto &[length, code] : cases) {
-        writeFile("usd.bin", pairsOf(ChipData, length));
+        writeFile("usd.bin", pairsOf(chipData, length));
         EXPECT_EQ(bootLoader().LoadUserSystemDataFromFile("./usd.bin"), code) << length;
         EXPECT_EQ(bootLoader().LoadUserSystemDataFromFileToDevice("./usd.bin"), code) << length;
         EXPECT_EQ(bootLoader().LoadUserSystemDataFromFileToDeviceExceptFAP("./usd.bin"), code) << length;
@@ -202,12 +202,12 @@ TEST_F(TargetUserSystemDataTest, AFileWithoutDataIsEmpty) {
 }
 
 TEST_F(TargetUserSystemDataTest, AFailedReadIsIgnoredByTheLoadAndReturnedByTheWrites) {
-    writeFile("usd.bin", pairsOf(ChipData, 4096));
+    writeFile("usd.bin", pairsOf(chipData, 4096));
     library.script("TARGET_GetUserSystemData status=5");
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFile("./usd.bin"), CResult::UNKNOWN_ERROR);
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFileToDevice("./usd.bin"), CResult::COM_READ_FAIL);
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFileToDeviceExceptFAP("./usd.bin"), CResult::COM_READ_FAIL);
-    writeFile("usd.bin", pairsOf(ChipData, 47));
+    writeFile("usd.bin", pairsOf(chipData, 47));
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFile("./usd.bin"), CResult::FILES_BADPARAMETER)
         << "the length is looked at first";
 }
@@ -215,7 +215,7 @@ TEST_F(TargetUserSystemDataTest, AFailedReadIsIgnoredByTheLoadAndReturnedByTheWr
 TEST_F(TargetUserSystemDataTest, WritesAFileToTheChip) {
     writeFile("usd.bin", pairsOf("CCEE", 4096));
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFileToDevice("./usd.bin"), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), Read + logOfTheWrite() + "\n" + Reopened + Connected);
+    EXPECT_EQ(library.log(), optionBytesRead + logOfTheWrite() + "\n" + reopened + connectedAgain);
     EXPECT_EQ(logOfTheWrite(), "TARGET_SetUserSystemData h=1001 addr=1FFFF800 len=24 "
                                "data=CCEEFFFFFFFFFFFFFFFFFFFFFFFFFFFF.. crc=9F7F5235");
 }
@@ -234,7 +234,7 @@ TEST_F(TargetUserSystemDataTest, AWriteOfAFileExceptForTheProtectionByteKeepsThe
               CResult::SUCCESS); // the object differs from the chip
     library.clearLog();
     EXPECT_EQ(bootLoader().LoadUserSystemDataFromFileToDeviceExceptFAP("./usd.bin"), CResult::SUCCESS);
-    EXPECT_EQ(library.log(), Read + logOfTheWrite() + "\n" + Reopened + Connected);
+    EXPECT_EQ(library.log(), optionBytesRead + logOfTheWrite() + "\n" + reopened + connectedAgain);
     EXPECT_NE(logOfTheWrite().find(" data=A5EEFF"), std::string::npos);
 }
 
@@ -254,7 +254,7 @@ TEST_F(TargetUserSystemDataTest, ABufferThatIsTooShortWritesWhatTheChipHolds) {
     EXPECT_NE(logOfTheWrite().find(" data=A5FF1122"), std::string::npos);
 }
 
-TEST_F(TargetUserSystemDataTest, AFailedReadInFrontOfABufferIsReturned) {
+TEST_F(TargetUserSystemDataTest, AFailedReadBeforeABufferIsReturned) {
     Bytes pairs = pairsOf("CCEE", 48);
     library.script("TARGET_GetUserSystemData status=4");
     EXPECT_EQ(bootLoader().LoadUserSystemDataToDevice(pairs.data(), 48), CResult::COM_SEND_FAIL);

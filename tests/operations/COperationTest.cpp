@@ -317,7 +317,7 @@ TEST_F(COperationTest, FreeingWaitsForTheJob) {
     EXPECT_EQ(events.back(), "DONE");
 }
 
-TEST_F(COperationTest, FreeingRightBehindTheEndEvent) {
+TEST_F(COperationTest, FreeingRightAfterTheEndEvent) {
     CBootLoader &control = connect(f413);
     for (int i = 0; i < 100; ++i) {
         std::promise<void> ended;

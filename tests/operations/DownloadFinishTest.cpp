@@ -12,7 +12,7 @@ TEST_F(DownloadFinishTest, TheFinishingStepsInTheirOrder) {
     parameters.m_UserSystemDataLen = 48;
     parameters.m_bFAP = true;
     parameters.m_bFAPLevel = 1;
-    // The last of the reads is the one behind the protection.
+    // The last of the reads is the one after the protection.
     library.script("TARGET_GetUserSystemData data=00 from=5\nZVBL_GET caps=all,-ACCESS_LEVEL_PROTECT_CMD");
     EXPECT_EQ(download({"a.hex"}), 0) << library.log();
     const Lines order = calls({"ZVBL_DNLOAD", "ZVBL_VERIFY", "TARGET_SetUserSystemData", "ZVBL_ACCESS_PROTECT"});
@@ -57,7 +57,7 @@ TEST_F(DownloadFinishTest, AFailedFinishingStepEndsTheJob) {
     EXPECT_EQ(calls({"ZVBL_GO"}), Lines());
 }
 
-TEST_F(DownloadFinishTest, SlibIsEnabledBehindTheEraseAndTakesEffectByAReset) {
+TEST_F(DownloadFinishTest, SlibIsEnabledAfterTheEraseAndTakesEffectByAReset) {
     connect(f413);
     image(oneSmall);
     parameters.m_bEnableSlib = true;
@@ -72,7 +72,7 @@ TEST_F(DownloadFinishTest, SlibIsEnabledBehindTheEraseAndTakesEffectByAReset) {
                      "ZVBL_DNLOAD h=1001 addr=08000000 len=4 data=ABABABAB optimise=0", "ZVBL_ResetMCU h=1001"}));
 }
 
-TEST_F(DownloadFinishTest, AFailureBehindTheEnablingResetsAndKeepsItsCode) {
+TEST_F(DownloadFinishTest, AFailureAfterTheEnablingResetsAndKeepsItsCode) {
     connect(f413);
     image(oneSmall);
     withSlib("ZVBL_DNLOAD status=5\nZVBL_ResetMCU status=4");
@@ -80,7 +80,7 @@ TEST_F(DownloadFinishTest, AFailureBehindTheEnablingResetsAndKeepsItsCode) {
     EXPECT_EQ(calls({"ZVBL_ResetMCU"}).size(), 1u);
 }
 
-TEST_F(DownloadFinishTest, AFailedResetBehindTheSlibIsTheResult) {
+TEST_F(DownloadFinishTest, AFailedResetAfterTheSlibIsTheResult) {
     connect(f413);
     image(oneSmall);
     withSlib("ZVBL_ResetMCU status=4");
@@ -88,7 +88,7 @@ TEST_F(DownloadFinishTest, AFailedResetBehindTheSlibIsTheResult) {
     EXPECT_EQ(events.back(), "ABEND");
 }
 
-TEST_F(DownloadFinishTest, CancelBehindTheSlibResetsAndWritesNothing) {
+TEST_F(DownloadFinishTest, CancelAfterTheSlibResetsAndWritesNothing) {
     connect(f413);
     image(oneSmall);
     withSlib();

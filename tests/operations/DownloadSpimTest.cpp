@@ -2,7 +2,7 @@
 
 class DownloadSpimTest : public DownloadTest {};
 
-TEST_F(DownloadSpimTest, SpimIsEnabledBeforeTheEraseAndAgainBehindTheRestart) {
+TEST_F(DownloadSpimTest, SpimIsEnabledBeforeTheEraseAndAgainAfterTheRestart) {
     connect(f403_1);
     image("element address=08400000 length=4 fill=AB");
     parameters.m_bEnBank3 = true;

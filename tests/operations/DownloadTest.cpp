@@ -187,7 +187,7 @@ TEST_F(DownloadTest, TheSecondOfEachPairOfFamiliesDoesAsTheFirst) {
     EXPECT_EQ(calls({"ZVBL_GO"}).size(), 1u) << "ZV32F403_2 restarts";
 }
 
-TEST_F(DownloadTest, TheFirstFamiliesRestartInFrontOfTheVerify) {
+TEST_F(DownloadTest, TheFirstFamiliesRestartBeforeTheVerify) {
     connect(f403_1);
     image(oneSmall);
     parameters.m_bVerify = true;

@@ -6,7 +6,7 @@ protected:
         bootLoader().EraseFlash(EraseParam{sectors, blocks});
         return run();
     }
-    // The calls behind the protection check.
+    // The calls after the protection check.
     Lines erasing() const { return calls({"SetTimeOut", "ZVBL_ERASE", "ZVBL_BLOCK_ERASE"}); }
 };
 

@@ -24,7 +24,7 @@ struct Chip {
 };
 
 extern const Chip f403a;  // 1024 KB in sectors of 2048: bit 31 covers most of it
-extern const Chip f403_1; // of the families that restart in front of a verify
+extern const Chip f403_1; // of the families that restart before a verify
 extern const Chip f407;   // 512 KB: one bank
 extern const Chip f413;   // 256 KB
 extern const Chip f435;   // 4032 KB in sectors of 4096 and blocks of 64 KB
@@ -66,7 +66,7 @@ protected:
 
     static Lines events;                          // "INIT Erase", "ACTION 33", "DONE", ...
     static CInitInfo lastInit;                    // record of the last INIT
-    static std::function<void(InfoType)> onEvent; // called behind the writing down
+    static std::function<void(InfoType)> onEvent; // called after the writing down
     static bool eventsInLog;                      // events go into the link library's log as well
     static int abendCode;
 

@@ -43,7 +43,7 @@ TEST_F(ProjectStepsTest, AnImageInTheSlibAreaIsRefused) {
     EXPECT_EQ(calls({"ZVBL_GetSlibStatus_Ex"}), Lines());
 }
 
-TEST_F(ProjectStepsTest, TheStepsInFrontInTheirOrder) {
+TEST_F(ProjectStepsTest, TheStepsBeforeInTheirOrder) {
     connect(f403a);
     parameters.m_bRDUP = true;
     parameters.m_bDisableSlib = true;
@@ -70,7 +70,7 @@ TEST_F(ProjectStepsTest, TheStepsInFrontInTheirOrder) {
     EXPECT_EQ(order[3], "ZVBL_EnableBank3 h=1001 type=144 size=4096 addr=00000000");
 }
 
-TEST_F(ProjectStepsTest, AFailedStepInFrontEndsThePreparation) {
+TEST_F(ProjectStepsTest, AFailedStepBeforeEndsThePreparation) {
     connect(f413);
     parameters.m_bRDUP = true;
     library.script("ZVBL_ACCESS_PERM_UNPROTECT status=0x13");

@@ -57,7 +57,7 @@ TEST_F(ProjectTest, EraseModes) {
     EXPECT_EQ(calls({"ZVBL_ERASE"}), Lines());
 }
 
-TEST_F(ProjectTest, AProtectedSectorIsFoundBehindAnEraseOfOthers) {
+TEST_F(ProjectTest, AProtectedSectorIsFoundAfterAnEraseOfOthers) {
     connect(f413);
     parameters.m_enEraseMode = ERASEMODE_NONE;
     library.script("TARGET_GetUserSystemData data=A5FFFFFFFEFFFFFF");

@@ -26,7 +26,7 @@ protected:
         bootLoader().WriteUnProtect();
         return runAnew();
     }
-    // Option bytes of layout A in front of and behind the restart.
+    // Option bytes of layout A before and after the restart.
     static std::string epp(const std::string &before, const std::string &after) {
         return "TARGET_GetUserSystemData data=A5FFFFFF" + before + " nth=1\nTARGET_GetUserSystemData data=A5FFFFFF" +
                after + " from=2";
@@ -153,7 +153,7 @@ TEST_F(ProtectionTest, SectorsOnCoversWhatWasAsked) {
         {"one group", f413, {5}, "count=1 bits=2"},
         {"unsorted, each bit once", f413, {5, 0, 4}, "count=2 bits=0,2"},
         {"bits 30 and 31", f403a, {61, 62}, "count=2 bits=30,31"},
-        {"behind the first sectors of bit 31", f403a, {100, 511}, "count=1 bits=31"},
+        {"after the first sectors of bit 31", f403a, {100, 511}, "count=1 bits=31"},
         {"SPIM", f413, {32768, 40000}, "count=1 bits=31"},
     };
     for (const auto &one : cases) {
@@ -172,7 +172,7 @@ TEST_F(ProtectionTest, AnEmptyListIsTheWholeFlash) {
                             "16,17,18,19,20,21,22,23,24,25,26,27,28,29,30,31"});
 }
 
-TEST_F(ProtectionTest, TheLongLayoutCountsOtherwiseBehind128Kb) {
+TEST_F(ProtectionTest, TheLongLayoutCountsOtherwiseAfter128Kb) {
     connect(f435);
     library.script("TARGET_GetUserSystemData data=A5FFFFFF fill=FF nth=1\n"
                    "TARGET_GetUserSystemData data=A5FFFFFF fill=00 from=2");

@@ -31,11 +31,11 @@ TEST_F(SlibTest, TheRecordIsCheckedBeforeAnythingIsSent) {
     } cases[] = {
         {"password 0", {0, 10, 12, 20}, CResult::SLIB_PASSWORD_ERROR},
         {"blank password", {0xFFFFFFFF, 10, 12, 20}, CResult::SLIB_PASSWORD_ERROR},
-        {"start behind flash", {1, 128, 128, 128}, CResult::SLIB_STARTSECTOR_ERROR},
-        {"end behind flash", {1, 10, 12, 128}, CResult::SLIB_ENDSECTOR_ERROR},
+        {"start after flash", {1, 128, 128, 128}, CResult::SLIB_STARTSECTOR_ERROR},
+        {"end after flash", {1, 10, 12, 128}, CResult::SLIB_ENDSECTOR_ERROR},
         {"end before start", {1, 10, 10, 9}, CResult::SLIB_ENDSECTOR_ERROR},
         {"data before start", {1, 10, 9, 20}, CResult::SLIB_STARTDATASECTOR_ERROR},
-        {"data behind end", {1, 10, 21, 20}, CResult::SLIB_STARTDATASECTOR_ERROR},
+        {"data after end", {1, 10, 21, 20}, CResult::SLIB_STARTDATASECTOR_ERROR},
     };
     for (const auto &one : cases) {
         EXPECT_EQ(enable(one.record), one.code) << one.what;

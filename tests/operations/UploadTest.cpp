@@ -56,7 +56,7 @@ TEST_F(UploadTest, SpimSectorsFollowTheFlash) {
     EXPECT_NE(filesCalls("FILES_CreateImageFromMapping")[0].find("bank3=8"), std::string::npos);
 }
 
-TEST_F(UploadTest, AFailureInFrontOfTheSaveWritesNoFile) {
+TEST_F(UploadTest, AFailureBeforeTheSaveWritesNoFile) {
     connect(f413);
     const struct {
         const char *link, *files;
