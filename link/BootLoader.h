@@ -10,7 +10,7 @@
 #include "device/FilesInc.h"
 #include "foundation/LibraryTypes.h"
 #include "link/EnBank3Param.h"
-#include "link/ThreadEnd.h"
+#include "link/JobRun.h"
 #include "link/ZVBLLIB.h"
 
 class CCom;
@@ -113,7 +113,7 @@ public:
     // the control is destroyed when that job has ended.
     static void Destroy(CBootLoader *control);
     // The runs of freed jobs that were still under way, for the next job to wait for.
-    std::vector<ThreadEnd> RunsToEnd() const;
+    std::vector<JobRun> RunsToEnd() const;
 
     // User system data of the target.
 
@@ -177,5 +177,5 @@ private:
     // Frees the current job without waiting for it.
     void setJobAside();
 
-    std::vector<ThreadEnd> m_runsToEnd;
+    std::vector<JobRun> m_runsToEnd;
 };

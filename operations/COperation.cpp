@@ -19,7 +19,7 @@ COperation::COperation(CBootLoader *obBootLoader, OP_Type kind, const std::strin
 
 void COperation::run() {
     m_run.watchThisThread();
-    for (const ThreadEnd &earlier : m_earlierRuns)
+    for (const JobRun &earlier : m_earlierRuns)
         earlier.wait();
     Work();
 }
@@ -160,7 +160,7 @@ void COperation::DeleteWhenEnded() {
     m_run.atEnd([this] { delete this; });
 }
 
-const ThreadEnd &COperation::Run() const {
+const JobRun &COperation::CurrentRun() const {
     return m_run;
 }
 

@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QThread>
 
-#include "link/ThreadEnd.h"
+#include "link/JobRun.h"
 #include "operations/OperationTypes.h"
 
 class CBootLoader;
@@ -61,7 +61,7 @@ public:
     // Deletes the job once it has ended; at once when it does not run. Waits for nothing.
     void DeleteWhenEnded();
     // The run that WaitUntilEnded waits for.
-    const ThreadEnd &Run() const;
+    const JobRun &CurrentRun() const;
 
     void ChangeStatus(Status emStatus);
     void CallCommand(Command emCommand);
@@ -97,6 +97,6 @@ private:
     int abend(int result);
     int finish();
 
-    ThreadEnd m_run;
-    std::vector<ThreadEnd> m_earlierRuns; // of jobs on the same link, which come first
+    JobRun m_run;
+    std::vector<JobRun> m_earlierRuns; // of jobs on the same link, which come first
 };

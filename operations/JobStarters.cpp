@@ -18,21 +18,20 @@ void replaceJob(CBootLoader *control, void *parameters = nullptr) {
 
 } // namespace
 
-std::vector<ThreadEnd> CBootLoader::RunsToEnd() const {
+std::vector<JobRun> CBootLoader::RunsToEnd() const {
     return m_runsToEnd;
 }
 
 bool CBootLoader::isOnJobsThread() const {
-    return (m_ObOperation && m_ObOperation->Run().isOnThisThread()) ||
-           std::any_of(m_runsToEnd.begin(), m_runsToEnd.end(),
-                       [](const ThreadEnd &run) { return run.isOnThisThread(); });
+    return (m_ObOperation && m_ObOperation->CurrentRun().isOnThisThread()) ||
+           std::any_of(m_runsToEnd.begin(), m_runsToEnd.end(), [](const JobRun &run) { return run.isOnThisThread(); });
 }
 
 void CBootLoader::setJobAside() {
     if (!m_ObOperation)
         return;
-    if (m_ObOperation->Run().isUnderWay())
-        m_runsToEnd.push_back(m_ObOperation->Run());
+    if (m_ObOperation->CurrentRun().isUnderWay())
+        m_runsToEnd.push_back(m_ObOperation->CurrentRun());
     m_ObOperation->DeleteWhenEnded();
     m_ObOperation = nullptr;
 }
@@ -42,7 +41,7 @@ void CBootLoader::FreeOperation() {
         setJobAside();
         return;
     }
-    for (const ThreadEnd &run : m_runsToEnd)
+    for (const JobRun &run : m_runsToEnd)
         run.wait();
     m_runsToEnd.clear();
     if (!m_ObOperation)
@@ -61,7 +60,7 @@ void CBootLoader::Destroy(CBootLoader *control) {
     control->setJobAside();
     control->m_hCCOM = nullptr;
     // The run that was added last ends last, since every job waits for those before it.
-    ThreadEnd last = control->m_runsToEnd.back();
+    JobRun last = control->m_runsToEnd.back();
     last.atEnd([control] { delete control; });
 }
 

@@ -10,7 +10,7 @@
 // One run of a job, from the claim to the end of all code on its thread, the closing lines of the class
 // that ran the thread included: QThread::wait can return while QThread's own last lines still touch the
 // object. Copies stand for the same run. Every thread may call everything.
-class ThreadEnd {
+class JobRun {
 public:
     // Takes the run for the caller; false while the one before it has not ended.
     bool claim();
@@ -32,7 +32,7 @@ public:
     void atEnd(std::function<void()> act);
 
 private:
-    struct Run {
+    struct State {
         mutable std::mutex mutex;
         std::condition_variable changed;
         bool isUnderWay = false;
@@ -42,5 +42,5 @@ private:
         void end();
     };
     struct Watch;
-    std::shared_ptr<Run> m_run = std::make_shared<Run>();
+    std::shared_ptr<State> m_state = std::make_shared<State>();
 };
