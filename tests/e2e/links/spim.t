@@ -164,3 +164,14 @@ A chip without SPIM:
   
   The cmd not allowed!
   [8]
+
+An access-protected chip answers for itself, also where its keys would decide:
+
+  $ chip_new ZV32F413_256K
+  $ line -p --efap >/dev/null
+  $ line -enspim --ft 1 --fs 16 --fda 100000
+  Enable Bank3
+  Running...
+  
+  The cmd not allowed!
+  [8]
