@@ -16,8 +16,6 @@ FOLDERS = ["app", "bench", "device", "files", "foundation", "libs", "link", "ope
 LONG_FILES = {
     "tests/operations/DownloadTest.cpp": "every order of calls of the one job that has most of them",
     "tests/operations/ProjectTest.cpp": "the same for a project, step by step",
-    "tests/preload/can_shim.cpp": "every system call that a CAN socket takes, and nothing may be linked with it",
-    "tests/preload/can_bus.cpp": "the bus of that shim, likewise a program of its own",
     "tests/console/ConnectTest.cpp": "every word of every connection, with the calls that it makes",
 }
 LONG_FUNCTIONS = {

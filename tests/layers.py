@@ -41,15 +41,8 @@ CIRCLES = [
     # A table and its rows: the rows use the type that the table's header declares.
     {"libs/files/format/" + name for name in ("Formats", "Binary", "IntelHex", "SRecord")},
     {"usersystemdata/" + name for name in ("CUserSystemData", "Layouts", "SwitchByte")},
+    # A description asks for its family's row, and the row of a description can be asked for.
     {"device/Device", "device/Families"},
-    # To be opened.
-    {"app/Connect", "app/Otp", "app/Walk"},
-    {"sim/memory/OptionBytes", "sim/memory/Protection"},
-    {"sim/chip/OptionBytes", "sim/chip/Protection"},
-    {"sim/Fronts", "sim/Options"}
-    | {"sim/fronts/" + name for name in ("CanFront", "CanServer", "SlcanFront", "UsartFront", "VhciFront", "VhciFronts")},
-    {"sim/program/Fronts", "sim/program/Options", "sim/ports/can/CanFront", "sim/ports/can/CanServer"}
-    | {"sim/ports/pty/SlcanFront", "sim/ports/pty/UsartFront", "sim/ports/usb/VhciFront", "sim/ports/usb/VhciFronts"},
 ]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.M)

@@ -121,7 +121,7 @@ def chips(tree):
 
 def families(tree):
     rows = set(re.findall(r"^ +\{(ZV32\w+),", tree.text("device/Families.cpp"), re.M))
-    yield from held(tree, "A family", rows, [("foundation/ShareParameter.h", r"\b{} = ")])
+    yield from held(tree, "A family", rows, [("tools/chips.csv", r"(?m)^{} *,")])
 
 
 def main():

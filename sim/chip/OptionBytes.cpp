@@ -1,7 +1,5 @@
 #include "sim/chip/OptionBytes.h"
 
-#include "sim/chip/Protection.h"
-
 namespace sim {
 
 namespace {

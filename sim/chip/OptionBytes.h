@@ -4,6 +4,11 @@
 
 namespace sim {
 
+// The access protection byte: this value leaves the chip open, any other protects it.
+constexpr std::uint8_t accessOpen = 0xA5;
+constexpr std::uint8_t accessLow = 0x00;
+constexpr std::uint8_t accessHigh = 0xCC; // on chips with levels: cannot be undone
+
 // The option bytes: every byte of the compact form lies in memory with its complement after it.
 class OptionBytes {
 public:

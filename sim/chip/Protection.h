@@ -4,11 +4,6 @@
 
 namespace sim {
 
-// The access protection byte: this value leaves the chip open, any other protects it.
-constexpr std::uint8_t accessOpen = 0xA5;
-constexpr std::uint8_t accessLow = 0x00;
-constexpr std::uint8_t accessHigh = 0xCC; // on chips with levels: cannot be undone
-
 enum class AccessLevel { open, low, high };
 
 // What the option bytes protect. Taken over at a reset: what is written later holds from the next one on.
