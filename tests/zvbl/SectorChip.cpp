@@ -8,7 +8,7 @@ constexpr int patienceMs = 10;
 constexpr std::size_t sectorSize = 2048;
 constexpr std::uint8_t ack = 0x79;
 constexpr std::uint8_t nack = 0x1F;
-constexpr std::uint8_t sync = 0x7F;
+constexpr std::uint8_t openingByte = 0x7F;
 
 std::size_t number(const zvbl::Bytes &bytes, std::size_t count) {
     std::size_t value = 0;
@@ -53,7 +53,7 @@ void SectorChip::serve() {
         const zvbl::Bytes opcode = take(1);
         if (opcode.empty())
             continue;
-        if (opcode[0] == sync)
+        if (opcode[0] == openingByte)
             answer({nack});
         else if (take(1).size() == 1)
             serveOne(opcode[0]);
