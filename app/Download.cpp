@@ -23,7 +23,7 @@ bool refuse(const std::string &reason) {
     return false;
 }
 
-// Whether an image that starts at the address and ends in front of the other one lies in flash or SPIM. There is
+// Whether an image that starts at the address and ends before the other one lies in flash or SPIM. There is
 // no lower bound.
 bool fits(quint64 start, quint64 end, const CDevice &device) {
     if (start < ZVCHIP_SPIM_BASE_ADDRESS) {
@@ -91,7 +91,7 @@ DownloadParam downloadParam(bool erasedFlag) {
     DownloadParam param;
     param.m_strDownPathFile.append(g_shareParameter.c_filename);
     param.m_uiStartAddress.append(g_shareParameter.c_address);
-    // MEANT: an "-e" in front turns the erase off even if it had nothing to erase.
+    // MEANT: an "-e" before it turns the erase off even if it had nothing to erase.
     param.m_enEraseMode = erasedFlag ? ERASEMODE_NONE : NECESSARY;
     param.m_bOptimize = g_shareParameter.c_optimize;
     param.m_bVerify = g_shareParameter.c_Verify;

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Whether the part behind the last "/" ends in the given upper-case letters, whatever its own case. A bare file
+// Whether the part after the last "/" ends in the given upper-case letters, whatever its own case. A bare file
 // name does not: the path has to be given.
 bool baseNameEndsIn(const std::string &fileName, const std::string &end) {
     const std::size_t slash = fileName.rfind('/');

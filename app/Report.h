@@ -10,5 +10,5 @@ void printLine(const std::string &text);
 void WriteInforAndWaitInput(const std::string &text);
 
 // Prints the word at the index, quoted, as a bad parameter. At the null entry that closes argv the output ends
-// for good behind the first quote.
+// for good after the first quote.
 void WriteBadParameterInfor(char **argv, int arg_index);

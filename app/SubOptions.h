@@ -6,7 +6,7 @@
 // The word at the index. The null entry that closes argv raises std::logic_error, as does everything beyond it.
 std::string wordAt(int argc, char **argv, int index);
 
-// Walks over the sub-options behind one option word. It moves the running index of the command line: while a
+// Walks over the sub-options after one option word. It moves the running index of the command line: while a
 // sub-option is looked at, the index rests on its value, which for the last word of the line is no word at all.
 class SubOptionWalk {
 public:

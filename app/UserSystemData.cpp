@@ -45,7 +45,7 @@ int carryOut(const Transfer &transfer, const std::string &filename, CCom *obCCom
     return 0;
 }
 
-// The walk rests on the word behind "--get" or "--set", which has to be "--fn", with the path behind it.
+// The walk rests on the word after "--get" or "--set", which has to be "--fn", with the path after it.
 int transferFile(SubOptionWalk &walk, const Transfer &transfer, CCom *obCCom) {
     if (!walk.hasValue())
         return 0;

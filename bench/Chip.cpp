@@ -76,7 +76,7 @@ Chip::~Chip() {
     fs::remove_all(m_dir, ignored);
 }
 
-// What stands in front of a program so that it finds the port.
+// What stands before a program so that it finds the port.
 std::vector<std::string> Chip::surroundings() const {
     if (m_place == Place::can)
         return {"env", "CAN_SHIM_DIR=" + m_dir, "LD_PRELOAD=" + m_programs + "/doubles/libcan_shim.so"};
@@ -99,7 +99,7 @@ pid_t Chip::start(const std::vector<std::string> &command, const std::string &ou
     ::_exit(127);
 }
 
-// "ready", the port, and behind the name of an emulated node the directory that it lives in.
+// "ready", the port, and after the name of an emulated node the directory that it lives in.
 void Chip::awaitReady() {
     std::string ready;
     while (ready.find('\n') == std::string::npos) {

@@ -18,7 +18,7 @@ constexpr int toTheEnd = -1;
 
 struct OptionLayout {
     const LayoutRow *first;
-    const LayoutRow *last; // one behind
+    const LayoutRow *last; // one after
 };
 
 struct OptionLengths {

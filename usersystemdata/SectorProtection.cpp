@@ -183,7 +183,7 @@ QList<int> CUserSystemData::FilterEPPSectorIndexForEraseProgramProtect(QList<int
         if (sector < 0 || (!grouped && m_bSectorsPerBit == 0))
             continue;
         const qint64 bit = grouped ? (kilobytes - 128) / 128 + firstGroupBit : sector / m_bSectorsPerBit;
-        // MEANT: what stands behind it in the list is lost, and below only neighbours are compared.
+        // MEANT: what stands after it in the list is lost, and below only neighbours are compared.
         if (!groups && bit > lastBit)
             return bits;
         if (bit != previous) {

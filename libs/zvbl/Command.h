@@ -15,7 +15,7 @@ enum class Check { sum, complement };
 struct Group {
     Bytes bytes; // without the count and the check byte
     Check check = Check::sum;
-    bool counted = false; // a count byte goes in front: of the bytes; in a group without any, of those asked for
+    bool counted = false; // a count byte goes before it: of the bytes; in a group without any, of those asked for
 };
 
 // What the chip sends after its last ACK.

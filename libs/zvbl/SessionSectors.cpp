@@ -58,7 +58,7 @@ std::size_t Session::askSectorSize(std::uint32_t address) {
     return 0;
 }
 
-// What lies before the next whole sectors, or behind the last, is one stretch: of a size that no sector has.
+// What lies before the next whole sectors, or after the last, is one stretch: of a size that no sector has.
 Session::Sectors Session::nextSectors(std::uint32_t address, std::size_t left, std::size_t size) {
     const std::size_t before = size == 0 ? left : (size - address % size) % size;
     if (before > 0 || left < size)

@@ -336,7 +336,7 @@ TEST_F(ConnectTest, FirstDfuDeviceOfSeveral) {
     EXPECT_EQ(opened, 1);
 }
 
-// Behind a restart of the chip a USB DFU link is looked for in the device list, the others are not.
+// After a restart of the chip a USB DFU link is looked for in the device list, the others are not.
 TEST_F(ConnectTest, DeviceListBehindARestart) {
     for (const char *link : {"-com", "-i2c", "-can", "-spi", "-dfu"}) {
         const Outcome run = console.run(std::string(link) + " -usd --set --fn @/a.bin");

@@ -11,7 +11,7 @@
 // What one run left behind. The run's directory is written as "@".
 struct Outcome {
     int status = -1;                // exit status; 128 and the number for a signal
-    std::string text;               // standard output behind the banner
+    std::string text;               // standard output after the banner
     std::vector<std::string> calls; // of the bootloader library, without the link's handle, and sleeps
     std::vector<std::string> files; // of the file library
     std::string errors;             // standard error

@@ -14,7 +14,7 @@ protected:
         console.file("a.hex", "");
         console.file("a.bin", "");
     }
-    // A line behind a connection; the text behind that of the connection.
+    // A line after a connection; the text after that of the connection.
     Outcome connected(const std::string &line, const Chip &chip = f403a) {
         Outcome run = console.run("-com --pn ttyS0 " + line);
         const std::string start = connectText("USART", chip);
@@ -287,7 +287,7 @@ TEST_F(DownloadTest, SpimValuesReachTheJob) {
     EXPECT_EQ(run.text, spimEnabled + "Operation finished successfully!\n" + spimEnabled + erased + downloaded + done);
 }
 
-// These families restart behind the write; the bank is then enabled anew, with its own title.
+// These families restart after the write; the bank is then enabled anew, with its own title.
 TEST_F(DownloadTest, RestartBehindTheWrite) {
     console.connectTo(f403_2);
     const Outcome run = connected("-enspim -d --fn @/a.hex --v", f403_2);
@@ -297,7 +297,7 @@ TEST_F(DownloadTest, RestartBehindTheWrite) {
     EXPECT_EQ(run.callsOf("ZVBL_GO"), Calls{"ZVBL_GO addr=0803FFFC"});
 }
 
-// Without an "-e" in front these families refuse, before anything is erased.
+// Without an "-e" before it these families refuse, before anything is erased.
 TEST_F(DownloadTest, FamiliesThatMustBeErasedFirst) {
     const Chip f437 = {"ZV32F437", "335170080E", "70083351", "0E", 1024, 2048};
     console.connectTo(f437);

@@ -8,7 +8,7 @@ using Calls = std::vector<std::string>;
 
 class EraseTest : public ConsoleTest {
 protected:
-    // A line behind a connection; the text behind that of the connection.
+    // A line after a connection; the text after that of the connection.
     Outcome connected(const std::string &line, const Chip &chip = f403a) {
         Outcome run = console.run("-com --pn ttyS0 " + line);
         const std::string start = connectText("USART", chip);

@@ -20,7 +20,7 @@ TEST(LinkCommands, InterfaceTypes) {
     }
 }
 
-// The type is recorded ahead of the sub-options, so a refused word comes behind it; values read by then stay.
+// The type is recorded ahead of the sub-options, so a refused word comes after it; values read by then stay.
 TEST(LinkCommands, RecordTheTypeAndTheValues) {
     const struct {
         const char *line;

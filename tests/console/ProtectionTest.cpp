@@ -16,7 +16,7 @@ const char *const confirmText = "ZV32F425/F423/A423/L021/F405/F402/F455/F456/F45
                                 "a parameter \"--y\" for operation \"--efap2\"!\n";
 
 TEST_F(ProtectionTest, EnableAccessProtection) {
-    console.script("TARGET_GetUserSystemData data=00"); // as it reads behind the restart
+    console.script("TARGET_GetUserSystemData data=00"); // as it reads after the restart
     for (const char *word : {"--efap", "--erp", "--efap1"}) {
         const Outcome run = connected(std::string("-p ") + word);
         EXPECT_EQ(run.text, start + "Enable access protection\nRunning...\nEnable access protection successfully!\n")
@@ -100,7 +100,7 @@ TEST_F(ProtectionTest, DisableAccessProtectionFails) {
 }
 
 TEST_F(ProtectionTest, EnableEraseProgramProtection) {
-    // The first four sectors, two to a bit, are protected behind the restart.
+    // The first four sectors, two to a bit, are protected after the restart.
     console.script("TARGET_GetUserSystemData from=2 data=A5FFFFFFFCFFFFFF");
     for (const char *word : {"--eepp", "--ewp"}) {
         const Outcome run = connected(std::string("-p ") + word + " 0-3");

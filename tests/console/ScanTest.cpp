@@ -38,10 +38,10 @@ TEST(UserSystemDataScan, Lines) {
         {"-usd --v --set /x/a.bin", "1 "},
         // "-o" is not looked for.
         {"-o --v --set --fn /x/a.bin", "0 "},
-        // It goes on behind what does not match.
+        // It goes on after what does not match.
         {"-usd -e -usd --v --set --fn", "1 --fn"},
         {"-usd --v --get a b -usd --v --set --fn", "1 --fn"},
-        // It steps over two words behind the one that is not "--set".
+        // It steps over two words after the one that is not "--set".
         {"-usd --v a b -usd --v --set --fn", "0 "},
         {"-usd --v a b c -usd --v --set --fn", "1 --fn"},
         // Past the last word, the end test is "at or above".

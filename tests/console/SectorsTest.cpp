@@ -31,7 +31,7 @@ TEST(Sectors, OfARange) {
     fake.device.m_haveBank3 = true;
     const struct {
         const char *word;
-        QList<int> sectors; // behind a 9 that was there before
+        QList<int> sectors; // after a 9 that was there before
     } table[] = {
         {"3-5", {9, 3, 4, 5}},
         {"9-9", {9, 9}}, // doubles stay

@@ -1,9 +1,9 @@
 # Sourced with the name of a link: how the simulated chip and the console are told of it.
 #
 # port_option  the simulator's words      port_words  the console's words
-# port_env     what stands in front of a program that is to find the port; set anew by find_port
+# port_env     what stands before a program that is to find the port; set anew by find_port
 # quick        words for a short time limit, where the link takes them
-# sim_env      what stands in front of the simulator
+# sim_env      what stands before the simulator
 # bus_on, bus_off  what has to run beside the chip
 
 # find_port [LIBRARY]: sets port_env; LIBRARY is to be preloaded besides.

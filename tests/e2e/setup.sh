@@ -16,7 +16,7 @@ chip_on() {
         kill -0 $chip_pid 2>/dev/null || { cat sim.out sim.err; return 1; }
         sleep 0.01
     done
-    # Behind the name of an emulated node stands the directory that it lives in.
+    # After the name of an emulated node stands the directory that it lives in.
     nodes=$(sed -n '1s/^ready [^ ]* *//p' sim.out)
 }
 
@@ -45,7 +45,7 @@ replugged() {
     until [ "$(grep -c ready sim.out)" = 2 ]; do sleep 0.01; done
 }
 
-# press_reset: the reset button; the chip has started behind it.
+# press_reset: the reset button; the chip has started after it.
 press_reset() {
     kill -USR1 $chip_pid
     sleep 0.1

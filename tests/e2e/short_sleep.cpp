@@ -1,5 +1,5 @@
 // Preloaded into the console by the transcripts: a sleep takes a twentieth of its time. The waits
-// behind a reset are seconds, and most transcripts are about something else. RESTART_SPEED names another
+// after a reset are seconds, and most transcripts are about something else. RESTART_SPEED names another
 // part for those of two seconds, in which a device has to come back that is plugged in anew.
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-# Sourced behind setup.sh: every option word and sub-option word on one chip, each told by the word, the
+# Sourced after setup.sh: every option word and sub-option word on one chip, each told by the word, the
 # last line that it printed and its exit status.
 
 # said WORD...: runs a line on the chip, tells its last line and its status.

@@ -85,7 +85,7 @@ has 84 "$levels"
 has D1 "$slib"
 [ "$(grep -c -e '> FF F[DE]' -e '> FF 00' trace)" = "$banks" ] || fail "erases of a bank, expected: $banks"
 
-# Full to the last byte. Two families take an image only behind an erase on the same line.
+# Full to the last byte. Two families take an image only after an erase on the same line.
 if [ -n "$wide" ]; then
     expect 3 "Unknown error!" -d --fn ./full.bin
 fi

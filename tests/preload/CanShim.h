@@ -15,7 +15,7 @@ namespace can_shim {
 
 using namespace can_bus;
 
-// What stands behind a name in the C library, or in the next library that is preloaded.
+// What stands after a name in the C library, or in the next library that is preloaded.
 template <class Function>
 Function real(const char *name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));

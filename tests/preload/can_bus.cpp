@@ -4,7 +4,7 @@
 //
 // PATH is DIR/NAME for CAN_SHIM_DIR=DIR and the interface NAME. With a bit rate frames take their time,
 // and at most ten wait for the wire; without one the bus is as fast as a virtual one. It says "ready",
-// obeys the commands of its input, one a line, says "ok" behind each, and ends at the input's end:
+// obeys the commands of its input, one a line, says "ok" after each, and ends at the input's end:
 //
 //   down, up        the interface is taken down: members get ENETDOWN
 //   unplug, plug    it goes away: members get ENODEV, then ENXIO

@@ -230,7 +230,7 @@ print(spi.transfer(bytes(2)).hex())
 # Two messages, of which the second begins with 02.
 spi.transfer(b"\\x5a", b"\\x02\\xfd", cs_change=[0])
 print(spi.transfer(bytes(2)).hex())
-# Behind the last transfer it is the other way round: the next call goes on with the message.
+# After the last transfer it is the other way round: the next call goes on with the message.
 spi.transfer(b"\\x5a", cs_change=[0])
 spi.transfer(b"\\x02\\xfd")
 print(spi.transfer(bytes(2)).hex())

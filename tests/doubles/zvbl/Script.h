@@ -28,7 +28,7 @@
 //     ZVBL_GET                   caps=LIST          (all) comma-separated: all, none, NAME, -NAME
 //     ZVBL_GET_VER_ROPS          version=HEX bid=HEX res=HEX  (21 12 34)
 //     ZVBL_GET_ID                id=HEX             (0347700507) as on the wire; its length is the length
-//     ZVBL_UPLOAD                data=HEX fill=HEX  (fill FF) fill goes on behind the data
+//     ZVBL_UPLOAD                data=HEX fill=HEX  (fill FF) fill goes on after the data
 //     TARGET_GetUserSystemData   data=HEX fill=HEX  (data A5, fill FF)
 //     TARGET_GetFlashSize        kb=N               (1024)
 //     ZVBL_GetFirmwareCRC        crc=HEX            (12345678)
@@ -56,7 +56,7 @@ public:
     std::string text(const char *key, const char *otherwise) const;
     unsigned long number(const char *key, unsigned long otherwise) const; // C notation
     unsigned long hex(const char *key, unsigned long otherwise) const;
-    // Fills the buffer with the bytes of "data", and behind them with "fill".
+    // Fills the buffer with the bytes of "data", and after them with "fill".
     void fillBuffer(unsigned char *buffer, unsigned int length, const char *data) const;
 };
 
