@@ -66,12 +66,13 @@ def held(tree, heading, things, places):
 
 
 def formats(tree):
-    rows = re.findall(r'\{"(\.\w+)",.*\bread(\w+)', tree.text("libs/files/format/Formats.cpp"))
-    yield from held(tree, "An image format", {name for _, name in rows}, [
+    readers = set(re.findall(r"\bread(\w+), write", tree.text("libs/files/format/Formats.cpp")))
+    yield from held(tree, "An image format", readers, [
         "libs/files/format/{}.h", "libs/files/format/{}.cpp", ("libs/files/CMakeLists.txt", r"format/{}\.cpp"),
         "tests/libfiles/{}Test.cpp", ("tests/libfiles/CMakeLists.txt", r"\b{}Test\.cpp"),
     ])
-    yield from held(tree, "An image format", {suffix for suffix, _ in rows}, [("docs/image-files.md", r"\|.*`{}`.*\|")])
+    suffixes = set(re.findall(r'\{"(\.\w+)", ImageFormat::', tree.text("device/ImageSuffixes.h")))
+    yield from held(tree, "An image format", suffixes, [("docs/image-files.md", r"\|.*`{}`.*\|")])
 
 
 def links(tree):
