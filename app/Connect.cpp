@@ -105,7 +105,7 @@ bool identify(const LinkCommand &command, CCom *obCCom) {
 bool connectLine(const LinkCommand &command, int argc, char **argv, int &arg_index, CCom *&obCCom) {
     printLine(command.firstLine);
     g_shareParameter.m_InterfaceType = command.recordType;
-    SubOptionWalk walk(argc, argv, arg_index, SubOptionWalk::LeavesLastWord);
+    SubOptionWalk walk(argc, argv, arg_index, SubOptionWalk::leavesLastWord);
     return tryReadSettings(walk, command.settings, obCCom) && openLink(command, obCCom) && identify(command, obCCom);
 }
 

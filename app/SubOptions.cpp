@@ -12,7 +12,7 @@ std::string wordAt(int argc, char **argv, int index) {
 }
 
 SubOptionWalk::SubOptionWalk(int words, char **line, int &index, LastWord last)
-    : argc(words), argv(line), argIndex(index), lastWord(last) {}
+    : argc(words), argv(line), argIndex(index), m_lastWord(last) {}
 
 bool SubOptionWalk::next() {
     if (argIndex >= argc)
@@ -20,8 +20,8 @@ bool SubOptionWalk::next() {
     ++argIndex;
     if (argIndex >= argc || Is_Option(argv[argIndex]))
         return false;
-    badWord = !Is_SubOption(argv[argIndex]);
-    if (badWord || (lastWord == LeavesLastWord && argIndex >= argc - 1))
+    m_badWord = !Is_SubOption(argv[argIndex]);
+    if (m_badWord || (m_lastWord == leavesLastWord && argIndex >= argc - 1))
         return false;
     ++argIndex;
     return true;

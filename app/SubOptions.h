@@ -11,16 +11,16 @@ std::string wordAt(int argc, char **argv, int index);
 class SubOptionWalk {
 public:
     enum LastWord {
-        RunsLastWord,  // a trailing sub-option runs with an empty value
-        LeavesLastWord // it is left to main, which calls it a bad parameter
+        runsLastWord,  // a trailing sub-option runs with an empty value
+        leavesLastWord // it is left to main, which calls it a bad parameter
     };
 
-    SubOptionWalk(int argc, char **argv, int &argIndex, LastWord lastWord = RunsLastWord);
+    SubOptionWalk(int argc, char **argv, int &argIndex, LastWord lastWord = runsLastWord);
 
     // True at a sub-option. False at the end: of the line, at the next option, or at a word that is neither.
     bool next();
     // After the end: whether it was a word that is neither option nor sub-option. The index rests on it.
-    bool atBadWord() const { return badWord; }
+    bool atBadWord() const { return m_badWord; }
 
     // The sub-option as it was written.
     std::string word() const;
@@ -40,8 +40,8 @@ public:
     int &argIndex;
 
 private:
-    const LastWord lastWord;
-    bool badWord = false;
+    const LastWord m_lastWord;
+    bool m_badWord = false;
 };
 
 // One sub-option of a handler: its exact word and what it does, 0 or the exit status of its failure.

@@ -1,7 +1,7 @@
 // The EPP bits: bit g is bit g % 8 of byte g / 8, and a clear bit protects its sectors.
 //
 // Four bytes: bit g covers m_bSectorsPerBit sectors, and the last bit, 31, everything from there to the
-// end of flash and the SPIM behind it.
+// end of flash and the SPIM after it.
 // Twenty bytes (ZV32F435, ZV32F437): 32 such bits for the first 128 KiB, then one bit per 128 KiB.
 //
 // The sector size and the sectors per bit come from a map file and may be 0: no bit has sectors then.
@@ -108,8 +108,8 @@ void CUserSystemData::SetEPP(int nSectorIndex, bool bEnable) {
     }
     // MEANT: a sector that the device does not have stands for the last bit.
     const int bit = nSectorIndex >= m_nSectorNums ? lastBit : bitOfSector(*this, nSectorIndex);
-    const bool behindTheRanges = bit < 0 && nSectorIndex >= m_bSectorsPerBit * lastBit;
-    applyBit(*this, behindTheRanges ? lastBit : bit, bEnable);
+    const bool afterTheRanges = bit < 0 && nSectorIndex >= m_bSectorsPerBit * lastBit;
+    applyBit(*this, afterTheRanges ? lastBit : bit, bEnable);
 }
 
 void CUserSystemData::SetEPP(bool bEnableAll, bool bank3Flag) {
@@ -156,7 +156,7 @@ QList<int> CUserSystemData::GetEPPMapSectorIndex(int nSectorIndex, int actualIte
     const int lastRange = m_bSectorsPerBit * lastBit;
     const bool onDevice = nSectorIndex < m_nSectorNums;
     if (onDevice && bit >= 0) {
-        // MEANT: all sectors of the bit, those behind the end of the device too.
+        // MEANT: all sectors of the bit, those after the end of the device too.
         appendSectorsOfBit(*this, bit, lastRange, sectors);
     } else if (nSectorIndex >= lastRange && nSectorIndex < actualItemsNum) {
         appendRange(sectors, lastRange, actualItemsNum);

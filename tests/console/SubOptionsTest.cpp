@@ -46,7 +46,7 @@ TEST(SubOptionWalk, OfActions) {
         {"-e --ALL 7 --sec 1-2", "--ALL=7 --sec=1-2 5"},
     };
     for (const auto &row : table)
-        EXPECT_EQ(walkOver(row.line, SubOptionWalk::RunsLastWord), row.seen) << row.line;
+        EXPECT_EQ(walkOver(row.line, SubOptionWalk::runsLastWord), row.seen) << row.line;
 }
 
 TEST(SubOptionWalk, OfConnectionCommands) {
@@ -63,7 +63,7 @@ TEST(SubOptionWalk, OfConnectionCommands) {
         {"-com --pn ttyS0 --xyz", "--pn=ttyS0 !3"},
     };
     for (const auto &row : table)
-        EXPECT_EQ(walkOver(row.line, SubOptionWalk::LeavesLastWord), row.seen) << row.line;
+        EXPECT_EQ(walkOver(row.line, SubOptionWalk::leavesLastWord), row.seen) << row.line;
 }
 
 TEST(SubOptionWalk, WordAt) {

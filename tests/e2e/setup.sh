@@ -71,7 +71,9 @@ line() {
     return "${PIPESTATUS[0]}"
 }
 
-# pairs: shows the option bytes of a file as value and complement, two bytes a pair, from standard input.
-pairs() {
-    od -An -v -tx1 -w16 | head -n "${1:-4}"
+# changed FILE FILE: the option bytes that differ between two files, by their number in the chip, each as value and
+# complement.
+changed() {
+    paste -d ' ' <(od -An -v -tx1 -w2 "$1") <(od -An -v -tx1 -w2 "$2") |
+        awk '$1 != $3 || $2 != $4 { print NR - 1 ": " $1 " " $2 " -> " $3 " " $4 }'
 }

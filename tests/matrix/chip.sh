@@ -75,7 +75,7 @@ Device connected Successfully
 END
 ZVBL_TRACE=$PWD/trace isp -com --pn "$PWD/port" -e --all >out || fail "-e --all: $?"
 head -n 4 out | diff wanted - || fail "the device lines"
-commands=$(grep -m 1 -A 3 '> 00 FF' trace | sed -n '4s/.*< ..//p') # behind the version
+commands=$(grep -m 1 -A 3 '> 00 FF' trace | sed -n '4s/.*< ..//p') # after the version
 has() { # COMMAND yes|no
     case "$commands " in *" $1 "*) echo yes ;; *) echo no ;; esac | grep -q "$2" ||
         fail "command $1, expected: $2; the chip has$commands"
@@ -107,12 +107,12 @@ for refused in $one $one_end $last $last_end; do
     expect 51 "The device is erase and program protection!" -e --sec "$refused-$refused"
 done
 expect 48 "The device is erase and program protection!" -e --all
-before=$((one - 1)) behind=$((one_end + 1)) last_before=$((last - 1))
-expect 0 "Erase successfully!" -e --sec "$before-$before" --sec "$behind-$behind" --sec "$last_before-$last_before"
-for erased in $before $behind $last_before; do
+before=$((one - 1)) after=$((one_end + 1)) last_before=$((last - 1))
+expect 0 "Erase successfully!" -e --sec "$before-$before" --sec "$after-$after" --sec "$last_before-$last_before"
+for erased in $before $after $last_before; do
     blank "$erased" "$erased"
 done
-holds 0 "$behind"
+holds 0 "$after"
 holds "$last_before" "$last"
 holds "$last_end" "$last_end"
 
@@ -120,7 +120,7 @@ holds "$last_end" "$last_end"
 expect 0 "Erase successfully!" -p --depp -e --sec "$one-$one_end" --sec "$last_end-$last_end"
 blank "$one" "$one_end"
 blank "$last_end" "$last_end"
-holds 0 "$behind"
+holds 0 "$after"
 holds "$last_before" "$last"
 holds "$last_end" "$last_end"
 expect 0 "Upload successfully!" -e --all -u --fn ./back.bin

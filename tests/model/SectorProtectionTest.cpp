@@ -95,7 +95,7 @@ const SectorRow sectorRows[] = {
     {ZV32F437, 224, 2048, 2, 127, 32},
     {ZV32F437, 224, 2048, 2, 128, 33},
     {ZV32F437, 224, 2048, 2, 223, 34},
-    {ZV32F437, 224, 2048, 1, 40, -1}, // below the boundary and behind the 32 bits
+    {ZV32F437, 224, 2048, 1, 40, -1}, // below the boundary and after the 32 bits
     {ZV32F437, 224, 0, 2, 64, -1},    // a map file without a sector size
     {ZV32F437, 224, 0x7FFFFFFF, 2, 64, -1},
 };
@@ -239,7 +239,7 @@ const ListRow listRows[] = {
     {ZV32F403A, 64, 2048, 2, {0}, 64, {0, 1}},
     {ZV32F403A, 64, 2048, 2, {1, 30}, 64, {2, 3, 60, 61}},
     {ZV32F403A, 66, 2048, 2, {31}, 66, {62, 63, 64, 65}},
-    {ZV32F403A, 64, 2048, 2, {31}, 67, {62, 63, 64, 65, 66}}, // and the SPIM behind the flash
+    {ZV32F403A, 64, 2048, 2, {31}, 67, {62, 63, 64, 65, 66}}, // and the SPIM after the flash
     {ZV32F403A, 64, 2048, 2, {31, 0}, 65, {0, 1, 62, 63, 64}},
     {ZV32F403A, 8, 2048, 2, {31}, 10, {8, 9}}, // the SPIM alone
     {ZV32F403A, 7, 2048, 2, {3, 4}, 7, {6}},   // up to the end of the device
@@ -248,9 +248,9 @@ const ListRow listRows[] = {
     {ZV32F435, 1008, 4096, 1, {31}, 1008, {31}},
     {ZV32F435, 1008, 4096, 1, {32}, 1008, range(32, 63)},
     {ZV32F435, 1008, 4096, 1, {0, 62}, 1008, Sectors{0} + range(992, 1007)},
-    {ZV32F435, 1008, 4096, 1, {63, 159}, 5000, {}}, // behind the device, SPIM or not
+    {ZV32F435, 1008, 4096, 1, {63, 159}, 5000, {}}, // after the device, SPIM or not
     {ZV32F437, 224, 2048, 2, {31, 34}, 224, Sectors{62, 63} + range(192, 223)},
-    {ZV32F437, 224, 2048, 4, {16}, 224, {}}, // bits behind the boundary have no sectors
+    {ZV32F437, 224, 2048, 4, {16}, 224, {}}, // bits after the boundary have no sectors
     {ZV32F437, 224, 0, 2, {0, 32}, 224, {}},
 };
 
@@ -278,8 +278,8 @@ const SharedRow sharedRows[] = {
     {ZV32F403A, 64, 2048, 2, 1, 64, {0, 1}},
     {ZV32F403A, 64, 2048, 2, 60, 64, {60, 61}},
     {ZV32F403A, 64, 2048, 2, 63, 66, {62, 63, 64, 65}},
-    {ZV32F403A, 64, 2048, 2, 63, 63, {}},        // behind the items
-    {ZV32F403A, 7, 2048, 4, 6, 7, {4, 5, 6, 7}}, // all of the bit, also behind the end of the device
+    {ZV32F403A, 64, 2048, 2, 63, 63, {}},        // after the items
+    {ZV32F403A, 7, 2048, 4, 6, 7, {4, 5, 6, 7}}, // all of the bit, also after the end of the device
     {ZV32F403A, 64, 2048, 2, -1, 66, {}},
     {ZV32F403A, 64, 2048, 2, 64, 66, {62, 63, 64, 65, 64, 65}}, // twice
     {ZV32F403A, 64, 2048, 2, 70, 66, {64, 65}},
@@ -288,7 +288,7 @@ const SharedRow sharedRows[] = {
     {ZV32F435, 1008, 4096, 1, 5, 1008, {5}},
     {ZV32F435, 1008, 4096, 1, 40, 1008, range(32, 63)},
     {ZV32F435, 1008, 4096, 1, 1000, 1008, range(992, 1007)},
-    {ZV32F435, 1008, 4096, 1, 1008, 2000, range(992, 1007)}, // the bit reaches behind the device
+    {ZV32F435, 1008, 4096, 1, 1008, 2000, range(992, 1007)}, // the bit reaches after the device
     {ZV32F435, 1008, 4096, 1, 1024, 2000, {}},
     {ZV32F435, 1008, 4096, 1, -1, 2000, {}},
     {ZV32F437, 224, 2048, 2, 63, 224, {62, 63}},
@@ -324,7 +324,7 @@ const FilterRow filterRows[] = {
     {ZV32F403A, 2048, 2, {40000, 32768, 50000}, {31}},
     {ZV32F403A, 2048, 2, {0, 40000, 2, 40001}, {0, 31, 1}},
     {ZV32F403A, 2048, 2, {62, 40000}, {31}},
-    {ZV32F403A, 2048, 2, {32767, 40000}, {}}, // a sector behind the bits, not the SPIM
+    {ZV32F403A, 2048, 2, {32767, 40000}, {}}, // a sector after the bits, not the SPIM
     {ZV32F403A, 2048, 2, {-1, 2}, {1}},
     {ZV32F403A, 2048, 0, {0, 40000}, {31}},
     {ZV32F421, 1024, 9, {0, 3, 4, 8}, {0, 1, 2}},

@@ -5,7 +5,7 @@
 
 namespace {
 
-enum ParityRead { Kept, Cleared, FromBit7 };
+enum ParityRead { kept, cleared, fromBit7 };
 
 struct SwitchRow {
     int family;
@@ -19,20 +19,20 @@ struct SwitchRow {
 };
 
 const SwitchRow rows[] = {
-    {ZV32F421, 0xE8, 4, false, false, 4, false, Kept},   {ZV32F425, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32F423, 0x88, 4, true, false, 4, true, Cleared},  {ZV32A423, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32M412, 0x88, 4, true, false, 4, true, Cleared},  {ZV32M416, 0x88, 4, true, false, 4, true, Cleared},
-    {ZV32G412, 0x88, 4, true, false, 4, true, Cleared},  {ZV32L021, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F405, 0x08, 4, true, true, 4, true, FromBit7},  {ZV32F402, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F455, 0x08, 4, true, true, 4, true, FromBit7},  {ZV32F456, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F457, 0x08, 4, true, true, 4, true, FromBit7},  {ZV32F490, 0x08, 4, true, true, 4, true, FromBit7},
-    {ZV32F435, 0x90, 3, true, false, 3, true, Cleared},  {ZV32F437, 0x90, 3, true, false, 3, true, Cleared},
-    {ZV32F422, 0xF0, 3, false, false, 4, true, Cleared}, {ZV32F426, 0xF0, 3, false, false, 4, true, Cleared},
-    {ZV32F403_1, 0xF0, 3, false, false, 3, false, Kept}, {ZV32F403_2, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F413, 0xF0, 3, false, false, 3, false, Kept},   {ZV32F403A, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F407, 0xF0, 3, false, false, 3, false, Kept},   {ZV32A403A, 0xF0, 3, false, false, 3, false, Kept},
-    {ZV32F415, 0xF0, 3, false, false, 3, false, Kept},   {ZV32WB415, 0xF0, 3, false, false, 3, false, Kept},
-    {27, 0xF0, 3, false, false, 3, false, Kept},         {-1, 0xF0, 3, false, false, 3, false, Kept},
+    {ZV32F421, 0xE8, 4, false, false, 4, false, kept},   {ZV32F425, 0x88, 4, true, false, 4, true, cleared},
+    {ZV32F423, 0x88, 4, true, false, 4, true, cleared},  {ZV32A423, 0x88, 4, true, false, 4, true, cleared},
+    {ZV32M412, 0x88, 4, true, false, 4, true, cleared},  {ZV32M416, 0x88, 4, true, false, 4, true, cleared},
+    {ZV32G412, 0x88, 4, true, false, 4, true, cleared},  {ZV32L021, 0x08, 4, true, true, 4, true, fromBit7},
+    {ZV32F405, 0x08, 4, true, true, 4, true, fromBit7},  {ZV32F402, 0x08, 4, true, true, 4, true, fromBit7},
+    {ZV32F455, 0x08, 4, true, true, 4, true, fromBit7},  {ZV32F456, 0x08, 4, true, true, 4, true, fromBit7},
+    {ZV32F457, 0x08, 4, true, true, 4, true, fromBit7},  {ZV32F490, 0x08, 4, true, true, 4, true, fromBit7},
+    {ZV32F435, 0x90, 3, true, false, 3, true, cleared},  {ZV32F437, 0x90, 3, true, false, 3, true, cleared},
+    {ZV32F422, 0xF0, 3, false, false, 4, true, cleared}, {ZV32F426, 0xF0, 3, false, false, 4, true, cleared},
+    {ZV32F403_1, 0xF0, 3, false, false, 3, false, kept}, {ZV32F403_2, 0xF0, 3, false, false, 3, false, kept},
+    {ZV32F413, 0xF0, 3, false, false, 3, false, kept},   {ZV32F403A, 0xF0, 3, false, false, 3, false, kept},
+    {ZV32F407, 0xF0, 3, false, false, 3, false, kept},   {ZV32A403A, 0xF0, 3, false, false, 3, false, kept},
+    {ZV32F415, 0xF0, 3, false, false, 3, false, kept},   {ZV32WB415, 0xF0, 3, false, false, 3, false, kept},
+    {27, 0xF0, 3, false, false, 3, false, kept},         {-1, 0xF0, 3, false, false, 3, false, kept},
 };
 
 void encode(CUserSystemData &data, int choice) {
@@ -83,7 +83,7 @@ TEST(SwitchByte, EveryValueIsReadByTheBitsOfTheFamily) {
             ASSERT_EQ(data.m_BBFB2, bit(row.bootRead)) << row.family << " " << value;
             ASSERT_EQ(data.m_BnWDT_DEPSLP, row.watchdogsRead && bit(5)) << row.family << " " << value;
             ASSERT_EQ(data.m_BnWDT_STDBY, row.watchdogsRead && bit(6)) << row.family << " " << value;
-            const bool parity = row.parityRead == Kept ? parityBefore : row.parityRead == FromBit7 && bit(7);
+            const bool parity = row.parityRead == kept ? parityBefore : row.parityRead == fromBit7 && bit(7);
             ASSERT_EQ(data.m_SRAM_Parity, parity) << row.family << " " << value;
         }
     }
