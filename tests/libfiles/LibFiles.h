@@ -19,6 +19,7 @@ constexpr unsigned int unableToOpenTempFile = 4;
 constexpr unsigned int badFormat = 5;
 constexpr unsigned int badAddressRange = 6;
 constexpr unsigned int badParameter = 8;
+constexpr unsigned int unexpectedError = 10;
 constexpr unsigned int generalError = 13;
 constexpr unsigned int elementsFull = 15;
 

@@ -4,9 +4,11 @@
 #include <filesystem>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "tests/libfiles/LibFiles.h"
@@ -132,5 +134,23 @@ TEST(OddFiles, ALongLineOfNothing) {
         EXPECT_EQ(open(path), badFormat);
     }
 }
+
+// The sanitizers take more address space than any limit leaves them.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(OddFiles, AnImageThatTheMemoryHasNoRoomFor) {
+    const TempDir dir;
+    for (const char *name : {"a.bin", "a.hex", "a.s19"}) {
+        writeFile(dir / name, std::string());
+        fs::resize_file(dir / name, 256 << 20); // without a block on the disk
+        const int status = inChild([&] {
+            const rlimit limit{100 << 20, 100 << 20};
+            ::setrlimit(RLIMIT_AS, &limit);
+            return static_cast<int>(open(dir / name));
+        });
+        ASSERT_TRUE(WIFEXITED(status)) << name;
+        EXPECT_EQ(WEXITSTATUS(status), static_cast<int>(unexpectedError)) << name;
+    }
+}
+#endif
 
 } // namespace
