@@ -48,8 +48,9 @@ Command writeCommand(const Block &block) {
 Status Session::upload(std::uint32_t address, std::uint8_t *data, std::size_t length) {
     if (!isOpen())
         return Status::notOpen;
-    const std::size_t size = sectorSize(address, length);
-    if (size == 0 && isFlash(address) && length >= wire::smallestSector)
+    const bool guarded = m_parts.framing->guardsReplies();
+    const std::size_t size = guarded ? 0 : sectorSize(address, length);
+    if (size == 0 && !guarded && isFlash(address) && length >= wire::smallestSector)
         tellUnvouched();
     Status status = Status::ok;
     for (std::size_t done = 0, part = 0; done < length && status == Status::ok; done += part) {

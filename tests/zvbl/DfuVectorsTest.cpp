@@ -105,6 +105,37 @@ TEST_F(DfuVectorsTest, IdOfFiveBytesAndOfTwo) {
     EXPECT_EQ(length, 2);
 }
 
+// USB checks every packet by itself: nothing has to vouch for what was read.
+TEST_F(DfuVectorsTest, AnUploadAsksForNoChecksum) {
+    Commands commands;
+    BYTE version = 0;
+    EXPECT_EQ(
+        play(asked("21 01 00 00 00 00 01 00 00", "02 21 11 AC"), [&] { return ZVBL_GET(link, &version, &commands); }),
+        0);
+    EXPECT_EQ(commands.FIRMWARE_CRC_CMD, 1);
+    zvbl::Bytes data(2048);
+    const UsbScript read = done("21 01 00 00 00 00 05 00 21 00 00 00 08") +
+                           UsbScript{{abortRequest, ""}, {"A1 02 02 00 00 00 00 08", hex(zvbl::Bytes(2048, 0x5A))}};
+    EXPECT_EQ(play(read, [&] { return ZVBL_UPLOAD(link, 0x08000000, data.data(), 2048); }), 0);
+    EXPECT_EQ(data, zvbl::Bytes(2048, 0x5A));
+}
+
+// What is compared travels once for a whole sector: as a command of its own, and four bytes of reply.
+TEST_F(DfuVectorsTest, AVerifyOfAWholeSectorAsksForItsChecksum) {
+    Commands commands;
+    BYTE version = 0;
+    EXPECT_EQ(
+        play(asked("21 01 00 00 00 00 01 00 00", "02 21 11 AC"), [&] { return ZVBL_GET(link, &version, &commands); }),
+        0);
+    const auto question = [](const std::string &download, const std::string &reply) {
+        return done(download) + UsbScript{{abortRequest, ""}, {"A1 02 01 00 00 00 00 10", reply}};
+    };
+    const UsbScript script = question("21 01 00 00 00 00 09 00 AC 08 00 00 00 08 00 00 00", "00 00 08 00 08") +
+                             question("21 01 00 00 00 00 09 00 AC 08 00 08 00 00 00 01 01", "3F 55 D1 7F C4");
+    zvbl::Bytes erased(2048, 0xFF);
+    EXPECT_EQ(play(script, [&] { return ZVBL_VERIFY(link, 0x08000800, erased.data(), 2048, 0); }), 0);
+}
+
 TEST_F(DfuVectorsTest, FlashSizeIsLowByteFirst) {
     int kilobytes = 0;
     const UsbScript script = inStep + done("21 01 00 00 00 00 05 00 21 E0 F7 FF 1F") +

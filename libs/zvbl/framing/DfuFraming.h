@@ -23,6 +23,7 @@ public:
     Status start(const StartSettings &settings, Duration timeout) override;
     Status setSpeed(unsigned long speed, Duration timeout) override;
     std::size_t packetSize(std::size_t wished) const override; // wTransferSize, whatever is wished
+    bool guardsReplies() const override { return true; }       // USB checks and repeats every packet
     Status transfer(const Command &command, Bytes &reply, Duration timeout) override;
 
 private:

@@ -30,6 +30,9 @@ public:
     // The longest READ and WRITE; `wished` is what the user of the link asks for.
     virtual std::size_t packetSize(std::size_t wished) const { return wished; }
 
+    // Whether the link itself makes sure that what is read is what was sent.
+    virtual bool guardsReplies() const { return false; }
+
     // Carries one command out, once. Every exchange with the chip but the start goes through here. The
     // reply comes without its count and its end. The timeout is that of each single wait.
     virtual Status transfer(const Command &command, Bytes &reply, Duration timeout) = 0;
