@@ -13,6 +13,7 @@ const char *const usageLines[] = {
     "     -?                     Show this help.",
     "     -dfu                   Establish connection to the DFU port. ",
     "     -com                   Establish connection to the COM port. ",
+    // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one line of the text, on two of the source
     "       --pn  port_number    If OS is Windows, this is port number, e.g 1, 2... default 1. Else this is port name, "
     "e.g ttyACM0, ttyS0... ",
     "       --br  baud_rate      E.g 256000, 128000, 115200, 57600 ..., default 115200 ",

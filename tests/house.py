@@ -14,9 +14,6 @@ FOLDERS = ["app", "bench", "device", "files", "foundation", "libs", "link", "ope
 
 # What may be longer, and why.
 LONG_FILES = {
-    "tests/operations/DownloadTest.cpp": "every order of calls of the one job that has most of them",
-    "tests/operations/ProjectTest.cpp": "the same for a project, step by step",
-    "tests/console/ConnectTest.cpp": "every word of every connection, with the calls that it makes",
 }
 LONG_FUNCTIONS = {
     "tests/doubles/zvbl/Script.cpp functionKeys": "a table: each function of the library and what it can be told",
