@@ -143,6 +143,7 @@ Console::~Console() {
 }
 
 void Console::connectTo(const Chip &chip) {
+    connected = chip;
     std::filesystem::remove_all(path("Map"));
     std::filesystem::create_directory(path("Map"));
     std::ostringstream map;
@@ -236,4 +237,12 @@ Outcome Console::runAndListen(const std::vector<std::string> &words) {
     result.files = lines(abbreviate(readFile(path("files"))));
     result.errors = readFile(path("stderr"));
     return result;
+}
+
+Outcome ConnectedTest::connected(const std::string &line) {
+    Outcome run = console.run("-com --pn ttyS0 " + line);
+    const std::string start = connectText("USART", console.chip());
+    EXPECT_TRUE(startsWith(run.text, start)) << run.text;
+    run.text.erase(0, start.size());
+    return run;
 }

@@ -49,6 +49,7 @@ public:
 
     // Puts another chip at the other end of the link.
     void connectTo(const Chip &chip);
+    const Chip &chip() const { return connected; }
     // Rules for the doubles, added to those before.
     void script(const std::string &rules);
     void filesScript(const std::string &rules);
@@ -77,6 +78,7 @@ private:
     std::string abbreviate(std::string text) const;
 
     std::string directory;
+    Chip connected;
     std::string rules;
     std::string filesRules;
 };
@@ -85,6 +87,13 @@ private:
 class ConsoleTest : public testing::Test {
 protected:
     Console console;
+};
+
+// A test of words after a connection.
+class ConnectedTest : public ConsoleTest {
+protected:
+    // Runs them; the text is what they print, after that of the connection, which is checked.
+    Outcome connected(const std::string &line);
 };
 
 // What a successful connection command prints.

@@ -8,19 +8,11 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-class DownloadTest : public ConsoleTest {
+class DownloadTest : public ConnectedTest {
 protected:
     DownloadTest() {
         console.file("a.hex", "");
         console.file("a.bin", "");
-    }
-    // A line after a connection; the text after that of the connection.
-    Outcome connected(const std::string &line, const Chip &chip = f403a) {
-        Outcome run = console.run("-com --pn ttyS0 " + line);
-        const std::string start = connectText("USART", chip);
-        EXPECT_EQ(run.text.substr(0, start.size()), start);
-        run.text.erase(0, start.size());
-        return run;
     }
 };
 
@@ -290,7 +282,7 @@ TEST_F(DownloadTest, SpimValuesReachTheJob) {
 // These families restart after the write; the bank is then enabled anew, with its own title.
 TEST_F(DownloadTest, RestartBehindTheWrite) {
     console.connectTo(f403_2);
-    const Outcome run = connected("-enspim -d --fn @/a.hex --v", f403_2);
+    const Outcome run = connected("-enspim -d --fn @/a.hex --v");
     EXPECT_EQ(run.text, spimEnabled + "Operation finished successfully!\n" + spimEnabled + erased + downloaded +
                             spimEnabled + "Verify\n@/a.hex     2048B\n\rRunning...100%\n" + done);
     EXPECT_EQ(run.status, 0);
@@ -301,11 +293,11 @@ TEST_F(DownloadTest, RestartBehindTheWrite) {
 TEST_F(DownloadTest, FamiliesThatMustBeErasedFirst) {
     const Chip f437 = {"ZV32F437", "335170080E", "70083351", "0E", 1024, 2048};
     console.connectTo(f437);
-    const Outcome refused = connected("-d --fn @/a.hex", f437);
+    const Outcome refused = connected("-d --fn @/a.hex");
     EXPECT_EQ(refused.text, "\nUnknown error!\n");
     EXPECT_EQ(refused.status, 3);
     EXPECT_TRUE(refused.changes().empty());
-    const Outcome taken = connected("-e --sec 0 -d --fn @/a.hex", f437);
+    const Outcome taken = connected("-e --sec 0 -d --fn @/a.hex");
     EXPECT_EQ(taken.text, erased + "Erase successfully!\n" + downloaded + done);
     EXPECT_EQ(taken.status, 0);
 }

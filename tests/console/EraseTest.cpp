@@ -6,17 +6,7 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-class EraseTest : public ConsoleTest {
-protected:
-    // A line after a connection; the text after that of the connection.
-    Outcome connected(const std::string &line, const Chip &chip = f403a) {
-        Outcome run = console.run("-com --pn ttyS0 " + line);
-        const std::string start = connectText("USART", chip);
-        EXPECT_EQ(run.text.substr(0, start.size()), start);
-        run.text.erase(0, start.size());
-        return run;
-    }
-};
+class EraseTest : public ConnectedTest {};
 
 TEST_F(EraseTest, All) {
     const Outcome run = connected("-e --all");
@@ -163,11 +153,11 @@ TEST_F(EraseTest, RangeThatMakesNoJob) {
 
 TEST_F(EraseTest, RangesOfTheOtherFamiliesWithSpim) {
     console.connectTo(f415);
-    const Outcome run = connected("-enspim -e --sec 0-1", f415);
+    const Outcome run = connected("-enspim -e --sec 0-1");
     EXPECT_EQ(lines(run.text).back(), "bad parameter 0-1");
     EXPECT_EQ(run.status, 51);
     EXPECT_TRUE(run.callsOf("ZVBL_ERASE").empty());
-    EXPECT_EQ(connected("-e --sec 0-1", f415).status, 0);
+    EXPECT_EQ(connected("-e --sec 0-1").status, 0);
 }
 
 } // namespace

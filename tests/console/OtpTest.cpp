@@ -6,16 +6,9 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-class OtpTest : public ConsoleTest {
+class OtpTest : public ConnectedTest {
 protected:
-    Outcome connected(const std::string &line, const Chip &chip = f457) {
-        console.connectTo(chip);
-        Outcome run = console.run("-com --pn ttyS0 " + line);
-        const std::string start = connectText("USART", chip);
-        EXPECT_EQ(run.text.substr(0, start.size()), start);
-        run.text.erase(0, start.size());
-        return run;
-    }
+    OtpTest() { console.connectTo(f457); }
     // One record: its address, its block of one byte, its flags.
     static std::string record(unsigned int address, char fill, char lockFlag, char writeFlag) {
         std::string bytes;
@@ -72,7 +65,8 @@ TEST_F(OtpTest, AreaOfTheFamily) {
     };
     for (const auto &row : table) {
         const Chip chip = {"ZV32F4XX", std::string("010F5009") + row.series, "5009010F", row.series, 64, 1024};
-        const Calls changes = connected("-otp --fn @/a.ZVTP", chip).changes();
+        console.connectTo(chip);
+        const Calls changes = connected("-otp --fn @/a.ZVTP").changes();
         ASSERT_EQ(changes.size(), 2U) << row.series;
         EXPECT_EQ(changes[0].substr(12, 13), std::string("addr=") + row.data) << row.series;
         EXPECT_EQ(changes[1].substr(12, 13), std::string("addr=") + row.lock) << row.series;

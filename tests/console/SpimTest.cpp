@@ -6,11 +6,7 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-class SpimTest : public ConsoleTest {
-protected:
-    Outcome connected(const std::string &line) { return console.run("-com --pn ttyS0 " + line); }
-    const std::string start = connectText("USART");
-};
+class SpimTest : public ConnectedTest {};
 
 const std::string enabled = "Enable Bank3\nRunning...\nOperation finished successfully!\n";
 
@@ -44,7 +40,7 @@ TEST_F(SpimTest, Values) {
     };
     for (const auto &row : table) {
         const Outcome run = connected(row.line);
-        EXPECT_EQ(run.text, start + enabled) << row.line;
+        EXPECT_EQ(run.text, enabled) << row.line;
         EXPECT_EQ(run.status, 0) << row.line;
         EXPECT_EQ(run.changes(), row.changes) << row.line;
     }
@@ -60,7 +56,7 @@ TEST_F(SpimTest, RemapIsForUsartOnly) {
 
 TEST_F(SpimTest, TrailingFlashDA) {
     const Outcome run = connected("-enspim --fs 16 --fda");
-    EXPECT_EQ(run.text, start + "bad parameter \"");
+    EXPECT_EQ(run.text, "bad parameter \"");
     EXPECT_EQ(run.status, 8);
     EXPECT_TRUE(run.changes().empty());
 }
@@ -81,7 +77,7 @@ TEST_F(SpimTest, ScanForAUserSystemDataFile) {
     };
     for (const auto &row : table) {
         const Outcome run = connected(row.line);
-        EXPECT_EQ(run.text, start + row.text) << row.line;
+        EXPECT_EQ(run.text, row.text) << row.line;
         EXPECT_EQ(run.status, row.status) << row.line;
         EXPECT_TRUE(run.callsOf("TARGET_SetUserSystemData").empty()) << row.line;
     }
@@ -92,7 +88,7 @@ TEST_F(SpimTest, ScanForAUserSystemDataFile) {
 
 TEST_F(SpimTest, BadWord) {
     const Outcome run = connected("-enspim --bogus");
-    EXPECT_EQ(run.text, start + "bad parameter \"--bogus\"\n");
+    EXPECT_EQ(run.text, "bad parameter \"--bogus\"\n");
     EXPECT_EQ(run.status, 8);
     EXPECT_TRUE(run.changes().empty());
 }
@@ -100,7 +96,7 @@ TEST_F(SpimTest, BadWord) {
 TEST_F(SpimTest, FailureOfTheJob) {
     console.script("ZVBL_EnableBank3 status=19");
     const Outcome run = connected("-enspim --fs 16 -e --all");
-    EXPECT_EQ(run.text, start + "Enable Bank3\nRunning...\n\nThe cmd not allowed!\n");
+    EXPECT_EQ(run.text, "Enable Bank3\nRunning...\n\nThe cmd not allowed!\n");
     EXPECT_EQ(run.status, 8);
     EXPECT_EQ(run.calls.back(), "Interface_Close");
 }

@@ -8,16 +8,9 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-class UploadTest : public ConsoleTest {
+class UploadTest : public ConnectedTest {
 protected:
-    Outcome connected(const std::string &line) {
-        console.connectTo(f415); // 128 sectors
-        Outcome run = console.run("-com --pn ttyS0 " + line);
-        const std::string start = connectText("USART", f415);
-        EXPECT_EQ(run.text.substr(0, start.size()), start);
-        run.text.erase(0, start.size());
-        return run;
-    }
+    UploadTest() { console.connectTo(f415); } // 128 sectors
 };
 
 TEST_F(UploadTest, Sectors) {
