@@ -30,6 +30,7 @@ CMapping::~CMapping() {
 PMAPPINGSECTOR CMapping::GetSectorIntPtr(int iIndex) const {
     // By number: the pointer may lie outside the array, where pointer arithmetic is undefined.
     const auto start = reinterpret_cast<std::uintptr_t>(m_scMapping.pSectors);
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): the size twice is what is asked for
     const auto scaled = static_cast<std::uintptr_t>(iIndex) * sizeof(MAPPINGSECTOR) * sizeof(MAPPINGSECTOR);
     return reinterpret_cast<PMAPPINGSECTOR>(start + scaled);
 }

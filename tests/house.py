@@ -13,8 +13,7 @@ FILE_LINES = 350
 FOLDERS = ["app", "bench", "device", "files", "foundation", "libs", "link", "operations", "sim", "tests", "usersystemdata"]
 
 # What may be longer, and why.
-LONG_FILES = {
-}
+LONG_FILES = {}
 LONG_FUNCTIONS = {
     "tests/doubles/zvbl/Script.cpp functionKeys": "a table: each function of the library and what it can be told",
     "tests/sim/StateTest.cpp State.everythingThatSurvivesWithoutPowerComesBack": "a transcript of bytes",
