@@ -18,13 +18,15 @@ protected:
     static constexpr std::size_t sector = 2048;
     static constexpr int packets = 8; // of a sector
     static constexpr unsigned base = SectorChip::base;
+    static constexpr unsigned patienceMs = 5000; // a busy machine may hold up an answer
+    static constexpr unsigned shortPatienceMs = 300;
 
     void SetUp() override {
         char name[] = "/tmp/zvbl-sectors-XXXXXX";
         directory = mkdtemp(name);
         setenv("ZVBL_TRACE", (directory / "trace").c_str(), 1);
         LinkFixture::SetUp();
-        hurry(60, 5, 150);
+        hurry(100, 5, patienceMs);
         std::mt19937 random(4711);
         for (std::uint8_t &byte : memory)
             byte = static_cast<std::uint8_t>(random() % 255); // no FF
@@ -39,6 +41,8 @@ protected:
     // A chip with that memory, which has told its commands.
     std::unique_ptr<SectorChip> chipWith(Crc crc) {
         auto chip = std::make_unique<SectorChip>(pty, memory, crc);
+        if (crc == Crc::dropped || crc == Crc::deadly) // an answer that never comes is waited for
+            EXPECT_EQ(SetTimeOut(link, shortPatienceMs), 0);
         BYTE version = 0;
         Commands commands;
         EXPECT_EQ(ZVBL_GET(link, &version, &commands), 0);
