@@ -31,7 +31,7 @@ public:
     void reset(Nanoseconds now) override;
     void losePower(Nanoseconds now) override;
     void workByItself(Nanoseconds now) override;
-    std::optional<Nanoseconds> due(Nanoseconds now) override { return m_line.due(now); }
+    std::optional<Nanoseconds> due(Nanoseconds) override { return m_line.due(); }
     std::vector<int> fds() const override;
 
 private:

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "sim/links/UsartLine.h"
+#include "sim/ports/Lateness.h"
 #include "sim/ports/pty/Pty.h"
 
 namespace sim {
@@ -17,7 +18,7 @@ public:
 
     // Takes bytes in and gives out those that are due. Whether any went by.
     bool work();
-    std::optional<Nanoseconds> due(Nanoseconds now) const;
+    std::optional<Nanoseconds> due() const;
 
     // What has not left yet is lost.
     void forget() { m_line.toHost().clear(); }
@@ -29,13 +30,15 @@ public:
 private:
     bool takeFromHost();
     bool giveToHost();
+    Nanoseconds giveBack(std::size_t length, unsigned baud, Nanoseconds now);
 
     Pty &m_pty;
     bool m_pace;
     Log &m_log;
     UsartProtocol m_protocol;
     UsartLine m_line;
-    Nanoseconds m_lastTraffic = 0;
+    Lateness m_lateness;
+    Nanoseconds m_lastDue = 0; // of the bytes that the host has
 };
 
 } // namespace sim

@@ -17,7 +17,7 @@ public:
     void losePower(Nanoseconds now) override;
     bool work(Nanoseconds now, std::string &error) override;
     std::vector<int> fds() const override { return {m_pty.fd(), m_pty.watchFd()}; }
-    std::optional<Nanoseconds> due(Nanoseconds now) override { return m_line.due(now); }
+    std::optional<Nanoseconds> due(Nanoseconds) override { return m_line.due(); }
     std::optional<Hangup> hangup() const override { return m_line.hangup(); }
     void drain() override { m_pty.drain(); }
 
