@@ -19,10 +19,17 @@ struct Machine {
     Log &log;
     Wiring wiring;        // of the board
     bool pace;            // the line takes the time that it needs
+    unsigned unit;        // which of the chips of its kind it is
     unsigned beside;      // further chips of the same kind
     std::size_t spimSize; // of those, in bytes
     const FlashTime flashTime;
 };
+
+// The number of a chip of its kind: of the one that is unit `unit`, or the `beside`-th one beside it, 1 to 16.
+inline unsigned numberOf(unsigned unit, unsigned beside) {
+    constexpr unsigned together = 17;
+    return together * unit + beside;
+}
 
 // Whether a port has been quiet for a moment: the time to save the chip's state.
 class Rest {

@@ -29,6 +29,7 @@ const char helpText[] =
   --vhci-dfu          the same on the kernel's own USB (vhci-hcd, root), print "ready" and the device's node
   --vhci-acm          a USB serial adapter there, with the chip behind it
   --vhci-i2c          a USB I2C adapter there, with the chip on its bus
+  --unit N            which of the chips of that kind it is: each has its own unique identifier (0)
   --beside N          N further chips of the same kind on its bus, new in every run (0)
   --state FILE        keep the chip's memory in FILE between runs
   --spim MB           size of the SPI flash on the board, 0 for none (16)
@@ -59,6 +60,7 @@ Exit status: 0 ended, 1 the port or a file cannot be used, 2 a bad command line.
 namespace {
 
 constexpr unsigned largestSpimMb = 64;
+constexpr unsigned lastUnit = 65535;
 constexpr unsigned mostBeside = 16;
 constexpr unsigned longestTime = 60000000;
 constexpr FlashTime usualFlashTime{20 * millisecond, 2500 * microsecond};
@@ -78,6 +80,11 @@ bool setChip(Options &options, const char *value, std::string &error) {
 bool setSpim(Options &options, const char *value, std::string &error) {
     error = std::string("--spim takes megabytes, 0 to 64, not \"") + value + "\"";
     return parseNumber(value, largestSpimMb, options.spimMb);
+}
+
+bool setUnit(Options &options, const char *value, std::string &error) {
+    error = std::string("--unit takes a number, 0 to 65535, not \"") + value + "\"";
+    return parseNumber(value, lastUnit, options.unit);
 }
 
 bool setBeside(Options &options, const char *value, std::string &error) {
@@ -138,6 +145,7 @@ constexpr OptionRow rows[] = {
     {"chip", required_argument, setChip},
     {"state", required_argument, setText<&Options::state>},
     {"spim", required_argument, setSpim},
+    {"unit", required_argument, setUnit},
     {"beside", required_argument, setBeside},
     {"wiring", required_argument, setWiring},
     {"baud-pace", no_argument, setFlag<&Options::pace>},

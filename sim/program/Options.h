@@ -20,6 +20,7 @@ struct Options {
     std::string state; // empty: the chip is new in every run
     std::string log;   // empty: standard error
     unsigned spimMb = 16;
+    unsigned unit = 0;
     unsigned beside = 0; // further chips of the same kind
     Wiring wiring;       // of the board
     bool pace = false;

@@ -40,7 +40,7 @@ int list() {
     return ended;
 }
 
-// The same command line for the program beside this one that has the kind.
+// The same command line for the program beside this one that serves that port.
 int runBeside(char **argv, const char *program) {
     char self[4096];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self);
@@ -68,7 +68,7 @@ int serve(Options &options, std::ostream &out) {
     prctl(PR_SET_TIMERSLACK, 1UL);     // bytes are due to the microsecond, and the threads of a port get it too
     Log log(out, options.verbose);
     options.faults.tell([&log](const std::string &spec) { log.fault(spec); });
-    Chip chip(*options.chip, options.spimMb * megabyte, options.flashTime, options.faults);
+    Chip chip(*options.chip, options.spimMb * megabyte, options.flashTime, options.faults, numberOf(options.unit, 0));
     std::optional<StateFile> state;
     std::string error;
     if (!options.state.empty()) {
@@ -83,6 +83,7 @@ int serve(Options &options, std::ostream &out) {
                           log,
                           options.wiring,
                           options.pace,
+                          options.unit,
                           options.beside,
                           options.spimMb * megabyte,
                           options.flashTime};

@@ -61,6 +61,15 @@ TEST(Options, chipsBesideTheFirst) {
     EXPECT_EQ(error, "--beside is not for --usart");
 }
 
+TEST(Options, theNumberOfTheUnit) {
+    Options options;
+    std::string error;
+    ASSERT_TRUE(parse({"--chip", "ZV32F421_64K", "--usart", "tty", "--unit", "65535"}, options, error)) << error;
+    EXPECT_EQ(options.unit, 65535U);
+    EXPECT_FALSE(parse({"--unit", "65536"}, options, error));
+    EXPECT_NE(error.find("65536"), std::string::npos) << error;
+}
+
 TEST(Options, flashTimeOfOnesOwn) {
     Options options;
     std::string error;

@@ -136,6 +136,14 @@ class Clients(SimulatorTest):
                 self.assertTrue(still_exclusive())
             wait_for(lambda: not still_exclusive())
 
+    def test_each_unit_has_an_identifier_of_its_own(self):
+        found = set()
+        for words in ((), ("--unit", "0"), ("--unit", "1"), ("--unit", "65535")):
+            with self.simulator(*words) as simulator, Client(simulator.port) as client:
+                client.sync()
+                found.add(client.read(0x1FFFF7E8, 12))
+        self.assertEqual(len(found), 3)
+
     def test_program_a_sector(self):
         data = random.Random(1).randbytes(SECTOR)
         for chip, base in ((CHIP, FLASH + 3 * SECTOR), ("ZV32F403_2_256K", FLASH + 3 * SECTOR)):

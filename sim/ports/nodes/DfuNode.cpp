@@ -14,7 +14,7 @@ namespace {
 // A further chip of the same kind, with a memory that nobody saves and without faults.
 struct Neighbour {
     Neighbour(const Machine &machine, unsigned number)
-        : chip(machine.chip.facts(), machine.spimSize, machine.flashTime, faults, number),
+        : chip(machine.chip.facts(), machine.spimSize, machine.flashTime, faults, numberOf(machine.unit, number)),
           device(chip, faults, machine.log), cable(device, faults, machine.pace) {}
 
     Faults faults;
