@@ -41,7 +41,6 @@ public:
         m_lastTraffic = now;
         return std::exchange(m_resting, false);
     }
-    Nanoseconds lastTraffic() const { return m_lastTraffic; }
 
     // When the rest begins, if nothing goes by.
     std::optional<Nanoseconds> due() const { return m_resting ? std::nullopt : std::optional(m_lastTraffic + quiet); }

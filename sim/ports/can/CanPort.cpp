@@ -9,10 +9,8 @@ namespace sim {
 namespace {
 
 constexpr Nanoseconds again = millisecond; // after a frame that the end could not take
-
-// At a pace every wake-up from sleep would add its latency to the bus, as on a serial line.
-constexpr Nanoseconds awakeBefore = 100 * microsecond;
-constexpr Nanoseconds awakeAfter = 300 * microsecond;
+constexpr std::size_t bufferSize = 2;      // frames, of a paced bus
+constexpr Nanoseconds bitsOfShortest = 50; // of a frame
 
 } // namespace
 
@@ -39,16 +37,21 @@ void CanPort::losePower(Nanoseconds now) {
 }
 
 bool CanPort::work(Nanoseconds now, std::string &) {
-    if (m_end->take(now))
+    const Nanoseconds back =
+        m_pace ? m_lateness.offer(bitsOfShortest * second / m_protocol.speed(now), now - m_lastDue) : 0;
+    if (m_end->take(now - back)) {
+        m_lateness.given(back);
         m_rest.disturb(now);
+    }
     giveToHost();
     return true;
 }
 
-std::optional<Nanoseconds> CanPort::due(Nanoseconds now) {
-    if (!m_line.toHost().empty())
-        return std::max(m_line.toHost().front().at - (m_pace ? awakeBefore : 0), m_notBefore);
-    return m_pace && now - m_rest.lastTraffic() < awakeAfter ? std::optional(now) : std::nullopt;
+std::optional<Nanoseconds> CanPort::due(Nanoseconds) {
+    const std::deque<TimedFrame> &queue = m_line.toHost();
+    if (queue.empty())
+        return std::nullopt;
+    return std::max(m_pace ? wakeFor(queue, bufferSize) : queue.front().at, m_notBefore);
 }
 
 void CanPort::giveToHost() {
@@ -60,7 +63,10 @@ void CanPort::giveToHost() {
             m_notBefore = now + again;
             return;
         }
+        m_lastDue = queue.front().at;
         queue.pop_front();
+        if (queue.empty())
+            m_lateness.add(now - m_lastDue);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sim/links/CanLine.h"
+#include "sim/ports/Lateness.h"
 #include "sim/ports/Port.h"
 
 namespace sim {
@@ -58,6 +59,8 @@ private:
     CanProtocol m_protocol;
     CanLine m_line;
     std::unique_ptr<CanEnd> m_end;
+    Lateness m_lateness;
+    Nanoseconds m_lastDue = 0;   // of the frames that the host has
     Nanoseconds m_notBefore = 0; // the end could not take a frame
 };
 

@@ -1,25 +1,12 @@
 #include "sim/ports/pty/TerminalLine.h"
 
-#include <algorithm>
-
 #include "sim/ports/Clock.h"
 
 namespace sim {
 
 namespace {
 
-// At a pace the line sleeps until so many bytes are due, as the buffer of a serial port does, or the last one
-// before a pause.
-constexpr std::size_t bufferSize = 16;
-constexpr Nanoseconds pause = 250 * microsecond;
-
-// When to wake for what is due.
-Nanoseconds wakeFor(const std::deque<TimedByte> &queue) {
-    std::size_t last = 0;
-    while (last + 1 < std::min(bufferSize, queue.size()) && queue[last + 1].at - queue[last].at <= pause)
-        ++last;
-    return queue[last].at;
-}
+constexpr std::size_t bufferSize = 16; // bytes, of a paced line
 
 } // namespace
 
@@ -36,7 +23,7 @@ std::optional<Nanoseconds> TerminalLine::due() const {
     const std::deque<TimedByte> &queue = m_line.toHost();
     if (queue.empty())
         return std::nullopt;
-    return m_pace ? wakeFor(queue) : queue.front().at;
+    return m_pace ? wakeFor(queue, bufferSize) : queue.front().at;
 }
 
 std::optional<Hangup> TerminalLine::hangup() const {
@@ -58,7 +45,9 @@ bool TerminalLine::takeFromHost() {
 
 Nanoseconds TerminalLine::giveBack(std::size_t length, unsigned baud, Nanoseconds now) {
     const Nanoseconds frame = static_cast<Nanoseconds>(length * Pacer::serialBits) * second / baud;
-    return m_lateness.giveBack(frame, now - m_lastDue);
+    const Nanoseconds time = m_lateness.offer(frame, now - m_lastDue);
+    m_lateness.given(time);
+    return time;
 }
 
 bool TerminalLine::giveToHost() {
