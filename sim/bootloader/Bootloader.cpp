@@ -11,9 +11,9 @@ namespace sim {
 
 namespace {
 
-std::string hex(std::uint32_t value, int digits) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(value));
+std::string hex(std::uint8_t opcode) {
+    char text[4];
+    std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(opcode));
     return text;
 }
 
@@ -39,68 +39,6 @@ std::optional<std::vector<Bytes>> cut(const std::vector<GroupRow> &rows, Bytes g
 }
 
 } // namespace
-
-void Exchange::begin(const CommandRow &opened) {
-    row = &opened;
-    group = 0;
-    m_address.reset();
-    m_answers = 0;
-    m_outcome = {};
-}
-
-void Exchange::answer(std::uint8_t byte) {
-    m_out.push_back({{byte}, now});
-}
-
-void Exchange::send(const Bytes &bytes) {
-    m_out.push_back({bytes, now, true});
-}
-
-void Exchange::sendChecked(Bytes bytes) {
-    appendXor(bytes);
-    m_out.push_back({std::move(bytes), now, true, true});
-}
-
-void Exchange::expect(std::size_t length, const Bytes &told) {
-    m_expected = length;
-    m_told = told;
-}
-
-void Exchange::changeLinkSpeed(unsigned speed) {
-    m_out.back().linkSpeed = speed;
-}
-
-Next Exchange::accept(Next next) {
-    answer(wire::ack);
-    return next;
-}
-
-Next Exchange::refuse(const std::string &why) {
-    m_log.refused(row->name + (m_address ? " " + hex(*m_address, 8) : std::string()) + ": " + why);
-    answer(wire::nack);
-    return Next::end;
-}
-
-Next Exchange::goOn(const Outcome &outcome) {
-    m_outcome = outcome;
-    return outcome.done() ? accept(Next::nextGroup) : refuse(outcome.why);
-}
-
-Next awaitGroups(Exchange &exchange) {
-    return exchange.goOn();
-}
-
-Next Exchange::conclude(const Outcome &outcome, Next next) {
-    now += chip.takeTime();
-    m_outcome = outcome;
-    if (outcome.kind == Outcome::Kind::powerLost)
-        return Next::powerLost;
-    return outcome.done() ? accept(next) : refuse(outcome.why);
-}
-
-bool Exchange::refusedByFault() {
-    return m_faults.refuses(m_answers++);
-}
 
 Bootloader::Bootloader(Chip &chip, Faults &faults, Log &log, const CommandTable *variants,
                        const CommandTable *additions)
@@ -136,7 +74,7 @@ bool Bootloader::admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds n
     }
     if (row == nullptr) {
         m_busyUntil = now;
-        refuse("opcode " + hex(opcode, 2) + ": unknown command", now);
+        refuse("opcode " + hex(opcode) + ": unknown command", now);
         return false;
     }
     m_log.note(std::string("command: ") + row->name);

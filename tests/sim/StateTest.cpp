@@ -36,9 +36,7 @@ protected:
     std::string error;
 };
 
-TEST_F(State, everythingThatSurvivesWithoutPowerComesBack) {
-    Rig before("ZV32F457_1024K");
-    ASSERT_EQ(before.play(SYNC WRITE_WORD("08 00 00 00 08") WRITE_WORD("08 0F FF FC 04") R"(
+constexpr char filling[] = SYNC WRITE_WORD("08 00 00 00 08") WRITE_WORD("08 0F FF FC 04") R"(
         H: B3 4C
         C: 79
         H: 90 00 10 00 00 00 00 00 00 80
@@ -59,17 +57,10 @@ TEST_F(State, everythingThatSurvivesWithoutPowerComesBack) {
         C: 79
         H: 12 34 56 78 00 02 00 04 00 05 0B
         C: 79
-    )"),
-              "");
-    StateFile saved(path, before.chip);
-    ASSERT_TRUE(saved.save(error)) << error;
-    EXPECT_LT(content().size(), 2048U); // runs of FF are left out
+    )";
 
-    Rig after("ZV32F457_1024K");
-    StateFile loaded(path, after.chip);
-    ASSERT_TRUE(loaded.load(error)) << error;
-    EXPECT_EQ(after.play(SYNC READS("08 00 00 00 08", "01 02 03 04") READS("08 0F FF FC 04", "01 02 03 04")
-                             READS("1F FF E4 00 04", "01 02 03 04") R"(
+constexpr char lookingBack[] = SYNC READS("08 00 00 00 08", "01 02 03 04") READS("08 0F FF FC 04", "01 02 03 04")
+    READS("1F FF E4 00 04", "01 02 03 04") R"(
         H: D3 2C
         C: 79 01 00 02 00 04 00 05 02
         # protection holds from power on
@@ -93,8 +84,19 @@ TEST_F(State, everythingThatSurvivesWithoutPowerComesBack) {
         C: 79
         H: 90 00 10 00 00 00 00 00 00 80
         C: 79
-    )" READS("08 40 00 00 48", "01 02 03 04")),
-              "");
+    )" READS("08 40 00 00 48", "01 02 03 04");
+
+TEST_F(State, everythingThatSurvivesWithoutPowerComesBack) {
+    Rig before("ZV32F457_1024K");
+    ASSERT_EQ(before.play(filling), "");
+    StateFile saved(path, before.chip);
+    ASSERT_TRUE(saved.save(error)) << error;
+    EXPECT_LT(content().size(), 2048U); // runs of FF are left out
+
+    Rig after("ZV32F457_1024K");
+    StateFile loaded(path, after.chip);
+    ASSERT_TRUE(loaded.load(error)) << error;
+    EXPECT_EQ(after.play(lookingBack), "");
 }
 
 TEST_F(State, aFullFlashComesBackByteForByte) {
