@@ -130,15 +130,15 @@ void Bootloader::refuseGroup(const std::string &why, Nanoseconds now) {
 
 void Bootloader::whole(std::uint8_t opcode, const Bytes &groups, Nanoseconds now) {
     if (admit(opcode, rowOf(opcode), now))
-        wholeBehindOpcode(groups);
+        wholeAfterOpcode(groups);
 }
 
 void Bootloader::whole(const CommandRow &row, const Bytes &groups, Nanoseconds now) {
     if (admit(row.opcode, &row, now))
-        wholeBehindOpcode(groups);
+        wholeAfterOpcode(groups);
 }
 
-void Bootloader::wholeBehindOpcode(const Bytes &groups) {
+void Bootloader::wholeAfterOpcode(const Bytes &groups) {
     const std::optional<std::vector<Bytes>> parts = cut(m_exchange.row->groups, groups);
     if (!parts) {
         m_exchange.accept();

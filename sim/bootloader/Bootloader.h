@@ -113,7 +113,7 @@ private:
     std::size_t lengthOf(const Bytes &group) const;
     bool admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds now);
     void take(const Bytes &group, Nanoseconds now);
-    void wholeBehindOpcode(const Bytes &groups);
+    void wholeAfterOpcode(const Bytes &groups);
     void follow(Next next);
     void start(Nanoseconds now);
     void leave();

@@ -18,9 +18,9 @@ struct CanFrame {
 // A frame from the chip.
 struct TimedFrame {
     CanFrame frame;
-    Nanoseconds at = 0;       // it may leave from then on; after the bus: it has arrived
-    unsigned speed = 0;       // bits per second at which the chip sends it
-    unsigned speedBehind = 0; // the chip changes to that speed when it has left; 0 for no change
+    Nanoseconds at = 0;      // it may leave from then on; after the bus: it has arrived
+    unsigned speed = 0;      // bits per second at which the chip sends it
+    unsigned speedAfter = 0; // the chip changes to that speed when it has left; 0 for no change
 };
 
 } // namespace sim

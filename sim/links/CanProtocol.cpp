@@ -48,8 +48,8 @@ unsigned CanProtocol::speed(Nanoseconds now) {
 }
 
 void CanProtocol::sent(const TimedFrame &frame, Nanoseconds at) {
-    if (frame.speedBehind != 0)
-        m_change = SpeedChange{frame.speedBehind, at};
+    if (frame.speedAfter != 0)
+        m_change = SpeedChange{frame.speedAfter, at};
 }
 
 std::vector<TimedFrame> CanProtocol::takeOutput() {
@@ -127,7 +127,7 @@ void CanProtocol::collect(std::uint8_t opcode) {
             const auto count = static_cast<std::ptrdiff_t>(std::min(frameSize, output.bytes.size() - at));
             m_out.push_back({{id, Bytes(first, first + count)}, output.at, m_speed, 0});
         }
-        m_out.back().speedBehind = output.linkSpeed;
+        m_out.back().speedAfter = output.linkSpeed;
     }
 }
 

@@ -101,7 +101,7 @@ TEST_F(AcmDeviceTest, withoutConfigurationThereIsNoData) {
     EXPECT_EQ(device.in(data, 64, rig.now).kind, UsbAnswer::Kind::stall);
 }
 
-TEST_F(AcmDeviceTest, aHangupUnplugsBehindTheBytesThatWereUnderWay) {
+TEST_F(AcmDeviceTest, aHangupUnplugsAfterTheBytesThatWereUnderWay) {
     send("7F 7F 7F 7F 7F");
     EXPECT_TRUE(device.presence(rig.now).attached);
     EXPECT_EQ(fetch(), "79 1F 1F 1F");

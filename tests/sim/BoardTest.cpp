@@ -128,7 +128,7 @@ TEST_F(BoardTest, theButtonDoesNotReleaseAHeldChip) {
     EXPECT_TRUE(answers());
 }
 
-TEST_F(BoardTest, aSilentChipAnswersAgainBehindAReset) {
+TEST_F(BoardTest, aSilentChipAnswersAgainAfterAReset) {
     Rig faulty("ZV32F403A_1024K", {"silence@1"});
     Board around(wired("reset=dtr:high"), faulty.bootloader, faulty.log, faulty.now);
     EXPECT_EQ(faulty.play(SYNC "H: 02 FD\nC: -"), "");

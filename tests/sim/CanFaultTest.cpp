@@ -125,7 +125,7 @@ const CanVector faults[] = {
 };
 CAN_VECTORS(CanFault, faults);
 
-TEST(CanHangup, takesItsFrameAndAllBehindIt) {
+TEST(CanHangup, takesItsFrameAndAllAfterIt) {
     CanRig rig({"hangup@2:250"});
     EXPECT_EQ(rig.play(OPEN "H: 002 / 07F\nC: -\ntold fault: hangup@2:250"), "");
     ASSERT_TRUE(rig.line.hangup());
@@ -150,7 +150,7 @@ TEST(CanPace, aFrameHas47BitsItsDataAndATenthOfThoseThatCanBeStuffed) {
     EXPECT_EQ(bitsOf({0x031, Bytes(8), true}), 67U + 64U + 11U);
 }
 
-TEST(CanPace, theAnswerComesBehindBothFrames) {
+TEST(CanPace, theAnswerComesAfterBothFrames) {
     for (const unsigned speed : {0U, 250000U}) { // 0: as fast as the chip is
         CanRig rig({}, {}, true);
         rig.speed = speed;

@@ -180,7 +180,7 @@ TEST(DfuTime, pollTimesOfWritingAndOfErasingEverything) {
     EXPECT_EQ(UsbRig::show(rig.send(getStatus)), "00 00 28 00 04 00"); // 512 times 20 ms
 }
 
-TEST(DfuTime, theResultOfARefusedBlockIsToldBehindThePollTimeOnly) {
+TEST(DfuTime, theResultOfARefusedBlockIsToldAfterThePollTimeOnly) {
     UsbRig rig("ZV32F403A_1024K", {}, {20 * millisecond, 2500 * sim::microsecond});
     rig.send("21 01 02 00 00 00 04 00", {1, 2, 3, 4});
     rig.send(getStatus);

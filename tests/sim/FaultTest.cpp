@@ -139,7 +139,7 @@ TEST(Fault, aLateByteHoldsBackAllThatFollow) {
         EXPECT_EQ(bytes[i].at, rig.now + 40 * millisecond) << i;
 }
 
-TEST(Fault, hangupTakesTheByteAndAllBehindIt) {
+TEST(Fault, hangupTakesTheByteAndAllAfterIt) {
     Rig rig("ZV32F403A_1024K", {"hangup@3:250"});
     EXPECT_EQ(rig.play("H: 7F 02 FD 02 FD\nC: 79"), "");
     ASSERT_TRUE(rig.line.hangup());

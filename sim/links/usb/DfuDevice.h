@@ -57,7 +57,7 @@ private:
     void advance(Nanoseconds now);
     void beFresh();
     void goAway(Nanoseconds at, std::optional<Nanoseconds> back);
-    void goAwayBehindAnswer(Nanoseconds at);
+    void goAwayAfterAnswer(Nanoseconds at);
 
     DfuCommands m_commands;
     Log &m_log;
