@@ -6,6 +6,7 @@ import array
 import fcntl
 import os
 import random
+import re
 import select
 import signal
 import subprocess
@@ -33,6 +34,14 @@ class CommandLine(SimulatorTest):
         for word in ("--chip", "--usart", "--state", "--spim", "--baud-pace", "--flash-time", "--fault", "--verbose",
                      "--log", "--list", "SIGUSR1"):
             self.assertIn(word, result.stdout)
+
+    def test_help_and_manual_name_every_fault(self):
+        known = re.findall(r"^  ([a-z-]+@N)", run("--fault", "boom@1").stderr, re.M)
+        self.assertGreater(len(known), 10)
+        manual = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "docs", "simulator.md")
+        with open(manual, encoding="utf-8") as file:
+            for text in (run("--help").stdout, file.read()):
+                self.assertEqual([fault for fault in known if fault not in text], [])
 
     def test_bad_lines_end_in_status_2(self):
         for words in (["--what"], [], ["--chip", "ZV32X", "--usart", "/x"], ["--chip", CHIP], ["--fault", "boom@1"]):
