@@ -16,7 +16,6 @@ FOLDERS = ["app", "bench", "device", "files", "foundation", "libs", "link", "ope
 LONG_FILES = {}
 LONG_FUNCTIONS = {
     "tests/doubles/zvbl/Script.cpp functionKeys": "a table: each function of the library and what it can be told",
-    "tests/sim/StateTest.cpp State.everythingThatSurvivesWithoutPowerComesBack": "a transcript of bytes",
     "tests/zvbl/DfuNumbersTest.cpp DfuNumbersTest.AnotherDeviceNeverTakesThePlaceOfOneThatRestarts": "a table of calls",
     "tests/zvbl/StatusTest.cpp StatusTest.NullAndOutOfRangeArgumentsAre0x21AndSendNothing": "a table of calls",
 }

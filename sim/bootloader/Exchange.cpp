@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "libs/zvbl/wire/Wire.h"
-#include "sim/bootloader/Bootloader.h"
 #include "sim/bootloader/Groups.h"
 
 namespace sim {

@@ -82,4 +82,24 @@ private:
     Bytes m_told;
 };
 
+// One group of bytes from the host, in the table of a command.
+struct GroupRow {
+    std::size_t (*length)(const Bytes &arrived); // of the whole group, as far as what arrived tells; 0: see expect()
+    bool (*sound)(const Bytes &group);           // its checksum
+    Next (*act)(Exchange &exchange, const Bytes &group);
+};
+
+enum class Guard { none, access, high }; // refused under access protection; under its high level
+
+struct CommandRow {
+    std::uint8_t opcode;
+    const char *name;
+    Guard guard;
+    Next (*begin)(Exchange &exchange); // answers the opcode
+    std::vector<GroupRow> groups;
+};
+
+// The `begin` of a command that only waits for its groups.
+Next awaitGroups(Exchange &exchange);
+
 } // namespace sim
