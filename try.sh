@@ -37,6 +37,6 @@ ZV32_ISP_Console -com --pn "$work/port" --br 460800 -d --fn "$work/firmware.hex"
 echo "== read it back and compare"
 sectors=$((($(stat -c %s firmware.bin) + 2047) / 2048))
 ZV32_ISP_Console -com --pn "$work/port" --br 460800 -u --sec "0-$((sectors - 1))" --fn "$work/back.bin"
-# The last sector is read whole: behind the image stands erased flash.
+# The last sector is read whole: after the image stands erased flash.
 cmp -n "$(stat -c %s firmware.bin)" firmware.bin back.bin
 echo "equal: $(stat -c %s firmware.bin) bytes, $(sha256sum <firmware.bin | cut -c1-16)"
