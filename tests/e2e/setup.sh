@@ -48,7 +48,7 @@ replugged() {
 # press_reset: the reset button; the chip has started after it.
 press_reset() {
     kill -USR1 $chip_pid
-    sleep 0.1
+    sleep 0.3 # a busy machine is late
 }
 
 # near WORD...: a program that finds the port.
