@@ -98,6 +98,17 @@ TEST_F(RecoveryTest, ADoubledAnswerOnASlowLineStopsTheCommandToo) {
     EXPECT_EQ(play({inStep, {"D4 2B", "79 79", 0, 15}}, [&] { return ZVBL_ResetMCU(link); }), 5);
 }
 
+// A pseudo terminal, and an adapter on USB too, carries more than its rate. What was answered has left it.
+TEST_F(RecoveryTest, ALineThatIsFasterThanItsRateGetsInStepAsSoon) {
+    ASSERT_EQ(SetCOMSettings(&link, 0, pty.path().c_str(), 300, 8, 2, 1.0F), 0);
+    hurry();
+    zvbl::Bytes group(66, 0);
+    group.front() = group.back() = 0x3F;
+    const Script writing = {{"31 CE", "79"}, {"20 00 00 00 20", "79"}, {group, "79"}};
+    EXPECT_EQ(play(writing, [&] { return write(0x20000000, zvbl::Bytes(64, 0)); }), 0);
+    EXPECT_EQ(play({{"01 FE", "55"}, inStep, versionTurn}, [&] { return version(); }), 0);
+}
+
 TEST_F(RecoveryTest, AWrongChecksumIsAskedForAgain) {
     hurry();
     BYTE enabled = 9;

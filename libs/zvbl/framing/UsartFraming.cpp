@@ -70,8 +70,12 @@ Status UsartFraming::ask(const Bytes &bytes, Status ifRefused) {
         return status;
     if (const Status status = takeAnswer(ifRefused); status != Status::ok)
         return status;
-    if (!isTooEarly(bytes.size(), from))
+    if (!isTooEarly(bytes.size(), from)) {
+        // A line that is faster than its rate has carried what was answered, whatever the rate says.
+        if (!m_paced || !m_trustPace)
+            m_lastSent = std::min(m_lastSent, m_lastHeard);
         return Status::ok;
+    }
     m_trace.remark("an answer before its question was out");
     m_suspicion = true;
     return Status::noAnswer;
