@@ -31,9 +31,8 @@ run() {
     preset=$1
     shift
     echo "== tests: $preset"
-    # umockdev aborts the simulated chip when a listener of its events leaves in the moment of one; its preload then
-    # calls exit() in the client, and on a job's thread that never returns. The chip sends hardly any events, so
-    # this is rare. What ran out of its time, and nothing else, gets a second try.
+    # umockdev aborts the simulated chip when a listener of its events leaves in the moment of one. The chip sends
+    # hardly any events, so this is rare. What ran out of its time, and nothing else, gets a second try.
     ctest --preset "$preset" -j "$(($(nproc) * 2))" --no-tests=error --schedule-random --repeat after-timeout:2 "$@"
 }
 
