@@ -39,7 +39,6 @@ CIRCLES = [
     # The link makes the bootloader control, which asks the link for its type; the contract names both.
     {"link/BootLoader", "link/BootOption", "link/CCom"},
     # A table and its rows: the rows use the type that the table's header declares.
-    {"libs/files/format/" + name for name in ("Formats", "Binary", "IntelHex", "SRecord")},
     {"usersystemdata/" + name for name in ("CUserSystemData", "Layouts", "SwitchByte")},
     # A description asks for its family's row, and the row of a description can be asked for.
     {"device/Device", "device/Families"},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libs/files/format/Formats.h"
+#include "libs/files/format/Format.h"
 
 namespace files {
 

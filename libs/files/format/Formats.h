@@ -1,29 +1,8 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
-#include "device/ImageSuffixes.h"
-#include "libs/files/AtomicFile.h"
-#include "libs/files/Image.h"
-#include "libs/files/InputFile.h"
-#include "libs/files/RunCollector.h"
-#include "libs/files/Status.h"
+#include "libs/files/format/Format.h"
 
 namespace files {
-
-// One row per format. A new one is a file pair in this folder, a row in Formats.cpp and its suffixes in
-// device/ImageSuffixes.h.
-struct Format {
-    ImageFormat id;
-    bool flat; // has no addresses of its own: starts at the address that it is given
-
-    // Reads the whole file; `base` is for a flat one.
-    Status (*read)(InputFile &file, std::uint32_t base, RunCollector &runs);
-
-    // Writes elements that rise in address and do not overlap; `name` is the image's.
-    Status (*write)(const std::vector<const Element *> &elements, const std::string &name, AtomicFile &file);
-};
 
 // The format of that suffix, in any case; null if there is none.
 const Format *formatOf(const char *path);
