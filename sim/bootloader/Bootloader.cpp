@@ -1,21 +1,15 @@
 #include "sim/bootloader/Bootloader.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 #include "libs/zvbl/wire/Wire.h"
 #include "sim/bootloader/Groups.h"
+#include "sim/chip/Hex.h"
 
 namespace sim {
 
 namespace {
-
-std::string hex(std::uint8_t opcode) {
-    char text[4];
-    std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(opcode));
-    return text;
-}
 
 Bytes opcodesIn(const CommandTable *table) {
     Bytes opcodes;
@@ -74,7 +68,7 @@ bool Bootloader::admit(std::uint8_t opcode, const CommandRow *row, Nanoseconds n
     }
     if (row == nullptr) {
         m_busyUntil = now;
-        refuse("opcode " + hex(opcode) + ": unknown command", now);
+        refuse("opcode " + hex(opcode, 2) + ": unknown command", now);
         return false;
     }
     m_log.note(std::string("command: ") + row->name);

@@ -1,22 +1,12 @@
 #include "sim/bootloader/Exchange.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "libs/zvbl/wire/Wire.h"
 #include "sim/bootloader/Groups.h"
+#include "sim/chip/Hex.h"
 
 namespace sim {
-
-namespace {
-
-std::string hex(std::uint32_t value) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%08X", static_cast<unsigned>(value));
-    return text;
-}
-
-} // namespace
 
 void Exchange::begin(const CommandRow &opened) {
     row = &opened;
@@ -54,7 +44,7 @@ Next Exchange::accept(Next next) {
 }
 
 Next Exchange::refuse(const std::string &why) {
-    m_log.refused(row->name + (m_address ? " " + hex(*m_address) : std::string()) + ": " + why);
+    m_log.refused(row->name + (m_address ? " " + hex(*m_address, 8) : std::string()) + ": " + why);
     answer(wire::nack);
     return Next::end;
 }

@@ -1,8 +1,9 @@
 #include "sim/links/SlcanAdapter.h"
 
 #include <charconv>
-#include <cstdio>
 #include <utility>
+
+#include "sim/chip/Hex.h"
 
 namespace sim {
 
@@ -48,12 +49,6 @@ bool parseFrame(std::string_view line, CanFrame &frame) {
         frame.data[i] = static_cast<std::uint8_t>(byte);
     }
     return true;
-}
-
-std::string hex(std::uint32_t value, int digits) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(value));
-    return text;
 }
 
 } // namespace

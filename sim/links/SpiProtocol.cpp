@@ -1,10 +1,10 @@
 #include "sim/links/SpiProtocol.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "libs/zvbl/wire/Wire.h"
 #include "sim/bootloader/Groups.h"
+#include "sim/chip/Hex.h"
 
 namespace sim {
 
@@ -19,12 +19,6 @@ Bytes framed(const Output &answer) {
         appendXor(bytes);
     bytes.insert(bytes.begin(), wire::spiStart);
     return bytes;
-}
-
-std::string hex(std::uint8_t byte) {
-    char text[4];
-    std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(byte));
-    return text;
 }
 
 } // namespace
@@ -82,7 +76,7 @@ void SpiProtocol::deselect(Nanoseconds now) {
 
 void SpiProtocol::take(const Bytes &message, Nanoseconds now) {
     if (message[0] != wire::spiStart) {
-        m_log.ignored("a message that begins with " + hex(message[0]));
+        m_log.ignored("a message that begins with " + hex(message[0], 2));
     } else if (m_working) {
         m_log.ignored("a message to a chip at work");
     } else {
