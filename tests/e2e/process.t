@@ -30,7 +30,7 @@ A file of OTP data that is none, or that is too large for any chip:
   set OTP data to device successfully!
   $ line -otp --fn ./dir.zvtp | tail -1
   set OTP data to device successfully!
-  $ (ulimit -v 400000; line -otp --fn ./sparse.zvtp)
+  $ line -otp --fn ./sparse.zvtp
   Set OTP data to device
   running...
   Get OTP data from the configuration file failed!
