@@ -143,19 +143,3 @@ An address in the middle, without the prefix, and the word that the help text gi
   Upload successfully!
   $ cmp -n 3000 part.bin back.bin && echo equal
   equal
-
-Where no thread can be made, an action fails at once, and the port is free for the next line:
-
-  $ ulimit_line() { (ulimit -s 200000000000; line "$@" 2>/dev/null); }
-  $ ulimit_line -e --sec 0-0
-  
-  Unknown error!
-  [51]
-  $ ulimit_line -d --fn ./part.bin
-  
-  Unknown error!
-  [3]
-  $ line -e --sec 0-0
-  Erase
-  Running...100%
-  Erase successfully!
