@@ -1,5 +1,6 @@
 #pragma once
 
+#include "device/Device.h"
 #include "device/Families.h"
 
 class CCom;

@@ -1,5 +1,6 @@
 #include "device/Device.h"
 
+#include <cstdlib>
 #include <vector>
 
 #include <QDir>
@@ -123,4 +124,12 @@ unsigned int CDeviceManager::GetFlashSizeAddress(std::string strPIDs, std::strin
     // Every description that the manager makes is of this class.
     const auto *device = static_cast<CZV32F4Device *>(GetDevice(strPIDs, strSerial, iFlashSize));
     return device == nullptr ? 0 : device->m_UiFlashSizeAddress;
+}
+
+int seriesOf(const CDevice &device) {
+    return static_cast<int>(std::strtol(device.m_StrSerial.c_str(), nullptr, 16));
+}
+
+const Family &familyOf(const CDevice &device) {
+    return familyOf(seriesOf(device));
 }

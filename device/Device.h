@@ -7,6 +7,8 @@
 
 #include "device/Mapping.h"
 
+struct Family;
+
 // What the connected chip is: name, sizes, memory map and where its option data lies.
 class CDevice {
 public:
@@ -62,6 +64,11 @@ private:
     QString matchingMapFile(const std::string &pid, const std::string &serial);
     void describeFrom(const QString &mapFile);
 };
+
+// The number that the series text of a description stands for; 0 for a text that is none.
+int seriesOf(const CDevice &device);
+// The row of its family.
+const Family &familyOf(const CDevice &device);
 
 // Hands out descriptions, one per PID, series and flash size. They last until the process ends.
 class CDeviceManager {

@@ -1,8 +1,5 @@
 #include "device/Families.h"
 
-#include <cstdlib>
-
-#include "device/Device.h"
 #include "foundation/ShareParameter.h"
 
 namespace {
@@ -66,12 +63,4 @@ const Family &familyOf(int series) {
         if (row.series == series)
             return row;
     return otherFamily;
-}
-
-const Family &familyOf(const CDevice &device) {
-    return familyOf(seriesOf(device));
-}
-
-int seriesOf(const CDevice &device) {
-    return static_cast<int>(std::strtol(device.m_StrSerial.c_str(), nullptr, 16));
 }

@@ -2,8 +2,6 @@
 
 #include <vector>
 
-class CDevice;
-
 // What sets one family of chips apart from the others, a row for each. What differs from chip to chip within a family
 // is in its map file.
 
@@ -49,7 +47,3 @@ std::vector<int> knownSeries();
 
 // The row of a series; one for the series 0, which no chip has, where there is none.
 const Family &familyOf(int series);
-const Family &familyOf(const CDevice &device);
-
-// The number that the series text of a description stands for; 0 for a text that is none.
-int seriesOf(const CDevice &device);

@@ -4,6 +4,7 @@
 
 #include <QSet>
 
+#include "device/Device.h"
 #include "device/Families.h"
 #include "device/SpimSectors.h"
 #include "foundation/Result.h"

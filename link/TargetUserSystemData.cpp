@@ -3,6 +3,7 @@
 #include <cstring>
 #include <memory>
 
+#include "device/Device.h"
 #include "device/Families.h"
 #include "files/UserSystemDataFile.h"
 #include "foundation/Result.h"

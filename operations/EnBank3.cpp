@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "device/Device.h"
 #include "device/Families.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"

@@ -40,8 +40,6 @@ CIRCLES = [
     {"link/BootLoader", "link/BootOption", "link/CCom"},
     # A table and its rows: the rows use the type that the table's header declares.
     {"usersystemdata/" + name for name in ("CUserSystemData", "Layouts", "SwitchByte")},
-    # A description asks for its family's row, and the row of a description can be asked for.
-    {"device/Device", "device/Families"},
 ]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.M)
