@@ -38,6 +38,15 @@ std::string contentOf(const std::string &path) {
     return text.str();
 }
 
+// As exec takes them: with a null at the end.
+std::vector<char *> pointersTo(const std::vector<std::string> &texts) {
+    std::vector<char *> pointers;
+    for (const std::string &text : texts)
+        pointers.push_back(const_cast<char *>(text.c_str()));
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 void end(pid_t process) {
     if (process > 0) {
         ::kill(process, SIGTERM);
@@ -47,7 +56,7 @@ void end(pid_t process) {
 
 } // namespace
 
-Chip::Chip(Place place, const std::string &programs) : m_place(place), m_programs(programs) {
+Chip::Chip(Place place, const std::string &programs, int unit) : m_place(place), m_programs(programs) {
     std::string name = (fs::temp_directory_path() / "links_bench.XXXXXX").string();
     if (!::mkdtemp(name.data()))
         throw std::runtime_error("no directory for the chip");
@@ -57,15 +66,15 @@ Chip::Chip(Place place, const std::string &programs) : m_place(place), m_program
         ::mkfifo((m_dir + "/commands").c_str(), 0600);
         m_bus = start({"sh", "-c", "exec \"$0\" \"$1\" 250000 <>\"$2\"", m_programs + "/doubles/can-bus",
                        m_dir + "/can0", m_dir + "/commands"},
-                      "/bus");
+                      "/bus", {});
         while (contentOf(m_dir + "/bus").empty())
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    std::vector<std::string> command = surroundings();
-    command.insert(command.end(), {m_programs + "/bin/zv32-sim", "--chip", "ZV32F403A_1024K", "--baud-pace"});
+    Words command{m_programs + "/bin/zv32-sim", "--chip", "ZV32F403A_1024K", "--baud-pace", "--unit",
+                  std::to_string(unit)};
     for (const std::string &word : portWords(m_place, port()))
         command.push_back(word);
-    m_chip = start(command, "/chip");
+    m_chip = start(command, "/chip", surroundings());
     awaitReady();
 }
 
@@ -76,26 +85,29 @@ Chip::~Chip() {
     fs::remove_all(m_dir, ignored);
 }
 
-// What stands before a program so that it finds the port.
-std::vector<std::string> Chip::surroundings() const {
+// What the environment of a program needs so that it finds the port.
+Chip::Words Chip::surroundings() const {
     if (m_place == Place::can)
-        return {"env", "CAN_SHIM_DIR=" + m_dir, "LD_PRELOAD=" + m_programs + "/doubles/libcan_shim.so"};
+        return {"CAN_SHIM_DIR=" + m_dir, "LD_PRELOAD=" + m_programs + "/doubles/libcan_shim.so"};
     if (!m_nodes.empty())
-        return {"env", "UMOCKDEV_DIR=" + m_nodes, "LD_PRELOAD=libumockdev-preload.so.0"};
-    return {"env"};
+        return {"UMOCKDEV_DIR=" + m_nodes, "LD_PRELOAD=libumockdev-preload.so.0"};
+    return {};
 }
 
-pid_t Chip::start(const std::vector<std::string> &command, const std::string &output) const {
+// The first of two variables of one name counts.
+pid_t Chip::start(const Words &command, const std::string &output, const Words &environment) const {
+    std::vector<char *> words = pointersTo(command);
+    std::vector<char *> variables = pointersTo(environment);
+    variables.pop_back();
+    for (char **variable = environ; *variable; ++variable)
+        variables.push_back(*variable);
+    variables.push_back(nullptr);
+    const std::string name = m_dir + output;
     const pid_t process = ::fork();
     if (process != 0)
         return process;
-    std::vector<char *> words;
-    for (const std::string &word : command)
-        words.push_back(const_cast<char *>(word.c_str()));
-    words.push_back(nullptr);
-    const int file = ::open((m_dir + output).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    ::dup2(file, STDOUT_FILENO);
-    ::execvp(words[0], words.data());
+    ::dup2(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
+    ::execvpe(words[0], words.data(), variables.data());
     ::_exit(127);
 }
 
@@ -115,14 +127,25 @@ void Chip::awaitReady() {
     words >> word >> word >> m_nodes;
 }
 
-std::string Chip::outputOf(const std::vector<std::string> &command) const {
-    std::vector<std::string> words = surroundings();
-    words.insert(words.end(), command.begin(), command.end());
+void Chip::run(const Words &command, const std::string &libraries) const {
+    Words environment = surroundings();
+    if (!libraries.empty())
+        environment.push_back("LD_LIBRARY_PATH=" + libraries);
     int status = 0;
-    ::waitpid(start(words, "/output"), &status, 0);
+    ::waitpid(start(command, "/output", environment), &status, 0);
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
         throw std::runtime_error(command.front() + " failed");
+}
+
+std::string Chip::outputOf(const Words &command, const std::string &libraries) const {
+    run(command, libraries);
     return contentOf(m_dir + "/output");
+}
+
+double Chip::secondsOf(const Words &command, const std::string &libraries) const {
+    const auto begin = std::chrono::steady_clock::now();
+    run(command, libraries);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
 } // namespace bench

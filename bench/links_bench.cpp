@@ -1,9 +1,11 @@
-// links_bench [--rounds N] [--link NAME]
+// links_bench [--rounds N] [--link NAME] [--against LIBDIR] [--gang N]
 //
 // Measures a download, its verify and an upload through libZVBLLIB over each link beside what that link could carry
-// if it never rested: the simulated chip takes the time of its wire, and nothing for its flash. Best of
-// all rounds. Ends with 1 if a link fails or brings other bytes back; a missed goal is only told, since
-// a busy machine misses it too.
+// if it never rested, and a whole job of the console beside a client that does nothing else: the simulated chip takes
+// the time of its wire, and nothing for its flash. Best of all rounds. With --against each figure stands beside that
+// of the libraries in another directory, in turns. With --gang so many chips and consoles are at work at once, beside
+// one pair. Ends with 1 if a link fails or brings other bytes back; a missed goal is only told, since a busy machine
+// misses it too.
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +19,7 @@
 
 #include "bench/Ceiling.h"
 #include "bench/Chip.h"
+#include "bench/WholeProcess.h"
 
 namespace {
 
@@ -68,32 +71,45 @@ std::vector<Row> rows() {
 
 constexpr double verifyGoal = 1.03;
 
+// A whole job of the console, in times of its wire.
+struct JobRow {
+    const char *name;
+    int baud;
+    double goal;
+};
+constexpr JobRow jobRows[] = {{"Job at 115,200 baud", 115200, 1.016}, {"Job at 1,000,000 baud", 1000000, 1.09}};
+constexpr double gangGoal = 1.02;
+
+struct Options {
+    int rounds = 3;
+    std::string link;    // rows that begin like this
+    std::string against; // a directory of libraries
+    int gang = 0;
+    std::string programs;
+};
+
 struct Rates {
     double download = 0;
     double upload = 0;
-    double verifiedByCrc = 0; // the time of writing and verifying, of writing alone
-    double verifiedByReading = 0;
+    double verifiedByCrc = 1e9; // the time of writing and verifying, of writing alone
+    double verifiedByReading = 1e9;
 };
 
-Rates measure(const Row &row, int rounds, const std::string &programs) {
-    Rates best;
-    for (int round = 0; round < rounds; ++round) {
-        const bench::Chip chip(row.place, programs);
-        std::vector<std::string> command{programs + "/bench/link-probe"};
-        for (const std::string &word : row.probe)
-            command.push_back(word == "PORT" ? chip.port() : word);
-        Rates rates;
-        const std::string text = chip.outputOf(command);
-        if (std::sscanf(text.c_str(), "%lf %lf %lf %lf", &rates.download, &rates.upload, &rates.verifiedByCrc,
-                        &rates.verifiedByReading) != 4)
-            throw std::runtime_error(std::string(row.name) + ": link-probe failed");
-        best.download = std::max(best.download, rates.download);
-        best.upload = std::max(best.upload, rates.upload);
-        best.verifiedByCrc = round == 0 ? rates.verifiedByCrc : std::min(best.verifiedByCrc, rates.verifiedByCrc);
-        best.verifiedByReading =
-            round == 0 ? rates.verifiedByReading : std::min(best.verifiedByReading, rates.verifiedByReading);
-    }
-    return best;
+// One round, with a fresh chip.
+void measure(const Row &row, const std::string &programs, const std::string &libraries, Rates &best) {
+    const bench::Chip chip(row.place, programs);
+    std::vector<std::string> command{programs + "/bench/link-probe"};
+    for (const std::string &word : row.probe)
+        command.push_back(word == "PORT" ? chip.port() : word);
+    Rates rates;
+    const std::string text = chip.outputOf(command, libraries);
+    if (std::sscanf(text.c_str(), "%lf %lf %lf %lf", &rates.download, &rates.upload, &rates.verifiedByCrc,
+                    &rates.verifiedByReading) != 4)
+        throw std::runtime_error(std::string(row.name) + ": link-probe failed");
+    best.download = std::max(best.download, rates.download);
+    best.upload = std::max(best.upload, rates.upload);
+    best.verifiedByCrc = std::min(best.verifiedByCrc, rates.verifiedByCrc);
+    best.verifiedByReading = std::min(best.verifiedByReading, rates.verifiedByReading);
 }
 
 void print(const char *what, double rate, double ceiling, double goal) {
@@ -102,44 +118,109 @@ void print(const char *what, double rate, double ceiling, double goal) {
         std::printf(" (%g)%s", 100 * goal, rate >= goal * ceiling ? " ok" : " MISSED");
 }
 
-bool run(int rounds, const std::string &only) {
-    const std::string programs = fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
-    bool right = true;
-    std::printf("best of %d rounds; of what the link could carry if it never rested; in brackets the goals\n", rounds);
-    for (const Row &row : rows()) {
-        if (std::string(row.name).rfind(only, 0) != 0)
-            continue;
-        try {
-            const Rates rates = measure(row, rounds, programs);
-            std::printf("%-29s", row.name);
-            print("download", rates.download, row.ceiling.download, row.downloadGoal);
-            print("  upload", rates.upload, row.ceiling.upload, row.uploadGoal);
-            std::printf("  write and verify %.3f of write (%g)%s, by reading %.3f\n", rates.verifiedByCrc, verifyGoal,
-                        rates.verifiedByCrc <= verifyGoal ? " ok" : " MISSED", rates.verifiedByReading);
-            std::fflush(stdout);
-        } catch (const std::exception &error) {
-            std::printf("%-29s  %s\n", row.name, error.what());
-            right = false;
-        }
+void print(const char *name, const Row &row, const Rates &rates) {
+    std::printf("%-29s", name);
+    print("download", rates.download, row.ceiling.download, row.downloadGoal);
+    print("  upload", rates.upload, row.ceiling.upload, row.uploadGoal);
+    std::printf("  write and verify %.3f of write (%g)%s, by reading %.3f\n", rates.verifiedByCrc, verifyGoal,
+                rates.verifiedByCrc <= verifyGoal ? " ok" : " MISSED", rates.verifiedByReading);
+}
+
+void run(const Row &row, const Options &options) {
+    Rates rates;
+    Rates other;
+    for (int round = 0; round < options.rounds; ++round) {
+        measure(row, options.programs, {}, rates);
+        if (!options.against.empty())
+            measure(row, options.programs, options.against, other);
     }
+    print(row.name, row, rates);
+    if (!options.against.empty())
+        print("  the other libraries", row, other);
+}
+
+void run(const JobRow &row, const Options &options) {
+    const bench::WholeProcess job =
+        bench::measureWholeProcess(row.baud, options.rounds, options.programs, options.against);
+    const bool good = job.console <= row.goal * job.wire && job.console <= job.bare;
+    std::printf("%-29s  wire %.3f s  console %.3f s, %.4f of the wire (%g)  bare client %.3f s, %.4f%s", row.name,
+                job.wire, job.console, job.console / job.wire, row.goal, job.bare, job.bare / job.wire,
+                good ? " ok" : " MISSED");
+    if (!options.against.empty())
+        std::printf("  the other libraries %.3f s, %.4f", job.against, job.against / job.wire);
+    std::printf("\n");
+}
+
+void runGang(const Options &options) {
+    const bench::Gang gang = bench::measureGang(options.gang, jobRows[0].baud, options.programs);
+    std::printf(
+        "%d chips and consoles at once at 115,200 baud: one pair %.3f s, mean %.4f, slowest %.4f of that (%g)%s\n",
+        options.gang, gang.alone, gang.mean / gang.alone, gang.slowest / gang.alone, gangGoal,
+        gang.slowest <= gangGoal * gang.alone ? " ok" : " MISSED");
+}
+
+// False when the row failed.
+template <class AnyRow>
+bool runIfWished(const AnyRow &row, const Options &options) {
+    if (std::string(row.name).rfind(options.link, 0) != 0)
+        return true;
+    try {
+        run(row, options);
+        std::fflush(stdout);
+        return true;
+    } catch (const std::exception &error) {
+        std::printf("%-29s  %s\n", row.name, error.what());
+        return false;
+    }
+}
+
+bool run(const Options &options) {
+    if (options.gang > 0) {
+        runGang(options);
+        return true;
+    }
+    bool right = true;
+    std::printf("best of %d rounds; of what the link could carry if it never rested; in brackets the goals\n",
+                options.rounds);
+    for (const JobRow &row : jobRows)
+        right &= runIfWished(row, options);
+    for (const Row &row : rows())
+        right &= runIfWished(row, options);
     return right;
+}
+
+bool parse(int argc, char **argv, Options &options) {
+    for (int i = 1; i < argc; i += 2) {
+        const std::string word = argv[i];
+        if (i + 1 == argc)
+            return false;
+        if (word == "--rounds")
+            options.rounds = std::max(1, std::atoi(argv[i + 1]));
+        else if (word == "--link")
+            options.link = argv[i + 1];
+        else if (word == "--against")
+            options.against = fs::absolute(argv[i + 1]).string();
+        else if (word == "--gang")
+            options.gang = std::max(1, std::atoi(argv[i + 1]));
+        else
+            return false;
+    }
+    return true;
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    int rounds = 3;
-    std::string only;
-    for (int i = 1; i < argc; i += 2) {
-        const std::string word = argv[i];
-        if (i + 1 < argc && word == "--rounds") {
-            rounds = std::max(1, std::atoi(argv[i + 1]));
-        } else if (i + 1 < argc && word == "--link") {
-            only = argv[i + 1];
-        } else {
-            std::fprintf(stderr, "usage: links_bench [--rounds N] [--link NAME]\n");
-            return 2;
-        }
+    Options options;
+    if (!parse(argc, argv, options)) {
+        std::fprintf(stderr, "usage: links_bench [--rounds N] [--link NAME] [--against LIBDIR] [--gang N]\n");
+        return 2;
     }
-    return run(rounds, only) ? 0 : 1;
+    try {
+        options.programs = fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
+        return run(options) ? 0 : 1;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "links_bench: %s\n", error.what());
+        return 1;
+    }
 }
