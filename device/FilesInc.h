@@ -3,8 +3,6 @@
 // The C interface of libFiles.so.1: program images and user system data images in memory and on
 // disk, and the ZVmap sector tables. It knows nothing of a link.
 
-#include <cstddef>
-
 #include "foundation/LibraryTypes.h"
 
 typedef struct {
@@ -41,7 +39,9 @@ static_assert(sizeof(IMAGEELEMENT) == 24, "binary contract");
 // 0 for success. A handle that was never given out is a bad parameter. No function throws, prints or
 // exits. One image is used by one thread at a time, different images by as many as there are.
 #pragma GCC visibility push(default)
+#ifdef __cplusplus
 extern "C" {
+#endif
 
 // Makes an empty image. The second argument is always 1.
 unsigned int FILES_CreateImage(HANDLE *image, int one);
@@ -78,5 +78,7 @@ unsigned int FILES_SetImageElement(HANDLE image, unsigned int index, BYTE insert
 // pSectors has room for that many it fills the records. 0 is success.
 unsigned int FILES_GetMemoryMapping(const char *path, short *sectors, char *name, short *packetSize, PMAPPING mapping,
                                     BYTE *sectorsPerSector);
+#ifdef __cplusplus
 }
+#endif
 #pragma GCC visibility pop

@@ -1,6 +1,14 @@
 #pragma once
 
-// The types that cross the border to the two libraries: System V AMD64, LP64.
+// The types that cross the border to the two libraries: System V AMD64, LP64. For C11 and for C++.
+
+#ifdef __cplusplus
+#include <cstddef>
+#else
+#include <assert.h>
+#include <stdbool.h>
+#include <stddef.h>
+#endif
 
 typedef unsigned char BYTE;
 typedef int BOOL;            // 32 bits

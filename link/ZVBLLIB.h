@@ -41,7 +41,9 @@ static_assert(sizeof(Commands) == 96, "binary contract");
 
 // Every status below is one byte, 0 for success. No function throws, prints or exits.
 #pragma GCC visibility push(default)
+#ifdef __cplusplus
 extern "C" {
+#endif
 
 // Port and link. A link is used by one thread at a time.
 
@@ -96,5 +98,7 @@ BYTE ZVBL_GetSlibStatus(HANDLE link, BYTE *enabled); // 1: an area is enabled
 BYTE ZVBL_GetSlibStatus_Ex(HANDLE link, BYTE *enabled, unsigned short *startSector, unsigned short *startDataSector,
                            unsigned short *endSector);
 BYTE ZVBL_ZV32ISP_TOOL(HANDLE link);
+#ifdef __cplusplus
 }
+#endif
 #pragma GCC visibility pop
