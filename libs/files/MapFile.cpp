@@ -31,13 +31,14 @@ Status readText(const char *path, std::string &text) {
         return opened;
     if (file.size() > maxFileSize)
         return Status::badFormat;
-    text.resize(maxFileSize + 1);
+    // A byte more than it has: one that grows meanwhile is no whole file.
+    text.resize(static_cast<std::size_t>(file.size()) + 1);
     std::size_t got = 0;
     const Status read = file.read(&text[0], text.size(), got);
     if (read != Status::ok)
         return read;
     text.resize(got);
-    return got <= maxFileSize ? Status::ok : Status::badFormat;
+    return got <= file.size() ? Status::ok : Status::badFormat;
 }
 
 // Reads numbers out of one section and remembers whether each of those that the table stands on was one.
