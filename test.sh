@@ -1,21 +1,28 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests.
 #
-# usage: ./test.sh [--all|--kernel]
+# usage: ./test.sh [--all|--kernel|--fuzz SECONDS]
 #   --all     also builds with clang++, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
 #             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
+#   --fuzz    builds the fuzzers of tests/fuzz and runs them for so many seconds all together, and nothing else
 set -eu
 cd "$(dirname "$0")"
 
 all=
 kernel=
+fuzz=
 case "${1:-}" in
     "") ;;
     --all) all=yes ;;
     --kernel) kernel=yes ;;
-    *) echo "usage: $0 [--all|--kernel]" >&2; exit 2 ;;
+    --fuzz) fuzz=${2:-} ;;
+    *) echo "usage: $0 [--all|--kernel|--fuzz SECONDS]" >&2; exit 2 ;;
 esac
+if [ "${1:-}" = --fuzz ] && ! [[ $fuzz =~ ^[1-9][0-9]*$ ]]; then
+    echo "usage: $0 --fuzz SECONDS" >&2
+    exit 2
+fi
 
 tools/install-packages.sh test
 [ -z "$kernel" ] || tools/install-packages.sh kernel
@@ -35,6 +42,11 @@ run() {
     # hardly any events, so this is rare. What ran out of its time, and nothing else, gets a second try.
     ctest --preset "$preset" -j "$(($(nproc) * 2))" --no-tests=error --schedule-random --repeat after-timeout:2 "$@"
 }
+
+if [ -n "$fuzz" ]; then
+    build fuzz --target fuzzers
+    exec tests/fuzz/run.sh "$fuzz"
+fi
 
 build release
 if [ -n "$kernel" ]; then

@@ -12,6 +12,11 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 
 set(ZV32_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
 
+option(ZV32_FUZZ "Build the fuzzers of tests/fuzz with libFuzzer, for clang++" OFF)
+if(ZV32_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
 if(ZV32_SANITIZE)
   add_compile_options(-fsanitize=${ZV32_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
@@ -25,7 +30,11 @@ if(ZV32_SANITIZE)
 endif()
 
 # LD_LIBRARY_PATH has to go first, so a RUNPATH, never an RPATH.
-add_link_options(-Wl,--enable-new-dtags -Wl,--no-undefined)
+add_link_options(-Wl,--enable-new-dtags)
+# clang++ leaves the sanitizers' functions to the program.
+if(NOT ZV32_FUZZ)
+  add_link_options(-Wl,--no-undefined)
+endif()
 
 # A site may drop in its own build of the two libraries, so the console finds them relative to itself.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)

@@ -11,7 +11,7 @@ build="ca-certificates cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-co
 
 # To test them: the test framework, the transcript runner, a second compiler, device nodes without
 # devices, independent witnesses.
-test="libgtest-dev python3 python3-cram clang clang-format clang-tidy binutils git patch strace procps umockdev libumockdev-dev
+test="libgtest-dev python3 python3-cram clang clang-format clang-tidy libclang-rt-14-dev binutils git patch strace procps umockdev libumockdev-dev
     can-utils dfu-util i2c-tools"
 
 # To test them on a stock kernel in a virtual machine. The kernel itself is only unpacked.
