@@ -2,15 +2,23 @@ What an installation looks like:
 
   $ . "$SETUP"
   $ cmake --install $BUILD --prefix $PWD/there >/dev/null
-  $ (cd there && find . -type f -o -type l | grep -v ./share | sort)
+  $ (cd there && find . -type f -o -type l | grep -v -e ./share -e zvbl-config- | sort)
   ./bin/ZV32_ISP_Console
   ./bin/zv32-check-map
   ./bin/zv32-sim
   ./bin/zv32-sim-dev
+  ./include/zv32-isp/device/FilesInc.h
+  ./include/zv32-isp/foundation/LibraryTypes.h
+  ./include/zv32-isp/link/ZVBLLIB.h
+  ./lib/cmake/zvbl/zvbl-config.cmake
+  ./lib/libFiles.so
   ./lib/libFiles.so.1
   ./lib/libFiles.so.1.0.0
+  ./lib/libZVBLLIB.so
   ./lib/libZVBLLIB.so.1
   ./lib/libZVBLLIB.so.1.0.0
+  ./lib/pkgconfig/zvbl.pc
+  ./lib/pkgconfig/zvfiles.pc
   ./lib/udev/rules.d/70-zv32-isp.rules
   $ diff -r there/share/zv32-isp-console/Map "$ROOT/Map" && echo all maps
   all maps
