@@ -56,3 +56,12 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(LIBUSB REQUIRED IMPORTED_TARGET libusb-1.0)
 # Only the simulated chip's device nodes and tests need it.
 pkg_check_modules(UMOCKDEV IMPORTED_TARGET umockdev-1.0)
+
+# zv32_find_libraries_relative(PROGRAM): the same run path in the build tree and installed. CMake would pad the one of
+# the build tree with colons, to change it in place at the installation, and an empty entry between colons is the
+# working directory.
+function(zv32_find_libraries_relative program)
+  set_target_properties(${program} PROPERTIES
+    BUILD_WITH_INSTALL_RPATH ON
+    INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+endfunction()

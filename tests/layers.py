@@ -11,6 +11,8 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 
 # What a folder may include, as prefixes of the spelled path.
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
+# The program that only looks stands beside the console, on what does not act.
+ALLOWED["look"] = ["look/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
 ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "device/ImageSuffixes.h", "foundation/LibraryTypes.h"]
 ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h"]
 
@@ -64,7 +66,7 @@ def complaints(root):
                     yield f"{where} is not for {folder}"
                 if folder in WITHOUT_DESCRIPTORS and kind == "<" and DESCRIPTORS.match(name):
                     yield f"{where}: no file descriptor belongs into {folder}"
-                if kind == "<" and folder not in CONSOLE and re.match(r"Q[A-Z]", name):
+                if kind == "<" and folder not in CONSOLE + ["look"] and re.match(r"Q[A-Z]", name):
                     yield f"{where} is Qt"
 
 

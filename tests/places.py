@@ -9,7 +9,7 @@ import re
 import sys
 
 # Beginnings of a path in the tree.
-TOP = "app bench cmake debian device docs examples files foundation libs link operations packaging sim tests tools usersystemdata Map".split()
+TOP = "app bench cmake debian device docs examples files foundation libs link look operations packaging sim tests tools usersystemdata Map".split()
 NAMED = re.compile(r"`((?:%s)/[\w./{},*-]*)`" % "|".join(TOP))
 
 
@@ -114,6 +114,11 @@ def faults(tree):
     yield from held(tree, "A fault of the simulated chip", names, [("docs/simulator.md", r"`{}@N")])
 
 
+def verbs(tree):
+    rows = set(re.findall(r'^ +\{"(\w+)", "', tree.text("look/Verbs.cpp"), re.M))
+    yield from held(tree, "A verb of zv32-look", rows, [("docs/look.md", r"(?m)^\| `{}\b.*\|$"), ("tests/e2e/look.t", r"zv32-look {}\b")])
+
+
 def chips(tree):
     rows = [re.split(r" *, *", row) for row in re.findall(r"^ZV32.*", tree.text("tools/chips.csv"), re.M)]
     yield from held(tree, "A chip", {f"{row[0]}_{row[5]}K" for row in rows}, ["Map/{}.ZVmap"])
@@ -127,7 +132,7 @@ def families(tree):
 
 def main():
     tree = Tree(pathlib.Path(sys.argv[1]))
-    found = [one for check in (named_files, formats, links, jobs, option_words, faults, chips, families) for one in check(tree)]
+    found = [one for check in (named_files, formats, links, jobs, option_words, faults, verbs, chips, families) for one in check(tree)]
     print("\n".join(found) if found else "places: ok")
     return 1 if found else 0
 

@@ -7,7 +7,8 @@ set -eu
 
 # To build the console, the two libraries and the simulated chip; the firmware image is what try.sh
 # programs, srecord moves it to the chip's flash.
-build="ca-certificates cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-config srecord firmware-microbit-micropython"
+build="ca-certificates cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-config libcli11-dev nlohmann-json3-dev nettle-dev
+    srecord firmware-microbit-micropython"
 
 # To test them: the test framework, the transcript runner, a second compiler, device nodes without
 # devices, independent witnesses.

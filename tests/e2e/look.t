@@ -1,0 +1,76 @@
+The words that all looks have.
+
+  $ zv32-look --version
+  zv32-look 3.0.14
+  $ zv32-look image --version
+  zv32-look 3.0.14
+  $ zv32-look --help | head -n 2
+  Looks at ZV32 chips, at what goes into them and at the ports they hang on, and changes nothing.
+  Usage: zv32-look [OPTIONS] SUBCOMMAND
+  $ zv32-look image --help | head -n 2
+  what is in image files, and their sums
+  Usage: zv32-look image [OPTIONS] FILE...
+
+A word that is none, and no word.
+
+  $ zv32-look imag
+  A subcommand is required
+  Run with --help for more information.
+  [1]
+  $ zv32-look
+  A subcommand is required
+  Run with --help for more information.
+  [1]
+
+One set of facts, as text and as JSON.
+
+  $ printf 'abcd' >a.bin
+  $ zv32-look image a.bin
+  a.bin
+    size     4 bytes
+    sha-256  88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589
+    ranges
+         first      last  bytes
+      08000000  08000003      4
+  $ zv32-look image --json a.bin
+  {
+    "verb": "image",
+    "status": 0,
+    "files": [
+      {
+        "title": "a.bin",
+        "size": 4,
+        "sha256": "88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589",
+        "ranges": [
+          {
+            "first": 134217728,
+            "last": 134217731,
+            "bytes": 4
+          }
+        ]
+      }
+    ]
+  }
+
+Colours are for a terminal alone, and for nobody who does not want them.
+
+  $ on_terminal() { script -qec "$*" /dev/null </dev/null | head -n 1 | cat -v; }
+  $ on_terminal TERM=xterm zv32-look image a.bin
+  ^[[1ma.bin^[[0m^M
+  $ on_terminal TERM=xterm NO_COLOR=1 zv32-look image a.bin
+  a.bin^M
+  $ on_terminal TERM=dumb zv32-look image a.bin
+  a.bin^M
+
+A file that can't be read, and a report that can't be written.
+
+  $ zv32-look image missing.bin
+  zv32-look: missing.bin: No such file or directory
+  [2]
+  $ mkfifo pipe.bin
+  $ zv32-look image pipe.bin
+  zv32-look: pipe.bin: not a regular file
+  [2]
+  $ zv32-look image a.bin >/dev/full
+  zv32-look: the report can't be written
+  [2]
