@@ -1,14 +1,15 @@
 #!/bin/sh
-# Installs what is missing on a Debian 12 machine: the one list of packages, for try.sh and test.sh.
+# Installs what is missing on a Debian 12 machine: the one list of packages, for try.sh, test.sh and package.sh.
 #
-# usage: tools/install-packages.sh [--missing] build|test|kernel
+# usage: tools/install-packages.sh [--missing] build|test|kernel|package|bare
 #   --missing  only tells which ones are missing
 set -eu
 
-# To build the console, the two libraries and the simulated chip; the firmware image is what try.sh
-# programs, srecord moves it to the chip's flash.
-build="ca-certificates cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-config libcli11-dev nlohmann-json3-dev nettle-dev
-    srecord firmware-microbit-micropython"
+# To compile the console, the programs beside it, the two libraries and the simulated chip.
+compile="cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-config libcli11-dev nlohmann-json3-dev nettle-dev"
+
+# To try them: the firmware image is what try.sh programs, srecord moves it to the chip's flash.
+build="$compile ca-certificates srecord firmware-microbit-micropython"
 
 # To test them: the test framework, the transcript runner, a second compiler, device nodes without
 # devices, independent witnesses.
@@ -18,13 +19,21 @@ test="libgtest-dev python3 python3-cram clang clang-format clang-tidy libclang-r
 # To test them on a stock kernel in a virtual machine. The kernel itself is only unpacked.
 kernel="qemu-system-x86 seabios busybox-static cpio xz-utils iproute2"
 
+# To make Debian packages of them; debian/control names what the building of these takes.
+package="$compile debhelper dpkg-dev fakeroot libumockdev-dev lintian python3"
+
+# To try the packages in a bare root.
+bare="debootstrap"
+
 only_tell=
 [ "${1:-}" != --missing ] || { only_tell=yes; shift; }
 case "${1:-}" in
     build) wanted=$build ;;
     test) wanted="$build $test" ;;
     kernel) wanted=$kernel ;;
-    *) echo "usage: $0 [--missing] build|test|kernel" >&2; exit 2 ;;
+    package) wanted=$package ;;
+    bare) wanted="$package $bare" ;;
+    *) echo "usage: $0 [--missing] build|test|kernel|package|bare" >&2; exit 2 ;;
 esac
 
 missing=
