@@ -8,6 +8,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "foundation/TraceFile.h"
+
 namespace {
 
 void say(const char *text) {
@@ -45,6 +47,18 @@ bool holdStandardDescriptors() {
 void takeFailedWritesAsErrors() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void tellLostTrace() {
+    const char *path = std::getenv("ZVBL_TRACE");
+    if (path == nullptr || *path == '\0')
+        return;
+    std::string why;
+    const int file = openTraceFile(path, why);
+    if (file >= 0)
+        close(file);
+    else
+        say(("ZV32_ISP_Console: no trace is written to " + std::string(path) + ": " + why + "\n").c_str());
 }
 
 void reportUnexpectedEnds() {

@@ -38,6 +38,7 @@ int main(int argc, char **argv) {
         return unexpectedEnd;
     reportUnexpectedEnds();
     takeFailedWritesAsErrors();
+    tellLostTrace();
 
     // It takes words of its own out of the line that it is given, so it gets a copy.
     int applicationArgc = argc;

@@ -9,21 +9,21 @@
 #include <QVariant>
 
 #include "device/Families.h"
+#include "device/MapDirectory.h"
 #include "device/MapText.h"
 
 namespace {
-
-constexpr char mapDirectory[] = "./Map/"; // below the working directory
 
 constexpr unsigned int flashSizeRegister = 0x1FFFF7E0;
 constexpr unsigned int userSystemDataLength = 0x1000;
 
 QStringList mapFiles() {
     const QStringList filter(QStringLiteral("*.ZVmap"));
+    const QString directory = QFile::decodeName(mapDirectory().c_str());
     QStringList files;
-    for (const QString &name : QDir(mapDirectory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name))
-        if (IsHarmlessMap(QFile::encodeName(mapDirectory + name).toStdString()))
-            files.append(mapDirectory + name);
+    for (const QString &name : QDir(directory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name))
+        if (IsHarmlessMap(QFile::encodeName(directory + name).toStdString()))
+            files.append(directory + name);
     return files;
 }
 

@@ -35,7 +35,7 @@ public:
     ~CDevice();
 };
 
-// A description built from the map files in "./Map/", a directory beside the working directory.
+// A description built from the map files, of which device/MapDirectory.h tells where they are.
 class CZV32F4Device : public CDevice {
 public:
     unsigned int m_UiFlashSizeAddress;

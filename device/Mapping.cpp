@@ -8,6 +8,8 @@
 
 #include <system_error>
 
+#include "device/MapDirectory.h"
+
 namespace {
 
 // Far above what a map name needs; the name itself is not used.
@@ -47,7 +49,7 @@ int CMapping::GetSectorIndex(unsigned int uiAddress) const {
 }
 
 void CMapping::MemoryMapping() {
-    const std::string path = "./Map/" + m_StrMapFile;
+    const std::string path = mapDirectory() + m_StrMapFile;
     std::error_code ignored;
     if (m_ipMapping == nullptr || !std::filesystem::exists(path, ignored))
         return;

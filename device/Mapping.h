@@ -5,7 +5,7 @@
 #include "device/FilesInc.h"
 
 // The memory map of one device: its sectors and the packet size of the link, read once from
-// "./Map/<target>.ZVmap". A map without a file is a map without sectors.
+// <target>.ZVmap in the directory of the maps. A map without a file is a map without sectors.
 class CMapping {
 public:
     std::string m_StrTarget;

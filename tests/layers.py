@@ -14,7 +14,7 @@ ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enume
 # The program that only looks stands beside the console, on what does not act.
 ALLOWED["look"] = ["look/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
 ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "device/ImageSuffixes.h", "foundation/LibraryTypes.h"]
-ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h"]
+ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h", "foundation/TraceFile.h"]
 
 # The rooms of the simulated chip, the upper ones first.
 ROOMS = ["program", "ports", "links", "bootloader", "chip"]

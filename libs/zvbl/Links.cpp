@@ -28,7 +28,7 @@ LinkParts make(const LinkSettings &, const Timing &timing, Trace &trace) {
 // A CAN bus is a network interface, or an adapter on a serial line. An interface goes before a device of
 // the same name; a name of neither is one of an interface that is not there.
 bool isCanAdapter(const std::string &name) {
-    if (name.empty() || name.front() == '/')
+    if (name.empty() || isPath(name))
         return !name.empty();
     return !CanSocket::isInterface(name) && access(devicePath(name).c_str(), F_OK) == 0;
 }
@@ -54,11 +54,11 @@ bool isAnySetting(const LinkSettings &) {
 
 // clang-format off
 constexpr LinkKind kinds[] = {
-    {linkUsart, isSerialSetting, make<SerialPort, UsartFraming>},
-    {linkUsbDfu, isUsbSetting, make<UsbPort, DfuFraming>},
-    {linkI2c, isAnySetting, make<I2cPort, I2cFraming>},
-    {linkCan, isCanSetting, makeCan},
-    {linkSpi, isAnySetting, make<SpiPort, SpiFraming>},
+    {linkUsart, "USART", isSerialSetting, make<SerialPort, UsartFraming>},
+    {linkUsbDfu, "USB DFU", isUsbSetting, make<UsbPort, DfuFraming>},
+    {linkI2c, "I2C", isAnySetting, make<I2cPort, I2cFraming>},
+    {linkCan, "CAN", isCanSetting, makeCan},
+    {linkSpi, "SPI", isAnySetting, make<SpiPort, SpiFraming>},
 };
 // clang-format on
 

@@ -24,6 +24,7 @@ struct LinkParts {
 // One kind of link: a row of the table in Links.cpp.
 struct LinkKind {
     std::uint8_t type; // as TARGET_SetComIntType takes it
+    const char *name;  // as the trace has it
     bool (*accepts)(const LinkSettings &settings);
     LinkParts (*make)(const LinkSettings &settings, const Timing &timing, Trace &trace);
 };

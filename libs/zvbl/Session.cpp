@@ -37,7 +37,7 @@ Status Session::open() {
         return Status::cantOpen;
     if (!m_kind->accepts(m_settings))
         return Status::badArgument;
-    m_trace = std::make_unique<Trace>(m_settings.portName);
+    m_trace = std::make_unique<Trace>(m_settings.portName, m_kind->name);
     LinkParts parts = m_kind->make(m_settings, timing(), *m_trace);
     if (const Status status = parts.transport->open(m_settings); status != Status::ok)
         return status;
@@ -66,7 +66,12 @@ Status Session::setLine(ControlLine line, bool high) {
 }
 
 Status Session::transfer(const Command &command, Bytes &reply) {
-    return isOpen() ? m_parts.framing->transfer(command, reply, m_timeout) : Status::notOpen;
+    if (!isOpen())
+        return Status::notOpen;
+    m_trace->beginExchange(command.opcode == wire::opRead, command.opcode == wire::opWrite);
+    const Status status = m_parts.framing->transfer(command, reply, m_timeout);
+    m_trace->endExchange(status == Status::ok);
+    return status;
 }
 
 Status Session::exchange(const Command &command, Bytes &reply, Tries tries) {

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <filesystem>
 #include <getopt.h>
 #include <iterator>
 #include <string_view>
@@ -18,7 +19,7 @@ const char helpText[] =
   zv32-sim --help
 
   --chip NAME         the chip, by a name of --list
-  --usart PATH        make a serial port and a symbolic link to it at PATH, print "ready PATH"
+  --usart PATH        make a serial port and a symbolic link to it at PATH; print "ready" and PATH in full
   --slcan PATH        the same, a serial-line CAN adapter with the chip at its bus
   --can [INTERFACE]   join the bus of a CAN interface (can0), print "ready INTERFACE"
   --i2c [NODE]        the chip on an I2C bus (i2c-1), a device node of a directory; print "ready NODE DIR"
@@ -178,7 +179,14 @@ bool setPort(Options &options, const PortKind &kind, const char *value, std::str
     options.kind = &kind;
     options.port = value != nullptr ? value : kind.usual != nullptr ? kind.usual : "";
     error = "an empty name";
-    return !kind.argument || !options.port.empty();
+    if (kind.argument == nullptr)
+        return true;
+    if (options.port.empty())
+        return false;
+    // Whoever reads of it may be in another directory.
+    if (std::string_view(kind.argument) == "PATH")
+        options.port = std::filesystem::absolute(options.port.substr(options.port.rfind("./", 0) == 0 ? 2 : 0));
+    return true;
 }
 
 // The value of a port's word. One that may be left out stands after a = or, if no other word follows, alone.

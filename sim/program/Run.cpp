@@ -41,11 +41,16 @@ int list() {
 }
 
 // The same command line for the program beside this one that serves that port.
-int runBeside(char **argv, const char *program) {
+int runBeside(char **argv, const PortKind &kind) {
     char self[4096];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self);
     const std::string own(self, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
-    const std::string path = own.substr(0, own.rfind('/') + 1) + program;
+    const std::string path = own.substr(0, own.rfind('/') + 1) + kind.program;
+    if (access(path.c_str(), F_OK) != 0)
+        return complain(std::string("--") + kind.option + " is served by \"" + path +
+                            "\", which is not there: it is built where the package libumockdev-dev is installed, and "
+                            "needs the package umockdev to run",
+                        failed);
     const char *others = std::getenv("LD_PRELOAD");
     const std::string preload = others && *others ? std::string(":") + others : std::string();
     setenv("LD_PRELOAD", ("libumockdev-preload.so.0" + preload).c_str(), 1);
@@ -116,7 +121,7 @@ int runOptions(int argc, char **argv, const PortKinds &kinds) {
     if (options.task == Options::Task::list)
         return list();
     if (options.kind->program != nullptr)
-        return runBeside(argv, options.kind->program);
+        return runBeside(argv, *options.kind);
     if (options.log.empty())
         return serve(options, std::cerr);
     LogFile file;

@@ -61,6 +61,21 @@ TEST_F(ProcessTest, ExceptionIsALineAndAStatus) {
     EXPECT_EQ(run.changes().size(), 1U);
 }
 
+TEST_F(ProcessTest, ATraceThatCannotBeWrittenIsALine) {
+    for (const auto &[path, line] : {std::pair<std::string, std::string>{"/no/such/trace", "No such file or directory"},
+                                     {"/", "Is a directory"},
+                                     {console.path("trace"), ""},
+                                     {"", ""}}) {
+        setenv("ZVBL_TRACE", path.c_str(), 1);
+        const Outcome run = console.runToAnUnexpectedEnd("-com --pn ttyS0 -r");
+        unsetenv("ZVBL_TRACE");
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.text, connectText("USART") + "Your code is running... (0x08000000)\n");
+        EXPECT_EQ(run.errors,
+                  line.empty() ? "" : "ZV32_ISP_Console: no trace is written to " + path + ": " + line + "\n");
+    }
+}
+
 // In Turkish the capital of "i" is another letter.
 TEST_F(ProcessTest, LocaleOfTheUser) {
     const std::string build =

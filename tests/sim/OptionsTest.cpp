@@ -2,6 +2,8 @@
 
 #include "sim/program/Options.h"
 
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "sim/program/SimPorts.h"
@@ -41,6 +43,7 @@ TEST(Options, whatHoldsWithoutAWord) {
     Options options;
     std::string error;
     ASSERT_TRUE(parse({"--chip", "ZV32F421_64K", "--usart", "tty"}, options, error)) << error;
+    EXPECT_EQ(options.port, std::filesystem::current_path() / "tty");
     EXPECT_EQ(options.spimMb, 16U);
     EXPECT_FALSE(options.pace);
     EXPECT_FALSE(options.verbose);

@@ -92,7 +92,16 @@ class Nodes(DeviceTest):
         program = os.path.join(os.path.dirname(SIM), "zv32-sim-dev")
         result = subprocess.run([program, "--chip", CHIP, "--i2c"], capture_output=True, text=True, timeout=10)
         self.assertEqual((result.returncode, result.stdout), (1, ""))
-        self.assertIn("libumockdev-preload.so.0", result.stderr)
+        self.assertIn("libumockdev-preload.so.0 as a preload, of the package umockdev", result.stderr)
+
+
+    def test_without_the_program_the_package_is_named(self):
+        alone = shutil.copy(SIM, self.path("zv32-sim"))
+        for word in ("--dfu", "--i2c", "--spi", "--tty"):
+            result = subprocess.run([alone, "--chip", CHIP, word], capture_output=True, text=True, timeout=10)
+            self.assertEqual((result.returncode, result.stdout), (1, ""))
+            self.assertIn(f'{word} is served by "{self.path("zv32-sim-dev")}"', result.stderr)
+            self.assertIn("the package libumockdev-dev", result.stderr)
 
 
 class I2c(DeviceTest):

@@ -15,7 +15,7 @@ import time
 import unittest
 
 from client import Client, FLASH, Refused, Silent
-from simulator import CHIP, SECTOR, SimulatorTest, run, wait_for
+from simulator import CHIP, SECTOR, SIM, SimulatorTest, run, wait_for
 
 
 class CommandLine(SimulatorTest):
@@ -58,6 +58,14 @@ class Link(SimulatorTest):
                 self.assertTrue(os.readlink(simulator.port).startswith("/dev/pts/"))
                 self.assertEqual(simulator.end(how), (0, ""))
                 self.assertFalse(os.path.lexists(simulator.port))
+
+    def test_a_path_is_told_in_full(self):
+        for word, name in (("--usart", "port"), ("--usart", "./port"), ("--slcan", "./port")):
+            process = subprocess.Popen([SIM, "--chip", CHIP, word, name], cwd=self.directory, text=True,
+                                       stdout=subprocess.PIPE)
+            self.assertEqual(process.stdout.readline(), f"ready {self.path('port')}\n")
+            process.terminate()
+            process.communicate(timeout=10)
 
     def test_a_stale_link_is_replaced(self):
         for target in ("/dev/pts/99999", self.path("nowhere")):

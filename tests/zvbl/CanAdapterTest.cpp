@@ -12,6 +12,7 @@
 #include "link/ZVBLLIB.h"
 #include "tests/zvbl/Babbler.h"
 #include "tests/zvbl/LinkFixture.h"
+#include "tests/zvbl/TraceText.h"
 
 namespace {
 
@@ -73,7 +74,8 @@ protected:
         std::ifstream file(directory / "trace");
         std::string all, time, port, rest;
         while (file >> time >> port && std::getline(file, rest))
-            all += rest.substr(1) + "\n";
+            if (!isRunLine(rest.substr(1)))
+                all += rest.substr(1) + "\n";
         return all;
     }
     bool traced(const std::string &text) const { return trace().find(text) != std::string::npos; }

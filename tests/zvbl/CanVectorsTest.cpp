@@ -217,4 +217,22 @@ TEST_F(CanVectorsTest, WhatElseIsOnTheBusIsNotHeard) {
     EXPECT_EQ(trace(), "# open, a bus without a bit rate\n> 0D4\nx 1D3 79\n< 1D4 79\n");
 }
 
+TEST_F(CanVectorsTest, TheTraceCanBeWithoutDataOfPackets) {
+    setenv("ZVBL_TRACE_DATA", "no", 1);
+    ASSERT_EQ(Interface_Open(link), 0);
+    BYTE data[] = {0xAA, 0xBB, 0xCC, 0xDD, 1, 2, 3, 4, 5, 6, 7, 8};
+    EXPECT_EQ(play({{"031", "131 79"},
+                    {"031 08 00 00 00 08", "131 79"},
+                    {"031 0B AA BB CC DD 01 02 03,031 04 05 06 07 08 03", "131 79"}},
+                   [&] { return ZVBL_DNLOAD(link, 0x08000000, data, 12, 0); }),
+              0);
+    EXPECT_EQ(play({{"011", "111 79"}, {"011 08 00 00 04 0C", "111 79"}, {"011 02 FD", "111 79, 111 01 02 03 00"}},
+                   [&] { return ZVBL_UPLOAD(link, 0x08000004, data, 3); }),
+              0);
+    unsetenv("ZVBL_TRACE_DATA");
+    EXPECT_TRUE(traced("> 031\n< 131 79\n> 031 08 00 00 00 08\n< 131 79\n> 031 8 bytes\n> 031 6 bytes\n< 131 79\n"))
+        << trace();
+    EXPECT_TRUE(traced("> 011\n< 111 79\n> 011 08 00 00 04 0C\n< 111 79\n> 011 02 FD\n< 111 79\n< 111 4 bytes\n"));
+}
+
 } // namespace

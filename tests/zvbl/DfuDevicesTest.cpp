@@ -67,6 +67,31 @@ TEST_F(DfuListTest, MoreThan99Devices) {
     EXPECT_EQ(Interface_Open(numbered(99)), 3);
 }
 
+TEST_F(DfuListTest, ThePlaceOrTheSerialNumberOfOneCanBeAskedFor) {
+    scene.add(at("1-1", 2, "0123"));
+    scene.add(at("1-2.3", 3, "4567"));
+    scene.add(at("1-2.30", 4, "1-1"));
+    const std::pair<const char *, std::vector<std::string>> wanted[] = {
+        {"1-2.3", {"usb 1-2.3 serial 4567 ZV32 Bootloader"}},
+        {"0123", {"usb 1-1 serial 0123 ZV32 Bootloader"}},
+        {"1-1", {"usb 1-1 serial 0123 ZV32 Bootloader", "usb 1-2.30 serial 1-1 ZV32 Bootloader"}},
+        {"1-2", {}},
+    };
+    for (const auto &[name, rows] : wanted) {
+        setenv("ZVBL_DFU", name, 1);
+        ASSERT_EQ(list(), static_cast<int>(rows.size())) << name;
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            EXPECT_EQ(row(static_cast<int>(i)), rows[i]);
+    }
+    setenv("ZVBL_DFU", "1-2.3", 1);
+    ASSERT_EQ(list(), 1);
+    EXPECT_EQ(Interface_Open(nullptr), 0);
+    EXPECT_EQ(Interface_Open(numbered(1)), 3);
+    setenv("ZVBL_DFU", "", 1);
+    EXPECT_EQ(list(), 3);
+    unsetenv("ZVBL_DFU");
+}
+
 TEST_F(DfuListTest, NothingIsPluggedIn) {
     EXPECT_EQ(list(), 0);
     EXPECT_EQ(Interface_Open(nullptr), 3);

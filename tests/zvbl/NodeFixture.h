@@ -9,6 +9,7 @@
 
 #include "libs/zvbl/Timing.h"
 #include "link/ZVBLLIB.h"
+#include "tests/zvbl/TraceText.h"
 
 // An open link of one type on a fake node, through the C interface, with a trace.
 template <class Fake, BYTE type>
@@ -38,7 +39,9 @@ protected:
             if (number < traced)
                 continue;
             ++traced;
-            text += line.substr(line.find(' ', line.find(' ') + 1) + 1) + '\n';
+            const std::string told = line.substr(line.find(' ', line.find(' ') + 1) + 1);
+            if (!isRunLine(told))
+                text += told + '\n';
         }
         return text;
     }

@@ -1,5 +1,7 @@
 // The port: opening, sharing, settings, control lines, and two links at once.
 
+#include <filesystem>
+
 #include <asm/termbits.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -59,6 +61,26 @@ TEST_F(PortTest, ANameWithoutASlashInFrontIsOneOfDev) {
     ASSERT_EQ(SetCOMSettings(&other, 0, pty.path().substr(5).c_str(), 115200, 8, 2, 1.0F), 0);
     EXPECT_EQ(Interface_Open(other), 0);
     EXPECT_EQ(Interface_Close(other), 0);
+}
+
+TEST_F(PortTest, ANameWithADotInFrontIsAPath) {
+    ASSERT_EQ(Interface_Close(link), 0);
+    char directory[] = "/tmp/zvbl-port-XXXXXX";
+    ASSERT_NE(mkdtemp(directory), nullptr);
+    const std::filesystem::path before = std::filesystem::current_path(), made = directory;
+    std::filesystem::create_directory(made / "below");
+    std::filesystem::create_symlink(pty.path(), made / "port");
+    for (const auto &[from, name] : {std::pair<const char *, const char *>{"", "./port"}, {"below", "../port"}}) {
+        std::filesystem::current_path(made / from);
+        HANDLE other = nullptr;
+        ASSERT_EQ(SetCOMSettings(&other, 0, name, 115200, 8, 2, 1.0F), 0);
+        EXPECT_EQ(Interface_Open(other), 0) << name;
+        Interface_Close(other);
+    }
+    EXPECT_EQ(openPort("port"), 3);
+    EXPECT_EQ(openPort(".port"), 3);
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(made);
 }
 
 TEST_F(PortTest, ASecondProgrammerGets3AtOnce) {

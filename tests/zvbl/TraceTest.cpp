@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "tests/zvbl/LinkFixture.h"
+#include "tests/zvbl/TraceText.h"
 
 namespace {
 
@@ -41,7 +42,10 @@ protected:
                 letter = std::isdigit(static_cast<unsigned char>(letter)) ? '0' : letter;
             EXPECT_EQ(time, "0000-00-00T00:00:00.000000");
             EXPECT_EQ(port, pty.path());
-            all += rest.substr(1) + "\n";
+            if (isRunLine(rest.substr(1)))
+                runLines.push_back(rest.substr(1));
+            else
+                all += rest.substr(1) + "\n";
         }
         return all;
     }
@@ -52,6 +56,7 @@ protected:
         return text.str();
     }
     std::filesystem::path directory;
+    std::vector<std::string> runLines; // of what lines() has read
 };
 
 TEST_F(TraceTest, EveryExchangeIsThereWithItsDirection) {
@@ -103,6 +108,51 @@ TEST_F(TraceTest, LaterRunsAreAppended) {
     EXPECT_EQ(lines(file), "# before\n# open 1000000 8E1\n# closed\n");
 }
 
+// Of a process, and not of a link.
+TEST_F(TraceTest, ARunBeginsWithItsProgramAndItsWords) {
+    const std::string file = directory / "trace";
+    traceTo(file);
+    traceTo(file);
+    ASSERT_EQ(Interface_Close(link), 0);
+    EXPECT_EQ(lines(file), "# open 1000000 8E1\n# closed\n# open 1000000 8E1\n# closed\n");
+    ASSERT_EQ(runLines.size(), 1U);
+    EXPECT_EQ(runLines[0].rfind("# run of zvbl_test, library " PROJECT_VERSION ", USART:", 0), 0U) << runLines[0];
+    std::string first;
+    std::getline(std::ifstream(file), first);
+    EXPECT_NE(first.find(runLines[0]), std::string::npos) << "not the first";
+    traceTo(directory / "other");
+    EXPECT_EQ(lines(directory / "other"), "# open 1000000 8E1\n");
+    EXPECT_EQ(runLines.size(), 2U);
+}
+
+TEST_F(TraceTest, DataOfPacketsCanBeLeftOut) {
+    const std::string file = directory / "trace";
+    setenv("ZVBL_TRACE_DATA", "no", 1);
+    hurry();
+    traceTo(file);
+    BYTE data[] = {0x11, 0x22, 0x33, 0x44};
+    EXPECT_EQ(play({{"31 CE", "79"}, {"08 00 00 00 08", "79"}, {"03 11 22 33 44 47", "79"}},
+                   [&] { return ZVBL_DNLOAD(link, 0x08000000, data, 4, 0); }),
+              0);
+    EXPECT_EQ(play({{"11 EE", "79"},
+                    {"08 00 00 00 08", "79"},
+                    {"03 FC", "79 A1 A2 A3"},
+                    {"7F", "A4 1F"},
+                    {"11 EE", "79"},
+                    {"08 00 00 00 08", "79"},
+                    {"03 FC", "79 A1 A2 A3 A4"}},
+                   [&] { return ZVBL_UPLOAD(link, 0x08000000, data, 4); }),
+              0);
+    BYTE length = 0;
+    EXPECT_EQ(play({{"02 FD", "79 01 02 42 79"}}, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 0);
+    unsetenv("ZVBL_TRACE_DATA");
+    EXPECT_EQ(lines(file), "# open 1000000 8E1\n> 31 CE\n< 79\n> 08 00 00 00 08\n< 79\n> 6 bytes\n< 79\n"
+                           "> 11 EE\n< 79\n> 08 00 00 00 08\n< 79\n> 03 FC\n< 79\n< 3 bytes\n# no answer in time\n"
+                           "# getting in step\n> 7F\n< 2 bytes\n"
+                           "> 11 EE\n< 79\n> 08 00 00 00 08\n< 79\n> 03 FC\n< 79\n< 4 bytes\n"
+                           "> 02 FD\n< 79\n< 01\n< 02 42\n< 79\n");
+}
+
 TEST_F(TraceTest, AFileThatCannotBeWrittenChangesNothing) {
     for (const std::string &path : {std::string("/no/such/directory/trace"), directory.string(), std::string()}) {
         traceTo(path);
@@ -126,7 +176,7 @@ TEST_F(TraceTest, WhatIsDiscardedInARowIsListedUpToALimit) {
     traceTo(file);
     ASSERT_EQ(Interface_Close(link), 0);
     {
-        zvbl::Trace trace(pty.path());
+        zvbl::Trace trace(pty.path(), "USART");
         for (int i = 0; i < 3; ++i) {
             const zvbl::Bytes bytes(4000, 0x55);
             trace.discarded(bytes.data(), bytes.size());

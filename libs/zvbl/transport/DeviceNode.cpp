@@ -13,8 +13,12 @@
 
 namespace zvbl {
 
+bool isPath(const std::string &portName) {
+    return portName.rfind('/', 0) == 0 || portName.rfind("./", 0) == 0 || portName.rfind("../", 0) == 0;
+}
+
 std::string devicePath(const std::string &portName) {
-    return portName.front() == '/' ? portName : "/dev/" + portName;
+    return isPath(portName) ? portName : "/dev/" + portName;
 }
 
 DeviceNode::~DeviceNode() {

@@ -9,7 +9,10 @@
 
 namespace zvbl {
 
-// "i2c-1" is /dev/i2c-1; what starts with "/" is a path already. The name is not empty.
+// Whether a port name is a path: it starts with "/", "./" or "../".
+bool isPath(const std::string &portName);
+
+// "i2c-1" is /dev/i2c-1; a path stays what it is.
 std::string devicePath(const std::string &portName);
 
 // A device node that is driven by ioctl alone. It is closed by its destruction.

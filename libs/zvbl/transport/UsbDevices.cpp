@@ -1,6 +1,7 @@
 #include "libs/zvbl/transport/UsbDevices.h"
 
 #include <array>
+#include <cstdlib>
 #include <mutex>
 
 #include <libusb.h>
@@ -50,6 +51,12 @@ std::optional<Found> look(const UsbTarget &target) {
     return Found{{target.vendor, target.product, text}, identity};
 }
 
+// Whether ZVBL_DFU leaves this device in the list: it names its place or its serial number, or nothing.
+bool isWanted(const UsbIdentity &device) {
+    const char *wanted = std::getenv("ZVBL_DFU");
+    return wanted == nullptr || *wanted == '\0' || device.place.name() == wanted || device.serial == wanted;
+}
+
 void give(const std::vector<Found> &found) {
     Numbers &known = numbers();
     const std::lock_guard<std::mutex> lock(known.mutex);
@@ -61,13 +68,17 @@ void give(const std::vector<Found> &found) {
 } // namespace
 
 Status listUsbDevices(std::vector<UsbRow> &rows) {
-    Trace trace("dfu");
+    Trace trace("dfu", "USB DFU");
     const UsbBus bus;
     std::vector<Found> found;
     for (const UsbTarget &target : bus.targets()) {
         std::optional<Found> device = look(target);
         if (!device || found.size() == mostUsbDevices)
             continue;
+        if (!isWanted(device->identity)) {
+            trace.remark("passed over: " + device->row.text);
+            continue;
+        }
         trace.remark("device " + std::to_string(found.size()) + ": " + device->row.text);
         rows.push_back(device->row);
         found.push_back(std::move(*device));

@@ -30,7 +30,8 @@ struct UsbIdentity {
     }
 };
 
-// The targets that are plugged in, by bus and port path. Numbers mean rows of this list from here on, except
+// The targets that are plugged in, by bus and port path; where ZVBL_DFU of the environment names a place ("1-2.3")
+// or a serial number, those of that place or number alone. Numbers mean rows of this list from here on, except
 // those of devices that restart. cantOpen: there is no USB on this machine.
 Status listUsbDevices(std::vector<UsbRow> &rows);
 

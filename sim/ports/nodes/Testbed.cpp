@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <stdexcept>
 #include <utility>
 
+#include <dlfcn.h>
 #include <umockdev.h>
 #include <unistd.h>
 
@@ -17,10 +17,10 @@ namespace sim {
 
 namespace {
 
-// Where there is no /sys, umockdev takes that for a mock environment.
+// Where there is no /sys, umockdev takes that for a mock environment. A library that is not installed is in the
+// environment and not in the process.
 bool isPreloaded() {
-    const char *preload = std::getenv("LD_PRELOAD");
-    return preload != nullptr && std::strstr(preload, "libumockdev-preload") != nullptr;
+    return dlopen("libumockdev-preload.so.0", RTLD_LAZY | RTLD_NOLOAD) != nullptr;
 }
 
 constexpr char fileKey[] = "zv32-file"; // what hangs on a client
@@ -51,7 +51,7 @@ Testbed::Testbed() {
     m_testbed = umockdev_testbed_new();
     if (!isPreloaded() || !umockdev_in_mock_environment()) {
         g_object_unref(m_testbed);
-        throw std::runtime_error("device nodes need LD_PRELOAD=libumockdev-preload.so.0");
+        throw std::runtime_error("device nodes need libumockdev-preload.so.0 as a preload, of the package umockdev");
     }
     m_root = taken(umockdev_testbed_get_root_dir(m_testbed));
 }

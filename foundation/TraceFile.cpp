@@ -1,10 +1,12 @@
-#include "libs/zvbl/TraceFile.h"
+#include "foundation/TraceFile.h"
+
+#include <cerrno>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace zvbl {
 namespace {
 
 // O_NONBLOCK: a FIFO that nobody reads must not hold up the link.
@@ -26,13 +28,16 @@ bool isTrusted(const struct stat &link, const std::string &path) {
 
 } // namespace
 
-int openTraceFile(const std::string &path) {
+int openTraceFile(const std::string &path, std::string &why) {
     struct stat node {};
     const bool isLink = lstat(path.c_str(), &node) == 0 && S_ISLNK(node.st_mode);
-    if (isLink && !isTrusted(node, path))
+    if (isLink && !isTrusted(node, path)) {
+        why = "it is a link that somebody else made";
         return -1;
+    }
     // One that becomes a link in this moment is not followed either.
-    return open(path.c_str(), flags | (isLink ? 0 : O_NOFOLLOW), usualMode);
+    const int file = open(path.c_str(), flags | (isLink ? 0 : O_NOFOLLOW), usualMode);
+    if (file < 0)
+        why = strerrordesc_np(errno);
+    return file;
 }
-
-} // namespace zvbl
