@@ -8,6 +8,7 @@
 
 #include "app/Link.h"
 #include "app/LinkCommands.h"
+#include "app/LinkSettings.h"
 #include "app/Report.h"
 #include "app/SubOptions.h"
 #include "foundation/ShareParameter.h"
@@ -39,28 +40,17 @@ bool failAndClose(const std::string &text, CCom *obCCom) {
     return false;
 }
 
-// Reads the sub-options as the walk reaches them. False, with the word reported, at one that cannot be used.
-bool readSettings(SubOptionWalk &walk, const std::vector<Setting> &settings, CCom *earlierLink) {
-    while (walk.next()) {
-        const std::string word = ShareParameter::ToLower(walk.word());
-        for (const Setting &setting : settings)
-            if (word == setting.word)
-                setting.read(walk.value());
-    }
-    if (!walk.atBadWord())
-        return true;
-    closeLink(earlierLink);
-    walk.reportBadParameter();
-    return false;
-}
-
-bool tryReadSettings(SubOptionWalk &walk, const std::vector<Setting> &settings, CCom *earlierLink) {
+// False, with the word reported, at one that cannot be used.
+bool readSettings(SubOptionWalk &walk, OptionId connection, CCom *earlierLink) {
     try {
-        return readSettings(walk, settings, earlierLink);
+        if (readLinkSettings(walk, connection))
+            return true;
+        closeLink(earlierLink);
     } catch (const std::exception &) {
-        walk.reportBadParameter();
-        return false;
+        // The earlier link stays open.
     }
+    WriteBadParameterInfor(walk.argv, walk.argIndex);
+    return false;
 }
 
 void printDeviceLines(CBootLoader &control, const CDevice &device) {
@@ -106,7 +96,7 @@ bool connectLine(const LinkCommand &command, int argc, char **argv, int &arg_ind
     printLine(command.firstLine);
     g_shareParameter.m_InterfaceType = command.recordType;
     SubOptionWalk walk(argc, argv, arg_index, SubOptionWalk::leavesLastWord);
-    return tryReadSettings(walk, command.settings, obCCom) && openLink(command, obCCom) && identify(command, obCCom);
+    return readSettings(walk, command.option, obCCom) && openLink(command, obCCom) && identify(command, obCCom);
 }
 
 // The first device found is the one used.

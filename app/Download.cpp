@@ -4,11 +4,10 @@
 
 #include <QThread>
 
-#include "app/FileNames.h"
 #include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
-#include "app/Spim.h"
+#include "app/Requests.h"
 #include "app/SubOptions.h"
 #include "files/CFiles.h"
 #include "foundation/ShareParameter.h"
@@ -23,19 +22,9 @@ bool refuse(const std::string &reason) {
     return false;
 }
 
-// Whether an image that starts at the address and ends before the other one lies in flash or SPIM. There is
-// no lower bound.
 bool fits(quint64 start, quint64 end, const CDevice &device) {
-    if (start < ZVCHIP_SPIM_BASE_ADDRESS) {
-        const quint64 flashSzie = static_cast<quint64>(device.m_IFlashSize) * 1024;
-        return end <= ZVCHIP_FLASH_BASE_ADDRESS + flashSzie ||
-               refuse("The file download address or file size out of flash range!");
-    }
-    if (!g_shareParameter.c_haveSPIM)
-        return refuse("No operation can be performed without using SPIM!");
-    const quint64 extFlashSzie = static_cast<quint64>(g_shareParameter.c_SPIMSize) * 1024;
-    return end <= ZVCHIP_SPIM_BASE_ADDRESS + extFlashSzie ||
-           refuse("The file download address or file size out of SPIM range!");
+    const char *reason = misfitOf(start, end, device);
+    return reason == nullptr || refuse(reason);
 }
 
 // A file that cannot be opened at once may still be on its way, from a build or a share.
@@ -57,35 +46,6 @@ bool elementsFit(CProgramFile &file, const CDevice &device) {
     }
     return true;
 }
-
-int setAddress(SubOptionWalk &walk, CCom *&) {
-    if (walk.hasValue())
-        g_shareParameter.c_address = g_shareParameter.StringToUInt32(walk.value(), 16);
-    return 0;
-}
-
-int setVerify(SubOptionWalk &walk, CCom *&) {
-    g_shareParameter.c_Verify = true;
-    walk.takeBack();
-    return 0;
-}
-
-int setOptimize(SubOptionWalk &walk, CCom *&) {
-    g_shareParameter.c_optimize = true;
-    walk.takeBack();
-    return 0;
-}
-
-int setFile(SubOptionWalk &walk, CCom *&) {
-    if (!IsValidFileName(walk.value())) {
-        walk.reportBadParameter();
-        return OP_DOWNLOAD_FAILD;
-    }
-    g_shareParameter.c_filename = walk.value();
-    return 0;
-}
-
-const SubOption<CCom *> words[] = {{"--addr", setAddress}, {"--v", setVerify}, {"--o", setOptimize}, {"--fn", setFile}};
 
 DownloadParam downloadParam(bool erasedFlag) {
     DownloadParam param;
@@ -127,8 +87,8 @@ bool Download(int argc, char **argv, int &arg_index, bool erasedFlag, CCom *obCC
     if (!hasBootLoader(obCCom))
         return false;
     SubOptionWalk walk(argc, argv, arg_index);
-    if (runSubOptions(walk, words, obCCom, OP_DOWNLOAD_FAILD) != 0)
-        return false;
+    if (!readDownload(walk))
+        return refuse(walk, false);
     CBootLoader *control = obCCom->m_ObBootLoader;
     if (!DownloadFileAndAddressCheck(g_shareParameter.c_filename, g_shareParameter.c_address, control))
         return false;

@@ -12,10 +12,9 @@
 
 namespace {
 
-int eraseAll(SubOptionWalk &walk, CCom *&obCCom) {
+int eraseAll(SubOptionWalk &, CCom *&obCCom) {
     obCCom->m_ObBootLoader->EraseFlash(EraseParam());
     const bool succeeded = runJob(obCCom);
-    walk.takeBack();
     if (succeeded)
         return OP_SUCCESS;
     return g_shareParameter.c_haveSPIM ? OP_MCU_ALLERASE_SPIM_FAILD : OP_MCU_ALLERASE_FLASH_FAILD;
@@ -23,7 +22,7 @@ int eraseAll(SubOptionWalk &walk, CCom *&obCCom) {
 
 int eraseSectors(SubOptionWalk &walk, CCom *&obCCom) {
     EraseParam param;
-    if (!appendSectors(walk.value(), obCCom, param.m_iSectorIndex)) {
+    if (!appendSectors(walk.value(), deviceOf(obCCom), param.m_iSectorIndex)) {
         WriteInforAndWaitInput("bad parameter " + walk.value());
         return OP_MCU_SECERASE_FAILD;
     }
@@ -31,7 +30,7 @@ int eraseSectors(SubOptionWalk &walk, CCom *&obCCom) {
     return runJob(obCCom) ? OP_SUCCESS : OP_MCU_SECERASE_FAILD;
 }
 
-const SubOption<CCom *> words[] = {{"--all", eraseAll}, {"--sec", eraseSectors}};
+const SubOption<CCom *> words[] = {{SubId::all, eraseAll}, {SubId::sectors, eraseSectors}};
 
 } // namespace
 
@@ -39,5 +38,6 @@ int Erase(int argc, char **argv, int &arg_index, CCom *&obCCom) {
     if (!hasBootLoader(obCCom))
         return OP_CONNECT_FAILD;
     SubOptionWalk walk(argc, argv, arg_index);
-    return runSubOptions(walk, words, obCCom, OP_BAD_PARAM);
+    const int status = runSubOptions(walk, OptionId::erase, words, obCCom);
+    return walk.atBadWord() ? refuse(walk, OP_BAD_PARAM) : status;
 }

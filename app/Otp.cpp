@@ -1,9 +1,9 @@
 #include "app/Otp.h"
 
-#include "app/FileNames.h"
 #include "app/Link.h"
 #include "app/OtpFile.h"
 #include "app/Report.h"
+#include "app/Requests.h"
 #include "app/SubOptions.h"
 #include "link/CCom.h"
 #include "link/ZVBLLIB.h"
@@ -19,16 +19,6 @@ bool write(CCom *obCCom, unsigned int address, BYTE *data, unsigned int length) 
 int fail(const char *text) {
     printLine(text);
     return 0;
-}
-
-// False, with the word under the walk reported, for a name that is refused.
-bool takeFileName(SubOptionWalk &walk) {
-    if (!IsValidOTPFileName(walk.value())) {
-        walk.reportBadParameter();
-        return false;
-    }
-    g_shareParameter.c_otpfilename = walk.value();
-    return true;
 }
 
 int program(CCom *obCCom) {
@@ -79,8 +69,8 @@ int DownLoadOTPData(int argc, char **argv, int &arg_index, CCom *obCCom) {
         // MEANT: once per sub-option, whichever it is.
         printLine("Set OTP data to device");
         printLine("running...");
-        if (walk.word() == "--fn" && !takeFileName(walk))
-            return OP_SUCCESS;
+        if (!readOtpFile(walk))
+            return refuse(walk, OP_SUCCESS);
     }
     if (walk.atBadWord()) {
         WriteInforAndWaitInput(argv[arg_index]); // MEANT: the word alone

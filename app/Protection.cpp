@@ -3,6 +3,7 @@
 #include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
+#include "app/Requests.h"
 #include "app/Sectors.h"
 #include "app/SubOptions.h"
 #include "foundation/ShareParameter.h"
@@ -18,16 +19,13 @@ int runOr(int failure, CCom *obCCom) {
     return runJob(obCCom) ? OP_SUCCESS : failure;
 }
 
-int enableAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
-    walk.takeBack();
+int enableAccessProtection(SubOptionWalk &, CCom *&obCCom) {
     obCCom->m_ObBootLoader->AccessProtect(1);
     return runOr(OP_EFAP1_FAILD, obCCom);
 }
 
 int enableHighAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
-    if (!familyOf(obCCom).has(confirmsHighProtection)) {
-        walk.takeBack();
-    } else if (ShareParameter::ToLower(walk.value()) != "--y") {
+    if (!readConfirmation(walk, deviceOf(obCCom))) {
         printLine(confirmText);
         return OP_EFAP2_FAILD;
     }
@@ -35,37 +33,29 @@ int enableHighAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
     return runOr(OP_EFAP2_FAILD, obCCom);
 }
 
-int disableAccessProtection(SubOptionWalk &walk, CCom *&obCCom) {
-    walk.takeBack();
+int disableAccessProtection(SubOptionWalk &, CCom *&obCCom) {
     obCCom->m_ObBootLoader->ReadoutUnProtect();
     return runOr(OP_DFAP_FAILD, obCCom);
 }
 
 int enableEraseProgramProtection(SubOptionWalk &walk, CCom *&obCCom) {
     QList<int> sectors;
-    if (!appendSectors(walk.value(), obCCom, sectors)) {
-        walk.reportBadParameter();
-        return OP_EEPP_FAILD;
-    }
+    if (!appendSectors(walk.value(), deviceOf(obCCom), sectors))
+        return refuse(walk, OP_EEPP_FAILD);
     obCCom->m_ObBootLoader->EraseProgramProtect(sectors);
     return runOr(OP_EEPP_FAILD, obCCom);
 }
 
-int disableEraseProgramProtection(SubOptionWalk &walk, CCom *&obCCom) {
-    walk.takeBack();
+int disableEraseProgramProtection(SubOptionWalk &, CCom *&obCCom) {
     obCCom->m_ObBootLoader->WriteUnProtect();
     return runOr(OP_DEPP_FAILD, obCCom);
 }
 
-// clang-format off
 const SubOption<CCom *> words[] = {
-    {"--efap", enableAccessProtection},       {"--erp", enableAccessProtection},
-    {"--efap1", enableAccessProtection},      {"--efap2", enableHighAccessProtection},
-    {"--dfap", disableAccessProtection},      {"--drp", disableAccessProtection},
-    {"--eepp", enableEraseProgramProtection}, {"--ewp", enableEraseProgramProtection},
-    {"--depp", disableEraseProgramProtection}, {"--dwp", disableEraseProgramProtection},
+    {SubId::protectAccess, enableAccessProtection},           {SubId::protectAccessHigh, enableHighAccessProtection},
+    {SubId::unprotectAccess, disableAccessProtection},        {SubId::protectSectors, enableEraseProgramProtection},
+    {SubId::unprotectSectors, disableEraseProgramProtection},
 };
-// clang-format on
 
 } // namespace
 
@@ -73,5 +63,6 @@ int Protection(int argc, char **argv, int &arg_index, CCom *obCCom) {
     if (!hasBootLoader(obCCom))
         return OP_CONNECT_FAILD;
     SubOptionWalk walk(argc, argv, arg_index);
-    return runSubOptions(walk, words, obCCom, OP_BAD_PARAM);
+    const int status = runSubOptions(walk, OptionId::protection, words, obCCom);
+    return walk.atBadWord() ? refuse(walk, OP_BAD_PARAM) : status;
 }

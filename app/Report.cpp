@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+#include "app/SubOptions.h"
+
 void printLine(const std::string &text) {
     std::cout << text << std::endl;
 }
@@ -19,4 +21,9 @@ void WriteBadParameterInfor(char **argv, int arg_index) {
         return;
     }
     std::cout << word << "\"" << std::endl;
+}
+
+int refuse(const SubOptionWalk &walk, int status) {
+    WriteBadParameterInfor(walk.argv, walk.argIndex);
+    return status;
 }

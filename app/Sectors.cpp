@@ -1,7 +1,7 @@
 #include "app/Sectors.h"
 
-#include "app/Link.h"
 #include "device/Device.h"
+#include "device/Families.h"
 #include "foundation/ShareParameter.h"
 
 namespace {
@@ -29,8 +29,7 @@ SectorRange parseSectorRange(const std::string &word) {
             g_shareParameter.StringToInt32(word.substr(hyphen + 1, word.size() - 1), 10)};
 }
 
-bool IsSectorsValid(int beginN, int endN, const CCom *obCCom) {
-    const CDevice *device = deviceOf(obCCom);
+bool IsSectorsValid(int beginN, int endN, const CDevice *device) {
     if (beginN < 0 || endN < beginN || device == nullptr)
         return false;
     if (!device->m_haveBank3)
@@ -39,18 +38,18 @@ bool IsSectorsValid(int beginN, int endN, const CCom *obCCom) {
     return familyOf(*device).has(takesAnySpimSector);
 }
 
-bool appendSectors(const std::string &word, const CCom *obCCom, QList<int> &sectors) {
+bool appendSectors(const std::string &word, const CDevice *device, QList<int> &sectors) {
     const SectorRange range = parseSectorRange(word);
     const qint64 count = static_cast<qint64>(range.end) - range.begin + 1;
-    if (!IsSectorsValid(range.begin, range.end, obCCom) || sectors.size() + count > mostSectors)
+    if (!IsSectorsValid(range.begin, range.end, device) || sectors.size() + count > mostSectors)
         return false;
     appendNumbers(range, sectors);
     return true;
 }
 
-QList<int> GetAllSectors(const CCom *obCCom) {
+QList<int> GetAllSectors(const CDevice *device) {
     QList<int> sectors;
-    if (const CDevice *device = deviceOf(obCCom))
+    if (device != nullptr)
         appendNumbers({0, flashSectors(*device) - 1}, sectors);
     return sectors;
 }

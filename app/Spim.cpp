@@ -2,59 +2,26 @@
 
 #include <exception>
 
-#include <QString>
-
 #include "app/FileNames.h"
 #include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
+#include "app/Requests.h"
 #include "app/SubOptions.h"
-#include "app/UserSystemData.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
 #include "link/CCom.h"
 
 namespace {
 
-QString valueOf(const SubOptionWalk &walk) {
-    return QString::fromStdString(walk.value());
-}
-
-int setRemap(SubOptionWalk &walk, CCom *&obCCom) {
-    if (obCCom->GetInterfaceType() == INTERFACE_USART) {
-        g_shareParameter.c_bRemapFlag = valueOf(walk).toInt() != 0;
-        g_shareParameter.c_bNeedRemap = g_shareParameter.c_bRemapFlag;
-    }
-    return 0;
-}
-
-int setType(SubOptionWalk &walk, CCom *&) {
-    g_shareParameter.c_SPIMType = static_cast<BYTE>(valueOf(walk).toShort());
-    return 0;
-}
-
-int setSize(SubOptionWalk &walk, CCom *&) {
-    g_shareParameter.c_SPIMSize = valueOf(walk).toUInt() << 10; // MB to KB
-    return 0;
-}
-
-// Throws std::logic_error at the end of the line, its own or that of the scan.
-int setFlashDA(SubOptionWalk &walk, CCom *&) {
-    g_shareParameter.c_SPIMDA = g_shareParameter.StringToUInt32(wordAt(walk.argc, walk.argv, walk.argIndex), 16);
-    if (g_shareParameter.c_SPIMDA != 0)
-        GetUserSystemDataFile(walk.argc, walk.argv);
-    return 0;
-}
-
-const SubOption<CCom *> words[] = {{"--remap", setRemap}, {"--ft", setType}, {"--fs", setSize}, {"--fda", setFlashDA}};
-
-bool readSettings(SubOptionWalk &walk, CCom *obCCom) {
+bool readSettings(SubOptionWalk &walk, const CCom *obCCom) {
     try {
-        return runSubOptions(walk, words, obCCom, OP_ENSPIM_FAILD) == 0;
+        if (readSpim(walk, obCCom->GetInterfaceType() == INTERFACE_USART))
+            return true;
     } catch (const std::exception &) {
-        walk.reportBadParameter();
-        return false;
+        // The line ended where a value was needed.
     }
+    return refuse(walk, false);
 }
 
 void describeBank3(CDevice &device) {
@@ -66,11 +33,6 @@ void describeBank3(CDevice &device) {
 }
 
 } // namespace
-
-BYTE spimTypeByte(BYTE type) {
-    // MEANT: no type at all is 0x90 too, although the usage text promises 1 as the default.
-    return type == 1 ? 0x91 : 0x90;
-}
 
 bool EnableBank3(int argc, char **argv, int &arg_index, CCom *obCCom) {
     if (!hasBootLoader(obCCom))

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "foundation/LibraryTypes.h"
-
 class CCom;
 
 // "-enspim": makes the external SPI flash behind the chip's SPIM interface usable for the rest of the line.
@@ -9,6 +7,3 @@ bool EnableBank3(int argc, char **argv, int &arg_index, CCom *obCCom);
 
 // Runs the job that enables it with the values of the shared record.
 bool HandleEnSPIM(CCom *obCCom);
-
-// What the chip is told for a type of the command line: 0x91 for 1, 0x90 for every other.
-BYTE spimTypeByte(BYTE type);

@@ -2,9 +2,6 @@
 
 #include <stdexcept>
 
-#include "app/Report.h"
-#include "app/Words.h"
-
 std::string wordAt(int argc, char **argv, int index) {
     if (index >= argc || argv[index] == nullptr)
         throw std::logic_error("no word");
@@ -33,8 +30,4 @@ std::string SubOptionWalk::word() const {
 
 std::string SubOptionWalk::value() const {
     return hasValue() ? argv[argIndex] : std::string();
-}
-
-void SubOptionWalk::reportBadParameter() const {
-    WriteBadParameterInfor(argv, argIndex);
 }

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+#include "app/Words.h"
+
 // The word at the index. The null entry that closes argv raises std::logic_error, as does everything beyond it.
 std::string wordAt(int argc, char **argv, int index);
 
@@ -32,9 +34,6 @@ public:
     // Takes one more word.
     void advance() { ++argIndex; }
 
-    // Reports the word on which the index rests.
-    void reportBadParameter() const;
-
     const int argc;
     char **const argv;
     int &argIndex;
@@ -44,36 +43,27 @@ private:
     bool m_badWord = false;
 };
 
-// One sub-option of a handler: its exact word and what it does, 0 or the exit status of its failure.
+// What a handler does at one of its option's sub-options: 0, or the exit status of its failure.
 template <typename Context>
 struct SubOption {
-    const char *word;
+    SubId id;
     int (*run)(SubOptionWalk &, Context &);
 };
 
-// Runs the sub-options of the table as the walk reaches them, each at once; any other word does nothing and its
-// value stays swallowed. Returns 0 or the first status that is not.
+// Runs the sub-options of an option as the walk reaches them, each at once; a word that the option doesn't know does
+// nothing and its value stays swallowed. Returns 0 or the first status that is not.
 template <typename Context, std::size_t count>
-int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count], Context &context) {
+int runSubOptions(SubOptionWalk &walk, OptionId option, const SubOption<Context> (&table)[count], Context &context) {
     while (walk.next()) {
-        const std::string word = walk.word();
-        for (const SubOption<Context> &row : table) {
-            if (word != row.word)
-                continue;
-            if (const int status = row.run(walk, context))
-                return status;
-            break;
-        }
+        const SubWord *sub = subWord(option, walk.word());
+        if (sub == nullptr)
+            continue;
+        if (sub->takes == Takes::nothing)
+            walk.takeBack();
+        for (const SubOption<Context> &row : table)
+            if (row.id == sub->id)
+                if (const int status = row.run(walk, context))
+                    return status;
     }
     return 0;
-}
-
-// The same, with a word that is neither option nor sub-option reported and answered by its status.
-template <typename Context, std::size_t count>
-int runSubOptions(SubOptionWalk &walk, const SubOption<Context> (&table)[count], Context &context, int badWordStatus) {
-    const int status = runSubOptions(walk, table, context);
-    if (!walk.atBadWord())
-        return status;
-    walk.reportBadParameter();
-    return badWordStatus;
 }

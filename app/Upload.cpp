@@ -4,6 +4,7 @@
 #include "app/Link.h"
 #include "app/Progress.h"
 #include "app/Report.h"
+#include "app/Requests.h"
 #include "app/Sectors.h"
 #include "app/SubOptions.h"
 #include "foundation/PathText.h"
@@ -12,51 +13,22 @@
 #include "link/CCom.h"
 #include "operations/Operation.h"
 
-namespace {
-
-struct Request {
-    CCom *obCCom;
-    QList<int> aSectorIndexs;
-    std::string upFileName;
-};
-
-int addSectors(SubOptionWalk &walk, Request &request) {
-    if (!appendSectors(walk.value(), request.obCCom, request.aSectorIndexs)) {
-        walk.reportBadParameter();
-        return OP_MCU_UPLOAD_FAILD;
-    }
-    return 0;
-}
-
-int setFile(SubOptionWalk &walk, Request &request) {
-    request.upFileName = walk.value();
-    if (!IsValidFileName(request.upFileName)) {
-        walk.reportBadParameter();
-        return OP_MCU_UPLOAD_FAILD;
-    }
-    return 0;
-}
-
-const SubOption<Request> words[] = {{"--sec", addSectors}, {"--fn", setFile}};
-
-} // namespace
-
 bool Upload(int argc, char **argv, int &arg_index, CCom *obCCom) {
     if (!hasBootLoader(obCCom))
         return false;
-    Request request{obCCom, {}, {}};
+    UploadRequest request;
     SubOptionWalk walk(argc, argv, arg_index);
-    if (runSubOptions(walk, words, request, OP_MCU_UPLOAD_FAILD) != 0)
-        return false;
-    if (request.aSectorIndexs.isEmpty())
-        request.aSectorIndexs = GetAllSectors(obCCom);
-    if (!IsValidFileName(request.upFileName)) {
+    if (!readUpload(walk, deviceOf(obCCom), request))
+        return refuse(walk, false);
+    if (request.sectors.isEmpty())
+        request.sectors = GetAllSectors(deviceOf(obCCom));
+    if (!IsValidFileName(request.fileName)) {
         WriteInforAndWaitInput("Upload file name error.");
         return false;
     }
     UploadParam param;
-    param.m_strUploadPathFile = textOf(request.upFileName);
-    param.m_aSectorIndexs = request.aSectorIndexs;
+    param.m_strUploadPathFile = textOf(request.fileName);
+    param.m_aSectorIndexs = request.sectors;
     param.m_bank3Size = static_cast<int>(g_shareParameter.c_SPIMSize);
     obCCom->m_ObBootLoader->UploadFromDevice(param);
     return runJob(obCCom);

@@ -1,10 +1,9 @@
 #include "app/UserSystemData.h"
 
-#include "app/FileNames.h"
 #include "app/Link.h"
 #include "app/Report.h"
+#include "app/Requests.h"
 #include "app/SubOptions.h"
-#include "app/Words.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
 #include "link/CCom.h"
@@ -45,19 +44,12 @@ int carryOut(const Transfer &transfer, const std::string &filename, CCom *obCCom
     return 0;
 }
 
-// The walk rests on the word after "--get" or "--set", which has to be "--fn", with the path after it.
 int transferFile(SubOptionWalk &walk, const Transfer &transfer, CCom *obCCom) {
-    if (!walk.hasValue())
-        return 0;
-    const bool named = walk.value() == "--fn";
-    walk.advance();
-    const std::string filename = walk.value();
-    if (named && transfer.keepsName)
-        g_shareParameter.c_filename = filename;
-    if (!named || !IsValidFileName(filename)) {
-        // MEANT: reported is the word where the path should stand, also when it is "--fn" that is missing.
-        walk.reportBadParameter();
-        return transfer.failure;
+    std::string filename;
+    switch (readTransfer(walk, transfer.keepsName, filename)) {
+    case Named::nothing: return 0;
+    case Named::refused: return refuse(walk, transfer.failure);
+    case Named::file: break;
     }
     return carryOut(transfer, filename, obCCom);
 }
@@ -70,7 +62,7 @@ int set(SubOptionWalk &walk, CCom *&obCCom) {
     return transferFile(walk, toDevice, obCCom);
 }
 
-const SubOption<CCom *> words[] = {{"--get", get}, {"--set", set}};
+const SubOption<CCom *> words[] = {{SubId::get, get}, {SubId::set, set}};
 
 } // namespace
 
@@ -78,38 +70,10 @@ int UserSystemData(int argc, char **argv, int &arg_index, CCom *obCCom) {
     if (!hasBootLoader(obCCom))
         return OP_CONNECT_FAILD;
     SubOptionWalk walk(argc, argv, arg_index);
-    const int status = runSubOptions(walk, words, obCCom);
+    const int status = runSubOptions(walk, OptionId::userSystemData, words, obCCom);
     if (walk.atBadWord()) {
         WriteInforAndWaitInput(argv[arg_index]); // MEANT: the word alone
         return OP_BAD_PARAM;
     }
     return status;
-}
-
-int GetUserSystemDataFile(int argc, char **argv) {
-    // MEANT: the scan is one word ahead of what people write, so the usual "-usd --set --fn path" does not match,
-    // and what does match stores the word "--fn".
-    int i = 0;
-    while (i < argc) {
-        if (wordAt(argc, argv, i) != "-usd") {
-            ++i;
-            continue;
-        }
-        ++i;
-        if (!Is_SubOption(wordAt(argc, argv, i))) {
-            ++i;
-            continue;
-        }
-        ++i;
-        if (wordAt(argc, argv, i) != "--set") {
-            i += 3;
-            continue;
-        }
-        ++i;
-        const std::string word = wordAt(argc, argv, i);
-        if (word == "--fn")
-            g_shareParameter.c_strFilePath = word;
-        return 1;
-    }
-    return 0;
 }

@@ -58,34 +58,35 @@ int download(Line &line) {
     return statusOf(Download(line.argc, line.argv, line.index, line.erased, m_obCCom), OP_DOWNLOAD_FAILD);
 }
 
-// What each option word runs: 0, or the exit status with which the process ends.
+// What each option runs: 0, or the exit status with which the process ends.
 struct Option {
-    const char *word;
+    OptionId id;
     int (*run)(Line &); // null: the usage text, and the end of the walk
 };
 
 const Option options[] = {
-    {"-?", nullptr},
-    {"-dfu", connectBy<DFUConnect>},
-    {"-com", connectBy<USARTConnect>},
-    {"-i2c", connectBy<I2CConnect>},
-    {"-can", connectBy<CANConnect>},
-    {"-spi", connectBy<SPIConnect>},
-    {"-e", erase},
-    {"-p", act<Protection>},
-    {"-d", download},
-    {"-u", act<Upload, OP_MCU_UPLOAD_FAILD>},
-    {"-usd", act<UserSystemData>},
-    {"-o", act<UserSystemData>},
-    {"-r", act<RunAtAddress, OP_RUN_AT_ADDR_FAILD>},
-    {"-enspim", act<EnableBank3, OP_ENSPIM_FAILD>},
-    {"-otp", act<DownLoadOTPData>},
+    {OptionId::usage, nullptr},
+    {OptionId::dfu, connectBy<DFUConnect>},
+    {OptionId::usart, connectBy<USARTConnect>},
+    {OptionId::i2c, connectBy<I2CConnect>},
+    {OptionId::can, connectBy<CANConnect>},
+    {OptionId::spi, connectBy<SPIConnect>},
+    {OptionId::erase, erase},
+    {OptionId::protection, act<Protection>},
+    {OptionId::download, download},
+    {OptionId::upload, act<Upload, OP_MCU_UPLOAD_FAILD>},
+    {OptionId::userSystemData, act<UserSystemData>},
+    {OptionId::run, act<RunAtAddress, OP_RUN_AT_ADDR_FAILD>},
+    {OptionId::spim, act<EnableBank3, OP_ENSPIM_FAILD>},
+    {OptionId::otp, act<DownLoadOTPData>},
 };
 
 const Option *optionOf(const std::string &word) {
-    const auto found = std::find_if(std::begin(options), std::end(options),
-                                    [&word](const Option &option) { return word == option.word; });
-    return found == std::end(options) ? nullptr : found;
+    const OptionWord *known = optionWord(word);
+    if (known == nullptr)
+        return nullptr;
+    return std::find_if(std::begin(options), std::end(options),
+                        [known](const Option &option) { return option.id == known->id; });
 }
 
 int refuseWord(const Line &line, const std::string &word) {
@@ -96,10 +97,6 @@ int refuseWord(const Line &line, const std::string &word) {
 }
 
 } // namespace
-
-bool Is_Option(const std::string &option) {
-    return optionOf(option) != nullptr;
-}
 
 int walkCommandLine(int argc, char **argv) {
     Line line{argc, argv, 0, false};

@@ -2,6 +2,7 @@
 
 #include "device/Device.h"
 #include "device/Families.h"
+#include "files/TouchedSectors.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
 #include "foundation/ShareParameter.h"
@@ -51,7 +52,7 @@ int CFWCRC::ConfirmAddressOffset() {
     m_uiAddressOffset.clear();
     for (int i = 0; i < m_obProgramFile.size(); ++i) {
         uint offset = 0;
-        const int result = images::addressOffset(m_obProgramFile[i], m_Parameters.m_uiStartAddress.value(i), offset);
+        const int result = addressOffset(m_obProgramFile[i], m_Parameters.m_uiStartAddress.value(i), offset);
         if (result != 0)
             return result;
         m_uiAddressOffset.append(offset);

@@ -26,18 +26,6 @@ int open(CProgramFile &file, const std::string &path, CDevice *device) {
     return result;
 }
 
-int addressOffset(CProgramFile &file, uint startAddress, uint &offset) {
-    offset = 0;
-    if (file.m_Type == UNKNOWN)
-        return CResult::UNKNOWN_ERROR;
-    if (file.m_Type != BIN)
-        return 0;
-    uint imageAddress = 0;
-    const int result = file.GetStartAddress(&imageAddress);
-    offset = startAddress - imageAddress;
-    return result;
-}
-
 bool areCutAsErased(const CDevice &device) {
     if (!device.m_CMapping)
         return true;

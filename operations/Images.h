@@ -2,8 +2,6 @@
 
 #include <string>
 
-#include <QtGlobal>
-
 class CDevice;
 class CProgramFile;
 
@@ -12,10 +10,6 @@ namespace images {
 
 // Opens an image, up to ten times a second apart, and refuses one without elements.
 int open(CProgramFile &file, const std::string &path, CDevice *device);
-
-// What to add to the addresses of an image so that it lands where it should: a binary one at the
-// address asked for, the others where they say themselves.
-int addressOffset(CProgramFile &file, uint startAddress, uint &offset);
 
 // Whether the map cuts an image by the sectors that an erase goes by. A device without a map is asked nothing.
 bool areCutAsErased(const CDevice &device);

@@ -8,7 +8,7 @@ class CBootLoader;
 class CDevice;
 struct Family;
 
-// The chip that a job works on, and the sectors of its address space.
+// The chip that a job works on.
 namespace target {
 
 constexpr uint flashBase = ZVCHIP_FLASH_BASE_ADDRESS;
@@ -19,8 +19,5 @@ CDevice *deviceOf(const CBootLoader *control);
 
 // The family of the device in use; that of none without one.
 const Family &familyOf(const CBootLoader *control);
-
-// The sector of an address: -1 below flash, 32768 and up from SPIM's base.
-int sectorOf(uint address, uint flashSectorSize);
 
 } // namespace target

@@ -1,6 +1,7 @@
 #include "operations/WriteSN.h"
 
 #include "device/Device.h"
+#include "files/TouchedSectors.h"
 #include "foundation/LibraryTypes.h"
 #include "foundation/Result.h"
 #include "foundation/ResultMessages.h"
@@ -21,7 +22,7 @@ int CWriteSN::Action() {
         return CResult::UNKNOWN_ERROR;
     const uint address = m_Parameters.m_uiSNAddress;
     const int result = m_obBootLoader->HasBeenEraseProgramProtect(
-        {target::sectorOf(address, device->m_ISectorSize), target::sectorOf(address + 3, device->m_ISectorSize)});
+        {sectorOf(address, device->m_ISectorSize), sectorOf(address + 3, device->m_ISectorSize)});
     if (result != 0)
         return result;
     const uint number = m_Parameters.m_uiSNNumber;

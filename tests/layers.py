@@ -12,7 +12,8 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 # What a folder may include, as prefixes of the spelled path.
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
 # The program that only looks stands beside the console, on what does not act.
-ALLOWED["look"] = ["look/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
+WORDS = ["FileNames", "LinkSettings", "OtpFile", "Requests", "Sectors", "SubOptions", "Words"]
+ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
 ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "device/ImageSuffixes.h", "foundation/LibraryTypes.h"]
 ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h", "foundation/TraceFile.h"]
 

@@ -102,7 +102,7 @@ def jobs(tree):
 
 
 def option_words(tree):
-    words = set(re.findall(r'^ +\{"(-\w+)", ', tree.text("app/Walk.cpp"), re.M))
+    words = set(re.findall(r'^ +\{"(-\w+)", ', tree.text("app/Words.cpp"), re.M)) - {"-"}
     told = words - {"-can", "-spi", "-otp"}  # the usage text leaves these out
     yield from held(tree, "An option word", told, [("app/Usage.cpp", r'"[^"]*{}\b')])
     acting = words - {"-dfu", "-com", "-i2c", "-can", "-spi"}  # the others are the links, which a transcript chooses

@@ -98,8 +98,6 @@ private:
     QList<COperation *> subOperations() const;
     int checkSectors();
     int prepareFlash();
-    QList<int> sectorsByCount(uint startAddress, int count);
-    QList<int> sectorsByElement(CProgramFile &file, uint offset);
     bool announce(const CProgramFile &file);
     int restartFirst403();
 };

@@ -6,6 +6,7 @@
 
 #include "device/Device.h"
 #include "files/CFiles.h"
+#include "files/TouchedSectors.h"
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
 #include "operations/Images.h"
@@ -17,8 +18,6 @@
 // and blocks they touch.
 
 namespace {
-
-constexpr DWORD lastFlashAddress = target::spimBase - 1;
 
 QList<int> withoutRepeats(const QList<int> &sectors) {
     QList<int> unique;
@@ -70,8 +69,7 @@ int CDownload::ConfirmAddressOffset() {
     m_uiAddressOffset.clear();
     for (int i = 0; i < m_lsProgramFile.size(); ++i) {
         uint offset = 0;
-        const int result =
-            images::addressOffset(*m_lsProgramFile.at(i), m_Parameters.m_uiStartAddress.value(i), offset);
+        const int result = addressOffset(*m_lsProgramFile.at(i), m_Parameters.m_uiStartAddress.value(i), offset);
         if (result != 0)
             return result;
         m_uiAddressOffset.append(offset);
@@ -81,7 +79,7 @@ int CDownload::ConfirmAddressOffset() {
 
 int CDownload::FlashGetSectorIndex(uint addr, int) {
     const CDevice *device = target::deviceOf(m_obBootLoader);
-    return target::sectorOf(addr, device ? device->m_ISectorSize : 0);
+    return sectorOf(addr, device ? device->m_ISectorSize : 0);
 }
 
 QList<int> CDownload::GetNecessarySectorIndex() {
@@ -91,38 +89,12 @@ QList<int> CDownload::GetNecessarySectorIndex() {
     QList<int> sectors;
     for (int i = 0; i < m_lsProgramFile.size(); ++i) {
         CProgramFile &file = *m_lsProgramFile.at(i);
-        const uint start = m_Parameters.m_uiStartAddress.value(i);
-        if (file.m_Type == BIN && start < target::spimBase)
-            sectors += sectorsByCount(start, file.GetElementCount());
-        else
-            sectors += sectorsByElement(file, file.m_Type == BIN ? m_uiAddressOffset.value(i) : 0);
+        sectors += touchedSectors(file, m_Parameters.m_uiStartAddress.value(i), m_uiAddressOffset.value(i),
+                                  device->m_ISectorSize);
     }
     if (m_Parameters.m_bWriteSN)
         sectors.append(FlashGetSectorIndex(m_Parameters.m_uiSNAddress, device->m_IFlashSize));
     return withoutRepeats(sectors);
-}
-
-// MEANT: one element counts as one sector from the start address on, wherever the elements lie.
-QList<int> CDownload::sectorsByCount(uint startAddress, int count) {
-    QList<int> sectors;
-    const int first = FlashGetSectorIndex(startAddress, m_obBootLoader->m_ObDevice->m_IFlashSize);
-    for (int i = 0; i < count; ++i)
-        sectors.append(first + i);
-    return sectors;
-}
-
-// The file library cuts elements at sector borders, so the first byte tells the sector.
-QList<int> CDownload::sectorsByElement(CProgramFile &file, uint offset) {
-    QList<int> sectors;
-    file.ResetElement();
-    while (const PIMAGEELEMENT element = file.GetElement()) {
-        const DWORD moved = element->dwAddress + offset;
-        // MEANT: the offset counts only where it leads to SPIM.
-        const DWORD address = moved > lastFlashAddress ? moved : element->dwAddress;
-        sectors.append(FlashGetSectorIndex(static_cast<uint>(address), m_obBootLoader->m_ObDevice->m_IFlashSize));
-    }
-    file.ResetElement();
-    return sectors;
 }
 
 void CDownload::GetNecessaryBlockIndexAndSectorIndex(QList<int> sectorIndex, QList<int> outsectorIndex,

@@ -2,6 +2,7 @@
 
 #include "device/Device.h"
 #include "device/SpimSectors.h"
+#include "files/TouchedSectors.h"
 #include "foundation/Result.h"
 #include "link/BootLoader.h"
 #include "link/ZVBLLIB.h"
@@ -61,7 +62,7 @@ QList<int> CDownloadProject::GetNecessarySectorIndex() {
 
 int CDownloadProject::FlashGetSectorIndex(uint addr, int) {
     const CDevice *device = target::deviceOf(m_obBootLoader);
-    return target::sectorOf(addr, device ? device->m_ISectorSize : 0);
+    return sectorOf(addr, device ? device->m_ISectorSize : 0);
 }
 
 int CDownloadProject::Erase(EraseMode enEraseMode) {

@@ -4,6 +4,7 @@
 
 #include "FakeLink.h"
 #include "app/Connect.h"
+#include "app/LinkSettings.h"
 #include "foundation/ShareParameter.h"
 
 namespace {

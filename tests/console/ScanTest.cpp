@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "FakeLink.h"
+#include "app/Requests.h"
 #include "app/UserSystemData.h"
 #include "foundation/ShareParameter.h"
 

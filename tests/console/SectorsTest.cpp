@@ -44,7 +44,7 @@ TEST(Sectors, OfARange) {
     };
     for (const auto &row : table) {
         QList<int> sectors{9};
-        EXPECT_EQ(appendSectors(row.word, &fake.link, sectors), row.sectors.size() > 1) << row.word;
+        EXPECT_EQ(appendSectors(row.word, deviceOf(&fake.link), sectors), row.sectors.size() > 1) << row.word;
         EXPECT_EQ(sectors, row.sectors) << row.word;
     }
 }
@@ -54,44 +54,44 @@ TEST(Sectors, ListIsBounded) {
     FakeLink fake;
     fake.device.m_haveBank3 = true;
     QList<int> sectors;
-    EXPECT_FALSE(appendSectors("0-1048576", &fake.link, sectors));
-    EXPECT_TRUE(appendSectors("0-1048574", &fake.link, sectors));
-    EXPECT_FALSE(appendSectors("0-1", &fake.link, sectors));
-    EXPECT_TRUE(appendSectors("7-7", &fake.link, sectors));
-    EXPECT_FALSE(appendSectors("7-7", &fake.link, sectors));
+    EXPECT_FALSE(appendSectors("0-1048576", deviceOf(&fake.link), sectors));
+    EXPECT_TRUE(appendSectors("0-1048574", deviceOf(&fake.link), sectors));
+    EXPECT_FALSE(appendSectors("0-1", deviceOf(&fake.link), sectors));
+    EXPECT_TRUE(appendSectors("7-7", deviceOf(&fake.link), sectors));
+    EXPECT_FALSE(appendSectors("7-7", deviceOf(&fake.link), sectors));
     EXPECT_EQ(sectors.size(), 1 << 20);
-    EXPECT_TRUE(IsSectorsValid(0, 2000000000, &fake.link)); // the test of the numbers has no bound
+    EXPECT_TRUE(IsSectorsValid(0, 2000000000, deviceOf(&fake.link))); // the test of the numbers has no bound
 }
 
 TEST(Sectors, WithoutALink) {
     EXPECT_FALSE(IsSectorsValid(0, 0, nullptr));
     EXPECT_TRUE(GetAllSectors(nullptr).isEmpty());
-    EXPECT_EQ(familyOf(nullptr).series, 0);
+    EXPECT_EQ(familyOf(static_cast<const CCom *>(nullptr)).series, 0);
 }
 
 TEST(Sectors, OfTheFlash) {
     FakeLink fake;
-    EXPECT_TRUE(IsSectorsValid(0, 127, &fake.link));
-    EXPECT_FALSE(IsSectorsValid(0, 128, &fake.link));
-    EXPECT_FALSE(IsSectorsValid(128, 128, &fake.link));
-    EXPECT_FALSE(IsSectorsValid(5, 4, &fake.link));
-    EXPECT_FALSE(IsSectorsValid(-1, 4, &fake.link));
-    EXPECT_EQ(GetAllSectors(&fake.link).size(), 128);
-    EXPECT_EQ(GetAllSectors(&fake.link).last(), 127);
+    EXPECT_TRUE(IsSectorsValid(0, 127, deviceOf(&fake.link)));
+    EXPECT_FALSE(IsSectorsValid(0, 128, deviceOf(&fake.link)));
+    EXPECT_FALSE(IsSectorsValid(128, 128, deviceOf(&fake.link)));
+    EXPECT_FALSE(IsSectorsValid(5, 4, deviceOf(&fake.link)));
+    EXPECT_FALSE(IsSectorsValid(-1, 4, deviceOf(&fake.link)));
+    EXPECT_EQ(GetAllSectors(deviceOf(&fake.link)).size(), 128);
+    EXPECT_EQ(GetAllSectors(deviceOf(&fake.link)).last(), 127);
 }
 
 TEST(Sectors, WithoutASectorSize) {
     FakeLink fake;
     fake.device.m_ISectorSize = 0;
-    EXPECT_FALSE(IsSectorsValid(0, 0, &fake.link));
-    EXPECT_TRUE(GetAllSectors(&fake.link).isEmpty());
+    EXPECT_FALSE(IsSectorsValid(0, 0, deviceOf(&fake.link)));
+    EXPECT_TRUE(GetAllSectors(deviceOf(&fake.link)).isEmpty());
 }
 
 TEST(Sectors, WithoutADevice) {
     FakeLink fake;
     fake.link.m_ObBootLoader->m_ObDevice = nullptr;
-    EXPECT_FALSE(IsSectorsValid(0, 0, &fake.link));
-    EXPECT_TRUE(GetAllSectors(&fake.link).isEmpty());
+    EXPECT_FALSE(IsSectorsValid(0, 0, deviceOf(&fake.link)));
+    EXPECT_TRUE(GetAllSectors(deviceOf(&fake.link)).isEmpty());
 }
 
 // With SPIM enabled, four families take any number and the others none.
@@ -102,9 +102,9 @@ TEST(Sectors, OfFamiliesWithSpim) {
         FakeLink fake(series);
         fake.device.m_haveBank3 = true;
         const bool taken = family == 2 || family == 4 || family == 7 || family == 8;
-        EXPECT_EQ(IsSectorsValid(0, 1, &fake.link), taken) << series;
-        EXPECT_EQ(IsSectorsValid(0, 99999, &fake.link), taken) << series;
-        EXPECT_FALSE(IsSectorsValid(1, 0, &fake.link)) << series;
+        EXPECT_EQ(IsSectorsValid(0, 1, deviceOf(&fake.link)), taken) << series;
+        EXPECT_EQ(IsSectorsValid(0, 99999, deviceOf(&fake.link)), taken) << series;
+        EXPECT_FALSE(IsSectorsValid(1, 0, deviceOf(&fake.link))) << series;
     }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "FakeLink.h"
+#include "app/Requests.h"
 #include "app/Spim.h"
 #include "foundation/ShareParameter.h"
 
