@@ -36,6 +36,16 @@ std::vector<Packet> cutIntoPackets(std::uint32_t address, std::size_t length, st
     return packets;
 }
 
+std::vector<std::vector<Packet>> cutIntoRuns(const std::vector<Packet> &packets, std::size_t length) {
+    std::vector<std::vector<Packet>> runs;
+    for (const Packet &packet : packets) {
+        if (runs.empty() || runs.back().size() == length)
+            runs.emplace_back();
+        runs.back().push_back(packet);
+    }
+    return runs;
+}
+
 bool isBlank(const std::uint8_t *data, std::size_t length) {
     return std::all_of(data, data + length, [](std::uint8_t byte) { return byte == blank; });
 }

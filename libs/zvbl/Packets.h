@@ -26,6 +26,9 @@ std::vector<Packet> cutIntoPackets(std::uint32_t address, std::size_t length, st
 std::vector<Packet> packetsOf(std::uint32_t address, const std::uint8_t *data, std::size_t length, std::size_t size,
                               bool withoutBlank);
 
+// The same packets, so many in a row.
+std::vector<std::vector<Packet>> cutIntoRuns(const std::vector<Packet> &packets, std::size_t length);
+
 constexpr std::uint8_t blank = 0xFF; // a cell that is erased
 bool isBlank(const std::uint8_t *data, std::size_t length);
 

@@ -5,10 +5,6 @@ namespace {
 
 Timing g_timing;
 
-bool isWorthAnotherTry(Status status) {
-    return status == Status::noAnswer || status == Status::refused || status == Status::refusedCommand;
-}
-
 } // namespace
 
 void setTiming(const Timing &timing) {
@@ -72,6 +68,10 @@ Status Session::transfer(const Command &command, Bytes &reply) {
     const Status status = m_parts.framing->transfer(command, reply, m_timeout);
     m_trace->endExchange(status == Status::ok);
     return status;
+}
+
+bool Session::isWorthAnotherTry(Status status) {
+    return status == Status::noAnswer || status == Status::refused || status == Status::refusedCommand;
 }
 
 Status Session::exchange(const Command &command, Bytes &reply, Tries tries) {

@@ -93,15 +93,25 @@ private:
 
     // One try for what must not happen twice, three for the rest.
     enum class Tries { once = 1, thrice = 3 };
+    static bool isWorthAnotherTry(Status status);
 
     Status exchange(const Command &command, Bytes &reply, Tries tries);
     Status command(const Command &command, Tries tries);
     Status transfer(const Command &command, Bytes &reply);
     std::size_t packetSize() const { return m_parts.framing->packetSize(m_packetSize); }
     Status writePacket(Block block, bool more);
-    Status compare(const Packet &packet, const std::uint8_t *data);
+    Status compareRun(const std::vector<Packet> &run, const std::uint8_t *data);
     Status compareByReading(const std::uint8_t *data, const std::vector<Packet> &packets);
     Status read(std::uint32_t address, std::uint8_t *data, std::size_t length);
+
+    // Reading packet by packet; `take` is given each packet and its bytes, and says whether it goes on. A run is as
+    // many packets as are read without a pause; `count` is how many of it were asked for.
+    std::vector<std::vector<Packet>> runsOf(const std::vector<Packet> &packets) const;
+    Status readPacket(const Packet &packet, bool more, Tries tries, Bytes &bytes);
+    template <class Take>
+    Status readRun(const std::vector<Packet> &run, Take take, std::size_t &count);
+    template <class Take>
+    Status readAlone(const Packet &packet, Take take);
 
     // Whole sectors against the checksum of the chip. Of an unknown fit nobody can tell by it.
     enum class Fit { equal, differs, unknown };

@@ -8,6 +8,9 @@
 namespace zvbl {
 namespace {
 
+constexpr std::size_t packetsOfRun = 16;
+constexpr char runFailed[] = "the packets of a run are read again, one by one";
+
 // What a write without an answer has left in its cells.
 enum class Cells { holdTheData, canBeWritten, areSpoiled };
 
@@ -65,14 +68,56 @@ Status Session::upload(std::uint32_t address, std::uint8_t *data, std::size_t le
 }
 
 Status Session::read(std::uint32_t address, std::uint8_t *data, std::size_t length) {
-    for (const Packet &packet : cutIntoPackets(address, length, packetSize())) {
-        Bytes bytes;
-        const Status status = exchange(readCommand(packet.address, packet.length), bytes, Tries::thrice);
+    const auto keep = [data](const Packet &packet, const Bytes &bytes) {
+        std::copy(bytes.begin(), bytes.end(), data + packet.offset);
+        return Status::ok;
+    };
+    for (const std::vector<Packet> &run : runsOf(cutIntoPackets(address, length, packetSize()))) {
+        std::size_t count = 0;
+        Status status = readRun(run, keep, count);
+        if (count > 1 && isWorthAnotherTry(status)) {
+            m_trace->remark(runFailed);
+            status = Status::ok;
+            for (std::size_t i = 0; i < run.size() && status == Status::ok; ++i)
+                status = readAlone(run[i], keep);
+        }
         if (status != Status::ok)
             return status;
-        std::copy(bytes.begin(), bytes.end(), data + packet.offset);
     }
     return Status::ok;
+}
+
+std::vector<std::vector<Packet>> Session::runsOf(const std::vector<Packet> &packets) const {
+    return cutIntoRuns(packets, m_parts.framing->readsInRuns() ? packetsOfRun : 1);
+}
+
+Status Session::readPacket(const Packet &packet, bool more, Tries tries, Bytes &bytes) {
+    Command read = readCommand(packet.address, packet.length);
+    read.more = more;
+    return exchange(read, bytes, tries);
+}
+
+// A byte too many in one packet may show at the end of the last only, so nothing of a run is believed before.
+// What is in front of the first packet is known to be well, so it has all its tries.
+template <class Take>
+Status Session::readRun(const std::vector<Packet> &run, Take take, std::size_t &count) {
+    Status status = Status::ok;
+    for (count = 0; count < run.size() && status == Status::ok;) {
+        const Packet &packet = run[count];
+        const Tries tries = count == 0 ? Tries::thrice : Tries::once;
+        Bytes bytes;
+        status = readPacket(packet, ++count < run.size(), tries, bytes);
+        if (status == Status::ok)
+            status = take(packet, bytes);
+    }
+    return status;
+}
+
+template <class Take>
+Status Session::readAlone(const Packet &packet, Take take) {
+    Bytes bytes;
+    const Status status = readPacket(packet, false, Tries::thrice, bytes);
+    return status == Status::ok ? take(packet, bytes) : status;
 }
 
 Status Session::download(std::uint32_t address, const std::uint8_t *data, std::size_t length, bool optimise) {
@@ -128,10 +173,8 @@ Status Session::verify(std::uint32_t address, const std::uint8_t *data, std::siz
 }
 
 Status Session::compareByReading(const std::uint8_t *data, const std::vector<Packet> &packets) {
-    for (const Packet &packet : packets) {
-        Status status = compare(packet, data + packet.offset);
-        if (status == Status::differs)
-            status = compare(packet, data + packet.offset); // a reply has no checksum: it may have been the line
+    for (const std::vector<Packet> &run : runsOf(packets)) {
+        const Status status = compareRun(run, data);
         // 0x13 says that the data differ, so a refusal must not say it here.
         if (status != Status::ok)
             return status == Status::refusedCommand ? Status::refused : status;
@@ -139,12 +182,26 @@ Status Session::compareByReading(const std::uint8_t *data, const std::vector<Pac
     return Status::ok;
 }
 
-Status Session::compare(const Packet &packet, const std::uint8_t *data) {
-    Bytes bytes;
-    const Status status = exchange(readCommand(packet.address, packet.length), bytes, Tries::thrice);
-    if (status != Status::ok)
+// A packet that differs is read once more: a reply has no checksum, and it may have been the line.
+Status Session::compareRun(const std::vector<Packet> &run, const std::uint8_t *data) {
+    const auto compare = [data](const Packet &packet, const Bytes &bytes) {
+        return std::equal(bytes.begin(), bytes.end(), data + packet.offset) ? Status::ok : Status::differs;
+    };
+    std::size_t count = 0;
+    Status status = readRun(run, compare, count);
+    const bool differed = status == Status::differs;
+    if (differed)
+        status = readAlone(run[count - 1], compare);
+    if (run.size() == 1 || (differed ? status != Status::ok : count == 1 || !isWorthAnotherTry(status)))
         return status;
-    return std::equal(bytes.begin(), bytes.end(), data) ? Status::ok : Status::differs;
+    m_trace->remark(runFailed);
+    status = Status::ok;
+    for (std::size_t i = 0; i < run.size() && status == Status::ok; ++i) {
+        status = readAlone(run[i], compare);
+        if (status == Status::differs)
+            status = readAlone(run[i], compare);
+    }
+    return status;
 }
 
 } // namespace zvbl

@@ -15,7 +15,9 @@ struct Timing {
     Duration frameLimit = std::chrono::milliseconds(wire::frameLimitMs); // the chip drops a command after it
     Duration quiet = std::chrono::milliseconds(20);                      // nothing late is to come after it
     Duration opening = std::chrono::milliseconds(100);                   // CAN: from one opening frame to the next
-    Duration longestPoll = std::chrono::minutes(10);                     // DFU: whatever a device asks for
+    Duration prompt = std::chrono::milliseconds(5);      // USART: the first opening byte is answered at once,
+    Duration promptQuiet = std::chrono::milliseconds(3); // and then this is quiet enough
+    Duration longestPoll = std::chrono::minutes(10);     // DFU: whatever a device asks for
 };
 
 // What links that are opened from now on use. For tests.

@@ -162,6 +162,24 @@ TEST_F(RecoveryTest, AStartOfAChipInItsCommandStateTakesNoTimeout) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, Milliseconds(1000));
 }
 
+TEST_F(RecoveryTest, APromptAnswerToTheOpeningByteIsBelievedSooner) {
+    const auto startTime = [&](const Turn &turn) {
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(play({turn}, [&] { return ZVBL_Init_BL(link, 0, 0, 0); }), 0);
+        return std::chrono::steady_clock::now() - begin;
+    };
+    const auto quiet = Milliseconds(300);
+    zvbl::Timing timing;
+    timing.quiet = quiet;
+    timing.prompt = Milliseconds(50);
+    zvbl::setTiming(timing);
+    ASSERT_EQ(Interface_Open(link), 0);
+    EXPECT_LT(startTime({"7F", "79"}), quiet);
+    EXPECT_LT(startTime({"7F", "1F"}), quiet);
+    EXPECT_GE(startTime({"7F", "79", 60}), quiet) << "it may have been held up on its way, and more with it";
+    EXPECT_GE(startTime({"7F", "00 79"}), quiet) << "there is more under way than the answer";
+}
+
 // What is sent once only, whatever becomes of its answer.
 
 BYTE g_two[2] = {3, 0};

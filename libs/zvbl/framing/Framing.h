@@ -30,6 +30,9 @@ public:
     // The longest READ and WRITE; `wished` is what the user of the link asks for.
     virtual std::size_t packetSize(std::size_t wished) const { return wished; }
 
+    // Whether READs that follow each other are told so, and then what is wrong with one can show at a later one.
+    virtual bool readsInRuns() const { return false; }
+
     // Whether the link itself makes sure that what is read is what was sent.
     virtual bool guardsReplies() const { return false; }
 

@@ -13,6 +13,7 @@ public:
 
     Status start(const StartSettings &settings, Duration timeout) override;
     Status setSpeed(unsigned long speed, Duration timeout) override;
+    bool readsInRuns() const override { return true; }
     Status transfer(const Command &command, Bytes &reply, Duration timeout) override;
 
 private:
@@ -28,9 +29,10 @@ private:
     bool isHeldUp();
 
     Status getInStep();
-    Status probe(Duration wait, Bytes &heard);
+    Status probe(Duration wait, Duration quietIfPrompt, Bytes &heard);
+    bool isPrompt() const;
     Status awaitFrameLimit(TimePoint bound);
-    Status listenUntilQuiet();
+    Status listenUntilQuiet(Duration quiet);
 
     Status send(const Bytes &bytes);
     Status take(std::size_t count, Bytes &bytes);
@@ -48,6 +50,7 @@ private:
 
     Duration m_timeout{};
     Step m_step = Step::kept;
+    bool m_inRun = false;   // the command before was a READ, and went well, and the next packet belongs to it
     Bytes m_heard;          // received, and not taken yet
     TimePoint m_lastSent{}; // when the last byte sent has left the line, by its rate
     TimePoint m_lastHeard{};

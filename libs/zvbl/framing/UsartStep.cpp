@@ -32,11 +32,13 @@ Status UsartFraming::start(const StartSettings &, Duration timeout) {
     bool heardWrong = false;
     bool wait = m_step == Step::lost;
     m_step = Step::lost;
+    m_inRun = false;
     for (TimePoint now = Clock::now(); now < deadline; now = Clock::now()) {
         Bytes heard;
         Status status = wait ? awaitFrameLimit(deadline) : Status::ok;
         if (status == Status::ok)
-            status = probe(std::min<Duration>(deadline - now, withMargin(m_timing.frameLimit)), heard);
+            status = probe(std::min<Duration>(deadline - now, withMargin(m_timing.frameLimit)),
+                           wait ? m_timing.quiet : m_timing.promptQuiet, heard);
         if (status == Status::gone)
             return status;
         if (status == Status::ok && isAnswer(heard.back())) {
@@ -55,7 +57,7 @@ Status UsartFraming::getInStep() {
         // After a NACK the chip waits for an opcode, unless bytes of a damaged group are still under way.
         Status status = discardReceived();
         if (status == Status::ok)
-            status = probe(std::min(m_timeout, m_timing.frameLimit), heard);
+            status = probe(std::min(m_timeout, m_timing.frameLimit), m_timing.quiet, heard);
         if (status == Status::ok && heard == Bytes{wire::nack}) {
             m_step = Step::kept;
             return status;
@@ -69,7 +71,7 @@ Status UsartFraming::getInStep() {
     for (int round = 0; round < rounds; ++round) {
         Status status = awaitFrameLimit(bound);
         if (status == Status::ok)
-            status = probe(m_timeout, heard);
+            status = probe(m_timeout, m_timing.quiet, heard);
         if (status != Status::ok)
             return status == Status::noAnswer ? Status::outOfStep : status;
         // An ACK may come from a chip that was reset, or be a late one: only a NACK after all else tells.
@@ -81,28 +83,35 @@ Status UsartFraming::getInStep() {
     return Status::outOfStep;
 }
 
-// Sends the opening byte and hears what comes until the line is quiet: one byte at least.
-Status UsartFraming::probe(Duration wait, Bytes &heard) {
+// Sends the opening byte and hears what comes until the line is quiet: one byte at least. Nothing that is held up on
+// its way comes after an answer that came at once, so then another quiet may do.
+Status UsartFraming::probe(Duration wait, Duration quietIfPrompt, Bytes &heard) {
     if (const Status status = send({wire::sync}); status != Status::ok)
         return status;
     Status status = hear(m_lastSent + wait);
     if (status == Status::ok)
-        status = listenUntilQuiet();
+        status = listenUntilQuiet(isPrompt() ? std::min(quietIfPrompt, m_timing.quiet) : m_timing.quiet);
     m_trace.received(m_heard.data(), m_heard.size());
     heard.swap(m_heard);
     m_heard.clear();
     return status;
 }
 
-Status UsartFraming::listenUntilQuiet() {
-    const Duration quiet = std::max(m_timing.quiet, slowCharacters * m_port.characterTime());
+bool UsartFraming::isPrompt() const {
+    return m_heard.size() == 1 && isAnswer(m_heard.front()) &&
+           m_lastHeard - m_lastSent <= m_timing.prompt + m_port.characterTime();
+}
+
+// Any byte more makes it the long quiet again.
+Status UsartFraming::listenUntilQuiet(Duration quiet) {
     const TimePoint bound = Clock::now() + m_timeout + longestBabble * m_port.characterTime();
     Status status = Status::ok;
     while (status == Status::ok) {
         discardAllBut(longestBabble);
         if (Clock::now() >= bound)
             return neverSilent();
-        status = hear(Clock::now() + quiet);
+        status = hear(Clock::now() + std::max(quiet, slowCharacters * m_port.characterTime()));
+        quiet = m_timing.quiet;
     }
     return status == Status::noAnswer ? Status::ok : status;
 }
