@@ -9,9 +9,9 @@
 #include "libs/files/Filter.h"
 #include "libs/files/Handles.h"
 #include "libs/files/Image.h"
+#include "libs/files/ImageReader.h"
 #include "libs/files/InputFile.h"
 #include "libs/files/MapFile.h"
-#include "libs/files/RunCollector.h"
 #include "libs/files/Status.h"
 #include "libs/files/format/Formats.h"
 
@@ -48,24 +48,18 @@ unsigned int answerFor(HANDLE handle, Work work) noexcept {
 }
 
 Status readImage(const char *path, bool program, HANDLE *handle) {
-    const files::Format *format = files::formatOf(path);
-    if (!format)
+    if (!files::formatOf(path))
         return Status::badSuffix;
     files::InputFile file;
     const Status opened = file.open(path);
     if (opened != Status::ok)
         return opened;
-    files::RunCollector runs;
-    // User system data know no flash address: a flat file of them starts at 0.
-    const Status read = format->read(file, program ? files::flashBase : 0, runs);
-    if (read != Status::ok)
-        return read;
     auto image = std::make_shared<Image>();
-    image->flat = format->flat;
-    const Status finished = runs.finish(image->elements);
-    if (finished == Status::ok)
+    // User system data know no flash address: a flat file of them starts at 0.
+    const Status read = files::readImage(path, file, program ? files::flashBase : 0, *image);
+    if (read == Status::ok)
         *handle = files::handles::give(std::move(image));
-    return finished;
+    return read;
 }
 
 Status writeImage(const char *path, const Image &image) {

@@ -1,5 +1,6 @@
 #include "libs/files/InputFile.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -23,8 +24,20 @@ Status InputFile::open(const char *path) {
     return Status::ok;
 }
 
+void InputFile::open(const void *bytes, std::size_t length) {
+    m_bytes = static_cast<const char *>(bytes);
+    m_left = m_size = length;
+}
+
 Status InputFile::read(void *target, std::size_t wanted, std::size_t &got) {
     got = 0;
+    if (m_fd < 0) {
+        got = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, m_left));
+        std::copy_n(m_bytes, got, static_cast<char *>(target));
+        m_bytes += got;
+        m_left -= got;
+        return Status::ok;
+    }
     while (got < wanted) {
         const ssize_t n = ::read(m_fd, static_cast<char *>(target) + got, wanted - got);
         if (n == 0)

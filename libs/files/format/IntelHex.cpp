@@ -28,6 +28,7 @@ public:
     Reader(InputFile &file, RunCollector &runs) : m_window(file), m_runs(runs) {}
 
     Status read();
+    std::uint64_t offset() const { return m_window.offset(); }
 
 private:
     Status readRecord();
@@ -122,7 +123,10 @@ Status writeRecord(AtomicFile &file, unsigned type, unsigned offset, const BYTE 
 Status readIntelHex(InputFile &file, std::uint32_t, RunCollector &runs) {
     // Each byte takes more than two characters.
     runs.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.size() / 2, maxImageSize)));
-    return Reader(file, runs).read();
+    Reader reader(file, runs);
+    const Status status = reader.read();
+    file.stopAt(reader.offset());
+    return status;
 }
 
 Status writeIntelHex(const std::vector<const Element *> &elements, const std::string &, AtomicFile &file) {

@@ -27,6 +27,7 @@ Status RecordWindow::refill() {
     std::memmove(m_buffer.data(), m_at, rest);
     std::size_t got = 0;
     const Status read = m_file.read(m_buffer.data() + rest, m_buffer.size() - rest, got);
+    m_read += got;
     m_atFileEnd = rest + got < m_buffer.size();
     m_at = m_buffer.data();
     m_end = m_at + rest + got;

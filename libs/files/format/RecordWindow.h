@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "libs/files/InputFile.h"
@@ -36,6 +37,9 @@ public:
     const unsigned char *begin() const { return m_at; }
     std::size_t available() const { return static_cast<std::size_t>(m_end - m_at); }
 
+    // Of begin(), in the file.
+    std::uint64_t offset() const { return m_read - available(); }
+
     // Passes over a record of that many characters; false when it runs on after them.
     bool pass(std::size_t characters) {
         m_at += characters;
@@ -60,6 +64,7 @@ private:
     std::vector<unsigned char> m_buffer;
     const unsigned char *m_at;
     const unsigned char *m_end;
+    std::uint64_t m_read = 0; // bytes of the file
     bool m_started = false;
     bool m_atFileEnd = false;
 };
