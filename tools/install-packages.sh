@@ -6,21 +6,22 @@
 set -eu
 
 # To compile the console, the programs beside it, the two libraries and the simulated chip.
-compile="cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-config libcli11-dev nlohmann-json3-dev nettle-dev"
+compile="cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-config libcli11-dev nlohmann-json3-dev nettle-dev
+    python3"
 
 # To try them: the firmware image is what try.sh programs, srecord moves it to the chip's flash.
 build="$compile ca-certificates srecord firmware-microbit-micropython"
 
 # To test them: the test framework, the transcript runner, a second compiler, device nodes without
 # devices, independent witnesses.
-test="libgtest-dev python3 python3-cram clang clang-format clang-tidy libclang-rt-14-dev binutils git patch strace procps umockdev libumockdev-dev
-    can-utils dfu-util i2c-tools"
+test="libgtest-dev python3-cram clang clang-format clang-tidy libclang-rt-14-dev binutils git patch strace procps umockdev libumockdev-dev
+    can-utils dfu-util i2c-tools mandoc bash-completion zsh fish"
 
 # To test them on a stock kernel in a virtual machine. The kernel itself is only unpacked.
 kernel="qemu-system-x86 seabios busybox-static cpio xz-utils iproute2"
 
 # To make Debian packages of them; debian/control names what the building of these takes.
-package="$compile debhelper dpkg-dev fakeroot libumockdev-dev lintian python3"
+package="$compile debhelper dpkg-dev fakeroot libumockdev-dev lintian"
 
 # To try the packages in a bare root.
 bare="debootstrap"
