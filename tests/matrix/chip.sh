@@ -63,6 +63,7 @@ group() {
     echo $first $((first + size < count ? first + size - 1 : count - 1))
 }
 
+port_words+=(--br 1000000)
 chip_on "$chip" || exit 1
 head -c $((flash * 1024)) /dev/urandom >full.bin
 
