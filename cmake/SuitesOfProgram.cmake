@@ -18,7 +18,7 @@ function(zv32_suites_of program prefix without properties)
     add_test(${prefix}NOT_BUILT ${program})
     return()
   endif()
-  set(list ${CMAKE_CURRENT_LIST_FILE}.suites)
+  set(list ${CMAKE_CURRENT_LIST_FILE}.suites) # beside the file that calls this
   zv32_list_suites(${program} ${list} "*-${without}")
   file(STRINGS ${list} lines REGEX "^[^ ]+[.]( *#.*)?$")
   foreach(line ${lines})
