@@ -1,6 +1,6 @@
 #!/bin/bash
 # Configures and builds one preset, for try.sh and test.sh: whatever an earlier build left in build/PRESET, and
-# whoever made it. What cmake and the compiler said is shown only when it failed.
+# whoever made it. How far it has come is told in tenths; what cmake and the compiler said is shown only when it failed.
 #
 # usage: tools/build.sh PRESET [CMAKE-ARG...] [--target TARGET...]
 set -eu
@@ -29,8 +29,21 @@ configure() {
     }
 }
 
+# Keeps what ninja says, and tells of each tenth of its steps: "[12/120] Building ...".
+keep_and_tell() {
+    local line told=0
+    while IFS= read -r line; do
+        printf '%s\n' "$line"
+        if [[ $line =~ ^\[([0-9]+)/([0-9]+)\] ]] && ((10 * BASH_REMATCH[1] / BASH_REMATCH[2] > told)); then
+            told=$((10 * BASH_REMATCH[1] / BASH_REMATCH[2]))
+            printf '   %3d %% of %d steps\n' $((10 * told)) "${BASH_REMATCH[2]}" >&2
+        fi
+    done
+}
+
 log=build/$preset.log
-{ configure && cmake --build --preset "$preset" -j "$(nproc)" "$@"; } >"$log" 2>&1 || {
+set -o pipefail
+{ configure && cmake --build --preset "$preset" -j "$(nproc)" "$@"; } 2>&1 | keep_and_tell >"$log" || {
     tail -n 60 "$log"
     exit 1
 }
