@@ -1,10 +1,12 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests.
 #
-# usage: ./test.sh [--all|--kernel|--fuzz SECONDS]
+# usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS]
 #   --all     also builds with clang++, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
 #             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
+#   --packages  makes the Debian packages, here and in a bare root, and installs, upgrades and removes them in another;
+#               takes root, and runs no other tests
 #   --fuzz    builds the fuzzers of tests/fuzz and runs them for so many seconds all together, and nothing else
 set -eu
 cd "$(dirname "$0")"
@@ -16,8 +18,13 @@ case "${1:-}" in
     "") ;;
     --all) all=yes ;;
     --kernel) kernel=yes ;;
+    --packages)
+        tools/install-packages.sh bare
+        tests/packaging/made.sh . build/bare
+        exec tests/packaging/installed.sh . build/bare
+        ;;
     --fuzz) fuzz=${2:-} ;;
-    *) echo "usage: $0 [--all|--kernel|--fuzz SECONDS]" >&2; exit 2 ;;
+    *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS]" >&2; exit 2 ;;
 esac
 if [ "${1:-}" = --fuzz ] && ! [[ $fuzz =~ ^[1-9][0-9]*$ ]]; then
     echo "usage: $0 --fuzz SECONDS" >&2
