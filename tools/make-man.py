@@ -8,8 +8,8 @@ PAGE.md begins with "# NAME(SECTION): what it is". Each "##" is a section. A lin
     <!-- from: docs/map-file.md#section-product -->
 
 stands for the text below that heading of another page, without the heading: what a manual page and a page both tell is
-written once. "<!-- from: docs/map-file.md -->" is the whole page, whose headings become sections. Comments and console
-blocks are left out. What the date and the version are stands in debian/changelog.
+written once. "<!-- from: docs/map-file.md -->" is the whole page, whose headings come below the one in front. Comments and
+console blocks are left out. What the date and the version are stands in debian/changelog.
 """
 import pathlib
 import re
@@ -62,7 +62,11 @@ def whole(root, lines):
             yield line
             continue
         taken = (root / source[1]).read_text().splitlines()
-        yield from part_of(source[1], taken, source[2]) if source[2] else [one for one in taken if not one.startswith("# ")]
+        if source[2]:
+            yield from part_of(source[1], taken, source[2])
+        else:
+            yield from ("#" + line if HEADING.fullmatch(line) and not code else line
+                        for line, code in outside_blocks(taken) if not line.startswith("# ") or code)
 
 
 def quoted(text):
@@ -73,7 +77,7 @@ def quoted(text):
 
 def inline(text):
     """A paragraph with its emphasis. A link keeps what it is called."""
-    text = re.sub(r"\[([^\]]*)\]\([^)]*\)", r"\1", text)
+    text = re.sub(r"\\([*|])", r"\1", re.sub(r"\[([^\]]*)\]\([^)]*\)", r"\1", text))
     pieces = re.split(r"(``? ?.+? ?``?|\*\*.+?\*\*)", text)
     out = ""
     for piece in pieces:
@@ -83,7 +87,7 @@ def inline(text):
             out += "\\fB" + quoted(piece.strip("*").replace("`", "")) + "\\fR"
         else:
             out += quoted(piece)
-    return out.replace("\\|", "|")
+    return out
 
 
 def filled(text):
@@ -142,7 +146,7 @@ class Page:
         elif heading:
             self.at += 1
             word = "SH" if len(heading[1]) == 2 else "SS"
-            title = re.sub(r"\[([^\]]*)\]\([^)]*\)|`", r"\1", heading[2])
+            title = re.sub(r"\[([^\]]*)\]\([^)]*\)|[`\\]", r"\1", heading[2])
             self.out.append(f'.{word} "{quoted(title.upper() if word == "SH" else title)}"')
         elif fence:
             self.at += 1
