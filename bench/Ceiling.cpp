@@ -52,7 +52,7 @@ Ceiling canCeiling(double bitsPerSecond) {
 // A frame of 1 ms has room for 19 packets of 64 bytes of a control transfer; its setup and status take half
 // a packet. A block to write is followed by two GETSTATUS, which have one short packet each.
 Ceiling dfuCeiling() {
-    constexpr double block = 4096; // wTransferSize
+    constexpr double block = 2048; // wTransferSize, a sector
     constexpr double packetsOfBlock = block / 64;
     constexpr double packetsPerSecond = 19 * 1000;
     constexpr double upload = packetsOfBlock + 0.5;

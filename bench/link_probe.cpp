@@ -63,9 +63,15 @@ HANDLE connect(const Wishes &wishes) {
     return link;
 }
 
-// Sector by sector, as an image is verified.
+// Sector by sector, as the console does it.
+constexpr unsigned sector = 2048;
+
+void download(HANDLE link, std::vector<unsigned char> &data) {
+    for (unsigned done = 0; done < data.size(); done += sector)
+        demand(ZVBL_DNLOAD(link, flash + done, data.data() + done, sector, 0), "ZVBL_DNLOAD");
+}
+
 void verify(HANDLE link, std::vector<unsigned char> &data, const char *by) {
-    constexpr unsigned sector = 2048;
     setenv("ZVBL_VERIFY_BY", by, 1);
     for (unsigned done = 0; done < data.size(); done += sector)
         demand(ZVBL_VERIFY(link, flash + done, data.data() + done, sector, 0), "ZVBL_VERIFY");
@@ -87,16 +93,15 @@ int measure(const Wishes &wishes) {
     const HANDLE link = connect(wishes);
     demand(ZVBL_ERASE(link, 0xFFFE, nullptr, 0), "ZVBL_ERASE");
     const auto length = static_cast<unsigned>(data.size());
-    const double download =
-        bytesPerSecond(data.size(), [&] { demand(ZVBL_DNLOAD(link, flash, data.data(), length, 0), "ZVBL_DNLOAD"); });
+    const double down = bytesPerSecond(data.size(), [&] { download(link, data); });
     const double byCrc = bytesPerSecond(data.size(), [&] { verify(link, data, "crc"); });
     const double byReading = bytesPerSecond(data.size(), [&] { verify(link, data, "read"); });
     unsetenv("ZVBL_VERIFY_BY");
     std::vector<unsigned char> back(data.size());
-    const double upload =
+    const double up =
         bytesPerSecond(data.size(), [&] { demand(ZVBL_UPLOAD(link, flash, back.data(), length), "ZVBL_UPLOAD"); });
     demand(Interface_Close(link), "Interface_Close");
-    std::printf("%.1f %.1f %.4f %.4f\n", download, upload, 1 + download / byCrc, 1 + download / byReading);
+    std::printf("%.1f %.1f %.4f %.4f\n", down, up, 1 + down / byCrc, 1 + down / byReading);
     return back == data ? 0 : 1;
 }
 

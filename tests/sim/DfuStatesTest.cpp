@@ -172,9 +172,9 @@ TEST(DfuTime, statusTooEarlyIsBusyAndTold) {
 
 TEST(DfuTime, pollTimesOfWritingAndOfErasingEverything) {
     UsbRig rig("ZV32F403A_1024K", {}, {20 * millisecond, 2500 * sim::microsecond});
-    rig.send("21 01 02 00 00 00 00 10", Bytes(4096, 0xA5));
-    EXPECT_EQ(UsbRig::show(rig.send(getStatus)), "00 28 00 00 04 00"); // 16 times 2.5 ms
-    rig.now += 40 * millisecond;
+    rig.send("21 01 02 00 00 00 00 08", Bytes(2048, 0xA5));
+    EXPECT_EQ(UsbRig::show(rig.send(getStatus)), "00 14 00 00 04 00"); // 8 times 2.5 ms
+    rig.now += 20 * millisecond;
     rig.send(getStatus);
     rig.send("21 01 00 00 00 00 01 00", {0x41});
     EXPECT_EQ(UsbRig::show(rig.send(getStatus)), "00 00 28 00 04 00"); // 512 times 20 ms

@@ -42,11 +42,25 @@ const Vector vectors[] = {
         H: 80 06 00 01 00 00 12 00
         C: 12 01 00 02 00 00 00 40 09 12 01 00 10 02 00 01 02 01
         H: 80 06 00 02 00 00 FF 00
-        C: 09 02 1B 00 01 01 00 80 32 09 04 00 00 00 FE 01 02 03 09 21 03 00 00 00 10 1A 01
+        C: 09 02 1B 00 01 01 00 80 32 09 04 00 00 00 FE 01 02 03 09 21 03 00 00 00 08 1A 01
         # @Internal Flash  /0x08000000/512*002Kg
         H: 80 06 03 03 09 04 FF 00
         C: 4E 03 40 00 49 00 6E 00 74 00 65 00 72 00 6E 00 61 00 6C 00 20 00 46 00 6C 00 61 00 73 00 68 00 20 00 20 00 2F 00 30 00 78 00 30 00 38 00 30 00 30 00 30 00 30 00 30 00 30 00 2F 00 35 00 31 00 32 00 2A 00 30 00 30 00 32 00 4B 00 67 00
     )"},
+    {"a_block_is_a_sector_of_1024_bytes", "ZV32F421_64K", R"(
+        H: 80 06 00 02 00 00 FF 00
+        C: 09 02 1B 00 01 01 00 80 32 09 04 00 00 00 FE 01 02 03 09 21 03 00 00 00 04 1A 01
+        H: 21 01 03 00 00 00 00 04 | 5A*1024)" DONE ABORT R"(
+        H: A1 02 02 00 00 00 02 00
+        C: FF FF)" ABORT R"(
+        H: A1 02 02 00 00 00 01 04
+        C: stall)"},
+    {"a_block_is_a_sector_of_4096_bytes", "ZV32F435_4032K", R"(
+        H: 80 06 00 02 00 00 FF 00
+        C: 09 02 1B 00 01 01 00 80 32 09 04 00 00 00 FE 01 02 03 09 21 03 00 00 00 10 1A 01
+        H: 21 01 03 00 00 00 00 10 | 5A*4096)" DONE ABORT R"(
+        H: A1 02 02 00 00 00 02 00
+        C: FF FF)" ABORT},
     {"erase_a_sector_write_and_read_back", "ZV32F403A_1024K",
      R"(
         H: 21 01 00 00 00 00 05 00 | 41 00 08 00 08)" DONE POINTER("00 08 00 08") WORD("11 22 33 44")
@@ -58,15 +72,15 @@ const Vector vectors[] = {
         wait 20
         here 2)" CONFIGURE READS("04", "01 02 03 04")},
     {"blocks_follow_each_other", "ZV32F403A_1024K", R"(
-        H: 21 01 02 00 00 00 00 10 | 5A*4096)" DONE R"(
+        H: 21 01 02 00 00 00 00 08 | 5A*2048)" DONE R"(
         H: 21 01 03 00 00 00 04 00 | 01 02 03 04)" DONE ABORT R"(
         H: A1 02 03 00 00 00 05 00
         C: 01 02 03 04 FF
-        H: A1 02 02 00 00 00 00 10
-        C: 5A*4096)" ABORT},
+        H: A1 02 02 00 00 00 00 08
+        C: 5A*2048)" ABORT},
     {"erase_everything", "ZV32F403A_1024K", WORD("01 02 03 04") DONE ERASE_ALL ABORT READS("04", "FF FF FF FF")},
     {"the_list_of_block_0", "ZV32F403A_1024K", R"(
-        H: A1 02 00 00 00 00 00 10
+        H: A1 02 00 00 00 00 00 08
         C: 00 21 41 92 01 02 44 63 73 82 5A AC B3 B7 D1 D2 D3 D4 E1 E2
         # A short block: dfuIDLE.
         H: A1 05 00 00 00 00 01 00
@@ -79,27 +93,27 @@ const Vector vectors[] = {
         C: 09)" ABORT},
     {"identifier", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 01 00 | 02)" DONE ABORT R"(
-        H: A1 02 01 00 00 00 00 10
+        H: A1 02 01 00 00 00 00 08
         C: 04 03 47 70 05 07)"},
     {"a_reply_is_fetched_once", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 01 00 | 01)" DONE ABORT R"(
-        H: A1 02 01 00 00 00 00 10
+        H: A1 02 01 00 00 00 00 08
         C: 21 34 12
-        H: A1 02 01 00 00 00 00 10
+        H: A1 02 01 00 00 00 00 08
         C: stall
         H: A1 03 00 00 00 00 06 00
         C: 0F 00 00 00 0A 00)" CLRSTATUS},
     {"a_reply_is_fetched_from_dfuIDLE", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 01 00 | 02)" DONE R"(
-        H: A1 02 01 00 00 00 00 10
+        H: A1 02 01 00 00 00 00 08
         C: stall)"},
     {"the_next_command_takes_the_reply_away", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 01 00 | 02)" DONE POINTER("00 00 00 08") ABORT R"(
-        H: A1 02 01 00 00 00 00 10
+        H: A1 02 01 00 00 00 00 08
         C: stall)"},
     {"checksum_of_sectors_all_groups_in_one_message", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 09 00 | AC 08 00 00 00 08 00 01 01)" DONE ABORT R"(
-        H: A1 02 01 00 00 00 00 10
+        H: A1 02 01 00 00 00 00 08
         C: 3F 55 D1 7F C4)"},
     {"a_command_that_is_too_short", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 06 00 | AC 08 00 00 00 08)" REFUSED("01") CLRSTATUS},
@@ -145,7 +159,7 @@ const Vector vectors[] = {
         C: stall
         H: A1 03 00 00 00 00 06 00
         C: 08 00 00 00 0A 00)" CLRSTATUS READS("02", "FF FF") ABORT},
-    {"no_block_lies_beyond_the_last_address", "ZV32F403A_1024K", POINTER("00 F0 FF FF") ABORT R"(
+    {"no_block_lies_beyond_the_last_address", "ZV32F435_4032K", POINTER("00 F0 FF FF") ABORT R"(
         # FFFFF000 and 08001 blocks of 4096 bytes more would come to 08000000 again.
         H: A1 02 03 80 00 00 04 00
         C: stall
@@ -173,7 +187,7 @@ const Vector vectors[] = {
         here 3)" CONFIGURE READS("04", "FF FF FF FF") ABORT},
     {"user_system_data", "ZV32F403A_1024K", R"(
         H: 21 01 00 00 00 00 09 00 | E1 1F FF F8 00 18 00 03 03)" DONE ABORT R"(
-        H: A1 02 01 00 00 00 00 10
+        H: A1 02 01 00 00 00 00 08
         C: A5 FF FF FF 5A)"},
     {"leave_to_flash", "ZV32F403A_1024K", R"(
         H: 21 01 02 00 00 00 00 00

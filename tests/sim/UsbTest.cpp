@@ -100,15 +100,15 @@ Nanoseconds duration(UsbRig &rig, const std::string &setup, const Bytes &out = {
 TEST(UsbPace, nineteenPacketsAFrame) {
     UsbRig rig("ZV32F403A_1024K", {}, {}, true);
     const double packet = 1e6 / 19;
-    EXPECT_NEAR(static_cast<double>(duration(rig, "A1 02 02 00 00 00 00 10")), 64.5 * packet, 100);
+    EXPECT_NEAR(static_cast<double>(duration(rig, "A1 02 02 00 00 00 00 08")), 32.5 * packet, 100);
     EXPECT_NEAR(static_cast<double>(duration(rig, abortRequest)), 0.5 * packet, 100);
-    EXPECT_NEAR(static_cast<double>(duration(rig, "21 01 02 00 00 00 00 10", Bytes(4096, 0x11))), 64.5 * packet, 100);
+    EXPECT_NEAR(static_cast<double>(duration(rig, "21 01 02 00 00 00 00 08", Bytes(2048, 0x11))), 32.5 * packet, 100);
     EXPECT_NEAR(static_cast<double>(duration(rig, getStatus)), 1.5 * packet, 100);
 }
 
 TEST(UsbPace, noneByItself) {
     UsbRig rig("ZV32F403A_1024K");
-    EXPECT_EQ(duration(rig, "A1 02 02 00 00 00 00 10"), 0);
+    EXPECT_EQ(duration(rig, "A1 02 02 00 00 00 00 08"), 0);
 }
 
 // ---- faults. Bytes: the host's 1 to 4 are the word that is written; the chip's 1 to 6 are a status.

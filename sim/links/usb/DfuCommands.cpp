@@ -209,7 +209,7 @@ DfuCommands::Result DfuCommands::conclude(DfuStatus refusal) {
 
 Bytes DfuCommands::addressOf(std::uint16_t block) const {
     const std::uint64_t address =
-        std::uint64_t{m_pointer} + std::uint64_t{block - wire::dfuFirstDataBlock} * dfuTransferSize;
+        std::uint64_t{m_pointer} + std::uint64_t{block - wire::dfuFirstDataBlock} * dfuTransferSize(m_chip);
     Bytes bytes;
     // Beyond the last address there is no memory, and none at it.
     append32(bytes,

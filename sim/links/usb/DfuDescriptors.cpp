@@ -40,7 +40,7 @@ Bytes deviceDescriptor(const ChipFacts &chip) {
 }
 
 // With its interface, and the functional descriptor of DFU 1.1, 4.1.3.
-Bytes configurationDescriptor() {
+Bytes configurationDescriptor(unsigned transferSize) {
     constexpr std::uint8_t total = 9 + 9 + 9;
     constexpr std::uint8_t downAndUp = 0x03; // not manifestation tolerant: after leaving the device is gone
     return {9,
@@ -66,8 +66,8 @@ Bytes configurationDescriptor() {
             downAndUp,
             0,
             0,
-            low(dfuTransferSize),
-            high(dfuTransferSize),
+            low(transferSize),
+            high(transferSize),
             low(wire::dfuVersion),
             high(wire::dfuVersion)};
 }
@@ -94,9 +94,13 @@ std::string serialOf(const Chip &chip) {
 
 } // namespace
 
+std::uint16_t dfuTransferSize(const Chip &chip) {
+    return static_cast<std::uint16_t>(chip.facts().sectorSize);
+}
+
 UsbDescriptors dfuDescriptors(const Chip &chip) {
     return {deviceDescriptor(chip.facts()),
-            configurationDescriptor(),
+            configurationDescriptor(dfuTransferSize(chip)),
             {"ZV32 bootloader", serialOf(chip), memoryOf(chip.facts())}};
 }
 

@@ -16,6 +16,7 @@ constexpr std::uint8_t fromInterface = 0xA1;
 enum RequestNumber : std::uint8_t { detach, dnload, upload, getStatus, clrStatus, getState, abort };
 
 constexpr std::uint16_t statusLength = 6;
+constexpr std::uint16_t aBlock = 0xFFFF;      // as long as the device's blocks are
 constexpr Nanoseconds longestPoll = 0xFFFFFF; // milliseconds, in three bytes
 
 // A device that resets or runs its own code waits until the answer before it has arrived; a host that
@@ -41,8 +42,8 @@ struct DfuDevice::Request {
 const std::vector<DfuDevice::Request> &DfuDevice::requests() {
     static const std::vector<Request> rows = {
         {RequestNumber::detach, "DETACH", toInterface, true, 0, 0},
-        {RequestNumber::dnload, "DNLOAD", toInterface, true, 0, dfuTransferSize},
-        {RequestNumber::upload, "UPLOAD", fromInterface, true, 1, dfuTransferSize},
+        {RequestNumber::dnload, "DNLOAD", toInterface, true, 0, aBlock},
+        {RequestNumber::upload, "UPLOAD", fromInterface, true, 1, aBlock},
         {RequestNumber::getStatus, "GETSTATUS", fromInterface, false, statusLength, statusLength},
         {RequestNumber::clrStatus, "CLRSTATUS", toInterface, false, 0, 0},
         {RequestNumber::getState, "GETSTATE", fromInterface, false, 1, 1},
@@ -95,7 +96,8 @@ const char *DfuDevice::nameOf(State state) {
 }
 
 DfuDevice::DfuDevice(Chip &chip, Faults &faults, Log &log)
-    : m_commands(chip, faults, log), m_log(log), m_descriptors(dfuDescriptors(chip)) {}
+    : m_commands(chip, faults, log), m_log(log), m_transferSize(dfuTransferSize(chip)),
+      m_descriptors(dfuDescriptors(chip)) {}
 
 // ---- requests
 
@@ -104,7 +106,8 @@ const DfuDevice::Request *DfuDevice::requestOf(const UsbSetup &setup) const {
     const Request *request = known ? &requests()[setup.request] : nullptr;
     const bool wellFormed = request != nullptr && m_standard.configured() && setup.type == request->type &&
                             setup.index == 0 && (request->hasValue || setup.value == 0) &&
-                            setup.length >= request->shortest && setup.length <= request->longest;
+                            setup.length >= request->shortest &&
+                            setup.length <= std::min(request->longest, m_transferSize);
     return wellFormed ? request : nullptr;
 }
 

@@ -61,6 +61,7 @@ private:
 
     DfuCommands m_commands;
     Log &m_log;
+    const std::uint16_t m_transferSize;
     UsbDescriptors m_descriptors;
     StandardRequests m_standard{m_descriptors};
 
