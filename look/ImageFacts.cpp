@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "device/FilesInc.h"
-#include "look/FileBytes.h"
 #include "look/Status.h"
+#include "programs/FileBytes.h"
 
 namespace {
 

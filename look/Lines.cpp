@@ -2,19 +2,14 @@
 
 #include <algorithm>
 
+#include "programs/Text.h"
+
 namespace {
 
 const char *const bold = "\033[1m";
 const char *const plain = "\033[0m";
 // By Mark.
 const char *const colours[] = {"\033[32m", nullptr, "\033[33m", "\033[31m"};
-
-std::string harmless(std::string text) {
-    for (char &c : text)
-        if (static_cast<unsigned char>(c) < ' ' || c == 0x7F)
-            c = '?';
-    return text;
-}
 
 // In columns of a terminal: a character of UTF-8 takes one.
 std::size_t columnsOf(const std::string &text) {

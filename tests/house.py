@@ -10,7 +10,7 @@ import sys
 FUNCTION_LINES = 40
 FILE_LINES = 350
 
-FOLDERS = ["app", "bench", "device", "files", "foundation", "libs", "link", "look", "operations", "sim", "tests", "usersystemdata"]
+FOLDERS = ["app", "bench", "device", "files", "foundation", "libs", "line", "link", "look", "operations", "programs", "sim", "tests", "usersystemdata"]
 
 # What may be longer, and why.
 LONG_FILES = {}

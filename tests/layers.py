@@ -13,7 +13,11 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
 # The program that only looks stands beside the console, on what does not act.
 WORDS = ["FileNames", "LinkSettings", "OtpFile", "Requests", "Sectors", "SubOptions", "Words"]
-ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
+ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "programs/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
+# What the programs beside the console share, and the one that makes units: without Qt, and without the two libraries,
+# which a site may replace by its own. It reads files by the file library's own sources.
+ALLOWED["programs"] = ["programs/"]
+ALLOWED["line"] = ["line/", "programs/", "libs/files/", "device/MapDirectory.h"]
 ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "device/ImageSuffixes.h", "foundation/LibraryTypes.h"]
 ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h", "foundation/TraceFile.h"]
 
@@ -36,6 +40,8 @@ FLOORS = {
         ["libs/zvbl/"],
     ],
 }
+
+FLOORS["line"] = [["line/program/"], ["line/approval/"], ["line/plan/"], ["line/station/"], ["line/job/"]]
 
 # Files (a header and its source are one) that may stand in a circle with each other.
 CIRCLES = [

@@ -9,7 +9,7 @@ import re
 import sys
 
 # Beginnings of a path in the tree.
-TOP = "app bench cmake debian device docs examples files foundation libs link look operations packaging sim tests tools usersystemdata Map".split()
+TOP = "app bench cmake debian device docs examples files foundation libs line link look operations packaging programs sim tests tools usersystemdata Map".split()
 NAMED = re.compile(r"`((?:%s)/[\w./{},*-]*)`" % "|".join(TOP))
 
 

@@ -1,0 +1,38 @@
+#include "programs/Text.h"
+
+namespace {
+
+constexpr unsigned char leadOfSecondControls = 0xC2; // then 80 to 9F
+
+bool isControl(unsigned char c) {
+    return c < ' ' || c == 0x7F;
+}
+
+} // namespace
+
+std::string harmless(const std::string &text) {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        const bool ofTwo =
+            c == leadOfSecondControls && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+        shown += isControl(c) || ofTwo ? '?' : text[i];
+        i += ofTwo ? 1 : 0;
+    }
+    return shown;
+}
+
+bool isHarmless(const std::string &text) {
+    return harmless(text) == text;
+}
+
+std::string hexOf(const void *bytes, std::size_t length) {
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (std::size_t i = 0; i < length; ++i) {
+        const unsigned char byte = static_cast<const unsigned char *>(bytes)[i];
+        text += digits[byte >> 4];
+        text += digits[byte & 0xF];
+    }
+    return text;
+}

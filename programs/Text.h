@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+// The text with "?" in the place of each control character, those of two bytes in UTF-8 too: what comes from a file or
+// a chip could tell a terminal something.
+std::string harmless(const std::string &text);
+
+// Whether there is one in it.
+bool isHarmless(const std::string &text);
+
+// Lower-case hexadecimal digits of bytes.
+std::string hexOf(const void *bytes, std::size_t length);
