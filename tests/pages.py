@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Holds docs/words.md to the words that the console knows, and docs/messages.md to the texts that it has.
+"""Holds docs/words.md to the words that the console knows, docs/messages.md to the texts that it has, and
+docs/option-bytes.md to the layouts.
 
 usage: pages.py SOURCE-DIR
 """
@@ -99,9 +100,34 @@ def wrong_messages(root):
             yield f"docs/messages.md: not there: {text}"
 
 
+def layouts(root):
+    """{"A": "0 FAP, 1 SSB, ..."}"""
+    source = (root / "usersystemdata/Layouts.cpp").read_text()
+    for forms, rows in re.findall(r"constexpr LayoutRow layout([A-F]+)\[\] = \{(.*?)\n\};", source, re.S):
+        bytes_ = []
+        for item, first, count in re.findall(r"\{OptionItem::(\w+), (\d+), (\w+), \d+\}", rows):
+            last = int(first) + int(count) - 1 if count.isdigit() else None
+            place = f"{first} and up" if last is None else first if last == int(first) else f"{first}-{last}"
+            bytes_.append(f"{place} {item.upper()}")
+        yield from ((form, ", ".join(bytes_)) for form in forms)
+
+
+def wrong_layouts(root):
+    rows = re.findall(r"^\| ([A-F]) \| (.*) \| .*?: (.*) \|$", (root / "docs/option-bytes.md").read_text(), re.M)
+    told = {form: bytes_ for form, _, bytes_ in rows}
+    if told != dict(layouts(root)):
+        yield "docs/option-bytes.md: the layouts are " + str(dict(layouts(root)))
+    chips = {}
+    for chip, form in re.findall(r"\{(ZV32\w+), +\w+, +\w+, +\d, Form::(\w)", (root / "device/Families.cpp").read_text()):
+        chips.setdefault(form.upper(), []).append(chip)
+    for form, named, _ in rows:
+        if form != "A" and sorted(named.split(", ")) != sorted(chips.get(form, [])):
+            yield f"docs/option-bytes.md: layout {form} is that of {chips.get(form)}"
+
+
 def main():
     root = pathlib.Path(sys.argv[1])
-    found = [*wrong_words(root), *wrong_messages(root)]
+    found = [*wrong_words(root), *wrong_messages(root), *wrong_layouts(root)]
     print("\n".join(found) if found else "pages: ok")
     return 1 if found else 0
 
