@@ -1,6 +1,7 @@
 #include "device/Device.h"
 
 #include <cstdlib>
+#include <optional>
 #include <vector>
 
 #include <QDir>
@@ -20,10 +21,9 @@ constexpr unsigned int userSystemDataLength = 0x1000;
 QStringList mapFiles() {
     const QStringList filter(QStringLiteral("*.ZVmap"));
     const QString directory = QFile::decodeName(mapDirectory().c_str());
-    QStringList files;
-    for (const QString &name : QDir(directory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name))
-        if (IsHarmlessMap(QFile::encodeName(directory + name).toStdString()))
-            files.append(directory + name);
+    QStringList files = QDir(directory).entryList(filter, QDir::Files | QDir::Readable, QDir::Name);
+    for (QString &file : files)
+        file.prepend(directory);
     return files;
 }
 
@@ -76,12 +76,18 @@ void CZV32F4Device::describeFrom(const QString &mapFile) {
 
 QString CZV32F4Device::matchingMapFile(const std::string &pid, const std::string &serial) {
     const QString product = QStringLiteral("Product");
+    // MEANT: substrings by exact case, so that one file may list several chips in one value; an empty
+    // text matches every file, and the flash size plays no part.
     for (const QString &file : mapFiles()) {
-        // MEANT: substrings by exact case, so that one file may list several chips in one value; an empty
-        // text matches every file, and the flash size plays no part.
-        if (ZVmapReadValue(product, QStringLiteral("PID"), file).contains(QString::fromStdString(pid)) &&
-            ZVmapReadValue(product, QStringLiteral("Serial"), file).contains(QString::fromStdString(serial)))
+        const std::string path = QFile::encodeName(file).toStdString();
+        if (const std::optional<MapIdentity> plain = ReadPlainMap(path)) {
+            if (plain->pid.find(pid) != std::string::npos && plain->serial.find(serial) != std::string::npos)
+                return file;
+        } else if (IsHarmlessMap(path) &&
+                   ZVmapReadValue(product, QStringLiteral("PID"), file).contains(QString::fromStdString(pid)) &&
+                   ZVmapReadValue(product, QStringLiteral("Serial"), file).contains(QString::fromStdString(serial))) {
             return file;
+        }
     }
     return QString();
 }

@@ -78,7 +78,68 @@ private:
     bool m_fresh = false; // only blanks and quotes since the value began
 };
 
+// A word of characters that mean nothing to the reader of INI files.
+bool isPlain(std::string_view word) {
+    return std::all_of(word.begin(), word.end(), [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '.';
+    });
+}
+
+bool isSection(std::string_view line) {
+    return line.size() > 2 && line.front() == '[' && line.back() == ']' && isPlain(line.substr(1, line.size() - 2));
+}
+
+// Reads plain lines; false for any other, and for what stands there twice.
+class PlainReader {
+public:
+    bool take(std::string_view line) {
+        if (line.empty())
+            return true;
+        if (isSection(line)) {
+            m_inProduct = line == "[Product]";
+            return !m_inProduct || !std::exchange(m_hasProduct, true);
+        }
+        const std::size_t equals = line.find('=');
+        if (equals == 0 || equals == std::string_view::npos)
+            return false;
+        const std::string_view name = line.substr(0, equals);
+        const std::string_view value = line.substr(equals + 1);
+        return isPlain(name) && isPlain(value) && keep(name, value);
+    }
+
+    MapIdentity identity() const { return {m_pid.value_or(std::string()), m_serial.value_or(std::string())}; }
+
+private:
+    bool keep(std::string_view name, std::string_view value) {
+        if (!m_inProduct || (name != "PID" && name != "Serial"))
+            return true;
+        std::optional<std::string> &place = name == "PID" ? m_pid : m_serial;
+        const bool first = !place;
+        place = value;
+        return first;
+    }
+
+    bool m_inProduct = false;
+    bool m_hasProduct = false;
+    std::optional<std::string> m_pid;
+    std::optional<std::string> m_serial;
+};
+
 } // namespace
+
+std::optional<MapIdentity> ReadPlainMap(const std::string &path) {
+    std::string text;
+    if (!readSmallFile(path, text))
+        return std::nullopt;
+    PlainReader reader;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t length = std::min(rest.find('\n'), rest.size());
+        if (!reader.take(rest.substr(0, length)))
+            return std::nullopt;
+        rest.remove_prefix(std::min(length + 1, rest.size()));
+    }
+    return reader.identity();
+}
 
 bool IsHarmlessMap(const std::string &path) {
     std::string text;

@@ -10,6 +10,7 @@
 
 #include "device/Device.h"
 #include "device/Families.h"
+#include "device/MapText.h"
 
 namespace {
 
@@ -39,6 +40,15 @@ class MapFiles : public testing::Test {
 protected:
     MapFiles() { std::filesystem::current_path(MAP_PARENT); }
 };
+
+TEST_F(MapFiles, AllAreReadAlikeWithAndWithoutQt) {
+    for (const Shipped &map : shippedMaps()) {
+        const std::optional<MapIdentity> plain = ReadPlainMap("./Map/" + map.target.toStdString() + ".ZVmap");
+        ASSERT_TRUE(plain) << map.target.toStdString();
+        EXPECT_EQ(plain->pid, map.pids.join(' ').toStdString());
+        EXPECT_EQ(plain->serial, map.serial.toStdString());
+    }
+}
 
 TEST_F(MapFiles, EveryPidFindsItsOwnFile) {
     CDeviceManager manager;

@@ -31,6 +31,36 @@ TEST(MapText, ValuesThatBecomeObjects) {
         EXPECT_FALSE(isHarmless(text)) << text;
 }
 
+// What is read without Qt is what Qt reads, and whatever Qt might read in a way of its own is left to it.
+TEST(MapText, PlainMapsReadAsQtReadsThem) {
+    for (const char *text :
+         {"", "[Product]\nPID=12345678\nSerial=07\n", "[Product]\nSerial=\n\n\n[Sector0]\nPID=99\n", "PID=1\n",
+          "[product]\nPID=1\n[Product]\npid=2\nSerial=3", "[Sector0]\nPID=1\nPID=2\n[Product]\nPID=3\nName=x_y.z\n",
+          "[General]\nPID=4\n[Product]\nSerial=5\n"}) {
+        const Workplace workplace;
+        workplace.write("Map/a.ZVmap", text);
+        const std::optional<MapIdentity> plain = ReadPlainMap("Map/a.ZVmap");
+        ASSERT_TRUE(plain) << text;
+        const QString file = QStringLiteral("./Map/a.ZVmap");
+        CZV32F4Device reader;
+        EXPECT_EQ(plain->pid, reader.ZVmapReadValue("Product", "PID", file).toStdString()) << text;
+        EXPECT_EQ(plain->serial, reader.ZVmapReadValue("Product", "Serial", file).toStdString()) << text;
+    }
+}
+
+TEST(MapText, OddMapsAreLeftToQt) {
+    for (const char *text :
+         {"[Product]\nPID=1, 2\n", "[Product]\nPID=1 2\n", "[Product]\nPID=1;2\n", "[Product]\nPID=\"1\"\n",
+          "[Product]\nPID=\\x31\n", "[Product]\r\nPID=1\r\n", "[Product]\nPID = 1\n", "[Product]\nPI%44=1\n",
+          "[Product]\nPID=1\nPID=2\n", "[Product]\nPID=1\n[Product]\nSerial=2\n", "[ Product]\nPID=1\n",
+          "[Product\nPID=1\n", "[Product]\nPID\n", "[Product]\n=1\n", "[Product]\nPID=@1\n", "[Product] \nPID=1\n",
+          "\xEF\xBB\xBF[Product]\nPID=1\n", "[Product]\nName=\xC3\xA4\n", "# PID=1\n"}) {
+        const Workplace workplace;
+        workplace.write("Map/a.ZVmap", text);
+        EXPECT_FALSE(ReadPlainMap("Map/a.ZVmap")) << text;
+    }
+}
+
 // Each of them stands before the good map by name, and matches every chip as far as it is read.
 TEST(MapText, AHostileMapIsPassedOver) {
     for (const char *value : {"@String(12345678)", "@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\fNoSuchType\\0)",
