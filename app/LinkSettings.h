@@ -4,6 +4,9 @@
 
 #include "app/SubOptions.h"
 
+// Sets the shared record to what it is without a word.
+void loadStartValues();
+
 // Reads the sub-options of a connection into the shared record as the walk reaches them. False at a word that is
 // neither option nor sub-option.
 bool readLinkSettings(SubOptionWalk &walk, OptionId connection);

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int blockLength = sizeof(OTP_CONFIG_INFO::pData);
-
 bool write(CCom *obCCom, unsigned int address, BYTE *data, unsigned int length) {
     return ZVBL_DNLOAD(obCCom->m_handle, address, data, length, 0) == 0;
 }
@@ -46,18 +44,11 @@ void InitOTPAndLOCKInfo() {
 int WriteOTPData(CCom *obCCom) {
     if (obCCom == nullptr)
         return 0;
-    // MEANT: nothing bounds a record's address, and the sum wraps: a file can write anywhere in the chip.
-    for (OTP_CONFIG_INFO &info : m_listWriteOTPData)
-        if (info.WriteFlag == 0 &&
-            !write(obCCom, g_shareParameter.OTP_Data_Address + info.PartAddress, info.pData, blockLength))
-            return fail("Write OTP data failed!");
-    // MEANT: the lock byte's place follows the record's place in the file, not its address.
-    unsigned int lockAddress = g_shareParameter.OTP_Lock_Address;
-    for (OTP_CONFIG_INFO &info : m_listWriteOTPData) {
-        if (info.LockFlag == 0 && !write(obCCom, lockAddress, &info.LockFlag, 1))
-            return fail("Write OTP lock failed!");
-        ++lockAddress;
-    }
+    const std::vector<OtpWrite> writes =
+        otpWrites(m_listWriteOTPData, g_shareParameter.OTP_Data_Address, g_shareParameter.OTP_Lock_Address);
+    for (const OtpWrite &one : writes)
+        if (!write(obCCom, one.address, one.data, one.length))
+            return fail(one.isLock ? "Write OTP lock failed!" : "Write OTP data failed!");
     return 1;
 }
 

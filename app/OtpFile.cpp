@@ -80,3 +80,16 @@ int OTPProjectFileOpen(const std::string &FilePath) {
         m_listWriteOTPData.append(parseRecord(record));
     return 1;
 }
+
+std::vector<OtpWrite> otpWrites(QList<OTP_CONFIG_INFO> &records, unsigned int dataAddress, unsigned int lockAddress) {
+    std::vector<OtpWrite> writes;
+    // MEANT: nothing bounds a record's address, and the sum wraps: a file can write anywhere in the chip.
+    for (int i = 0; i < records.size(); ++i)
+        if (records[i].WriteFlag == 0)
+            writes.push_back({dataAddress + records[i].PartAddress, records[i].pData, blockLength, false, i});
+    // MEANT: the lock byte's place follows the record's place in the file, not its address.
+    for (int i = 0; i < records.size(); ++i)
+        if (records[i].LockFlag == 0)
+            writes.push_back({lockAddress + static_cast<unsigned int>(i), &records[i].LockFlag, 1, true, i});
+    return writes;
+}

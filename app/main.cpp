@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 
+#include "app/LinkSettings.h"
 #include "app/Process.h"
 #include "app/Report.h"
 #include "app/Usage.h"
@@ -19,16 +20,6 @@ void printBanner() {
     printLine("Support USART and DFU");
     printLine(rule);
     printLine("");
-}
-
-// MEANT: the I2C, CAN, SPI and SPIM values stay 0, although the usage text promises defaults for some.
-void loadStartValues() {
-    g_shareParameter.c_portNumber = 1;
-    g_shareParameter.c_BaudRate = 115200;
-    g_shareParameter.c_DataBits = 8;
-    g_shareParameter.c_parity = g_shareParameter.ParityToInt("EVEN");
-    g_shareParameter.c_timeout = 5;
-    g_shareParameter.c_address = ZVCHIP_FLASH_BASE_ADDRESS;
 }
 
 } // namespace

@@ -47,6 +47,8 @@ function(zv32_console_folder name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC Qt5::Core ${ARG_LINK})
+  # A program that calls a part of a file leaves out the rest, with the calls that it makes to the libraries.
+  target_compile_options(${name} PRIVATE -ffunction-sections)
   zv32_use_headers(${name} console_headers)
 endfunction()
 

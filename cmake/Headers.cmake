@@ -29,3 +29,4 @@ set(zv32_standard <algorithm> <array> <cerrno> <cstdint> <cstdlib> <cstring> <fu
 zv32_headers(standard_headers LIBRARY HEADERS ${zv32_standard})
 zv32_headers(console_headers LIBRARY LINK Qt5::Core HEADERS
   ${zv32_standard} <QByteArray> <QList> <QSet> <QString> <QThread>)
+target_compile_options(console_headers PRIVATE -ffunction-sections) # as those who read them

@@ -15,6 +15,9 @@ class Section {
 public:
     explicit Section(std::string title = {}) : m_title(std::move(title)) {}
 
+    // A title that is known only when the rest is.
+    void entitle(const std::string &title) { m_title = title; }
+
     // A name and its value. JSON: a member.
     void fact(const std::string &name, Value value);
 

@@ -74,3 +74,31 @@ A file that can't be read, and a report that can't be written.
   $ zv32-look image a.bin >/dev/full
   zv32-look: the report can't be written
   [2]
+
+A line of the console: nothing behind "--" is a word of ours, and no port is touched.
+
+  $ ln -s "$MAPS" Map
+  $ zv32-look line --chip ZV32F403A_1024K -- -com --pn nowhere -e --all --json
+  -com --pn nowhere
+    connect
+      port        nowhere
+      rate        115200 baud
+      data bits   8
+      parity      even
+      time limit  5 s
+  -e --all
+    erase everything
+      bytes  1048576
+    error  "--json" is no word of it: the line ends with status 1
+    note   nothing behind it is looked at
+  console status  1, if the chip takes everything
+  [9]
+  $ zv32-look line -- -com --pn nowhere -e --all | tail -n 2
+  note            the chip is not known: whether all fits and what is erased takes --chip NAME
+  console status  0, if the chip takes everything
+  $ zv32-look line
+  zv32-look: line: the words of a console line have to stand behind --
+  [1]
+  $ zv32-look line --chip ZV32X -- -dfu
+  zv32-look: ZV32X: no map file ./Map/ZV32X.ZVmap that describes a chip
+  [2]

@@ -1,0 +1,125 @@
+#include "look/OptionFacts.h"
+
+#include <cstdio>
+
+#include "device/Device.h"
+#include "device/Families.h"
+#include "foundation/ShareParameter.h"
+#include "link/AccessProtection.h"
+#include "look/Sectors.h"
+#include "look/Status.h"
+#include "usersystemdata/CUserSystemData.h"
+#include "usersystemdata/Layouts.h"
+
+namespace {
+
+constexpr BYTE highLevel = 0xCC;
+constexpr BYTE erased = 0xFF;
+constexpr std::size_t longestElement = 4096;
+constexpr std::size_t shortestElement = USERSYSTEMDATA_LENGTH_403;
+
+struct Switch {
+    const char *name;
+    bool CUserSystemData::*on;
+};
+
+constexpr Switch switches[] = {
+    {"watchdog is started by the program", &CUserSystemData::m_BnWDT_ATO_EN},
+    {"no reset at deep sleep", &CUserSystemData::m_BnDEPSLP_RST},
+    {"no reset at standby", &CUserSystemData::m_BnSTDBY_RST},
+    {"start from bank 1", &CUserSystemData::m_BBFB2},
+    {"watchdog runs in deep sleep", &CUserSystemData::m_BnWDT_DEPSLP},
+    {"watchdog runs in standby", &CUserSystemData::m_BnWDT_STDBY},
+    {"RAM parity off", &CUserSystemData::m_SRAM_Parity},
+};
+
+// In the order of OptionItem.
+const char *const itemNames[] = {"FAP", "SSB", "SSB1", "DATA", "EPP", "EOPB0", "RES1", "BANK3KEY"};
+
+std::string hexOf(BYTE byte) {
+    char text[3];
+    std::snprintf(text, sizeof text, "%02X", static_cast<unsigned int>(byte));
+    return text;
+}
+
+const char *accessText(BYTE fap) {
+    if (fap == accessProtectionOff)
+        return "off";
+    return fap == highLevel ? "on, at the high level where the chip has levels" : "on";
+}
+
+// The bytes that are not as erased, each by its number in the chip and its name.
+std::vector<std::vector<Value>> rowsOf(CUserSystemData &data) {
+    std::vector<std::vector<Value>> rows;
+    const OptionLayout layout = optionLayout(data.m_MCUSerials);
+    for (const LayoutRow *row = layout.first; row != layout.last; ++row) {
+        const int end = row->count == toTheEnd ? data.m_nUserSystemDataLen : row->firstByte + row->count;
+        for (int at = row->firstByte; at < end && at < data.m_nUserSystemDataLen; ++at) {
+            const int index = row->firstIndex + at - row->firstByte;
+            const BYTE value = optionByte(data, row->item, index);
+            const bool isOne = row->count == 1 && row->item != OptionItem::data;
+            const bool isShown = value != erased || row->item == OptionItem::fap || row->item == OptionItem::ssb;
+            if (isShown)
+                rows.push_back({Value(at),
+                                Value(itemNames[static_cast<int>(row->item)] + (isOne ? "" : std::to_string(index))),
+                                Value({value, hexOf(value)})});
+        }
+    }
+    return rows;
+}
+
+void checkComplements(const ImageRange &range, int length, Section &report) {
+    std::string broken;
+    for (int i = 0; i < length && static_cast<std::size_t>(2 * i + 1) < range.bytes.size(); ++i)
+        if ((range.bytes[static_cast<std::size_t>(2 * i)] ^ range.bytes[static_cast<std::size_t>(2 * i + 1)]) != 0xFF)
+            broken += (broken.empty() ? "" : ", ") + std::to_string(i);
+    if (!broken.empty())
+        report.finding(Mark::warning, "complements",
+                       "bytes " + broken + " do not stand beside their complements: the values alone count");
+}
+
+int lengthOf(const CDevice &device, int bid) {
+    return CUserSystemData::GetUserSystemDataLength(seriesOf(device), bid, static_cast<int>(device.m_ISectorSize));
+}
+
+} // namespace
+
+void tellOptions(CUserSystemData &data, Section &report) {
+    report.fact("access protection",
+                Value({data.FAP, std::string(accessText(data.FAP)) + " (" + hexOf(data.FAP) + ")"}));
+    const QList<int> sectors = data.GetEPPMapSectorIndex(data.m_nSectorNums);
+    report.fact("protected sectors", sectors.isEmpty() ? Value(Json::array(), "none") : sectorsValue(sectors));
+    for (const Switch &one : switches)
+        report.fact(one.name, data.*one.on);
+    report.fact("bytes in all", data.m_nUserSystemDataLen);
+    report.table("bytes that are not FF", {"byte", "name", "value"}, rowsOf(data));
+}
+
+std::string optionBytesRefusal(const ImageRead &image, const CDevice *device) {
+    if (!image.isRead)
+        return image.refusal;
+    if (image.ranges.empty())
+        return "no byte in it";
+    const std::size_t length = image.ranges.front().bytes.size();
+    std::size_t least = shortestElement;
+    if (device != nullptr)
+        least = std::max(least, static_cast<std::size_t>(lengthOf(*device, 0)) * 2);
+    if (length < least)
+        return std::to_string(length) + " bytes are too few: " + std::to_string(least) + " are needed";
+    return length > longestElement ? std::to_string(length) + " bytes are more than 4096" : "";
+}
+
+void tellOptionFile(const std::string &path, CDevice &device, int bid, Section &report) {
+    const ImageRead image = readImage(path, false);
+    const std::string refusal = optionBytesRefusal(image, &device);
+    if (!refusal.empty())
+        throw Refusal(notAcceptable, path + ": " + refusal);
+    const ImageRange &range = image.ranges.front();
+    if (image.ranges.size() > 1)
+        report.finding(Mark::warning, "ranges", "only the first of " + std::to_string(image.ranges.size()) + " counts");
+    CUserSystemData data(seriesOf(device), bid, &device, nullptr, 0);
+    checkComplements(range, data.m_nUserSystemDataLen, report);
+    std::vector<BYTE> bytes = range.bytes;
+    data.SetElementData(bytes.data(), static_cast<quint32>(bytes.size()));
+    tellOptions(data, report);
+}
