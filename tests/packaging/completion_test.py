@@ -53,6 +53,9 @@ CASES = {
     "zv32-look im": "image",
     "zv32-look image --j": "--json",
     "zv32-look image ./fine": "./fine.HEX",
+    "zv32-look chip -com --pr E": "EVEN",
+    "zv32-look chip -com --pn ttyS0 --b": "--br",
+    "zv32-look line -- -dfu -d --fn fi": "./fine.HEX",
 }
 # The same on a machine with these devices.
 DEVICES = {"dev/ttyUSB0": "", "dev/ttyACM1": "", "dev/i2c-1": "", "dev/spidev0.0": "",
