@@ -21,7 +21,7 @@ test="libgtest-dev python3-cram clang clang-format clang-tidy libclang-rt-14-dev
 kernel="qemu-system-x86 seabios busybox-static cpio xz-utils iproute2"
 
 # To make Debian packages of them; debian/control names what the building of these takes.
-package="$compile debhelper dpkg-dev fakeroot libumockdev-dev lintian"
+package="$compile build-essential debhelper dpkg-dev fakeroot libumockdev-dev lintian"
 
 # To try the packages in a bare root.
 bare="debootstrap"

@@ -58,10 +58,11 @@ grep -qx 'Download successfully!' "$work/said"
 
 step "the other programs"
 within su tester -s /bin/bash -c 'cd; zv32-look image firmware.bin >/dev/null && zv32-check-map /usr/share/zv32-isp-console/Map/*'
-within bash -c 'command -v bash >/dev/null && sh /usr/share/zv32-isp-console/complete ZV32_ISP_Console -co' | grep -qx -- -com
+within bash -c 'sh /usr/share/zv32-isp-console/complete ZV32_ISP_Console -co' | grep -qx -- -com
 
 step "programs of one's own"
-within apt-get install -y -qq --no-install-recommends /srv/libzvbl-dev_*.deb gcc libc6-dev pkg-config cmake make >/dev/null
+within bash -c 'apt-get install -y -qq --no-install-recommends /srv/libzvbl-dev_*.deb gcc libc6-dev pkg-config cmake make' \
+    >"$work/said" 2>&1 || { tail "$work/said"; exit 1; }
 cat >"$root/tmp/own" <<'EOF'
 set -e
 cp -r /usr/share/doc/libzvbl-dev/examples own
