@@ -14,4 +14,4 @@ _zv32_isp() {
     done
     __ltrim_colon_completions "$cur"
 }
-complete -F _zv32_isp ZV32_ISP_Console zv32-look zv32-sim zv32-check-map
+complete -F _zv32_isp ZV32_ISP_Console zv32-line zv32-look zv32-sim zv32-check-map

@@ -6,6 +6,6 @@ function __zv32_isp
     $__zv32_isp_complete (commandline -opc) (commandline -ct) 2>/dev/null
 end
 
-for program in ZV32_ISP_Console zv32-look zv32-sim zv32-check-map
+for program in ZV32_ISP_Console zv32-line zv32-look zv32-sim zv32-check-map
     complete -c $program -f -a '(__zv32_isp)'
 end

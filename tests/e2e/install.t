@@ -5,6 +5,7 @@ What an installation looks like:
   $ (cd there && find . -type f -o -type l | grep -v -e ./share -e zvbl-config- | sort)
   ./bin/ZV32_ISP_Console
   ./bin/zv32-check-map
+  ./bin/zv32-line
   ./bin/zv32-look
   ./bin/zv32-sim
   ./bin/zv32-sim-dev

@@ -51,6 +51,8 @@ CASES = {
     "zv32-sim --tty t": "ttyUSB0",
     "zv32-check-map ": "./m.ZVmap ./dir/",
     "zv32-look im": "image",
+    "zv32-line check --pl": "--plan",
+    "zv32-line check ./j": "./job.toml",
     "zv32-look image --j": "--json",
     "zv32-look image ./fine": "./fine.HEX",
     "zv32-look chip -com --pr E": "EVEN",
@@ -94,7 +96,7 @@ def install(place):
         (share / target).parent.mkdir(parents=True, exist_ok=True)
         shutil.copy(source, share / target)
     (place / "here/dir").mkdir(parents=True)
-    for name in ("fine.HEX", "notes.txt", "a b.bin", "once.ZVTP", "m.ZVmap", "port", "dir/in.s19"):
+    for name in ("fine.HEX", "notes.txt", "a b.bin", "once.ZVTP", "m.ZVmap", "job.toml", "port", "dir/in.s19"):
         (place / "here" / name).touch()
     return share
 
