@@ -18,7 +18,7 @@ block() {
 
 # typed: runs the lines of its input one by one, as they are typed. What was sent to the background gets time to begin.
 typed() {
-    echo 'set -e; shopt -s expand_aliases; exec 2>&1'
+    echo 'set -e; exec 2>&1'
     while IFS= read -r line; do
         printf '%s\n' "$line"
         case $line in *'&') echo 'until [ -e port ]; do sleep 0.05; done' ;; esac
@@ -49,16 +49,16 @@ within useradd --create-home tester
 within apt-get update -qq
 
 step "installed, and the session of README"
-block "From a package" 1 | (cd "$root/srv" && typed) >"$root/tmp/install"
+block "From a package" 1 | typed >"$root/tmp/install"
 within bash -c 'cd /srv && yes | bash /tmp/install >/tmp/said 2>&1' || { tail -n 20 "$root/tmp/said"; exit 1; }
 block "From a package" 2 | typed >"$root/tmp/session"
-within su tester -s /bin/bash -c 'cd; bash /tmp/session' | tr '\r' '\n' >"$work/said"
+user bash /tmp/session | tr '\r' '\n' >"$work/said"
 tail -n 2 "$work/said"
 grep -qx 'Download successfully!' "$work/said"
 
 step "the other programs"
-within su tester -s /bin/bash -c 'cd; zv32-look image firmware.bin >/dev/null && zv32-check-map /usr/share/zv32-isp-console/Map/*'
-within bash -c 'sh /usr/share/zv32-isp-console/complete ZV32_ISP_Console -co' | grep -qx -- -com
+user 'zv32-look image firmware.bin >/dev/null && zv32-check-map /usr/share/zv32-isp-console/Map/*'
+user /usr/share/zv32-isp-console/complete ZV32_ISP_Console -co | grep -qx -- -com
 
 step "programs of one's own"
 within bash -c 'apt-get install -y -qq --no-install-recommends /srv/libzvbl-dev_*.deb gcc libc6-dev pkg-config cmake make' \
