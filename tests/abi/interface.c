@@ -8,16 +8,16 @@
 #include "device/FilesInc.h"
 #include "link/ZVBLLIB.h"
 
-#define FROZEN(name, result, parameters)                                                                               \
+#define FROZEN(name, result, parameters) \
     _Static_assert(__builtin_types_compatible_p(__typeof__(name), result parameters), #name " has changed");
 #include "tests/abi/FilesFunctions.inc"
 #include "tests/abi/ZvblFunctions.inc"
 #undef FROZEN
 
 #define SIZE(record, bytes) _Static_assert(sizeof(record) == (bytes), "the size of " #record " has changed")
-#define MEMBER(record, member, type, offset)                                                                           \
-    _Static_assert(offsetof(record, member) == (offset), #record "." #member " has moved");                           \
-    _Static_assert(__builtin_types_compatible_p(__typeof__(((record *)0)->member), type),                             \
+#define MEMBER(record, member, type, offset)                                                \
+    _Static_assert(offsetof(record, member) == (offset), #record "." #member " has moved"); \
+    _Static_assert(__builtin_types_compatible_p(__typeof__(((record *)0)->member), type),   \
                    #record "." #member " has another type")
 
 SIZE(BYTE, 1);
