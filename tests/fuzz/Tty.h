@@ -1,0 +1,26 @@
+#pragma once
+
+#include "tests/fuzz/Target.h"
+
+namespace fuzz {
+
+// A tty that is there in this process only, with a clock of its own that waits for nobody: what would take seconds
+// takes microseconds. The linker puts it in front of the system calls and of the clock of the library under test (the
+// option list ttyCalls of CMakeLists.txt).
+constexpr const char *ttyName = "/dev/fuzz";
+
+// What is at the other end.
+class Peer {
+public:
+    virtual ~Peer() = default;
+    virtual std::vector<std::uint8_t> answer(const std::vector<std::uint8_t> &sent) = 0;
+};
+
+// From here on the peer answers, and the input says what becomes of its answers on their way: nothing, as long as the
+// input is at its end.
+void plugIn(Peer &peer, Input &damage);
+
+// So much has passed on that clock, in nanoseconds.
+std::int64_t ttyTime();
+
+} // namespace fuzz
