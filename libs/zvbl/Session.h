@@ -35,7 +35,9 @@ struct SlibStatus {
 // The chip's own checksum of its sectors: what is known of it while the link is open.
 struct SectorCrc {
     bool listed = false;                    // by GET
+    Bytes doubtful;                         // a reply of GET that did not list it, and may have been damaged
     bool trusted = true;                    // false: another checksum than ours, or none came
+    bool foreign = false;                   // another checksum than ours
     bool toldUnvouched = false;             // in the trace
     std::optional<std::size_t> flashSector; // bytes of a sector; 0: the chip does not tell
     std::optional<std::size_t> spimSector;
@@ -122,6 +124,7 @@ private:
         std::size_t bytes() const { return size * count; }
         Sectors one(std::size_t number) const;
     };
+    bool listsCrc();
     std::size_t sectorSize(std::uint32_t address, std::size_t length);
     std::size_t askSectorSize(std::uint32_t address);
     static Sectors nextSectors(std::uint32_t address, std::size_t left, std::size_t size);
@@ -131,7 +134,7 @@ private:
     Status compareSector(const Sectors &sector, const std::uint8_t *data, bool optimise);
     Status vouchForSectors(const Sectors &sectors, std::uint8_t *data);
     Status vouchForSector(const Sectors &sector, std::uint8_t *data, Fit fit);
-    Status settleUnvouched(const Sectors &sectors, const std::uint8_t *data, bool wasTrusted);
+    Status settleUnvouched(std::uint32_t address, const std::uint8_t *data, std::size_t length);
     void tellUnvouched();
 
     const LinkKind *m_kind = nullptr;

@@ -53,8 +53,7 @@ Status Session::upload(std::uint32_t address, std::uint8_t *data, std::size_t le
         return Status::notOpen;
     const bool guarded = m_parts.framing->guardsReplies();
     const std::size_t size = guarded ? 0 : sectorSize(address, length);
-    if (size == 0 && !guarded && isFlash(address) && length >= wire::smallestSector)
-        tellUnvouched();
+    const bool unvouched = size == 0 && !guarded && isFlash(address) && length >= wire::smallestSector;
     Status status = Status::ok;
     for (std::size_t done = 0, part = 0; done < length && status == Status::ok; done += part) {
         const auto at = static_cast<std::uint32_t>(address + done);
@@ -63,6 +62,8 @@ Status Session::upload(std::uint32_t address, std::uint8_t *data, std::size_t le
         status = read(at, data + done, part);
         if (status == Status::ok && sectors.size == size)
             status = vouchForSectors(sectors, data + done);
+        else if (status == Status::ok && unvouched)
+            status = settleUnvouched(at, data + done, part);
     }
     return status;
 }

@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t largestSector = 65536;
 constexpr std::size_t longestRun = 8192; // bytes of one question: in more, three wrong bits could be missed
 constexpr int rereads = 3;               // of a sector that does not fit
+constexpr int questions = 3;             // for what a damaged answer may have hidden
 
 bool isSectorSize(std::size_t size) {
     return size >= wire::smallestSector && size <= largestSector && (size & (size - 1)) == 0;
@@ -36,9 +37,26 @@ Session::Sectors Session::Sectors::one(std::size_t number) const {
     return {static_cast<std::uint32_t>(address + number * size), size, 1};
 }
 
+// The list of GET has no checksum, and one wrong byte of it hides the command: that it is not there has to be heard
+// twice. If no two lists are the same, the command itself will tell.
+bool Session::listsCrc() {
+    if (m_parts.framing->guardsReplies())
+        m_crc.doubtful.clear();
+    for (int left = questions; !m_crc.doubtful.empty(); --left) {
+        const Bytes before = m_crc.doubtful;
+        Capabilities again;
+        const bool heard = left > 0 && getCapabilities(again) == Status::ok;
+        if (!heard)
+            m_crc.listed = true;
+        if (!heard || m_crc.doubtful == before)
+            m_crc.doubtful.clear();
+    }
+    return m_crc.listed;
+}
+
 // The size of the sectors at an address, 0 where the chip is not asked for checksums.
 std::size_t Session::sectorSize(std::uint32_t address, std::size_t length) {
-    if (!m_crc.listed || !m_crc.trusted || !isFlash(address) || length < wire::smallestSector || isReadingWished())
+    if (!m_crc.trusted || !isFlash(address) || length < wire::smallestSector || isReadingWished() || !listsCrc())
         return 0;
     const bool spim = address >= wire::spimBase;
     std::optional<std::size_t> &size = spim ? m_crc.spimSector : m_crc.flashSector;
@@ -49,11 +67,13 @@ std::size_t Session::sectorSize(std::uint32_t address, std::size_t length) {
 
 // FIRMWARE_CRC of no sector at all: a chip answers how large one is, or refuses, if it does not know that.
 std::size_t Session::askSectorSize(std::uint32_t address) {
-    std::array<std::uint8_t, 4> answer{};
-    const bool told = firmwareCrc(address, 0, answer) == Status::ok;
-    const std::size_t size = numberOf(answer);
-    if (told && isSectorSize(size))
-        return size;
+    for (int left = questions; left > 0; --left) {
+        std::array<std::uint8_t, 4> answer{};
+        const bool told = firmwareCrc(address, 0, answer) == Status::ok;
+        const std::size_t size = numberOf(answer);
+        if (told && isSectorSize(size))
+            return size;
+    }
     m_trace->remark("the chip does not tell the size of its sectors: nothing is compared by checksum");
     return 0;
 }
@@ -102,17 +122,18 @@ Status Session::compareSector(const Sectors &sector, const std::uint8_t *data, b
     const Status status = compareByReading(data, packets);
     const auto add = [](std::size_t sum, const Packet &packet) { return sum + packet.length; };
     const bool whole = std::accumulate(packets.begin(), packets.end(), std::size_t{0}, add) == sector.size;
-    if (fit == Fit::differs && status == Status::ok && whole)
-        distrustCrc("the chip computes another checksum: it is not asked again");
+    if (fit != Fit::differs || status != Status::ok || !whole || askCrc(sector, data) != Fit::differs)
+        return status;
+    m_crc.foreign = true;
+    distrustCrc("the chip computes another checksum: it is not asked again");
     return status;
 }
 
 // Makes sure that what was read is what the chip holds, as far as its checksum can tell.
 Status Session::vouchForSectors(const Sectors &sectors, std::uint8_t *data) {
-    const bool trusted = m_crc.trusted;
     const Fit fit = askCrc(sectors, data);
     if (fit != Fit::differs)
-        return fit == Fit::equal ? Status::ok : settleUnvouched(sectors, data, trusted);
+        return fit == Fit::equal ? Status::ok : settleUnvouched(sectors.address, data, sectors.bytes());
     Status status = Status::ok;
     for (std::size_t i = 0; i < sectors.count && status == Status::ok; ++i) {
         std::uint8_t *const part = data + i * sectors.size;
@@ -124,27 +145,25 @@ Status Session::vouchForSectors(const Sectors &sectors, std::uint8_t *data) {
 
 // Reads a sector again until it fits. noAnswer: it never does.
 Status Session::vouchForSector(const Sectors &sector, std::uint8_t *data, Fit fit) {
-    bool trusted = m_crc.trusted;
     for (int left = rereads; fit == Fit::differs; --left) {
         m_trace->remark("what was read does not fit its checksum");
         if (left == 0)
             return Status::noAnswer;
         if (const Status status = read(sector.address, data, sector.size); status != Status::ok)
             return status;
-        trusted = m_crc.trusted;
         fit = askCrc(sector, data);
     }
-    return fit == Fit::equal ? Status::ok : settleUnvouched(sector, data, trusted);
+    return fit == Fit::equal ? Status::ok : settleUnvouched(sector.address, data, sector.size);
 }
 
-// Without a checksum what was read is taken as it is. Where a chip was trusted to give one, and just now failed
-// to, it may have been the line: then it is read a second time.
-Status Session::settleUnvouched(const Sectors &sectors, const std::uint8_t *data, bool wasTrusted) {
+// Without a checksum what was read is taken as it is. Where a chip lists one, and did not give it, it may have been
+// the line, which may have harmed what was read as well: that is read a second time.
+Status Session::settleUnvouched(std::uint32_t address, const std::uint8_t *data, std::size_t length) {
     tellUnvouched();
-    if (!wasTrusted || m_crc.trusted)
+    if (!m_crc.listed || m_crc.foreign || isReadingWished())
         return Status::ok;
-    Bytes again(sectors.bytes());
-    const Status status = read(sectors.address, again.data(), again.size());
+    Bytes again(length);
+    const Status status = read(address, again.data(), again.size());
     if (status != Status::ok)
         return status;
     return std::equal(again.begin(), again.end(), data) ? Status::ok : Status::noAnswer;

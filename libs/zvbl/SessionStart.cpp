@@ -27,6 +27,7 @@ Status Session::getCapabilities(Capabilities &capabilities) {
         return std::count(capabilities.opcodes.begin(), capabilities.opcodes.end(), opcode) > 0;
     };
     m_crc.listed = has(wire::opFirmwareCrc);
+    m_crc.doubtful = m_crc.listed ? Bytes{} : reply;
     m_hasEraseExt = has(wire::opEraseExt) || !has(wire::opErase);
     return Status::ok;
 }

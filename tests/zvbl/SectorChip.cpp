@@ -62,13 +62,23 @@ void SectorChip::serve() {
 
 void SectorChip::serveOne(std::uint8_t opcode) {
     if (opcode == 0x00)
-        answer(hex(m_crc == Crc::notListed ? "79 01 21 11 79" : "79 02 21 11 AC 79"));
+        answer(hex(hidesCommand() ? "79 01 21 11 79" : "79 02 21 11 AC 79"));
     else if (opcode == 0x11)
         serveRead();
     else if (opcode == 0xAC && m_crc != Crc::refused)
         serveCrc();
     else
         answer({nack});
+}
+
+bool SectorChip::hidesCommand() {
+    const int list = ++lists;
+    return m_crc == Crc::notListed || (m_crc == Crc::hiddenOnce && list == 1);
+}
+
+std::size_t SectorChip::toldSize() const {
+    const bool other = m_crc == Crc::oddSize || (m_crc == Crc::sizeLost && sizeQuestions < 3);
+    return other ? 2000 : sectorSize;
 }
 
 void SectorChip::serveRead() {
@@ -98,7 +108,7 @@ void SectorChip::serveCrc() {
     const std::size_t sectors = number(count, 2);
     if (sectors == 0) {
         ++sizeQuestions;
-        answer(m_crc == Crc::sizeNotTold ? zvbl::Bytes{nack} : checked(m_crc == Crc::oddSize ? 2000 : sectorSize));
+        answer(m_crc == Crc::sizeNotTold ? zvbl::Bytes{nack} : checked(toldSize()));
         return;
     }
     ++questions;
@@ -115,6 +125,7 @@ std::uint32_t SectorChip::checksum(std::size_t from, std::size_t count) const {
     case Crc::otherPolynomial: return bitwiseCrc(data, count, 0x82F63B78, 0xFFFFFFFF);
     case Crc::otherStart: return bitwiseCrc(data, count, 0xEDB88320, 0);
     case Crc::alwaysTheSame: return 0x12345678;
+    case Crc::spoiltOnce: return bitwiseCrc(data, count, 0xEDB88320, 0xFFFFFFFF) ^ (questions == 1 ? 0x01000100 : 0);
     default: return bitwiseCrc(data, count, 0xEDB88320, 0xFFFFFFFF);
     }
 }

@@ -17,7 +17,10 @@ public:
         otherStart,
         alwaysTheSame,
         notListed,
+        hiddenOnce, // the first list has a damaged byte in its place
+        spoiltOnce, // the first sum has a damaged byte, and fits its check byte all the same
         sizeNotTold,
+        sizeLost,     // the first two answers tell another size
         oddSize,      // a size that no sector has
         refused,      // by a NACK after the opcode
         refusedCount, // by a NACK after the number of sectors, but the size is told
@@ -35,6 +38,7 @@ public:
     std::atomic<int> reads{0};
     std::atomic<int> questions{0}; // for a checksum
     std::atomic<int> sizeQuestions{0};
+    std::atomic<int> lists{0};
 
 private:
     void serve();
@@ -43,6 +47,8 @@ private:
     void serveCrc();
     zvbl::Bytes take(std::size_t count);
     void answer(const zvbl::Bytes &bytes);
+    bool hidesCommand();
+    std::size_t toldSize() const;
     std::uint32_t checksum(std::size_t from, std::size_t count) const;
 
     Pty &m_pty;

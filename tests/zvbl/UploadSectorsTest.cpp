@@ -39,6 +39,49 @@ TEST_F(UploadSectorsTest, AnUploadIsReadTwiceWhereTheChecksumDoesNotCome) {
     EXPECT_TRUE(isRight(0, sector));
 }
 
+// The list of commands has no checksum: a damaged one hides the command, and nothing would vouch for anything.
+TEST_F(UploadSectorsTest, AListThatWasDamagedIsAskedForAgain) {
+    const auto chip = chipWith(Crc::hiddenOnce);
+    chip->damagedReads = {3};
+    EXPECT_EQ(upload(0, sector), 0);
+    EXPECT_EQ(chip->lists, 2);
+    EXPECT_EQ(chip->reads, 2 * packets);
+    EXPECT_TRUE(isRight(0, sector));
+}
+
+TEST_F(UploadSectorsTest, ACommandThatTwoListsDoNotHaveIsNotThere) {
+    const auto chip = chipWith(Crc::notListed);
+    EXPECT_EQ(upload(0, sector), 0);
+    EXPECT_EQ(upload(0, sector), 0);
+    EXPECT_EQ(chip->lists, 2);
+    EXPECT_EQ(chip->questions, 0);
+    EXPECT_EQ(chip->reads, 2 * packets) << "taken as it is";
+}
+
+TEST_F(UploadSectorsTest, ASizeThatWasDamagedIsAskedForAgain) {
+    const auto chip = chipWith(Crc::sizeLost);
+    chip->damagedReads = {3};
+    EXPECT_EQ(upload(0, sector), 0);
+    EXPECT_EQ(chip->sizeQuestions, 3);
+    EXPECT_TRUE(isRight(0, sector));
+}
+
+// It may have been the question that was damaged.
+TEST_F(UploadSectorsTest, WhatIsRefusedIsReadTwice) {
+    const auto chip = chipWith(Crc::refusedCount);
+    chip->damagedReads = {3};
+    EXPECT_EQ(upload(0, sector), 5) << "two readings that differ";
+    EXPECT_EQ(chip->reads, 2 * packets);
+}
+
+TEST_F(UploadSectorsTest, WithoutASizeAllIsReadTwice) {
+    const auto chip = chipWith(Crc::sizeNotTold);
+    chip->damagedReads = {3};
+    EXPECT_EQ(upload(0, 2 * sector), 5) << "two readings that differ";
+    EXPECT_EQ(upload(0, 2 * sector), 0);
+    EXPECT_TRUE(isRight(0, 2 * sector));
+}
+
 TEST_F(UploadSectorsTest, AChipThatDiesIs5ForAnUploadToo) {
     const auto chip = chipWith(Crc::deadly);
     EXPECT_EQ(upload(0, sector), 5);
