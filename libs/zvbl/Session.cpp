@@ -39,7 +39,7 @@ Status Session::open() {
         return status;
     m_parts = std::move(parts);
     m_hasEraseExt = true;
-    m_idLength.reset();
+    m_id.reset();
     m_crc = {};
     return Status::ok;
 }

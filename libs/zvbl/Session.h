@@ -98,6 +98,7 @@ private:
     static bool isWorthAnotherTry(Status status);
 
     Status exchange(const Command &command, Bytes &reply, Tries tries);
+    Status askId(Bytes &id);
     Status command(const Command &command, Tries tries);
     Status transfer(const Command &command, Bytes &reply);
     std::size_t packetSize() const { return m_parts.framing->packetSize(m_packetSize); }
@@ -145,7 +146,7 @@ private:
     std::unique_ptr<Trace> m_trace;
     LinkParts m_parts;
     bool m_hasEraseExt = true; // until GET says otherwise
-    std::optional<std::size_t> m_idLength;
+    std::optional<Bytes> m_id; // the last that was answered
     SectorCrc m_crc;
 };
 

@@ -7,7 +7,7 @@
 namespace zvbl {
 
 Status Session::start(const StartSettings &settings) {
-    m_idLength.reset();
+    m_id.reset();
     return isOpen() ? m_parts.framing->start(settings, m_timeout) : Status::notOpen;
 }
 
@@ -44,18 +44,31 @@ Status Session::getVersion(Version &version) {
 
 // The caller asks twice, for the length and for the bytes, and has room for the length it was told: a
 // chip that answers another one the second time is not believed, nor one whose identifier is none.
-Status Session::getId(Bytes &id) {
+Status Session::askId(Bytes &id) {
     Command get{wire::opGetId};
     get.reply = {true, 0, Reply::End::ack};
     if (const Status status = exchange(get, id, Tries::thrice); status != Status::ok)
         return status;
     const bool isIdentifier = id.size() == wire::shortId || id.size() == wire::longId;
-    if (!isIdentifier || (m_idLength && *m_idLength != id.size())) {
-        m_trace->remark("not an identifier");
-        return Status::noAnswer;
+    if (isIdentifier && (!m_id || m_id->size() == id.size()))
+        return Status::ok;
+    m_trace->remark("not an identifier");
+    return Status::noAnswer;
+}
+
+// On USART an answer has no checksum: two that differ are settled by a third.
+Status Session::getId(Bytes &id) {
+    Status status = askId(id);
+    if (status == Status::ok && m_id && *m_id != id) {
+        m_trace->remark("another identifier than before");
+        const Bytes second = id;
+        status = askId(id);
+        if (status == Status::ok && id != second && id != *m_id)
+            status = Status::noAnswer;
     }
-    m_idLength = id.size();
-    return Status::ok;
+    if (status == Status::ok)
+        m_id = id;
+    return status;
 }
 
 Status Session::exchangeToolVersion() {

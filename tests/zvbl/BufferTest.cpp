@@ -16,6 +16,23 @@ TEST_F(BufferTest, AnIdThatChangesItsLengthIs5) {
     EXPECT_EQ(play({{"02 FD", "79 04 03 47 70 05 07 79"}}, [&] { return ZVBL_GET_ID(link, &length, id); }), 5);
 }
 
+// The caller asks twice anyway, and an answer has no checksum.
+TEST_F(BufferTest, TwoIdentifiersThatDifferAreSettledByAThird) {
+    const Turn right{"02 FD", "79 01 02 42 79"};
+    const Turn wrong{"02 FD", "79 01 02 43 79"};
+    const Turn other{"02 FD", "79 01 02 44 79"};
+    const auto idAfter = [&](const Script &first, const Script &second, int expected) {
+        EXPECT_EQ(Interface_Open(link), 0);
+        BYTE length = 0, id[2] = {};
+        EXPECT_EQ(play(first, [&] { return ZVBL_GET_ID(link, &length, nullptr); }), 0);
+        EXPECT_EQ(play(second, [&] { return ZVBL_GET_ID(link, &length, id); }), expected);
+        return hex(zvbl::Bytes(id, id + 2));
+    };
+    EXPECT_EQ(idAfter({wrong}, {right, right}, 0), "02 42");
+    EXPECT_EQ(idAfter({right}, {wrong, right}, 0), "02 42");
+    EXPECT_EQ(idAfter({right}, {wrong, other}, 5), "00 00");
+}
+
 // A PID, or a PID and a series. The caller's buffer holds no more.
 TEST_F(BufferTest, AnIdentifierOfAnotherLengthIs5AndNothingIsCopied) {
     for (const std::size_t size : {1U, 3U, 4U, 6U, 256U}) {
