@@ -36,3 +36,10 @@ std::string hexOf(const void *bytes, std::size_t length) {
     }
     return text;
 }
+
+std::string bytesOfHex(const std::string &digits) {
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
+        bytes += static_cast<char>(std::stoul(digits.substr(i, 2), nullptr, 16));
+    return bytes;
+}

@@ -11,3 +11,6 @@ bool isHarmless(const std::string &text);
 
 // Lower-case hexadecimal digits of bytes.
 std::string hexOf(const void *bytes, std::size_t length);
+
+// The bytes that pairs of hexadecimal digits stand for. Throws std::exception for what is none.
+std::string bytesOfHex(const std::string &digits);

@@ -17,7 +17,11 @@ ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "programs/", "
 # What the programs beside the console share, and the one that makes units: without Qt, and without the two libraries,
 # which a site may replace by its own. It reads files by the file library's own sources.
 ALLOWED["programs"] = ["programs/"]
-ALLOWED["line"] = ["line/", "programs/", "libs/files/", "device/MapDirectory.h"]
+LINE_ROOMS = ["program", "rehearsal", "approval", "plan", "station", "job", "channel"]
+for i, room in enumerate(LINE_ROOMS):
+    ALLOWED[f"line/{room}"] = [f"line/{below}/" for below in LINE_ROOMS[i:]] + ["programs/", "libs/files/", "device/MapDirectory.h"]
+# Its process that makes one unit is another front end of the jobs, beside the console's.
+ALLOWED["line/unit"] = ["line/unit/", "line/channel/"] + [f"{folder}/" for folder in CONSOLE[1:]]
 ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "device/ImageSuffixes.h", "foundation/LibraryTypes.h"]
 ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h", "foundation/TraceFile.h"]
 
@@ -41,8 +45,6 @@ FLOORS = {
     ],
 }
 
-FLOORS["line"] = [["line/program/"], ["line/approval/"], ["line/plan/"], ["line/station/"], ["line/job/"]]
-
 # Files (a header and its source are one) that may stand in a circle with each other.
 CIRCLES = [
     # The link makes the bootloader control, which asks the link for its type; the contract names both.
@@ -59,6 +61,9 @@ def sources_of(root, folder):
 
 
 def complaints(root):
+    rooms = sorted(path.name for path in (root / "line").iterdir() if path.is_dir())
+    if rooms != sorted(LINE_ROOMS + ["unit"]):
+        yield f"line: the rooms are {rooms}"
     rooms = sorted(path.name for path in (root / "sim").iterdir() if path.is_dir())
     if rooms != sorted(ROOMS):
         yield f"sim: the rooms are {rooms}"
@@ -73,7 +78,7 @@ def complaints(root):
                     yield f"{where} is not for {folder}"
                 if folder in WITHOUT_DESCRIPTORS and kind == "<" and DESCRIPTORS.match(name):
                     yield f"{where}: no file descriptor belongs into {folder}"
-                if kind == "<" and folder not in CONSOLE + ["look"] and re.match(r"Q[A-Z]", name):
+                if kind == "<" and folder not in CONSOLE + ["look", "line/unit"] and re.match(r"Q[A-Z]", name):
                     yield f"{where} is Qt"
 
 

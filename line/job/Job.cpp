@@ -44,6 +44,8 @@ void readImage(Table table, const Directory &directory, Job &job) {
 void readFinish(Table table, Job &job) {
     job.access = table.choiceOr("access", accessWords, Access::leave);
     job.run = table.flagOr("run", false);
+    if (job.run && job.access != Access::leave)
+        table.placeOf("run").refuse("the bootloader of a protected chip starts nothing");
     table.finish();
 }
 

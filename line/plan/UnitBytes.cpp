@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "programs/Status.h"
+#include "programs/Text.h"
 
 namespace {
 
@@ -12,13 +13,6 @@ std::string wordBytes(std::uint32_t word, bool lowestFirst) {
     std::string bytes;
     for (int i = 0; i < 4; ++i)
         bytes += static_cast<char>(word >> bitsOfByte * (lowestFirst ? i : 3 - i));
-    return bytes;
-}
-
-std::string fromHex(const std::string &digits) {
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
-        bytes += static_cast<char>(std::stoul(digits.substr(i, 2), nullptr, 16));
     return bytes;
 }
 
@@ -41,7 +35,7 @@ std::string unitBytes(const UnitDatum &datum, const UnitFacts &facts) {
         return wordBytes(datum.value == UnitValue::time ? seconds : facts.number, datum.form == UnitForm::u32le);
     }
     if (datum.form == UnitForm::hex)
-        return datum.value == UnitValue::uid ? facts.uid : fromHex(datum.text);
+        return datum.value == UnitValue::uid ? facts.uid : bytesOfHex(datum.text);
     std::string text = textOf(datum, facts);
     if (text.size() > datum.size)
         throw Refusal(notMade,

@@ -7,6 +7,9 @@
 
 namespace {
 
+constexpr std::uint32_t wordSize = 4;
+constexpr char blank = '\xFF';
+
 // What a file that could not be taken is told to be.
 std::string reasonOf(files::Status status, const Job &job, const files::InputFile &file) {
     if (status == files::Status::badSuffix)
@@ -75,4 +78,18 @@ Runs unitImageOf(const Job &job, const Runs &image, const UnitFacts &facts) {
     for (const UnitDatum &unit : job.units)
         lay(runs, {unit.at, unitBytes(unit, facts)});
     return runs;
+}
+
+Runs wholeWords(const Runs &runs) {
+    Runs whole;
+    for (const Run &run : runs) {
+        const std::uint32_t first = run.address - run.address % wordSize;
+        if (whole.empty() || whole.back().end() < first)
+            whole.push_back({first, {}});
+        Run &last = whole.back();
+        last.bytes.resize(run.address - last.address, blank); // or takes the filling of the one before away
+        last.bytes += run.bytes;
+        last.bytes.resize((last.bytes.size() + wordSize - 1) / wordSize * wordSize, blank);
+    }
+    return whole;
 }

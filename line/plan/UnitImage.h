@@ -26,3 +26,6 @@ Runs imageOf(const Job &job, const Chip &chip);
 // The image of one unit: that of the job, with the unit's data in it. Throws Refusal, with notMade, for data that have
 // no room.
 Runs unitImageOf(const Job &job, const Runs &image, const UnitFacts &facts);
+
+// The same in whole words of 4 bytes, as chips are written; what a word lacks is FF.
+Runs wholeWords(const Runs &runs);

@@ -1,17 +1,16 @@
 #include "line/program/Work.h"
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "line/approval/Approval.h"
 #include "line/job/Job.h"
 #include "line/plan/Plan.h"
+#include "line/rehearsal/Rehearsal.h"
 #include "line/station/Station.h"
 #include "programs/Status.h"
+#include "programs/Text.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // All that is read before anything is done.
 struct Reading {
@@ -51,6 +50,32 @@ void print(const char *verb, const Reading &reading, bool asJson) {
     std::cout << whole.dump(2) << '\n';
 }
 
+Json recordOf(const Rehearsal &rehearsal, const Outcome &outcome, int status) {
+    Json record = {{"verb", "rehearse"}, {"status", status}, {"result", outcome.passed() ? "pass" : "fail"}};
+    record["cause"] = outcome.passed() ? Json() : Json(outcome.cause);
+    record["text"] = outcome.passed() ? Json() : Json(outcome.text);
+    record["code"] = outcome.code;
+    for (const char *name : {"chip", "pid", "bootloader", "uid"})
+        record[name] = outcome.identified.is_object() ? outcome.identified.at(name) : Json();
+    const bool numbered = !rehearsal.series().empty();
+    record["series"] = numbered ? Json(rehearsal.series()) : Json();
+    record["number"] = numbered ? Json(rehearsal.number()) : Json();
+    record["plan"] = rehearsal.plan.hash;
+    record["ms"] = outcome.milliseconds;
+    return record;
+}
+
+void print(const Rehearsal &rehearsal, const Outcome &outcome) {
+    if (!outcome.passed()) {
+        std::cout << "FAIL " << outcome.cause << ": " << harmless(outcome.text) << '\n';
+        return;
+    }
+    std::cout << "PASS";
+    if (!rehearsal.series().empty())
+        std::cout << " number " << rehearsal.number();
+    std::cout << " uid " << outcome.identified.at("uid").get<std::string>() << '\n';
+}
+
 } // namespace
 
 int check(const Asked &asked) {
@@ -70,4 +95,20 @@ int approve(const Asked &asked) {
     else
         std::cout << "approved " << reading.plan.hash << " in " << reading.station.approved << '\n';
     return allDone;
+}
+
+int rehearse(const Asked &asked) {
+    const Reading reading(asked);
+    const Rehearsal rehearsal{reading.job, reading.plan, reading.image, reading.station, asked.order, asked.keep};
+    const auto tell = [&](const std::string &step) {
+        if (!asked.json)
+            std::cout << step << std::endl;
+    };
+    const Outcome outcome = rehearsal.run(tell);
+    const int status = outcome.passed() ? allDone : notMade;
+    if (asked.json)
+        std::cout << recordOf(rehearsal, outcome, status).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    else
+        print(rehearsal, outcome);
+    return status;
 }

@@ -32,6 +32,11 @@ const Verb verbs[] = {
      [](CLI::App &words, Asked &asked) {
          words.add_option("HASH", asked.hash, "the hash of the plan, as check tells it")->required();
      }},
+    {"rehearse", "make one unit on a simulated chip", rehearse,
+     [](CLI::App &words, Asked &asked) {
+         words.add_option("--order", asked.order, "the order that the unit is for");
+         words.add_option("--keep", asked.keep, "keep the chip's memory in this file, as zv32-sim --state does");
+     }},
 };
 
 void declare(CLI::App &program, const Verb &verb, Asked &asked) {

@@ -22,6 +22,7 @@ What an installation looks like:
   ./lib/pkgconfig/zvbl.pc
   ./lib/pkgconfig/zvfiles.pc
   ./lib/udev/rules.d/70-zv32-isp.rules
+  ./libexec/zv32-unit
   $ diff -r there/share/zv32-isp-console/Map "$ROOT/Map" && echo all maps
   all maps
   $ there/bin/zv32-check-map there/share/zv32-isp-console/Map/*.ZVmap && echo nothing wrong

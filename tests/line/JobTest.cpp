@@ -64,6 +64,7 @@ const Mistake mistakes[] = {
     {"series = \"ZX100\"\nas = \"ascii\"", "series = \"B\"\nas = \"ascii\"", ":15: unit[1].at: takes its number from"},
     {"\"on\"", "\"off\"", ":22: finish.access: is none of"},
     {"false", "\"no\"", ":23: finish.run: must be true or false, and is a text"},
+    {"false", "true", ":23: finish.run: the bootloader of a protected chip starts nothing"},
     {"run = false", "runs = false", ":23: finish.runs: no such key"},
 };
 

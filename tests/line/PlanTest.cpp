@@ -35,7 +35,7 @@ const char *const changes[][2] = {
     {"size = 16", "size = 17"},
     {"\"on\"", "\"high\""},
     {"\"on\"", "\"leave\""},
-    {"false", "true"},
+    {"\"on\"\nrun = false", "\"leave\"\nrun = true"},
 };
 
 } // namespace

@@ -74,3 +74,13 @@ TEST(UnitImageTest, LaysTheDataIntoTheImage) {
         }
     }
 }
+
+TEST(UnitImageTest, FillsWordsUp) {
+    const std::string f(1, '\xFF');
+    const Runs runs = wholeWords({{0x101, "a"}, {0x103, "b"}, {0x104, "cd"}, {0x10A, "efghij"}, {0x200, "klmn"}});
+    ASSERT_EQ(runs.size(), 2u);
+    EXPECT_EQ(runs[0].address, 0x100u);
+    EXPECT_EQ(runs[0].bytes, f + "a" + f + "bcd" + f + f + f + f + "efghij");
+    EXPECT_EQ(runs[1].address, 0x200u);
+    EXPECT_EQ(runs[1].bytes, "klmn");
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+using Json = nlohmann::ordered_json;
+
+// Lines of JSON over a stream socket, between the program and the process that makes a unit. What goes wrong with it is
+// a std::runtime_error.
+class Channel {
+public:
+    // Takes an open descriptor over.
+    explicit Channel(int descriptor) : m_descriptor(descriptor) {}
+    ~Channel();
+    Channel(const Channel &) = delete;
+    Channel &operator=(const Channel &) = delete;
+
+    void send(const Json &message);
+
+    enum class Got { message, end, silence };
+    // The next message, which is an object. Silence when none has come for so many milliseconds; -1 waits for ever.
+    Got receive(Json &message, int milliseconds);
+
+private:
+    bool take(Json &message);
+
+    int m_descriptor;
+    std::string m_read; // and not taken yet
+};

@@ -1,0 +1,100 @@
+#include "line/rehearsal/Attempt.h"
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "line/channel/Messages.h"
+#include "line/rehearsal/Child.h"
+#include "programs/Text.h"
+
+namespace {
+
+// How long a step may be silent. A chip restarts in the last three, and the line is opened again up to five times.
+struct Limit {
+    const char *step;
+    int milliseconds;
+};
+constexpr Limit limits[] = {{"connect", 20000}, {"identify", 60000}, {"erase", 60000}, {"write", 30000},
+                            {"verify", 60000},  {"access", 60000},   {"run", 20000}};
+
+int limitOf(const std::string &step) {
+    for (const Limit &limit : limits)
+        if (step == limit.step)
+            return limit.milliseconds;
+    return limits[0].milliseconds;
+}
+
+Outcome failed(const char *cause, const std::string &text, Outcome outcome) {
+    outcome.cause = cause;
+    outcome.text = text;
+    return outcome;
+}
+
+} // namespace
+
+Json Attempt::order(const std::string &port) const {
+    return {{"do", "make"},
+            {"chip", m_job.chip},
+            {"port", port},
+            {"eraseProtected", m_job.eraseProtected},
+            {"sectors", m_plan.sectors},
+            {"verify", nameOf(m_job.verify)},
+            {"access", nameOf(m_job.access)},
+            {"run", m_job.run}};
+}
+
+void Attempt::go(const Json &identified, Channel &channel) const {
+    Json image = Json::array();
+    for (const Run &run : wholeWords(m_makeImage(bytesOfHex(identified.at("uid").get<std::string>()))))
+        image.push_back({{"at", run.address}, {"bytes", hexOf(run.bytes.data(), run.bytes.size())}});
+    channel.send({{"do", "go"}, {"image", std::move(image)}});
+}
+
+// False at the end.
+bool Attempt::take(const Json &message, Channel &channel, Outcome &outcome) {
+    const std::string event = message.at("event");
+    if (event == "step") {
+        m_step = message.at("step");
+        m_tell(m_step);
+    } else if (event == "identified") {
+        outcome.identified = message;
+        go(message, channel);
+    } else if (event == "end") {
+        outcome.milliseconds = message.at("ms");
+        if (message.at("result") != "pass") {
+            outcome.cause = message.at("cause");
+            outcome.text = message.at("text");
+            outcome.code = message.at("code");
+        }
+        return false;
+    }
+    return true;
+}
+
+Outcome Attempt::run(const std::string &port) {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+        throw std::runtime_error(std::string("no channel to be had: ") + std::strerror(errno));
+    Channel channel(ends[0]);
+    const Child worker(besideUs("../libexec/zv32-unit"), {}, ends[1], channelDescriptor);
+    close(ends[1]);
+    Outcome outcome;
+    try {
+        channel.send(order(port));
+        for (Json message;;) {
+            const Channel::Got got = channel.receive(message, limitOf(m_step));
+            if (got == Channel::Got::silence)
+                return failed("timeout", m_step + ": nothing was heard of it for too long", outcome);
+            if (got == Channel::Got::end)
+                return failed("worker-crash", m_step + ": the process that makes the unit has ended", outcome);
+            if (!take(message, channel, outcome))
+                return outcome;
+        }
+    } catch (const Json::exception &failure) {
+        return failed("worker-crash", failure.what(), outcome);
+    }
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "line/rehearsal/Child.h"
+
+// A simulated chip at a serial port of its own, to the end of the block.
+class SimulatedChip {
+public:
+    // Keeps the chip's memory in a file, unless it has no name. Throws Refusal, with noUnit, where there is none to be
+    // had.
+    SimulatedChip(const std::string &chip, const std::string &keep);
+    ~SimulatedChip();
+
+    const std::string &port() const { return m_port; }
+
+private:
+    std::string m_directory;
+    std::string m_port;
+    std::unique_ptr<Child> m_chip;
+};
