@@ -1,19 +1,21 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests.
 #
-# usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS]
+# usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS|--campaign]
 #   --all     also builds with clang++, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
 #             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
 #   --packages  makes the Debian packages, here and in a bare root, and installs, upgrades and removes them in another;
 #               takes root, and runs no other tests
 #   --fuzz    builds the fuzzers of tests/fuzz and runs them for so many seconds all together, and nothing else
+#   --campaign  runs the programs that find out how reliable the links are, which takes minutes; each prints a table
 set -eu
 cd "$(dirname "$0")"
 
 all=
 kernel=
 fuzz=
+campaign=
 case "${1:-}" in
     "") ;;
     --all) all=yes ;;
@@ -24,7 +26,8 @@ case "${1:-}" in
         exec tests/packaging/installed.sh . build/bare
         ;;
     --fuzz) fuzz=${2:-} ;;
-    *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS]" >&2; exit 2 ;;
+    --campaign) campaign=yes ;;
+    *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS|--campaign]" >&2; exit 2 ;;
 esac
 if [ "${1:-}" = --fuzz ] && ! [[ $fuzz =~ ^[1-9][0-9]*$ ]]; then
     echo "usage: $0 --fuzz SECONDS" >&2
@@ -53,6 +56,17 @@ run() {
 if [ -n "$fuzz" ]; then
     build fuzz --target fuzzers
     exec tests/fuzz/run.sh "$fuzz"
+fi
+
+# Those that --campaign runs: each is a program in build/release/campaign, and fails when it finds a lie.
+if [ -n "$campaign" ]; then
+    build release --target damage-matrix
+    failed=0
+    for program in damage-matrix; do
+        echo "== campaign: $program"
+        "build/release/campaign/$program" || failed=1
+    done
+    exit "$failed"
 fi
 
 build release
