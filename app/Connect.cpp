@@ -70,21 +70,14 @@ bool openLink(const LinkCommand &command, CCom *&obCCom) {
     comManager.SetInterfaceType(command.type);
     if (g_shareParameter.c_portNumber == -1)
         return fail(noPortText);
-    obCCom = keep(
-        std::make_unique<CCom>(g_shareParameter.c_portNumber, command.type, g_shareParameter.str_portName.c_str()));
-    command.setLine(*obCCom);
+    obCCom = keep(makeLink(command));
     return obCCom->Open() == 0 || fail(cannotOpenText);
 }
 
 bool identify(const LinkCommand &command, CCom *obCCom) {
-    CBootLoader *control = obCCom->m_ObBootLoader;
-    obCCom->SetComTimeOut(command.connectTime);
-    command.setBootSwitch(*obCCom);
-    command.setBootLoader(*control);
-    if (control->Connect() != 0)
+    if (startBootloader(command, *obCCom) != 0)
         return failAndClose(std::string(unrecognizedText) + " ", obCCom);
-    // Unsigned, as a number of seconds that is too large has to wrap without a signed overflow.
-    obCCom->SetComTimeOut(static_cast<int>(static_cast<unsigned int>(g_shareParameter.c_timeout) * 1000));
+    CBootLoader *control = obCCom->m_ObBootLoader;
     const CDevice *device = InitDevice(control);
     if (device == nullptr)
         return failAndClose("Init Device Failed!", obCCom);

@@ -1,5 +1,6 @@
 #include "app/LinkCommands.h"
 
+#include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
 #include "link/BootLoader.h"
 #include "link/CCom.h"
@@ -54,3 +55,21 @@ const LinkCommand spiCommand = {OptionId::spi,
                                 // MEANT: the shared record holds CAN's number for SPI as well.
                                 "SPI Connect......", INTERFACE_CAN, INTERFACE_SPI, 2000, setFixedLine, setManual,
                                 [](CBootLoader &control) { control.SetSPISettings(g_shareParameter.ulSPISpeed); }};
+
+std::unique_ptr<CCom> makeLink(const LinkCommand &command) {
+    auto link =
+        std::make_unique<CCom>(g_shareParameter.c_portNumber, command.type, g_shareParameter.str_portName.c_str());
+    command.setLine(*link);
+    return link;
+}
+
+int startBootloader(const LinkCommand &command, CCom &link) {
+    link.SetComTimeOut(command.connectTime);
+    command.setBootSwitch(link);
+    command.setBootLoader(*link.m_ObBootLoader);
+    if (const int result = link.m_ObBootLoader->Connect(); result != CResult::SUCCESS)
+        return result;
+    // Unsigned, as a number of seconds that is too large has to wrap without a signed overflow.
+    link.SetComTimeOut(static_cast<int>(static_cast<unsigned int>(g_shareParameter.c_timeout) * 1000));
+    return CResult::SUCCESS;
+}

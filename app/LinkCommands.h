@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "app/Words.h"
 
 class CBootLoader;
@@ -21,3 +23,10 @@ extern const LinkCommand usartCommand;
 extern const LinkCommand i2cCommand;
 extern const LinkCommand canCommand;
 extern const LinkCommand spiCommand;
+
+// A closed link by the shared record, with its line settings.
+std::unique_ptr<CCom> makeLink(const LinkCommand &command);
+
+// On an open link: brings the bootloader into its command state, and gives it the time limit of the record. A CResult
+// code.
+int startBootloader(const LinkCommand &command, CCom &link);

@@ -2,11 +2,13 @@
 
 #include "look/ImageVerb.h"
 #include "look/LineVerb.h"
+#include "look/doctor/DoctorVerb.h"
 
 const std::vector<Verb> &verbs() {
     static const std::vector<Verb> rows = {
         {"line", "what a line of console words would do, in order", true, declareLine},
         {"image", "what is in image files, and their sums", false, declareImage},
+        {"doctor", "what keeps a port from working, and what to do about it", false, declareDoctor},
     };
     return rows;
 }

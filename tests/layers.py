@@ -12,7 +12,7 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 # What a folder may include, as prefixes of the spelled path.
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
 # The program that only looks stands beside the console, on what does not act.
-WORDS = ["FileNames", "LinkSettings", "OtpFile", "Requests", "Sectors", "SubOptions", "Words"]
+WORDS = ["FileNames", "LinkCommands", "LinkSettings", "OtpFile", "Requests", "Sectors", "SubOptions", "Words"]
 ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "programs/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
 # What the programs beside the console share, and the one that makes units: without Qt, and without the two libraries,
 # which a site may replace by its own. It reads files by the file library's own sources.

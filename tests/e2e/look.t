@@ -102,3 +102,8 @@ A line of the console: nothing behind "--" is a word of ours, and no port is tou
   $ zv32-look line --chip ZV32X -- -dfu
   zv32-look: ZV32X: no map file ./Map/ZV32X.ZVmap that describes a chip
   [2]
+
+A port that is none; tests/e2e/doctor.t has the others.
+
+  $ zv32-look doctor nosuchport | tail -n 1
+  first  /dev/nosuchport, node: plug it in, or take a name of "zv32-look doctor"

@@ -7,10 +7,10 @@ set -eu
 program=$1
 header=$2
 
-# SetCOMSettings to TARGET_SetComIntType set up our side of the line, the next four start the talk with the bootloader,
-# the others ask. ZVBL_SetDtr and ZVBL_SetRts move the lines that reset a chip into its bootloader.
+# SetCOMSettings to TARGET_SetComIntType set up our side of the line, the next five start the talk with the bootloader,
+# as the console does, the others ask. ZVBL_SetDtr and ZVBL_SetRts move the lines that reset a chip into its bootloader.
 looking="SetCOMSettings Interface_Open Interface_Close Interface_is_Open SetTimeOut SetPaketSize TARGET_SetComIntType
-    ZVBL_GetZVDeviceList ZVBL_Init_BL ZVBL_SetSpeed ZVBL_SetDtr ZVBL_SetRts
+    ZVBL_GetZVDeviceList ZVBL_Init_BL ZVBL_ZV32ISP_TOOL ZVBL_SetSpeed ZVBL_SetDtr ZVBL_SetRts
     ZVBL_GET ZVBL_GET_VER_ROPS ZVBL_GET_ID ZVBL_UPLOAD ZVBL_GetFirmwareCRC TARGET_GetFlashSize
     TARGET_GetUserSystemData ZVBL_GetSlibStatus ZVBL_GetSlibStatus_Ex"
 
