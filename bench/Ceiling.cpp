@@ -15,10 +15,15 @@ constexpr double readGroup = 2;
 constexpr double writeBytes = opcode + address + writeGroup + 3 * answer;
 constexpr double readBytes = opcode + address + readGroup + 3 * answer + packet;
 
-// Frames of CAN with 11-bit identifiers take 47 bits and 8 a byte, before stuffing.
-double canBits(double bytes) {
-    const double frames = static_cast<double>((static_cast<int>(bytes) + 7) / 8);
-    return 47 * frames + 8 * bytes;
+// A frame of CAN with an 11-bit identifier: 34 bits and the data, a stuffed bit for every tenth of those, and 13
+// that are never stuffed. Whole frames of 8 bytes, and one for the rest.
+double frameBits(int bytes) {
+    const int stuffable = 34 + 8 * bytes;
+    return stuffable + stuffable / 10 + 13;
+}
+
+double canBits(int bytes) {
+    return bytes / 8 * frameBits(8) + (bytes % 8 > 0 ? frameBits(bytes % 8) : 0);
 }
 
 } // namespace
@@ -43,9 +48,10 @@ Ceiling spiCeiling(double hertz) {
 }
 
 Ceiling canCeiling(double bitsPerSecond) {
-    const double open = 47 + canBits(answer) + canBits(address) + canBits(answer);
-    const double write = open + canBits(writeGroup) + canBits(answer);
-    const double read = open + canBits(readGroup) + canBits(answer) + canBits(packet + 1);
+    const auto bits = [](double bytes) { return canBits(static_cast<int>(bytes)); };
+    const double open = frameBits(0) + bits(answer) + bits(address) + bits(answer);
+    const double write = open + bits(writeGroup) + bits(answer);
+    const double read = open + bits(readGroup) + bits(answer) + bits(packet + 1);
     return {packet * bitsPerSecond / write, packet * bitsPerSecond / read};
 }
 

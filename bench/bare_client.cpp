@@ -1,8 +1,8 @@
 // bare-client PORT BAUD FILE
 //
-// Connects to a chip over USART, erases the sectors for FILE, writes it to 08000000, reads it back and compares.
-// Nothing is repeated and nothing is waited for but the answers: what any programmer has to do at least. The
-// sectors are of 2 KB. Ends with 1 when something else comes than has to.
+// Connects to a chip over USART, erases the sectors for FILE one by one, as the console does, writes it to 08000000,
+// reads it back and compares. Nothing is repeated and nothing is waited for but the answers: what any programmer has
+// to do at least. The sectors are of 2 KB. Ends with 1 when something else comes than has to.
 
 #include <algorithm>
 #include <cerrno>
@@ -99,11 +99,10 @@ void connect() {
 }
 
 void erase(std::size_t sectors) {
-    command(wire::opEraseExt);
-    Bytes group{low((sectors - 1) >> 8), low(sectors - 1)};
-    for (std::size_t i = 0; i < sectors; ++i)
-        group.insert(group.end(), {low(i >> 8), low(i)});
-    askChecked(group);
+    for (std::size_t i = 0; i < sectors; ++i) {
+        command(wire::opEraseExt);
+        askChecked({0, 0, low(i >> 8), low(i)});
+    }
 }
 
 void write(const Bytes &image) {

@@ -30,46 +30,36 @@ struct Row {
     bench::Place place;
     std::vector<std::string> probe; // type, port, baud, rate, speed, kilobytes; PORT is the chip's
     bench::Ceiling ceiling;         // bytes a second
-    double downloadGoal;            // share of the ceiling, 0: none
+    double downloadGoal;            // share of the ceiling
     double uploadGoal;
+    double verifyGoal; // the time of writing and verifying by checksum, of writing alone
 };
 
+// clang-format off
 std::vector<Row> rows() {
     using namespace bench;
     return {
-        {"USART, 115,200 baud",
-         Place::usart,
-         {"0", "PORT", "115200", "0", "0", "64"},
-         usartCeiling(115200),
-         0.98,
-         0.98},
-        {"USART, 1,000,000 baud",
-         Place::usart,
-         {"0", "PORT", "1000000", "0", "0", "256"},
-         usartCeiling(1000000),
-         0.90,
-         0.94},
-        {"I2C, 400,000 Hz", Place::i2c, {"2", "i2c-1", "115200", "0", "0", "64"}, i2cCeiling(400000), 0, 0},
-        {"SPI, 150,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "0", "0", "32"}, spiCeiling(150000), 0, 0},
-        {"SPI, 1,000,000 Hz",
-         Place::spi,
-         {"4", "spidev0.0", "115200", "1000000", "0", "128"},
-         spiCeiling(1000000),
-         0,
-         0},
-        {"CAN adapter, 250,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "0", "32"}, canCeiling(250000), 0, 0},
-        {"CAN adapter, 1,000,000 bit/s",
-         Place::slcan,
-         {"3", "PORT", "115200", "2", "1000000", "64"},
-         canCeiling(1000000),
-         0,
-         0},
-        {"SocketCAN, 250,000 bit/s", Place::can, {"3", "can0", "115200", "2", "0", "32"}, canCeiling(250000), 0, 0},
-        {"USB DFU, full speed", Place::dfu, {"1", "-", "0", "0", "0", "512"}, dfuCeiling(), 0, 0},
+        {"USART, 115,200 baud", Place::usart, {"0", "PORT", "115200", "0", "0", "64"}, usartCeiling(115200),
+         0.98, 0.98, 1.03},
+        {"USART, 1,000,000 baud", Place::usart, {"0", "PORT", "1000000", "0", "0", "256"}, usartCeiling(1000000),
+         0.90, 0.94, 1.03},
+        {"I2C, 400,000 Hz", Place::i2c, {"2", "i2c-1", "115200", "0", "0", "64"}, i2cCeiling(400000),
+         0.86, 0.84, 1.03},
+        {"SPI, 150,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "0", "0", "32"}, spiCeiling(150000),
+         0.94, 0.94, 1.03},
+        {"SPI, 1,000,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "1000000", "0", "128"}, spiCeiling(1000000),
+         0.80, 0.79, 1.03},
+        {"CAN adapter, 250,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "0", "32"}, canCeiling(250000),
+         0.92, 0.95, 1.03},
+        {"CAN adapter, 1,000,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "1000000", "64"},
+         canCeiling(1000000), 0.92, 0.95, 1.03},
+        {"SocketCAN, 250,000 bit/s", Place::can, {"3", "can0", "115200", "2", "0", "32"}, canCeiling(250000),
+         0.84, 0.85, 1.03},
+        // A question takes five transfers, a sector three.
+        {"USB DFU, full speed", Place::dfu, {"1", "-", "0", "0", "0", "512"}, dfuCeiling(), 0.60, 0.80, 1.75},
     };
 }
-
-constexpr double verifyGoal = 1.03;
+// clang-format on
 
 // A whole job of the console, in times of its wire.
 struct JobRow {
@@ -113,17 +103,16 @@ void measure(const Row &row, const std::string &programs, const std::string &lib
 }
 
 void print(const char *what, double rate, double ceiling, double goal) {
-    std::printf("  %s %9.0f B/s of %9.0f %5.1f %%", what, rate, ceiling, 100 * rate / ceiling);
-    if (goal > 0)
-        std::printf(" (%g)%s", 100 * goal, rate >= goal * ceiling ? " ok" : " MISSED");
+    std::printf("  %s %9.0f B/s of %9.0f %5.1f %% (%g)%s", what, rate, ceiling, 100 * rate / ceiling, 100 * goal,
+                rate >= goal * ceiling ? " ok" : " MISSED");
 }
 
 void print(const char *name, const Row &row, const Rates &rates) {
     std::printf("%-29s", name);
     print("download", rates.download, row.ceiling.download, row.downloadGoal);
     print("  upload", rates.upload, row.ceiling.upload, row.uploadGoal);
-    std::printf("  write and verify %.3f of write (%g)%s, by reading %.3f\n", rates.verifiedByCrc, verifyGoal,
-                rates.verifiedByCrc <= verifyGoal ? " ok" : " MISSED", rates.verifiedByReading);
+    std::printf("  write and verify %.3f of write (%g)%s, by reading %.3f\n", rates.verifiedByCrc, row.verifyGoal,
+                rates.verifiedByCrc <= row.verifyGoal ? " ok" : " MISSED", rates.verifiedByReading);
 }
 
 void run(const Row &row, const Options &options) {
