@@ -1,10 +1,15 @@
 #include "look/Unit.h"
 
+#include <algorithm>
+
 #include <QList>
 
 #include "app/LinkCommands.h"
+#include "app/LinkSettings.h"
+#include "app/SubOptions.h"
 #include "link/BootLoader.h"
 #include "link/CCom.h"
+#include "look/Status.h"
 
 namespace {
 
@@ -13,6 +18,25 @@ const LinkCommand *commandOf(OptionId connection) {
         if (command->option == connection)
             return command;
     return nullptr;
+}
+
+// Takes all words of one connection into the shared record.
+OptionId readConnection(std::vector<std::string> &words) {
+    const OptionWord *option = words.empty() ? nullptr : optionWord(words.front());
+    if (option == nullptr || !isConnection(option->id))
+        throw Refusal(badWords, "the words of a link are missing, as in: -com --pn ttyUSB0");
+    std::vector<char *> line;
+    for (std::string &word : words)
+        line.push_back(word.data());
+    const int count = static_cast<int>(line.size());
+    line.push_back(nullptr);
+    int index = 0;
+    loadStartValues();
+    SubOptionWalk walk(count, line.data(), index, SubOptionWalk::leavesLastWord);
+    if ((option->id != OptionId::dfu && !readLinkSettings(walk, option->id)) || index + 1 < count)
+        throw Refusal(badWords, "\"" + words[static_cast<std::size_t>(std::min(std::max(index, 1), count - 1))] +
+                                    "\" is no word of " + words.front());
+    return option->id;
 }
 
 } // namespace
@@ -49,4 +73,16 @@ Unit::~Unit() {
 
 CBootLoader &Unit::control() const {
     return *m_link->m_ObBootLoader;
+}
+
+std::unique_ptr<Unit> unitAt(std::vector<std::string> words) {
+    auto unit = std::make_unique<Unit>(readConnection(words));
+    if (!unit->isOpen())
+        throw Refusal(noUnit, "the port can't be opened: \"zv32-look doctor\" tells why");
+    if (!unit->isThere())
+        throw Refusal(noUnit, "no chip answers: \"zv32-look doctor\" tells why");
+    unit->control().InitDevice();
+    if (unit->control().m_ObDevice == nullptr)
+        throw Refusal(noUnit, "a chip answers that no map file describes");
+    return unit;
 }

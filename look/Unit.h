@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "app/Words.h"
 
@@ -27,3 +29,7 @@ private:
     bool m_isOpen = false;
     int m_result = -1;
 };
+
+// The chip at the link that console words name: "-com --pn ttyUSB0". Throws Refusal: badWords where they are none of a
+// connection, noUnit where no chip answers or it is not known.
+std::unique_ptr<Unit> unitAt(std::vector<std::string> words);

@@ -1,5 +1,6 @@
 #include "look/Verbs.h"
 
+#include "look/ChipVerb.h"
 #include "look/ImageVerb.h"
 #include "look/LineVerb.h"
 #include "look/doctor/DoctorVerb.h"
@@ -8,6 +9,7 @@ const std::vector<Verb> &verbs() {
     static const std::vector<Verb> rows = {
         {"line", "what a line of console words would do, in order", true, declareLine},
         {"image", "what is in image files, and their sums", false, declareImage},
+        {"chip", "who is at a link, and what it allows", false, declareChip},
         {"doctor", "what keeps a port from working, and what to do about it", false, declareDoctor},
     };
     return rows;

@@ -107,3 +107,12 @@ A port that is none; tests/e2e/doctor.t has the others.
 
   $ zv32-look doctor nosuchport | tail -n 1
   first  /dev/nosuchport, node: plug it in, or take a name of "zv32-look doctor"
+
+No link, and no chip; tests/e2e/chip.t has one.
+
+  $ zv32-look chip --crc all
+  zv32-look: the words of a link are missing, as in: -com --pn ttyUSB0
+  [1]
+  $ zv32-look chip -com --pn nosuchport
+  zv32-look: the port can't be opened: "zv32-look doctor" tells why
+  [5]

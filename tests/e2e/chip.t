@@ -1,0 +1,64 @@
+Who is at a link, and what it allows.
+
+  $ . $SETUP
+  $ chip_on ZV32F403A_1024K --spim 0 --log log --verbose
+  $ line -p --eepp 0-3 >/dev/null
+  $ chip_off; rm log; chip_on ZV32F403A_1024K --spim 0 --log log --verbose
+  $ zv32-look chip "${port_words[@]}" --crc 08000000-08000FFF
+  name               ZV32F403A
+  flash              1024 KB
+  pid                70050347
+  bid                1234
+  bootloader         2.1
+  unique identifier  59a1bed7a33c9c89dbbf1bf2
+  access protection  off
+  protected sectors  0-3 (4 sectors)
+  slib               none
+  spim               can be enabled
+  commands           GET, GET_VER_ROPS, GET_ID, READ, GO, WRITE, ERASE_EXT, ERASEPROGRAM_PROTECT, ERASEPROGRAM_PERM_UNPROTECT, ACCESS_PROTECT, ACCESS_PERM_UNPROTECT, FIRMWARE_CRC, ENABLE_BANK3, ZV32_ISP, ENABLE_SLIB, DISABLE_SLIB, GET_SLIB_STATUS, REMAP_ENABLE, RESET_MCU
+  crc-32
+       first      last       crc
+    08000000  08000FFF  F154670A
+
+A range that is no whole sectors, and a word that is none of the link.
+
+  $ zv32-look chip "${port_words[@]}" --crc 08000001-08000FFF
+  zv32-look: --crc 08000001-08000FFF: no whole sectors of the flash, of 2048 bytes each from 08000000 to 080FFFFF
+  [1]
+  $ zv32-look chip "${port_words[@]}" --foo
+  zv32-look: "--foo" is no word of -com
+  [1]
+
+What travelled: nothing that erases, writes, protects or runs.
+
+  $ sed -n 's/^command: //p' log | cut -d' ' -f1 | sort -u
+  FIRMWARE_CRC
+  GET
+  GET_ID
+  GET_SLIB_STATUS
+  GET_VER_ROPS
+  READ
+  TOOL_EXCHANGE
+  USER_DATA_READ
+
+A chip under access protection tells who it is, and no more.
+
+  $ line -p --efap1 >/dev/null
+  $ zv32-look chip "${port_words[@]}" | sed '/^commands/d'
+  name               ZV32F403A
+  flash              1024 KB
+  pid                70050347
+  bid                1234
+  bootloader         2.1
+  unique identifier  the chip refuses to tell
+  access protection  on
+  protected sectors  the chip refuses to tell
+  slib               none
+  spim               can be enabled
+
+Nobody answers.
+
+  $ chip_new ZV32F403A_1024K --fault silence@1
+  $ zv32-look chip "${port_words[@]}" --to 1
+  zv32-look: no chip answers: "zv32-look doctor" tells why
+  [5]
