@@ -11,7 +11,7 @@ tools/install-packages.sh build
 
 echo "== 2 of 4: build; what cmake and the compiler say goes into build/release.log"
 # Not the tests: what they need is not installed here. Any other configuring switches them on again.
-tools/build.sh release -DBUILD_TESTING=OFF --target ZV32_ISP_Console zv32-sim
+tools/build.sh release -DBUILD_TESTING=OFF --target ZV32_ISP_Console zv32-sim zv32-look
 
 chip=
 trap '[ -z "$chip" ] || kill "$chip" 2>/dev/null' EXIT
@@ -47,7 +47,7 @@ echo "equal: $(stat -c %s firmware.bin) bytes, $(sha256sum <firmware.bin | cut -
 cat <<TEXT
 
 == done
-the programs:         $root/build/release/bin (ZV32_ISP_Console, zv32-sim)
+the programs:         $root/build/release/bin (ZV32_ISP_Console, zv32-sim, zv32-look)
 a place to try them:  $work (Map, firmware.hex, firmware.bin)
 
 Next, "A first session" in README.md. It begins with
