@@ -3,6 +3,7 @@
 #include "look/ChipVerb.h"
 #include "look/ImageVerb.h"
 #include "look/LineVerb.h"
+#include "look/OptionsVerb.h"
 #include "look/doctor/DoctorVerb.h"
 
 const std::vector<Verb> &verbs() {
@@ -10,6 +11,7 @@ const std::vector<Verb> &verbs() {
         {"line", "what a line of console words would do, in order", true, declareLine},
         {"image", "what is in image files, and their sums", false, declareImage},
         {"chip", "who is at a link, and what it allows", false, declareChip},
+        {"options", "what option bytes say, of a chip or a file", false, declareOptions},
         {"doctor", "what keeps a port from working, and what to do about it", false, declareDoctor},
     };
     return rows;

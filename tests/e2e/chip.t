@@ -41,6 +41,33 @@ What travelled: nothing that erases, writes, protects or runs.
   TOOL_EXCHANGE
   USER_DATA_READ
 
+Its option bytes, and in what they differ from those of a file.
+
+  $ line -usd --get --fn ./before.bin >/dev/null
+  $ zv32-look options "${port_words[@]}" --diff ./before.bin
+  access protection                   off (A5)
+  protected sectors                   0-3 (4 sectors)
+  watchdog is started by the program  yes
+  no reset at deep sleep              yes
+  no reset at standby                 yes
+  start from bank 1                   yes
+  watchdog runs in deep sleep         no
+  watchdog runs in standby            no
+  RAM parity off                      no
+  bytes in all                        24
+  bytes that are not FF
+    byte  name  value
+       0  FAP      A5
+       1  SSB      FF
+       4  EPP0     FC
+  differs                             no, from ./before.bin
+  $ line -p --depp >/dev/null
+  $ zv32-look options "${port_words[@]}" --diff ./before.bin | tail -n 4
+  differs                             yes, from ./before.bin
+  bytes that differ
+    byte  chip  file
+       4    FF    FC
+
 A chip under access protection tells who it is, and no more.
 
   $ line -p --efap1 >/dev/null
@@ -55,6 +82,10 @@ A chip under access protection tells who it is, and no more.
   protected sectors  the chip refuses to tell
   slib               none
   spim               can be enabled
+
+  $ zv32-look options "${port_words[@]}"
+  zv32-look: the chip refuses to tell: it is under access protection
+  [2]
 
 Nobody answers.
 

@@ -116,3 +116,12 @@ No link, and no chip; tests/e2e/chip.t has one.
   $ zv32-look chip -com --pn nosuchport
   zv32-look: the port can't be opened: "zv32-look doctor" tells why
   [5]
+
+Option bytes of a file.
+
+  $ zv32-look options a.bin
+  zv32-look: options takes the words of a link, or one FILE and --chip NAME
+  [1]
+  $ zv32-look options a.bin --chip ZV32F403A_1024K
+  zv32-look: a.bin: 4 bytes are too few: 48 are needed
+  [2]
