@@ -68,11 +68,14 @@ TEST(ChildTest, EndsWithItsParent) {
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     const pid_t parent = fork();
     if (parent == 0) {
-        new Child("/bin/sleep", {"1000"}, ends[1], STDOUT_FILENO);
-        _exit(0); // without the end of any block
+        char begun;
+        new Child("/bin/sh", {"-c", "echo; exec sleep 1000"}, ends[1], STDOUT_FILENO);
+        _exit(read(ends[0], &begun, 1) == 1 ? 0 : 1); // without the end of any block
     }
     close(ends[1]);
-    waitpid(parent, nullptr, 0);
+    int status = -1;
+    waitpid(parent, &status, 0);
+    EXPECT_EQ(status, 0);
     pollfd ended = {ends[0], POLLIN, 0};
     EXPECT_EQ(poll(&ended, 1, patience), 1); // nobody holds the other end any more
     close(ends[0]);
