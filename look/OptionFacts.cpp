@@ -69,13 +69,14 @@ std::vector<std::vector<Value>> rowsOf(CUserSystemData &data) {
 }
 
 void checkComplements(const ImageRange &range, int length, Section &report) {
-    std::string broken;
+    QList<int> broken;
     for (int i = 0; i < length && static_cast<std::size_t>(2 * i + 1) < range.bytes.size(); ++i)
         if ((range.bytes[static_cast<std::size_t>(2 * i)] ^ range.bytes[static_cast<std::size_t>(2 * i + 1)]) != 0xFF)
-            broken += (broken.empty() ? "" : ", ") + std::to_string(i);
-    if (!broken.empty())
+            broken.append(i);
+    if (!broken.isEmpty())
         report.finding(Mark::warning, "complements",
-                       "bytes " + broken + " do not stand beside their complements: the values alone count");
+                       "bytes " + rangesText(broken) +
+                           " do not stand beside their complements: the values alone count");
 }
 
 int lengthOf(const CDevice &device, int bid) {

@@ -13,7 +13,7 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
 # The program that only looks stands beside the console, on what does not act.
 WORDS = ["FileNames", "LinkCommands", "LinkSettings", "OtpFile", "Requests", "Sectors", "SubOptions", "Words"]
-ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "programs/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
+ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "libs/files/AtomicFile.h", "libs/files/ImageReader.h", "programs/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
 # What the programs beside the console share, and the one that makes units: without Qt, and without the two libraries,
 # which a site may replace by its own. It reads files by the file library's own sources.
 ALLOWED["programs"] = ["programs/"]
@@ -23,7 +23,7 @@ for i, room in enumerate(LINE_ROOMS):
 # Its process that makes one unit is another front end of the jobs, beside the console's.
 ALLOWED["line/unit"] = ["line/unit/", "line/channel/"] + [f"{folder}/" for folder in CONSOLE[1:]]
 ALLOWED["libs/files"] = ["libs/files/", "device/FilesInc.h", "device/ImageSuffixes.h", "foundation/LibraryTypes.h"]
-ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h", "foundation/TraceFile.h"]
+ALLOWED["libs/zvbl"] = ["libs/zvbl/", "link/ZVBLLIB.h", "foundation/LibraryTypes.h", "foundation/Crc32.h", "foundation/TraceFile.h"]
 
 # The rooms of the simulated chip, the upper ones first.
 ROOMS = ["program", "ports", "links", "bootloader", "chip"]

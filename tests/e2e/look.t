@@ -27,30 +27,15 @@ One set of facts, as text and as JSON.
   $ printf 'abcd' >a.bin
   $ zv32-look image a.bin
   a.bin
+    format   binary
     size     4 bytes
     sha-256  88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589
+    data     4 bytes
     ranges
-         first      last  bytes
-      08000000  08000003      4
-  $ zv32-look image --json a.bin
-  {
-    "verb": "image",
-    "status": 0,
-    "files": [
-      {
-        "title": "a.bin",
-        "size": 4,
-        "sha256": "88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589",
-        "ranges": [
-          {
-            "first": 134217728,
-            "last": 134217731,
-            "bytes": 4
-          }
-        ]
-      }
-    ]
-  }
+         first      last  bytes  gap in front    crc-32  where
+      08000000  08000003      4             0  ED82CD11  flash
+  $ zv32-look image --json a.bin | tr -d ' \n'
+  {"verb":"image","status":0,"files":[{"title":"a.bin","format":"binary","size":4,"sha256":"88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589","data":4,"ranges":[{"first":134217728,"last":134217731,"bytes":4,"gapInFront":0,"crc32":3984772369,"where":"flash"}]}]} (no-eol)
 
 Colours are for a terminal alone, and for nobody who does not want them.
 
@@ -124,4 +109,18 @@ Option bytes of a file.
   [1]
   $ zv32-look options a.bin --chip ZV32F403A_1024K
   zv32-look: a.bin: 4 bytes are too few: 48 are needed
+  [2]
+
+An image that is one and does not fit, files of OTP data that are none.
+
+  $ srec_cat -generate 0x08040000 0x08040010 -constant 1 -o far.hex -intel
+  $ zv32-look image far.hex --chip ZV32M412_256K | tail -n 1
+    error    08040000-0804000F is not inside of ZV32M412_256K
+  $ zv32-look image far.hex --chip ZV32M412_256K >/dev/null
+  [9]
+  $ zv32-look otp
+  zv32-look: otp: give either FILE, or --pack TABLE and -o FILE
+  [1]
+  $ zv32-look otp --pack a.bin -o a.zvtp
+  zv32-look: a.bin: line 1: a line begins with the number of a block, not with "abcd"
   [2]

@@ -1,9 +1,12 @@
-#include "libs/zvbl/Crc32.h"
+#pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 
-namespace zvbl {
-namespace {
+// CRC-32 of IEEE 802.3, which FIRMWARE_CRC answers and other programs print of a file.
+
+namespace crc32tables {
 
 constexpr std::uint32_t polynomial = 0xEDB88320; // 04C11DB7, lowest bit first
 
@@ -20,13 +23,11 @@ constexpr std::array<std::uint32_t, 256> makeTable() {
 
 constexpr std::array<std::uint32_t, 256> table = makeTable();
 
-} // namespace
+} // namespace crc32tables
 
-std::uint32_t crc32(const std::uint8_t *data, std::size_t length) {
+inline std::uint32_t crc32(const std::uint8_t *data, std::size_t length) {
     std::uint32_t crc = 0xFFFFFFFF;
     for (std::size_t i = 0; i < length; ++i)
-        crc = table[(crc ^ data[i]) & 0xFF] ^ crc >> 8;
+        crc = crc32tables::table[(crc ^ data[i]) & 0xFF] ^ crc >> 8;
     return ~crc;
 }
-
-} // namespace zvbl
