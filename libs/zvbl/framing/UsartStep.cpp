@@ -74,10 +74,15 @@ Status UsartFraming::getInStep() {
             status = probe(m_timeout, m_timing.quiet, heard);
         if (status != Status::ok)
             return status == Status::noAnswer ? Status::outOfStep : status;
-        // An ACK may come from a chip that was reset, or be a late one: only a NACK after all else tells.
         if (heard.back() == wire::nack) {
             m_step = Step::kept;
             return Status::ok;
+        }
+        // Nobody knows what a chip has been through that opens anew: bytes that it took for commands, perhaps. An
+        // ACK that comes later is a late one.
+        if (heard == Bytes{wire::ack} && m_lastHeard - m_lastSent <= m_timing.quiet + m_port.characterTime()) {
+            m_trace.remark("the chip has been reset");
+            return Status::outOfStep;
         }
     }
     return Status::outOfStep;
