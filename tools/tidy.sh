@@ -3,11 +3,11 @@
 # there: cmake --preset clang
 #
 # usage: tools/tidy.sh [FILE...]
-#   FILE  without one, every .cpp file of the console, the libraries and the simulated chip
+#   FILE  without one, every .cpp file of the programs, the libraries and the simulated chip
 set -eu
 cd "$(dirname "$0")/.."
 
-[ $# -gt 0 ] || mapfile -t files < <(find app device files foundation libs link operations sim usersystemdata -name '*.cpp' | sort)
+[ $# -gt 0 ] || mapfile -t files < <(find app device files foundation libs line link look operations programs sim usersystemdata -name '*.cpp' | sort)
 [ $# -eq 0 ] || files=("$@")
 
 # How many warnings of system headers were passed over is of no interest.
