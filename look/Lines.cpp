@@ -61,9 +61,8 @@ void Lines::marked(Mark mark, const std::string &name, const std::string &text, 
 void Lines::table(const std::string &name, const std::vector<std::string> &columns,
                   const std::vector<std::vector<Value>> &rows) {
     line(m_indentation, name);
-    std::vector<std::size_t> widths;
-    for (const std::string &column : columns)
-        widths.push_back(columnsOf(column));
+    std::vector<std::size_t> widths(columns.size());
+    std::transform(columns.begin(), columns.end(), widths.begin(), columnsOf);
     for (const std::vector<Value> &row : rows)
         for (std::size_t i = 0; i < widths.size(); ++i)
             widths[i] = std::max(widths[i], columnsOf(row[i].text));

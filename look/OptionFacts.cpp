@@ -1,5 +1,6 @@
 #include "look/OptionFacts.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "device/Device.h"
@@ -70,9 +71,10 @@ std::vector<std::vector<Value>> rowsOf(CUserSystemData &data) {
 
 void checkComplements(const ImageRange &range, int length, Section &report) {
     QList<int> broken;
-    for (int i = 0; i < length && static_cast<std::size_t>(2 * i + 1) < range.bytes.size(); ++i)
-        if ((range.bytes[static_cast<std::size_t>(2 * i)] ^ range.bytes[static_cast<std::size_t>(2 * i + 1)]) != 0xFF)
-            broken.append(i);
+    const std::size_t pairs = std::min(range.bytes.size() / 2, static_cast<std::size_t>(length));
+    for (std::size_t i = 0; i < pairs; ++i)
+        if ((range.bytes[2 * i] ^ range.bytes[2 * i + 1]) != 0xFF)
+            broken.append(static_cast<int>(i));
     if (!broken.isEmpty())
         report.finding(Mark::warning, "complements",
                        "bytes " + rangesText(broken) +

@@ -25,11 +25,9 @@ OptionId readConnection(std::vector<std::string> &words) {
     const OptionWord *option = words.empty() ? nullptr : optionWord(words.front());
     if (option == nullptr || !isConnection(option->id))
         throw Refusal(badWords, "the words of a link are missing, as in: -com --pn ttyUSB0");
-    std::vector<char *> line;
-    for (std::string &word : words)
-        line.push_back(word.data());
-    const int count = static_cast<int>(line.size());
-    line.push_back(nullptr);
+    const int count = static_cast<int>(words.size());
+    std::vector<char *> line(words.size() + 1, nullptr);
+    std::transform(words.begin(), words.end(), line.begin(), [](std::string &word) { return word.data(); });
     int index = 0;
     loadStartValues();
     SubOptionWalk walk(count, line.data(), index, SubOptionWalk::leavesLastWord);

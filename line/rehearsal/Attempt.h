@@ -9,6 +9,7 @@
 #include "line/plan/UnitImage.h"
 
 // How an attempt at a unit ended.
+// NOLINTNEXTLINE(bugprone-exception-escape): the move of Json says that it throws nothing, and calls what could
 struct Outcome {
     std::string cause; // empty where it passed
     std::string text;

@@ -72,7 +72,10 @@ CanErrors::CanErrors(const std::string &name) : m_socket(canSocket()) {
     sockaddr_can address{};
     address.can_family = AF_CAN;
     address.can_ifindex = static_cast<int>(if_nametoindex(name.c_str()));
-    bind(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address);
+    if (bind(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0)
+        return;
+    close(m_socket);
+    m_socket = -1;
 }
 
 CanErrors::~CanErrors() {
