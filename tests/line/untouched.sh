@@ -17,9 +17,10 @@ for file in fw.bin device.bin fifo.bin; do
     strace -f -o trace -e trace=desc,file,network "$1" check job.toml >told 2>&1 || status=$?
     [ "$status" = "$([ $file = fw.bin ] && echo 0 || echo 2)" ] || { cat told; exit 1; }
     grep -q 'job.toml' trace || { echo "nothing traced"; exit 1; }
-    # Only the answer is written.
+    # Only the answer is written. A sanitizer looks at memory by writing it into a pipe of its own.
+    pipes=$(sed -nE 's/.*pipe2?\(\[[0-9]+, ([0-9]+)\].*/|\1/p' trace | sort -u | tr -d '\n')
     if grep -E 'O_(WRONLY|RDWR|CREAT|TRUNC)|/dev/|open.*(device|fifo)\.bin|socket|unlink|rename|mkdir|creat\(|f?chmod|ftruncate' trace ||
-        grep -E '\bp?writev?[0-9]*\(' trace | grep -vE 'write\([12],'; then
+        grep -E '\bp?writev?[0-9]*\(' trace | grep -vE "write\((1|2$pipes),"; then
         exit 1
     fi
 done

@@ -12,12 +12,6 @@ std::string mapFile(const std::string &pid, const std::string &serial, const std
            "\n[Sector0]\nSize=" + size + "\n";
 }
 
-// A description that takes its map with it.
-struct Described : CZV32F4Device {
-    using CZV32F4Device::CZV32F4Device;
-    ~Described() { delete m_CMapping; }
-};
-
 TEST(Device, ABareDescriptionIsZeroAndEmpty) {
     const CDevice device;
     EXPECT_EQ(device.m_CMapping, nullptr);

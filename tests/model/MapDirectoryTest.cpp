@@ -43,7 +43,7 @@ TEST(MapDirectory, ADescriptionTakesFileAndSectorsFromThere) {
     workplace.write("maps/X_8K.ZVmap", "");
     FilesDouble files(workplace, "map sectors=4 size=2048 packet=250\n");
     const NamedMaps named(workplace.path("maps"));
-    const CZV32F4Device device("70050000", "02", 8);
+    const Described device("70050000", "02", 8);
     EXPECT_EQ(device.m_StrName, "X");
     const std::string call = "FILES_GetMemoryMapping path=" + workplace.path("maps/X_8K.ZVmap") + " mapping=";
     EXPECT_EQ(files.calls(), (std::vector<std::string>{call + "null -> 0", call + "set -> 0"}));

@@ -42,7 +42,7 @@ TEST(MapText, PlainMapsReadAsQtReadsThem) {
         const std::optional<MapIdentity> plain = ReadPlainMap("Map/a.ZVmap");
         ASSERT_TRUE(plain) << text;
         const QString file = QStringLiteral("./Map/a.ZVmap");
-        CZV32F4Device reader;
+        Described reader;
         EXPECT_EQ(plain->pid, reader.ZVmapReadValue("Product", "PID", file).toStdString()) << text;
         EXPECT_EQ(plain->serial, reader.ZVmapReadValue("Product", "Serial", file).toStdString()) << text;
     }

@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "device/Device.h"
+
 // A directory of its own that is the working directory, with an empty Map/, until it goes out of scope.
 class Workplace {
 public:
@@ -32,6 +34,12 @@ public:
 private:
     std::filesystem::path m_before;
     std::filesystem::path m_directory;
+};
+
+// A description that takes its map with it.
+struct Described : CZV32F4Device {
+    using CZV32F4Device::CZV32F4Device;
+    ~Described() { delete m_CMapping; }
 };
 
 // The file library's double: its script and what it recorded.
