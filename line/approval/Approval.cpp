@@ -44,6 +44,10 @@ void write(const std::string &path, const std::string &text) {
 
 } // namespace
 
+bool needsApproval(const Station &station, const Plan &plan) {
+    return plan.irreversible || station.approval == ApprovalRule::always;
+}
+
 bool isApproved(const std::string &directory, const Plan &plan) {
     const std::string path = directory + '/' + plan.hash;
     if (!isRootsDirectory(directory) || !isRootsFile(path))

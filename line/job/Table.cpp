@@ -89,6 +89,23 @@ bool Table::flag(const std::string &key) {
     return value->get();
 }
 
+std::vector<std::string> Table::texts(const std::string &key) {
+    const toml::node &found = node(key);
+    const toml::array *list = found.as_array();
+    if (list == nullptr)
+        refuseKind(placeOf(key), "a list of texts", found);
+    std::vector<std::string> all;
+    for (const toml::node &one : *list) {
+        const auto *value = one.as_string();
+        if (value == nullptr)
+            refuseKind(placeOf(key), "a list of texts", one);
+        if (!isHarmless(value->get()))
+            placeOf(key).refuse("holds control characters");
+        all.push_back(value->get());
+    }
+    return all;
+}
+
 Table Table::table(const std::string &key) {
     const toml::node &found = node(key);
     if (!found.is_table())

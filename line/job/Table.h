@@ -32,6 +32,8 @@ public:
     std::string text(const std::string &key);
     std::int64_t number(const std::string &key, std::int64_t lowest, std::int64_t highest);
     bool flag(const std::string &key);
+    // A list of texts, which may be empty itself and hold empty ones, without control characters.
+    std::vector<std::string> texts(const std::string &key);
 
     // The value of the name that the text is.
     template <typename Choice>

@@ -30,7 +30,7 @@ struct Reading {
 };
 
 std::string approvalOf(const Reading &reading) {
-    if (!reading.plan.irreversible)
+    if (!needsApproval(reading.station, reading.plan))
         return "not needed";
     return isApproved(reading.station.approved, reading.plan) ? "given" : "missing";
 }

@@ -92,6 +92,14 @@ What can't be undone needs the approval of exactly this plan, by root.
     "hash": "HASH",
     "approval": "given",
 
+Where the station says so, what can be undone needs one too.
+
+  $ station one | sed '2a approval = "always"' >always.toml
+  $ job on >plain.toml
+  $ for file in one always; do zv32-line check plain.toml --station $file.toml | sed -n 's/^approval *//p'; done
+  not needed
+  missing
+
 Another plan is not approved by it, nor is one whose approval somebody else could have written.
 
   $ printf abce >fw.bin
