@@ -122,6 +122,9 @@ public:
     // Writes m_ObUserSystemData, reading it first if there is none, and reconnects. MEANT: whether the chip
     // comes back is not looked at.
     int SetUserSystemData();
+    // The compact form as the chip holds it, gaps included. After a write the chip restarts: Reconnect comes next.
+    int ReadOptionBytes(std::vector<BYTE> &block);
+    int WriteOptionBytes(std::vector<BYTE> &block);
     // Element form, 4096 bytes, to and from a file or a buffer. ...ExceptFAP keep the access protection byte
     // that the chip holds.
     int SaveUserSystemDatatoFile(std::string path);
@@ -166,8 +169,6 @@ private:
     BYTE startCan();
     // The PID, flash size and series texts that a device description is asked for by.
     int identify(std::string &pid, std::string &series, int &flashSize);
-    // Reads the compact form into a block of its own.
-    int readOptionBytes(std::vector<BYTE> &block);
     int ensureUserSystemData();
     int openUserSystemDataFile(const std::string &path, PIMAGEELEMENT &element);
     int takeElement(PIMAGEELEMENT element);

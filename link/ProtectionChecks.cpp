@@ -39,7 +39,7 @@ int CBootLoader::GetAccessProtectiosStatus(bool *protectedFlag) {
         return CResult::PROGRAM_INPUT_PARAMS_ERROR;
     *protectedFlag = true;
     std::vector<BYTE> block;
-    const int result = m_ObDevice != nullptr ? readOptionBytes(block) : probeFlashSizeRegister();
+    const int result = m_ObDevice != nullptr ? ReadOptionBytes(block) : probeFlashSizeRegister();
     if (isRefusal(result))
         return CResult::SUCCESS;
     if (result == CResult::SUCCESS)
@@ -66,7 +66,7 @@ int CBootLoader::HasBeenEraseProgramProtect(QList<int> sectors) {
     if (m_ObDevice == nullptr)
         return CResult::UNKNOWN_ERROR;
     std::vector<BYTE> block;
-    const int result = readOptionBytes(block);
+    const int result = ReadOptionBytes(block);
     if (isRefusal(result))
         return CResult::SYS_ACCESS_PROTECTION;
     if (result != CResult::SUCCESS)

@@ -24,7 +24,7 @@ bool isElementLength(DWORD length) {
 
 } // namespace
 
-int CBootLoader::readOptionBytes(std::vector<BYTE> &block) {
+int CBootLoader::ReadOptionBytes(std::vector<BYTE> &block) {
     const int length = CUserSystemData::GetUserSystemDataLength(seriesOf(*m_ObDevice), m_BID,
                                                                 static_cast<int>(m_ObDevice->m_ISectorSize));
     block.assign(static_cast<size_t>(length), 0xFF);
@@ -33,11 +33,21 @@ int CBootLoader::readOptionBytes(std::vector<BYTE> &block) {
     return CResult::Convert(status);
 }
 
+int CBootLoader::WriteOptionBytes(std::vector<BYTE> &block) {
+    if (m_ObDevice == nullptr)
+        return CResult::UNKNOWN_ERROR;
+    int status = TARGET_SetUserSystemData(m_handle, m_ObDevice->m_UiUserSystemDataAddress, block.data(),
+                                          static_cast<unsigned int>(block.size()));
+    if (status == 0 && familyOf(*m_ObDevice).has(resetsForOptions))
+        status = ZVBL_ResetMCU(m_handle);
+    return CResult::Convert(status);
+}
+
 int CBootLoader::GetUserSystemData() {
     if (m_ObDevice == nullptr)
         return CResult::UNKNOWN_ERROR;
     std::vector<BYTE> block;
-    const int result = readOptionBytes(block);
+    const int result = ReadOptionBytes(block);
     if (result != CResult::SUCCESS)
         return result;
     const auto length = static_cast<quint32>(block.size());
@@ -58,12 +68,11 @@ int CBootLoader::SetUserSystemData() {
         return CResult::UNKNOWN_ERROR;
     BYTE *bytes = nullptr;
     const quint32 length = m_ObUserSystemData->Get(bytes);
-    const std::unique_ptr<BYTE[]> block(bytes);
-    int status = TARGET_SetUserSystemData(m_handle, m_ObDevice->m_UiUserSystemDataAddress, bytes, length);
-    if (status == 0 && familyOf(*m_ObDevice).has(resetsForOptions))
-        status = ZVBL_ResetMCU(m_handle);
-    if (status != 0)
-        return CResult::Convert(status);
+    const std::unique_ptr<BYTE[]> owned(bytes);
+    std::vector<BYTE> block(bytes, bytes + length);
+    const int result = WriteOptionBytes(block);
+    if (result != CResult::SUCCESS)
+        return result;
     reopenAfterReset(m_handle);
     waitForBootloader();
     Connect();

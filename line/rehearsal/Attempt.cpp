@@ -13,13 +13,14 @@
 
 namespace {
 
-// How long a step may be silent. A chip restarts in the last three, and the line is opened again up to five times.
+// How long a step may be silent. A chip restarts after verify, and the line is opened again up to five times.
 struct Limit {
     const char *step;
     int milliseconds;
 };
-constexpr Limit limits[] = {{"connect", 20000}, {"identify", 60000}, {"erase", 60000}, {"write", 30000},
-                            {"verify", 60000},  {"access", 60000},   {"run", 20000}};
+constexpr Limit limits[] = {{"connect", 20000}, {"identify", 60000}, {"erase", 60000},   {"write", 30000},
+                            {"verify", 60000},  {"options", 60000},  {"protect", 60000}, {"otp", 60000},
+                            {"access", 60000},  {"run", 20000}};
 
 int limitOf(const std::string &step) {
     for (const Limit &limit : limits)
@@ -36,13 +37,16 @@ Outcome failed(const char *cause, const std::string &text, Outcome outcome) {
 
 } // namespace
 
-Json Attempt::order(const std::string &port) const {
+Json Attempt::order(const Json &link) const {
     return {{"do", "make"},
             {"chip", m_job.chip},
-            {"port", port},
+            {"link", link},
             {"eraseProtected", m_job.eraseProtected},
             {"sectors", m_plan.sectors},
             {"verify", nameOf(m_job.verify)},
+            {"options", Json::object()},
+            {"protect", Json::array()},
+            {"otp", Json::array()},
             {"access", nameOf(m_job.access)},
             {"run", m_job.run}};
 }
@@ -63,6 +67,8 @@ bool Attempt::take(const Json &message, Channel &channel, Outcome &outcome) {
     } else if (event == "identified") {
         outcome.identified = message;
         go(message, channel);
+    } else if (event == "irreversible") {
+        channel.send({{"do", "burn"}}); // a simulated chip can be thrown away
     } else if (event == "end") {
         outcome.milliseconds = message.at("ms");
         if (message.at("result") != "pass") {
@@ -75,7 +81,7 @@ bool Attempt::take(const Json &message, Channel &channel, Outcome &outcome) {
     return true;
 }
 
-Outcome Attempt::run(const std::string &port) {
+Outcome Attempt::run(const Json &link) {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         throw std::runtime_error(std::string("no channel to be had: ") + std::strerror(errno));
@@ -84,7 +90,7 @@ Outcome Attempt::run(const std::string &port) {
     close(ends[1]);
     Outcome outcome;
     try {
-        channel.send(order(port));
+        channel.send(order(link));
         for (Json message;;) {
             const Channel::Got got = channel.receive(message, limitOf(m_step));
             if (got == Channel::Got::silence)

@@ -30,11 +30,11 @@ public:
     Attempt(const Job &job, const Plan &plan, MakeImage makeImage, Tell tell)
         : m_job(job), m_plan(plan), m_makeImage(std::move(makeImage)), m_tell(std::move(tell)) {}
 
-    // At a port. Refusal of makeImage goes through.
-    Outcome run(const std::string &port);
+    // At a link, as Messages.h tells of it. Refusal of makeImage goes through.
+    Outcome run(const Json &link);
 
 private:
-    Json order(const std::string &port) const;
+    Json order(const Json &link) const;
     bool take(const Json &message, Channel &channel, Outcome &outcome);
     void go(const Json &identified, Channel &channel) const;
 

@@ -21,5 +21,5 @@ Outcome Rehearsal::run(const Attempt::Tell &tell) const {
         return unitImageOf(job, image, {number(), uid, std::time(nullptr), order});
     };
     const SimulatedChip chip(job.chip, keep);
-    return Attempt(job, plan, imageOfUnit, tell).run(chip.port());
+    return Attempt(job, plan, imageOfUnit, tell).run({{"kind", "usart"}, {"port", chip.port()}});
 }

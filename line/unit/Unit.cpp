@@ -1,91 +1,73 @@
 #include "line/unit/Unit.h"
 
-#include <chrono>
 #include <cstdlib>
-
-#include <unistd.h>
 
 #include "device/Families.h"
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
+#include "line/unit/Connection.h"
+#include "line/unit/Failure.h"
 #include "line/unit/MemoryImage.h"
-#include "line/unit/Percent.h"
+#include "link/AccessProtection.h"
 #include "link/BootLoader.h"
 #include "operations/Operation.h"
 
 namespace {
 
-constexpr int connectMilliseconds = 1000;
-constexpr int replyMilliseconds = 5000;
 constexpr int uidBytes = 12;
 constexpr BYTE basicLevel = 1;
 constexpr BYTE highLevel = 2;
 
-void require(int result, const char *cause) {
-    if (result != CResult::SUCCESS)
-        throw Failure(cause, result);
+std::string hexText(const void *bytes, std::size_t length) {
+    return QByteArray(static_cast<const char *>(bytes), static_cast<int>(length)).toHex().toStdString();
+}
+
+Json hexOrNull(const std::vector<BYTE> &bytes) {
+    return bytes.empty() ? Json() : Json(hexText(bytes.data(), bytes.size()));
 }
 
 } // namespace
 
-Failure::Failure(const char *why, int result)
-    : std::runtime_error(CResult::GetInfoStringName(result)), cause(why), code(result) {}
-
-Unit::Unit(Channel &channel, Json order) : m_channel(channel), m_order(std::move(order)) {}
+Unit::Unit(Channel &channel, Json order) : m_order(std::move(order)), m_dialogue(channel) {}
 
 Unit::~Unit() = default;
-
-template <typename Work>
-void Unit::step(const char *name, Work work) {
-    m_channel.send({{"event", "step"}, {"step", name}});
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    const auto time = std::chrono::steady_clock::now() - begin;
-    m_milliseconds[name] = std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
-}
 
 void Unit::make() {
     Json end = {{"event", "end"}, {"result", "pass"}};
     try {
         steps();
+    } catch (const Stopped &) {
+        end["result"] = "interrupted";
     } catch (const Failure &failure) {
         end["result"] = "fail";
         end["cause"] = failure.cause;
         end["code"] = failure.code;
         end["text"] = failure.what();
     }
-    end["ms"] = m_milliseconds;
-    m_channel.send(end);
+    end["ms"] = m_dialogue.times();
+    end["verified"] = m_isVerified;
+    end["options"] = {{"before", hexOrNull(m_optionsBefore)}, {"after", hexOrNull(m_optionsAfter)}};
+    m_dialogue.tell(end);
 }
 
 void Unit::steps() {
-    step("connect", [&] { connect(); });
-    step("identify", [&] { identify(); });
+    m_dialogue.step("connect", [&] { connect(); });
+    m_dialogue.step("identify", [&] { identify(); });
     const Json go = waitForGo();
     CDownload job(m_control);
-    step("erase", [&] { erase(); });
-    step("write", [&] { write(job, go.at("image")); });
-    step("verify", [&] { verify(job); });
+    m_dialogue.step("erase", [&] { erase(); });
+    m_dialogue.step("write", [&] { write(job, go.at("image")); });
+    m_dialogue.step("verify", [&] { verify(job); });
+    burn();
     if (m_order.at("access") != "leave")
-        step("access", [&] { protect(); });
+        m_dialogue.wholeStep("access", [&] { protectAccess(); });
     if (m_order.at("run").get<bool>())
-        step("run", [&] { start(); });
+        m_dialogue.step("run", [&] { start(); });
 }
 
 void Unit::connect() {
-    const std::string port = m_order.at("port");
-    if (access(port.c_str(), F_OK) != 0)
-        throw Failure("no-port", port + " is not there");
-    if (access(port.c_str(), R_OK | W_OK) != 0)
-        throw Failure("permission", port + " may not be opened");
-    CComManager().SetInterfaceType(INTERFACE_USART);
-    g_shareParameter.m_InterfaceType = INTERFACE_USART;
-    m_link = std::make_unique<CCom>(1, INTERFACE_USART, port.c_str());
-    require(m_link->Open(), "port-busy");
+    m_link = connectionTo(m_order.at("link"));
     m_control = m_link->m_ObBootLoader;
-    m_link->SetComTimeOut(connectMilliseconds);
-    require(m_control->Connect(), "no-answer");
-    m_link->SetComTimeOut(replyMilliseconds);
 }
 
 void Unit::identify() {
@@ -101,34 +83,38 @@ void Unit::identify() {
     require(m_control->GetVersion(version, block), "link-lost");
     BYTE uid[uidBytes];
     require(m_control->GetUID(uid), "link-lost");
-    const QByteArray digits = QByteArray(reinterpret_cast<const char *>(uid), uidBytes).toHex();
-    m_channel.send({{"event", "identified"},
-                    {"chip", device->m_StrTarget},
-                    {"pid", device->m_StrPID},
-                    {"bootloader", version},
-                    {"uid", digits.toStdString()}});
+    m_dialogue.tell({{"event", "identified"},
+                     {"chip", device->m_StrTarget},
+                     {"pid", device->m_StrPID},
+                     {"bootloader", version},
+                     {"uid", hexText(uid, uidBytes)}});
 }
 
 void Unit::openProtected() {
-    bool isProtected = true;
-    require(m_control->GetAccessProtectiosStatus(&isProtected), "link-lost");
-    if (!isProtected)
-        return;
-    if (!m_order.at("eraseProtected").get<bool>())
-        throw Failure("protected", CResult::SYS_ACCESS_PROTECTION);
-    require(m_control->ReadoutUnProtectNoThread(), "access");
+    int result = m_control->ReadOptionBytes(m_optionsBefore);
+    const bool isProtected =
+        isRefusal(result) || (result == CResult::SUCCESS && m_optionsBefore.front() != accessProtectionOff);
+    if (isProtected) {
+        m_optionsBefore.clear();
+        if (!m_order.at("eraseProtected").get<bool>())
+            throw Failure("protected", CResult::SYS_ACCESS_PROTECTION);
+        require(m_control->ReadoutUnProtectNoThread(), "access");
+        result = m_control->ReadOptionBytes(m_optionsBefore);
+    }
+    require(result, "link-lost");
+    m_optionsAfter = m_optionsBefore;
 }
 
 Json Unit::waitForGo() {
     Json go;
-    if (m_channel.receive(go, -1) != Channel::Got::message || go.at("do") != "go")
+    if (!m_dialogue.hears("go", go))
         throw Failure("not-allowed", "it may not be made");
     return go;
 }
 
 void Unit::run(COperation &job, const char *cause) {
     job.SetSubOperation(true); // on this thread, and its failure comes back
-    percent::tellOf(job, m_channel);
+    m_dialogue.follow(job);
     require(job.Start(), cause);
 }
 
@@ -143,27 +129,52 @@ void Unit::erase() {
 
 void Unit::write(CDownload &job, const Json &image) {
     job.SetSubOperation(true);
-    percent::tellOf(job, m_channel);
+    m_dialogue.follow(job);
     CProgramFile *file = imageInMemory(image, *m_control->m_ObDevice).release();
     job.SetDownLoadFile({file});
     job.m_obVerify->SetVerifyFile(file); // which frees it
     require(job.Download(0, file), "write");
+    m_dialogue.refuseStopped();
     if (familyOf(*m_control->m_ObDevice).has(restartsBeforeVerify))
         require(job.ResetMcu403B(), "link-lost");
 }
 
 void Unit::verify(CDownload &job) {
     const std::string by = m_order.at("verify");
-    unsetenv("ZVBL_VERIFY_BY");
     if (by != "read")
-        require(job.Verify(0, job.m_lsProgramFile.first()), "verify-differs");
-    setenv("ZVBL_VERIFY_BY", "read", 1);
+        compare(job, nullptr);
     if (by != "crc")
-        require(job.Verify(0, job.m_lsProgramFile.first()), "verify-differs");
+        compare(job, "read");
     job.m_lsProgramFile.first()->Close();
+    m_isVerified = true;
 }
 
-void Unit::protect() {
+// By the checksums of whole sectors, or as ZVBL_VERIFY_BY says.
+void Unit::compare(CDownload &job, const char *by) {
+    if (by == nullptr)
+        unsetenv("ZVBL_VERIFY_BY");
+    else
+        setenv("ZVBL_VERIFY_BY", by, 1);
+    const int result = job.Verify(0, job.m_lsProgramFile.first());
+    require(result, result == CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING ? "verify-differs" : "verify-not-done");
+    m_dialogue.refuseStopped();
+}
+
+// Asks, before anything that can't be undone, whether it may be done.
+void Unit::burn() {
+    Json what = Json::array();
+    if (m_order.at("access") == "high")
+        what.push_back("access high");
+    if (what.empty())
+        return;
+    m_dialogue.tell({{"event", "irreversible"}, {"what", what}});
+    Json answer;
+    if (!m_dialogue.hears("burn", answer))
+        throw Failure("not-allowed", "what can't be undone may not be done");
+    m_dialogue.finishInAnyCase();
+}
+
+void Unit::protectAccess() {
     CAccessProtect job(m_control);
     BYTE level = m_order.at("access") == "high" ? highLevel : basicLevel;
     job.SetParameters(&level);

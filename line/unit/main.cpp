@@ -5,7 +5,6 @@
 
 #include <fcntl.h>
 
-#include "foundation/ShareParameter.h"
 #include "line/channel/Channel.h"
 #include "line/channel/Messages.h"
 #include "line/unit/Unit.h"
@@ -17,8 +16,6 @@ int make() {
     Json order;
     if (channel.receive(order, -1) != Channel::Got::message || order.at("do") != "make")
         return 1;
-    g_shareParameter.c_BaudRate = 115200;
-    g_shareParameter.c_timeout = 5;
     Unit(channel, std::move(order)).make();
     return 0;
 }

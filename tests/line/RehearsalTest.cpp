@@ -25,7 +25,7 @@ protected:
         const Chip chip(read.chip, read.chipPlace);
         const Runs image = imageOf(read, chip);
         const Plan plan = planOf(read, chip, image);
-        return Attempt(read, plan, makeImage, [](const std::string &) {}).run(port);
+        return Attempt(read, plan, makeImage, [](const std::string &) {}).run({{"kind", "usart"}, {"port", port}});
     }
 };
 
