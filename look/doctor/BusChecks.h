@@ -4,7 +4,7 @@
 #include <string>
 
 #include "look/doctor/Cause.h"
-#include "look/doctor/Machine.h"
+#include "programs/machine/Machine.h"
 
 // An I2C bus as it is asked.
 struct I2cBus {

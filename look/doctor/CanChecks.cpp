@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <regex>
 
 #include <linux/can/error.h>
 #include <linux/can/raw.h>
@@ -25,11 +24,6 @@ bool any(const std::vector<can_frame> &errors, canid_t flag, unsigned detail = 0
 }
 
 } // namespace
-
-bool isCanName(const std::string &name) {
-    return std::regex_match(name, std::regex("(v|sl|vx)?can[0-9]+")) ||
-           (name.find('/') == std::string::npos && if_nametoindex(name.c_str()) != 0);
-}
 
 CanInterface canInterface(const std::string &name) {
     CanInterface interface;

@@ -15,9 +15,6 @@ struct CanInterface {
     bool isRunning = false; // a controller that has left its bus is not
 };
 
-// Whether a name is that of a CAN interface, one that is there or one as they are named.
-bool isCanName(const std::string &name);
-
 CanInterface canInterface(const std::string &name);
 // False where nothing can be sent.
 bool judgeInterface(const std::string &name, const CanInterface &interface, Diagnosis &diagnosis);

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "look/doctor/Cause.h"
-#include "look/doctor/Machine.h"
 #include "look/doctor/Person.h"
-#include "look/doctor/Ports.h"
 #include "look/doctor/SerialChecks.h"
+#include "programs/machine/Machine.h"
+#include "programs/machine/Ports.h"
 
 // Who looks, and how.
 struct Examination {

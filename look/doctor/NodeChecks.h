@@ -3,8 +3,8 @@
 #include <string>
 
 #include "look/doctor/Cause.h"
-#include "look/doctor/Machine.h"
 #include "look/doctor/Person.h"
+#include "programs/machine/Machine.h"
 
 // What every device node has: that it is there, who may open it and who has it open.
 struct Node {

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "look/doctor/Cause.h"
-#include "look/doctor/Machine.h"
 #include "look/doctor/NodeChecks.h"
+#include "programs/machine/Machine.h"
 
 // What the system does with a serial port. Opens nothing.
 void checkSerialSystem(const Node &node, const Machine &machine, Diagnosis &diagnosis);

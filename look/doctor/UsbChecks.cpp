@@ -1,7 +1,5 @@
 #include "look/doctor/UsbChecks.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <fnmatch.h>
 #include <optional>
 #include <sstream>
@@ -9,6 +7,7 @@
 #include <unistd.h>
 
 #include "look/doctor/NodeChecks.h"
+#include "programs/machine/UsbDevice.h"
 
 namespace {
 
@@ -16,26 +15,6 @@ const char *const devices = "/sys/bus/usb/devices/";
 // Where the modules of adapters lie that a chip can hang on.
 const char *const adapterFolders[] = {"/drivers/usb/serial/", "/drivers/usb/class/cdc-acm", "/drivers/i2c/",
                                       "/drivers/net/can/", "/drivers/mfd/dln2"};
-
-std::string attribute(const Machine &machine, const std::string &name, const char *which) {
-    return machine.line(devices + name + "/" + which).value_or("");
-}
-
-std::string nodeOf(const std::string &name, const Machine &machine) {
-    char text[64];
-    std::snprintf(text, sizeof text, "/dev/bus/usb/%03d/%03d", std::atoi(attribute(machine, name, "busnum").c_str()),
-                  std::atoi(attribute(machine, name, "devnum").c_str()));
-    return text;
-}
-
-// The interface by which firmware is exchanged; empty if there is none.
-std::string dfuInterfaceOf(const std::string &name, const Machine &machine) {
-    for (const std::string &entry : machine.names(devices))
-        if (entry.rfind(name + ":", 0) == 0 && attribute(machine, entry, "bInterfaceClass") == "fe" &&
-            attribute(machine, entry, "bInterfaceSubClass") == "01")
-            return entry;
-    return {};
-}
 
 bool mayOpen(const std::string &name, const std::string &path, const Person &person, const Machine &machine,
              Diagnosis &diagnosis) {
@@ -53,7 +32,7 @@ bool mayOpen(const std::string &name, const std::string &path, const Person &per
     const std::string measured = person.name + " may not open " + path;
     if (why == Cause::noGroup)
         diagnosis.found(Cause::usbNoRule, measured,
-                        {attribute(machine, name, "idVendor"), attribute(machine, name, "idProduct")});
+                        {usbAttribute(machine, name, "idVendor"), usbAttribute(machine, name, "idProduct")});
     else
         diagnosis.found(why, measured, {who, person.name});
     return false;
@@ -94,16 +73,12 @@ bool isForAdapters(const Machine &machine, const std::string &kernel, const std:
 
 } // namespace
 
-bool isDfuDevice(const std::string &name, const Machine &machine) {
-    return !dfuInterfaceOf(name, machine).empty();
-}
-
 bool checkUsb(const std::string &name, const Machine &machine, const Person &person, Diagnosis &diagnosis) {
-    if (attribute(machine, name, "authorized") == "0") {
+    if (usbAttribute(machine, name, "authorized") == "0") {
         diagnosis.found(Cause::usbNotAuthorised, "the system was told not to use it", {devices + name + "/authorized"});
         return false;
     }
-    const Node node{name, machine.path(nodeOf(name, machine)), "usb"};
+    const Node node{name, machine.path(usbNodeOf(name, machine)), "usb"};
     if (!mayOpen(name, node.path, person, machine, diagnosis) || !checkHolders(node, machine, false, diagnosis))
         return false;
     const std::string interface = dfuInterfaceOf(name, machine);
@@ -119,7 +94,7 @@ void checkAdapters(const Machine &machine, Diagnosis &diagnosis) {
     // The kernel's release, which names the directory of its modules.
     const std::string kernel = machine.line("/proc/sys/kernel/osrelease").value_or("");
     for (const std::string &name : machine.names(devices)) {
-        const std::string alias = attribute(machine, name, "modalias");
+        const std::string alias = usbAttribute(machine, name, "modalias");
         if (name.find(':') == std::string::npos || alias.empty() || !machine.target(devices + name + "/driver").empty())
             continue;
         const std::string module = moduleFor(machine, kernel, alias);

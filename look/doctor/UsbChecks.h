@@ -3,11 +3,8 @@
 #include <string>
 
 #include "look/doctor/Cause.h"
-#include "look/doctor/Machine.h"
 #include "look/doctor/Person.h"
-
-// A USB device in /sys/bus/usb/devices that has a DFU interface (class FE, subclass 01 of the USB standard).
-bool isDfuDevice(const std::string &name, const Machine &machine);
+#include "programs/machine/Machine.h"
 
 // All that is asked of it; opens nothing but to see whether it may. True where it can be spoken to.
 bool checkUsb(const std::string &name, const Machine &machine, const Person &person, Diagnosis &diagnosis);

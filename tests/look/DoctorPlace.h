@@ -6,7 +6,7 @@
 
 #include <sys/types.h>
 
-#include "look/doctor/Machine.h"
+#include "programs/machine/Machine.h"
 
 // A directory that stands for the root of a machine, with the files that a test puts there.
 class FakeMachine {

@@ -1,10 +1,11 @@
-#include "look/doctor/Ports.h"
+#include "programs/machine/Ports.h"
 
 #include <algorithm>
 #include <regex>
 
-#include "look/doctor/CanChecks.h"
-#include "look/doctor/UsbChecks.h"
+#include <net/if.h>
+
+#include "programs/machine/UsbDevice.h"
 
 namespace {
 
@@ -12,6 +13,12 @@ constexpr char canInterfaceType[] = "280"; // ARPHRD_CAN
 
 bool isLike(const std::string &name, const char *pattern) {
     return std::regex_match(name, std::regex(pattern));
+}
+
+// Whether a name is that of a CAN interface, one that is there or one as they are named.
+bool isCanName(const std::string &name) {
+    return std::regex_match(name, std::regex("(v|sl|vx)?can[0-9]+")) ||
+           (name.find('/') == std::string::npos && if_nametoindex(name.c_str()) != 0);
 }
 
 PortKind kindOf(const std::string &name) {

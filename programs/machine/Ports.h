@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "look/doctor/Machine.h"
+#include "programs/machine/Machine.h"
 
 // Where a chip could be.
 enum class PortKind { serial, i2c, spi, can, usb };

@@ -1,4 +1,4 @@
-#include "look/doctor/Machine.h"
+#include "programs/machine/Machine.h"
 
 #include <algorithm>
 #include <cstdlib>
