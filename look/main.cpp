@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <clocale>
-#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -10,6 +8,7 @@
 
 #include "look/Status.h"
 #include "look/Verbs.h"
+#include "programs/Border.h"
 
 namespace {
 
@@ -20,11 +19,6 @@ bool wantsColour() {
     const char *terminal = std::getenv("TERM");
     return isatty(STDOUT_FILENO) != 0 && (no == nullptr || *no == '\0') &&
            (terminal == nullptr || std::string(terminal) != "dumb");
-}
-
-int complain(int status, const std::string &text) {
-    std::cerr << "zv32-look: " << text << std::endl;
-    return status;
 }
 
 void print(const std::string &verb, int status, const Section &report, bool asJson) {
@@ -45,8 +39,7 @@ int run(const Verb &verb, const Look &look, std::vector<std::string> line, bool 
     if (status == lookedWell && report.worst() == Mark::error)
         status = somethingWrong;
     print(verb.word, status, report, asJson);
-    std::cout.flush();
-    return std::cout ? status : complain(notAcceptable, "the report can't be written");
+    return status;
 }
 
 // Takes the words behind "--" away, where the verb has a line of its own there.
@@ -74,28 +67,16 @@ int lookAt(std::vector<std::string> words) {
         looks.push_back(verb.declare(*sub));
     }
     std::vector<std::string> line = takeLine(words);
-    std::reverse(words.begin(), words.end()); // as the parser wants them
-    try {
-        program.parse(std::move(words));
-    } catch (const CLI::ParseError &error) {
-        return program.exit(error) == 0 ? lookedWell : badWords;
-    }
-    for (std::size_t i = 0; i < looks.size(); ++i)
-        if (program.got_subcommand(verbs()[i].word))
-            return run(verbs()[i], looks[i], std::move(line), asJson);
-    return badWords;
+    return parsed(program, std::move(words), [&] {
+        for (std::size_t i = 0; i < looks.size(); ++i)
+            if (program.got_subcommand(verbs()[i].word))
+                return run(verbs()[i], looks[i], std::move(line), asJson);
+        return badWords;
+    });
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    std::setlocale(LC_ALL, "C");
-    std::signal(SIGPIPE, SIG_IGN); // a reader that went away is a failure of a write
-    try {
-        return lookAt(std::vector<std::string>(argv + 1, argv + argc));
-    } catch (const Refusal &refusal) {
-        return complain(refusal.status, refusal.what());
-    } catch (const std::exception &failure) {
-        return complain(notAcceptable, failure.what());
-    }
+    return bordered("zv32-look", argc, argv, lookAt);
 }

@@ -119,6 +119,11 @@ def verbs(tree):
     yield from held(tree, "A verb of zv32-look", rows, [("docs/look.md", r"(?m)^\| `{}\b.*\|$"), ("tests/e2e/look.t", r"zv32-look {}\b")])
 
 
+def line_verbs(tree):
+    rows = set(re.findall(r'^ +\{"(\w+)", "', tree.text("line/program/Verbs.cpp"), re.M))
+    yield from held(tree, "A verb of zv32-line", rows, [("docs/line.md", r"(?m)^\| `{}\b.*\|$")])
+
+
 def chips(tree):
     rows = [re.split(r" *, *", row) for row in re.findall(r"^ZV32.*", tree.text("tools/chips.csv"), re.M)]
     yield from held(tree, "A chip", {f"{row[0]}_{row[5]}K" for row in rows}, ["Map/{}.ZVmap"])
@@ -132,7 +137,7 @@ def families(tree):
 
 def main():
     tree = Tree(pathlib.Path(sys.argv[1]))
-    found = [one for check in (named_files, formats, links, jobs, option_words, faults, verbs, chips, families) for one in check(tree)]
+    found = [one for check in (named_files, formats, links, jobs, option_words, faults, verbs, line_verbs, chips, families) for one in check(tree)]
     print("\n".join(found) if found else "places: ok")
     return 1 if found else 0
 

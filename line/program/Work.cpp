@@ -1,33 +1,15 @@
 #include "line/program/Work.h"
 
 #include <iostream>
+#include <memory>
 
 #include "line/approval/Approval.h"
-#include "line/job/Job.h"
-#include "line/plan/Plan.h"
+#include "line/program/Reading.h"
 #include "line/rehearsal/Rehearsal.h"
-#include "line/station/Station.h"
 #include "programs/Status.h"
 #include "programs/Text.h"
 
 namespace {
-
-// All that is read before anything is done.
-struct Reading {
-    explicit Reading(const Asked &asked)
-        : station(readStation(asked.station)), job(readJob(asked.job)), chip(job.chip, job.chipPlace),
-          image(imageOf(job, chip)), plan(planOf(job, chip, image)) {
-        for (const UnitDatum &unit : job.units)
-            if (station.read && !unit.series.empty() && station.series.count(unit.series) == 0)
-                unit.place.refuse("the station has no series \"" + unit.series + '"');
-    }
-
-    const Station station;
-    const Job job;
-    const Chip chip;
-    const Runs image;
-    const Plan plan;
-};
 
 std::string approvalOf(const Reading &reading) {
     if (!needsApproval(reading.station, reading.plan))
@@ -76,20 +58,18 @@ void print(const Rehearsal &rehearsal, const Outcome &outcome) {
     std::cout << " uid " << outcome.identified.at("uid").get<std::string>() << '\n';
 }
 
-} // namespace
-
-int check(const Asked &asked) {
-    const Reading reading(asked);
-    if (asked.plan)
+int check(const std::string &job, bool planAlone, const Asked &asked) {
+    const Reading reading(job, asked.station);
+    if (planAlone)
         std::cout << reading.plan.text;
     else
         print("check", reading, asked.json);
     return allDone;
 }
 
-int approve(const Asked &asked) {
-    const Reading reading(asked);
-    approve(reading.station.approved, reading.plan, asked.hash);
+int approve(const std::string &job, const std::string &hash, const Asked &asked) {
+    const Reading reading(job, asked.station);
+    approve(reading.station.approved, reading.plan, hash);
     if (asked.json)
         print("approve", reading, true);
     else
@@ -97,9 +77,9 @@ int approve(const Asked &asked) {
     return allDone;
 }
 
-int rehearse(const Asked &asked) {
-    const Reading reading(asked);
-    const Rehearsal rehearsal{reading.job, reading.plan, reading.image, reading.station, asked.order, asked.keep};
+int rehearse(const std::string &job, const std::string &order, const std::string &keep, const Asked &asked) {
+    const Reading reading(job, asked.station);
+    const Rehearsal rehearsal{reading.job, reading.plan, reading.image, reading.station, order, keep};
     const auto tell = [&](const std::string &step) {
         if (!asked.json)
             std::cout << step << std::endl;
@@ -111,4 +91,37 @@ int rehearse(const Asked &asked) {
     else
         print(rehearsal, outcome);
     return status;
+}
+
+// A word of a verb, kept until the verb runs.
+std::shared_ptr<std::string> wordOf(CLI::App &words, const char *name, const char *what, bool required) {
+    auto text = std::make_shared<std::string>();
+    words.add_option(name, *text, what)->required(required);
+    return text;
+}
+
+std::shared_ptr<std::string> jobOf(CLI::App &words) {
+    return wordOf(words, "JOB", "job file", true);
+}
+
+} // namespace
+
+Work declareCheck(CLI::App &words) {
+    const auto job = jobOf(words);
+    const auto planAlone = std::make_shared<bool>();
+    words.add_flag("--plan", *planAlone, "the text of the plan alone");
+    return [=](const Asked &asked) { return check(*job, *planAlone, asked); };
+}
+
+Work declareApprove(CLI::App &words) {
+    const auto job = jobOf(words);
+    const auto hash = wordOf(words, "HASH", "the hash of the plan, as check tells it", true);
+    return [=](const Asked &asked) { return approve(*job, *hash, asked); };
+}
+
+Work declareRehearse(CLI::App &words) {
+    const auto job = jobOf(words);
+    const auto order = wordOf(words, "--order", "the order that the unit is for", false);
+    const auto keep = wordOf(words, "--keep", "keep the chip's memory in this file, as zv32-sim --state does", false);
+    return [=](const Asked &asked) { return rehearse(*job, *order, *keep, asked); };
 }

@@ -7,8 +7,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "line/channel/Child.h"
 #include "line/channel/Messages.h"
-#include "line/rehearsal/Child.h"
 #include "programs/Text.h"
 
 namespace {

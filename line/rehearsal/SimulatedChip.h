@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "line/rehearsal/Child.h"
+#include "line/channel/Child.h"
 
 // A simulated chip at a serial port of its own, to the end of the block.
 class SimulatedChip {

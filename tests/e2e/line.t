@@ -125,5 +125,5 @@ Another plan is not approved by it, nor is one whose approval somebody else coul
   $ as_root zv32-line approve job.toml $(hash job.toml) --station one.toml 2>&1 | sed 's,line: /.*/,line: /,'
   zv32-line: /approved: No such file or directory
   $ zv32-line check job.toml >/dev/full
-  zv32-line: the answer can't be written
+  zv32-line: the report can't be written
   [2]

@@ -7,7 +7,7 @@
 #include <poll.h>
 #include <sys/wait.h>
 
-#include "line/rehearsal/Child.h"
+#include "line/channel/Child.h"
 #include "line/rehearsal/SimulatedChip.h"
 #include "programs/Status.h"
 #include "tests/line/LineFiles.h"

@@ -1,4 +1,4 @@
-#include "line/rehearsal/Child.h"
+#include "line/channel/Child.h"
 
 #include <cerrno>
 #include <csignal>

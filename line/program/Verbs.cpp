@@ -1,0 +1,12 @@
+#include "line/program/Verbs.h"
+
+#include "line/program/Work.h"
+
+const std::vector<Verb> &verbs() {
+    static const std::vector<Verb> rows = {
+        {"check", "read a job, tell its plan and the plan's hash, and touch nothing", declareCheck},
+        {"approve", "approve exactly this plan, as root", declareApprove},
+        {"rehearse", "make one unit on a simulated chip", declareRehearse},
+    };
+    return rows;
+}
