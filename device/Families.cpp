@@ -1,6 +1,6 @@
 #include "device/Families.h"
 
-#include "foundation/ShareParameter.h"
+#include "foundation/McuSerials.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include "foundation/LibraryTypes.h"
+#include "foundation/McuSerials.h"
 
 class CCom;
 
@@ -55,38 +56,6 @@ constexpr BYTE OP_MCU_ALLERASE_FLASH_FAILD = 0x30;
 constexpr BYTE OP_MCU_ALLERASE_SPIM_FAILD = 0x31;
 constexpr BYTE OP_MCU_SECERASE_FAILD = 0x33;
 constexpr BYTE OTP_FAILED = 0x40;
-
-// Chip families. A device description names its family in two upper-case hexadecimal digits.
-enum MCUSERIALS : int {
-    ZV32ErrorMCU2 = 0,
-    ZV32F403_1 = 1,
-    ZV32F403_2 = 2,
-    ZV32F413 = 4,
-    ZV32F415 = 5,
-    ZV32F403A = 7,
-    ZV32F407 = 8,
-    ZV32F421 = 9,
-    ZV32F435 = 13,
-    ZV32F437 = 14,
-    ZV32F425 = 15,
-    ZV32L021 = 16,
-    ZV32WB415 = 17,
-    ZV32F423 = 18,
-    ZV32F405 = 19,
-    ZV32F402 = 20,
-    ZV32F455 = 21,
-    ZV32F456 = 22,
-    ZV32F457 = 23,
-    ZV32A403A = 24,
-    ZV32M412 = 25,
-    ZV32M416 = 26,
-    ZV32G412 = 28,
-    ZV32A423 = 29,
-    ZV32F490 = 30,
-    ZV32F422 = 31,
-    ZV32F426 = 32,
-    ZV32ErrorMCU1 = 255,
-};
 
 // One contiguous part of a project file's code image.
 struct HEXFILEPARTINFO {

@@ -1,6 +1,7 @@
 #include "look/OptionFacts.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 
 #include "device/Device.h"
@@ -11,6 +12,7 @@
 #include "look/Status.h"
 #include "usersystemdata/CUserSystemData.h"
 #include "usersystemdata/Layouts.h"
+#include "usersystemdata/OptionNames.h"
 
 namespace {
 
@@ -34,9 +36,6 @@ constexpr Switch switches[] = {
     {"RAM parity off", &CUserSystemData::m_SRAM_Parity},
 };
 
-// In the order of OptionItem.
-const char *const itemNames[] = {"FAP", "SSB", "SSB1", "DATA", "EPP", "EOPB0", "RES1", "BANK3KEY"};
-
 std::string hexOf(BYTE byte) {
     char text[3];
     std::snprintf(text, sizeof text, "%02X", static_cast<unsigned int>(byte));
@@ -49,22 +48,18 @@ const char *accessText(BYTE fap) {
     return fap == highLevel ? "on, at the high level where the chip has levels" : "on";
 }
 
+std::string upperCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
+    return text;
+}
+
 // The bytes that are not as erased, each by its number in the chip and its name.
 std::vector<std::vector<Value>> rowsOf(CUserSystemData &data) {
     std::vector<std::vector<Value>> rows;
-    const OptionLayout layout = optionLayout(data.m_MCUSerials);
-    for (const LayoutRow *row = layout.first; row != layout.last; ++row) {
-        const int end = row->count == toTheEnd ? data.m_nUserSystemDataLen : row->firstByte + row->count;
-        for (int at = row->firstByte; at < end && at < data.m_nUserSystemDataLen; ++at) {
-            const int index = row->firstIndex + at - row->firstByte;
-            const BYTE value = optionByte(data, row->item, index);
-            const bool isOne = row->count == 1 && row->item != OptionItem::data;
-            const bool isShown = value != erased || row->item == OptionItem::fap || row->item == OptionItem::ssb;
-            if (isShown)
-                rows.push_back({Value(at),
-                                Value(itemNames[static_cast<int>(row->item)] + (isOne ? "" : std::to_string(index))),
-                                Value({value, hexOf(value)})});
-        }
+    for (const NamedOptionByte &one : namedOptionBytes(data.m_MCUSerials, data.m_nUserSystemDataLen)) {
+        const BYTE value = optionByte(data, one.item, one.index);
+        if (value != erased || one.item == OptionItem::fap || one.item == OptionItem::ssb)
+            rows.push_back({Value(one.byte), Value(upperCase(one.name)), Value({value, hexOf(value)})});
     }
     return rows;
 }

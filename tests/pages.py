@@ -102,7 +102,7 @@ def wrong_messages(root):
 
 def layouts(root):
     """{"A": "0 FAP, 1 SSB, ..."}"""
-    source = (root / "usersystemdata/Layouts.cpp").read_text()
+    source = (root / "usersystemdata/OptionLayout.cpp").read_text()
     for forms, rows in re.findall(r"constexpr LayoutRow layout([A-F]+)\[\] = \{(.*?)\n\};", source, re.S):
         bytes_ = []
         for item, first, count in re.findall(r"\{OptionItem::(\w+), (\d+), (\w+), \d+\}", rows):

@@ -5,49 +5,15 @@
 
 #include "device/Device.h"
 #include "device/FilesInc.h"
+#include "usersystemdata/OptionLayout.h"
 
 // A chip's option bytes as named fields, and the sector protection bits among them.
 //
 // Two byte forms: the compact form, one byte per item, travels to and from the chip; the element form,
 // 4096 bytes of value and complement pairs, lies in files. Which byte is what depends on the family, on
 // some families also on the bootloader identifier and the sector size.
-class CUserSystemData {
+class CUserSystemData : public OptionByteCounts {
 public:
-    // Bytes of the compact form, by family.
-    static constexpr int OTP2_LENGTH_ZV32F415_A = 16;
-    static constexpr int OTP2_LENGTH_ZV32F415_B = 512;
-    static constexpr int OTP2_LENGTH_ZV32 = 24;
-    static constexpr int OTP2_LENGTH_ZV32F421 = 256;
-    static constexpr int OTP2_LENGTH_ZV32F425 = 256;
-    static constexpr int OTP2_LENGTH_ZV32F423 = 256;
-    static constexpr int OTP2_LENGTH_ZV32F405_402 = 256;
-    static constexpr int OTP2_LENGTH_ZV32F455_456_457 = 256;
-    static constexpr int OTP2_LENGTH_ZV32L021 = 256;
-    static constexpr int OTP2_LENGTH_ZV32M412_M416 = 256;
-    static constexpr int OTP2_LENGTH_ZV32F422_426 = 256;
-    static constexpr int OTP2_LENGTH_ZV32F435F437_1 = 256;
-    static constexpr int OTP2_LENGTH_ZV32F435F437_2 = 2048;
-    static constexpr int OTP2_MAX_LENGTH = 2048;
-
-    // Bytes of DATA, by family.
-    static constexpr int OTP2_DATA_LENGTH_ZV32F415_A = 10;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F415_B = 506;
-    static constexpr int OTP2_DATA_LENGTH_ZV32 = 8;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F421 = 250;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F425 = 250;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F423 = 250;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F405_402 = 220;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F455_456_457 = 220;
-    static constexpr int OTP2_DATA_LENGTH_ZV32L021 = 250;
-    static constexpr int OTP2_DATA_LENGTH_ZV32M412_M416_G412 = 250;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F422_426 = 249;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F435F437_1 = 220;
-    static constexpr int OTP2_DATA_LENGTH_ZV32F435F437_2 = 2012;
-
-    // Bytes of EPP, by family.
-    static constexpr int OTP2_EPP_LENGTH_ZV32 = 4;
-    static constexpr int OTP2_EPP_LENGTH_ZV32F435F437 = 20;
-
     // Until a block is read the option bytes are as erased, 0xFF.
     BYTE FAP = 0xFF;              // flash access protection, 0xA5 for off
     BYTE SSB = 0xFF;              // switches, decoded into the booleans below

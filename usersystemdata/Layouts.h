@@ -2,36 +2,7 @@
 
 #include "usersystemdata/CUserSystemData.h"
 
-// Which byte of the compact form holds what, per family.
-
-enum class OptionItem { fap, ssb, ssb1, data, epp, eopb0, res1, bank3Key };
-
-// A row stands for `count` bytes from `firstByte` on, which hold the item's bytes from `firstIndex` on.
-struct LayoutRow {
-    OptionItem item;
-    int firstByte;
-    int count; // toTheEnd: up to the end of the compact form
-    int firstIndex;
-};
-
-constexpr int toTheEnd = -1;
-
-struct OptionLayout {
-    const LayoutRow *first;
-    const LayoutRow *last; // one after
-};
-
-struct OptionLengths {
-    int compact;
-    int data;
-    int epp;
-};
-
-// The rows of a family, a MCUSERIALS value.
-OptionLayout optionLayout(int family);
-
-// Lengths in bytes. The sector size in bytes.
-OptionLengths optionLengths(int family, int bidVersion, int sectorSize);
+// The bytes of the compact form and the fields that they stand for.
 
 // One byte of the user system data.
 BYTE &optionByte(CUserSystemData &data, OptionItem item, int index);

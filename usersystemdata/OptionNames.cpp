@@ -1,0 +1,25 @@
+#include "usersystemdata/OptionNames.h"
+
+#include <algorithm>
+
+namespace {
+
+// In the order of OptionItem.
+constexpr const char *itemNames[] = {"fap", "ssb", "ssb1", "data", "epp", "eopb0", "res1", "bank3key"};
+
+} // namespace
+
+std::vector<NamedOptionByte> namedOptionBytes(int family, int compactLength) {
+    std::vector<NamedOptionByte> names;
+    const OptionLayout layout = optionLayout(family);
+    for (const LayoutRow *row = layout.first; row != layout.last; ++row) {
+        const int end = row->count == toTheEnd ? compactLength : row->firstByte + row->count;
+        const bool isOne = row->count == 1 && row->item != OptionItem::data;
+        for (int byte = row->firstByte; byte < std::min(end, compactLength); ++byte) {
+            const int index = row->firstIndex + byte - row->firstByte;
+            const std::string name = itemNames[static_cast<int>(row->item)];
+            names.push_back({isOne ? name : name + std::to_string(index), row->item, byte, index});
+        }
+    }
+    return names;
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "usersystemdata/OptionLayout.h"
+
+// An option byte by its name: "ssb", "data0", "bank3key7".
+struct NamedOptionByte {
+    std::string name;
+    OptionItem item;
+    int byte;  // its number in the compact form
+    int index; // its number in the item
+};
+
+// All of a family, a MCUSERIALS value, that a compact form of so many bytes has, by rising byte number.
+std::vector<NamedOptionByte> namedOptionBytes(int family, int compactLength);
