@@ -1,0 +1,85 @@
+#include "line/ports/PortWatch.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto pause = 250ms;     // between two looks, where nothing is heard of
+constexpr auto shortPause = 25ms; // a link, a group and what is behind a device come a little after its node
+constexpr auto hurry = 500ms;     // that long after something was heard of
+constexpr auto patience = 2s;     // with a node that may not be opened
+
+// Where something is heard of it.
+std::vector<std::string> directoriesOf(const std::string &port, LinkKind kind) {
+    if (kind == LinkKind::dfu) {
+        char text[32];
+        std::snprintf(text, sizeof text, "/dev/bus/usb/%03d", std::atoi(port.c_str()));
+        return {text};
+    }
+    if (port.front() != '/')
+        return {};
+    std::vector<std::string> directories = {port.substr(0, port.rfind('/') + 1)};
+    if (port.rfind("/dev/", 0) == 0)
+        directories.emplace_back("/dev/"); // the directory of the links may not be there yet
+    return directories;
+}
+
+std::vector<std::string> directoriesOf(const std::vector<Nest> &nests, LinkKind kind) {
+    std::vector<std::string> all;
+    for (const Nest &nest : nests)
+        for (const std::string &directory : directoriesOf(nest.port, kind))
+            all.push_back(directory);
+    return all;
+}
+
+} // namespace
+
+PortWatch::PortWatch(const std::vector<Nest> &nests, LinkKind kind, Machine machine)
+    : m_kind(kind), m_machine(std::move(machine)), m_directories(directoriesOf(nests, kind)) {
+    for (const Nest &nest : nests)
+        m_ports.push_back({nest.port});
+}
+
+std::vector<PortWatch::Change> PortWatch::look(Clock::time_point now) {
+    if (m_directories.happened())
+        m_hurryUntil = now + hurry;
+    std::vector<Change> changes;
+    for (std::size_t nest = 0; nest < m_ports.size(); ++nest)
+        look(nest, now, changes);
+    m_next = now + (now < m_hurryUntil ? shortPause : pause);
+    return changes;
+}
+
+void PortWatch::look(std::size_t nest, Clock::time_point now, std::vector<Change> &changes) {
+    Port &port = m_ports[nest];
+    if (port.held)
+        return;
+    const Presence presence = presenceAt(port.name, m_kind, m_machine);
+    const auto tell = [&](Event event) {
+        port.told = event;
+        changes.push_back({nest, event});
+    };
+    if (presence.identity != port.presence.identity) {
+        if (port.told != Event::unplugged)
+            tell(Event::unplugged);
+        port.since = now;
+    }
+    port.presence = presence;
+    if (presence.identity.empty() || port.told == Event::plugged)
+        return;
+    if (presence.mayOpen)
+        tell(Event::plugged);
+    else if (port.told == Event::unplugged && now - port.since >= patience)
+        tell(Event::denied);
+}
+
+void PortWatch::release(std::size_t nest) {
+    Port &port = m_ports[nest];
+    port.held = false;
+    const Presence presence = presenceAt(port.name, m_kind, m_machine);
+    if (m_kind == LinkKind::dfu && !presence.identity.empty() && presence.serial == port.presence.serial)
+        port.presence = presence;
+}
