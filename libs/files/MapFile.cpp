@@ -83,6 +83,9 @@ void readProduct(const IniSection &section, MapFile &map) {
     const auto name = section.find("Name");
     if (name != section.end() && name->second.size() <= maxName)
         map.name = name->second;
+    const auto serial = section.find("Serial");
+    if (serial != section.end())
+        map.serial = serial->second;
     const Numbers numbers(section);
     map.packetSize = static_cast<short>(numbers.getOr("PacketSize", decimal, maxPacketSize, 0));
     map.sectorsPerSector = static_cast<BYTE>(numbers.getOr("SectorsPerSector", decimal, 255, 0));

@@ -25,6 +25,7 @@ struct SectorGroup {
 // What a ZVmap file says of the flash; docs/map-file.md explains its sections.
 struct MapFile {
     std::string name;
+    std::string serial; // the family, hexadecimal digits; as it stands there
     short packetSize = 0;
     BYTE sectorsPerSector = 0;
     BYTE alternate = 0;

@@ -74,6 +74,9 @@ Job readJob(const std::string &path) {
     readChip(table.table("chip"), job);
     Table image = table.table("image");
     job.units = readUnits(table);
+    if (table.has("options"))
+        job.options = readOptions(table.table("options"));
+    job.otp = readOtp(table);
     if (table.has("finish"))
         readFinish(table.table("finish"), job);
     table.finish();

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "line/job/Options.h"
+#include "line/job/Otp.h"
 #include "line/job/Table.h"
 #include "line/job/UnitDatum.h"
 
@@ -22,6 +24,8 @@ struct Job {
     std::string imageBytes; // as read
     Verify verify;
     std::vector<UnitDatum> units;
+    OptionBytes options;
+    std::vector<OtpBlock> otp;
     Access access = Access::leave;
     bool run = false;
     Place chipPlace;

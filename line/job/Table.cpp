@@ -106,6 +106,10 @@ std::vector<std::string> Table::texts(const std::string &key) {
     return all;
 }
 
+bool Table::isTable(const std::string &key) const {
+    return has(key) && m_table->get(key)->is_table();
+}
+
 Table Table::table(const std::string &key) {
     const toml::node &found = node(key);
     if (!found.is_table())

@@ -54,6 +54,7 @@ public:
     }
     bool flagOr(const std::string &key, bool missing) { return has(key) ? flag(key) : missing; }
 
+    bool isTable(const std::string &key) const;
     Table table(const std::string &key);
     // [[key]]; none where it is not there.
     std::vector<Table> tables(const std::string &key);

@@ -16,11 +16,9 @@ constexpr std::int64_t longest = 4096;
 constexpr std::uint32_t wordSize = 4;
 constexpr std::uint32_t uidSize = 12;
 
-const std::map<std::string, UnitValue> values = {{"number", UnitValue::number},
-                                                 {"uid", UnitValue::uid},
-                                                 {"time", UnitValue::time},
-                                                 {"order", UnitValue::order},
-                                                 {"text", UnitValue::text}};
+const std::map<std::string, UnitValue> values = {{"number", UnitValue::number}, {"uid", UnitValue::uid},
+                                                 {"time", UnitValue::time},     {"order", UnitValue::order},
+                                                 {"text", UnitValue::text},     {"supply", UnitValue::supply}};
 const std::map<std::string, UnitForm> forms = {
     {"u32le", UnitForm::u32le}, {"u32be", UnitForm::u32be}, {"ascii", UnitForm::ascii}, {"hex", UnitForm::hex}};
 
@@ -35,7 +33,8 @@ constexpr Rule rules[] = {{UnitValue::number, true, false, 1},
                           {UnitValue::uid, false, true, uidDigits},
                           {UnitValue::time, true, false, timeCharacters},
                           {UnitValue::order, false, false, 1},
-                          {UnitValue::text, false, true, 1}};
+                          {UnitValue::text, false, true, 1},
+                          {UnitValue::supply, true, true, 1}};
 
 const Rule &ruleOf(UnitValue value) {
     return *std::find_if(std::begin(rules), std::end(rules), [&](const Rule &rule) { return rule.value == value; });
@@ -71,7 +70,7 @@ std::size_t readText(Table &table, UnitDatum &datum) {
 void readSize(Table &table, UnitDatum &datum, std::size_t characters) {
     if (isWord(datum.form))
         datum.size = wordSize;
-    else if (datum.form == UnitForm::hex)
+    else if (datum.form == UnitForm::hex && datum.value != UnitValue::supply)
         datum.size = datum.value == UnitValue::uid ? uidSize : hexSize(datum, table.placeOf("text"));
     else
         datum.size = static_cast<std::uint32_t>(table.number("size", 1, longest));
@@ -92,6 +91,8 @@ UnitDatum readUnit(Table &table) {
         table.placeOf("as").refuse(std::string("is no form of ") + nameOf(datum.value));
     if (datum.value == UnitValue::number)
         datum.series = table.text("series");
+    if (datum.value == UnitValue::supply)
+        datum.supply = table.text("supply");
     std::size_t characters = datum.form == UnitForm::ascii ? rule.characters : 0;
     if (datum.value == UnitValue::text)
         characters = readText(table, datum);

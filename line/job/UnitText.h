@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@ struct UnitFacts {
     std::string uid;       // 12 bytes
     std::int64_t time = 0; // seconds since 1970, UTC
     std::string order;
+    std::map<std::string, std::string> supply = {}; // what the hook before it gave, by name
 };
 
 std::string uidText(const UnitFacts &facts);  // 24 lower-case hexadecimal digits

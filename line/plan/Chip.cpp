@@ -3,14 +3,23 @@
 #include <cinttypes>
 #include <cstdio>
 
+#include "device/Families.h"
 #include "device/MapDirectory.h"
 #include "libs/files/Image.h"
 #include "libs/files/MapFile.h"
 
 namespace {
 
+constexpr int newestBootloader = 0xFFFF; // has the longest form
+
 bool isName(const std::string &text) {
     return text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-") == text.npos;
+}
+
+// Two hexadecimal digits.
+int seriesOf(const std::string &text) {
+    const bool isOne = text.size() == 2 && text.find_first_not_of("0123456789ABCDEF") == text.npos;
+    return isOne ? std::stoi(text, nullptr, 16) : 0;
 }
 
 } // namespace
@@ -30,6 +39,7 @@ Chip::Chip(const std::string &name, const Place &place) {
         place.refuse("no map file of such a chip in " + directory);
     if (read != files::Status::ok)
         place.refuse("its map file in " + directory + " is not right, which zv32-check-map explains");
+    m_series = seriesOf(map.serial);
     for (const files::SectorGroup &group : map.groups)
         for (std::uint64_t i = 0; i < group.count && group.address < files::spimBase; ++i)
             m_sectors.push_back(
@@ -43,6 +53,15 @@ bool Chip::holds(std::uint64_t first, std::uint64_t end) const {
         if (first >= sector.address && first < sector.end())
             first = sector.end();
     return first >= end;
+}
+
+const Family &Chip::family() const {
+    return familyOf(m_series);
+}
+
+std::vector<NamedOptionByte> Chip::optionBytes() const {
+    const int sectorSize = static_cast<int>(m_sectors.front().size);
+    return namedOptionBytes(m_series, optionLengths(m_series, newestBootloader, sectorSize).compact);
 }
 
 std::string Chip::range() const {

@@ -5,8 +5,11 @@
 #include <vector>
 
 #include "line/job/Table.h"
+#include "usersystemdata/OptionNames.h"
 
-// The flash of a chip as its map file tells it, without an external flash.
+struct Family;
+
+// A chip as its map file tells it, without an external flash.
 class Chip {
 public:
     struct Sector {
@@ -25,7 +28,12 @@ public:
     // "08000000-080FFFFF"
     std::string range() const;
 
+    const Family &family() const;
+    // All that it may have: of some chips the bootloader tells how many there are.
+    std::vector<NamedOptionByte> optionBytes() const;
+
 private:
+    int m_series = 0; // a MCUSERIALS value; 0 where the map file is for several families
     std::vector<Sector> m_sectors;
 };
 

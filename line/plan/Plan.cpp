@@ -4,7 +4,10 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "line/job/SectorList.h"
 #include "line/job/UnitTables.h"
+#include "line/plan/Misfits.h"
+#include "line/plan/OptionText.h"
 #include "programs/FileBytes.h"
 
 namespace {
@@ -41,21 +44,9 @@ std::string unitText(const UnitDatum &unit) {
         text += ' ' + quoted(unit.series);
     if (!unit.text.empty())
         text += ' ' + quoted(unit.text);
+    if (!unit.supply.empty())
+        text += ' ' + quoted(unit.supply);
     return text + ' ' + nameOf(unit.form);
-}
-
-// "sectors 0-119, 511"
-std::string sectorsText(const std::vector<int> &sectors) {
-    std::string text = "sectors ";
-    for (std::size_t i = 0; i < sectors.size();) {
-        std::size_t last = i;
-        while (last + 1 < sectors.size() && sectors[last + 1] == sectors[last] + 1)
-            ++last;
-        text += (i > 0 ? ", " : "") + std::to_string(sectors[i]);
-        text += last > i ? '-' + std::to_string(sectors[last]) : "";
-        i = last + 1;
-    }
-    return text;
 }
 
 std::vector<int> sectorsOf(const Job &job, const Chip &chip, const Runs &image) {
@@ -76,9 +67,11 @@ std::vector<int> sectorsOf(const Job &job, const Chip &chip, const Runs &image) 
 } // namespace
 
 Plan planOf(const Job &job, const Chip &chip, const Runs &image) {
+    refuseMisfits(job, chip);
     Plan plan;
     plan.sectors = sectorsOf(job, chip, image);
-    plan.irreversible = job.access == Access::high;
+    const std::string forEver = irreversibleText(job);
+    plan.irreversible = !forEver.empty();
     std::string &text = plan.text;
     text = "plan 1\n";
     text += line("name", quoted(job.name));
@@ -89,11 +82,15 @@ Plan planOf(const Job &job, const Chip &chip, const Runs &image) {
     text += line("image", imageText(job, image));
     for (const UnitDatum &unit : job.units)
         text += line("unit", unitText(unit));
-    text += line("erase", sectorsText(plan.sectors));
+    text += line("erase", "sectors " + sectorsText(plan.sectors));
     text += line("verify", nameOf(job.verify));
+    if (const std::string options = optionText(job.options, chip); !options.empty())
+        text += line("options", options);
+    for (const OtpBlock &block : job.otp)
+        text += line("otp", otpText(block));
     text += line("access", accessTexts[static_cast<int>(job.access)]);
     text += line("run", job.run ? "yes" : "no");
-    text += line("irreversible", plan.irreversible ? "access high" : "nothing");
+    text += line("irreversible", plan.irreversible ? forEver : "nothing");
     plan.hash = sha256Of(text);
     return plan;
 }

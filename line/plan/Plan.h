@@ -15,4 +15,5 @@ struct Plan {
     bool irreversible;        // something in it can't be undone
 };
 
+// Throws Refusal, with notAcceptable, for what the chip has not.
 Plan planOf(const Job &job, const Chip &chip, const Runs &image);

@@ -9,6 +9,7 @@
 
 #include "line/channel/Child.h"
 #include "line/channel/Messages.h"
+#include "line/plan/Order.h"
 #include "programs/Text.h"
 
 namespace {
@@ -37,25 +38,8 @@ Outcome failed(const char *cause, const std::string &text, Outcome outcome) {
 
 } // namespace
 
-Json Attempt::order(const Json &link) const {
-    return {{"do", "make"},
-            {"chip", m_job.chip},
-            {"link", link},
-            {"eraseProtected", m_job.eraseProtected},
-            {"sectors", m_plan.sectors},
-            {"verify", nameOf(m_job.verify)},
-            {"options", Json::object()},
-            {"protect", Json::array()},
-            {"otp", Json::array()},
-            {"access", nameOf(m_job.access)},
-            {"run", m_job.run}};
-}
-
 void Attempt::go(const Json &identified, Channel &channel) const {
-    Json image = Json::array();
-    for (const Run &run : wholeWords(m_makeImage(bytesOfHex(identified.at("uid").get<std::string>()))))
-        image.push_back({{"at", run.address}, {"bytes", hexOf(run.bytes.data(), run.bytes.size())}});
-    channel.send({{"do", "go"}, {"image", std::move(image)}});
+    channel.send(goOrder(m_makeImage(bytesOfHex(identified.at("uid").get<std::string>()))));
 }
 
 // False at the end.
@@ -90,7 +74,7 @@ Outcome Attempt::run(const Json &link) {
     close(ends[1]);
     Outcome outcome;
     try {
-        channel.send(order(link));
+        channel.send(makeOrder(m_job, m_plan, link));
         for (Json message;;) {
             const Channel::Got got = channel.receive(message, limitOf(m_step));
             if (got == Channel::Got::silence)

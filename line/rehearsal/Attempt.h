@@ -34,7 +34,6 @@ public:
     Outcome run(const Json &link);
 
 private:
-    Json order(const Json &link) const;
     bool take(const Json &message, Channel &channel, Outcome &outcome);
     void go(const Json &identified, Channel &channel) const;
 

@@ -8,6 +8,8 @@
 #include "line/unit/Connection.h"
 #include "line/unit/Failure.h"
 #include "line/unit/MemoryImage.h"
+#include "line/unit/Options.h"
+#include "line/unit/Otp.h"
 #include "link/AccessProtection.h"
 #include "link/BootLoader.h"
 #include "operations/Operation.h"
@@ -58,7 +60,17 @@ void Unit::steps() {
     m_dialogue.step("erase", [&] { erase(); });
     m_dialogue.step("write", [&] { write(job, go.at("image")); });
     m_dialogue.step("verify", [&] { verify(job); });
-    burn();
+    finish();
+}
+
+void Unit::finish() {
+    if (!m_order.at("options").empty())
+        m_dialogue.wholeStep("options", [&] { setOptions(); });
+    if (!m_order.at("protect").empty())
+        m_dialogue.wholeStep("protect", [&] { protectSectors(); });
+    askToBurn();
+    if (m_otp->writesData() || m_otp->writesLocks())
+        m_dialogue.wholeStep("otp", [&] { m_otp->write(); });
     if (m_order.at("access") != "leave")
         m_dialogue.wholeStep("access", [&] { protectAccess(); });
     if (m_order.at("run").get<bool>())
@@ -78,6 +90,7 @@ void Unit::identify() {
         throw Failure("wrong-chip",
                       device == nullptr ? "a chip that no map file knows" : "it is a " + device->m_StrTarget);
     openProtected();
+    check();
     std::string version;
     std::string block;
     require(m_control->GetVersion(version, block), "link-lost");
@@ -98,11 +111,18 @@ void Unit::openProtected() {
         m_optionsBefore.clear();
         if (!m_order.at("eraseProtected").get<bool>())
             throw Failure("protected", CResult::SYS_ACCESS_PROTECTION);
-        require(m_control->ReadoutUnProtectNoThread(), "access");
+        require(m_control->ReadoutUnProtectNoThread(), "protected");
         result = m_control->ReadOptionBytes(m_optionsBefore);
     }
     require(result, "link-lost");
     m_optionsAfter = m_optionsBefore;
+}
+
+void Unit::check() {
+    optionsIn(m_optionsBefore, m_order.at("options"), *m_control);
+    m_otp = std::make_unique<Otp>(*m_control, m_order.at("otp"));
+    if (m_order.at("access") == "high" && m_control->m_pCmds->ACCESS_LEVEL_PROTECT_CMD != 1)
+        throw Failure("access", CResult::SYS_CMD_NOT_ALLOWED);
 }
 
 Json Unit::waitForGo() {
@@ -124,7 +144,23 @@ void Unit::erase() {
     for (const Json &sector : m_order.at("sectors"))
         record.m_iSectorIndex.append(sector.get<int>());
     job.SetParameters(&record);
-    run(job, "erase");
+    try {
+        run(job, "erase");
+    } catch (const Failure &failure) {
+        if (failure.code != CResult::SYS_ERASEPROGRAM_PROTECTION)
+            throw;
+        openSectors();
+        run(job, "erase");
+    }
+}
+
+// A protected chip is one with protected sectors, too.
+void Unit::openSectors() {
+    if (!m_order.at("eraseProtected").get<bool>())
+        throw Failure("protected", CResult::SYS_ERASEPROGRAM_PROTECTION);
+    CEraseProgramUnProtect job(m_control);
+    run(job, "sector-protection");
+    m_optionsAfter = readOptions(*m_control, "sector-protection");
 }
 
 void Unit::write(CDownload &job, const Json &image) {
@@ -160,9 +196,28 @@ void Unit::compare(CDownload &job, const char *by) {
     m_dialogue.refuseStopped();
 }
 
+void Unit::setOptions() {
+    writeOptions(*m_control, optionsIn(readOptions(*m_control, "options"), m_order.at("options"), *m_control));
+    m_optionsAfter = readOptions(*m_control, "options");
+}
+
+void Unit::protectSectors() {
+    CEraseProgramProtect job(m_control);
+    QList<int> sectors;
+    for (const Json &sector : m_order.at("protect"))
+        sectors.append(sector.get<int>());
+    job.SetParameters(&sectors);
+    run(job, "sector-protection");
+    m_optionsAfter = readOptions(*m_control, "sector-protection");
+}
+
 // Asks, before anything that can't be undone, whether it may be done.
-void Unit::burn() {
+void Unit::askToBurn() {
     Json what = Json::array();
+    if (m_otp->writesData())
+        what.push_back("otp");
+    if (m_otp->writesLocks())
+        what.push_back("otp locks");
     if (m_order.at("access") == "high")
         what.push_back("access high");
     if (what.empty())

@@ -11,6 +11,7 @@
 class CBootLoader;
 class CDownload;
 class COperation;
+class Otp;
 
 // One attempt at a unit, step by step, as the other end of the channel asks for it.
 class Unit {
@@ -23,15 +24,21 @@ public:
 
 private:
     void steps();
+    void finish();
     void connect();
     void identify();
     void openProtected();
+    // Refuses, before anything changes, what this chip can't become.
+    void check();
+    void openSectors();
     Json waitForGo();
     void erase();
     void write(CDownload &job, const Json &image);
     void verify(CDownload &job);
     void compare(CDownload &job, const char *by);
-    void burn();
+    void setOptions();
+    void protectSectors();
+    void askToBurn();
     void protectAccess();
     void start();
 
@@ -41,6 +48,7 @@ private:
     Dialogue m_dialogue;
     std::unique_ptr<CCom> m_link;
     CBootLoader *m_control = nullptr;
+    std::unique_ptr<Otp> m_otp;
     std::vector<BYTE> m_optionsBefore; // empty where they were not read
     std::vector<BYTE> m_optionsAfter;
     bool m_isVerified = false;

@@ -1,0 +1,42 @@
+#include "line/unit/Options.h"
+
+#include <algorithm>
+
+#include "device/Device.h"
+#include "foundation/Result.h"
+#include "line/unit/Failure.h"
+#include "link/BootLoader.h"
+#include "usersystemdata/OptionNames.h"
+
+namespace {
+
+constexpr char failed[] = "options";
+
+} // namespace
+
+std::vector<BYTE> optionsIn(std::vector<BYTE> chip, const Json &named, const CBootLoader &control) {
+    const auto names = namedOptionBytes(seriesOf(*control.m_ObDevice), static_cast<int>(chip.size()));
+    for (const auto &option : named.items()) {
+        const auto found =
+            std::find_if(names.begin(), names.end(), [&](const auto &one) { return one.name == option.key(); });
+        if (found == names.end())
+            throw Failure(failed, "this chip has no option byte " + option.key());
+        chip[static_cast<std::size_t>(found->byte)] = option.value().get<BYTE>();
+    }
+    return chip;
+}
+
+std::vector<BYTE> readOptions(CBootLoader &control, const char *cause) {
+    std::vector<BYTE> bytes;
+    require(control.ReadOptionBytes(bytes), cause);
+    return bytes;
+}
+
+void writeOptions(CBootLoader &control, std::vector<BYTE> wanted) {
+    if (readOptions(control, failed) == wanted)
+        return;
+    require(control.WriteOptionBytes(wanted), failed);
+    require(control.Reconnect(), failed);
+    if (readOptions(control, failed) != wanted)
+        throw Failure(failed, CResult::PROGRAM_VERIFY_DATA_NOT_MATCHING);
+}
