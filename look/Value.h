@@ -1,11 +1,10 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <type_traits>
 #include <utility>
 
-using Json = nlohmann::ordered_json;
+#include "programs/Json.h"
 
 // One value: what JSON holds, and how a person reads it.
 struct Value {

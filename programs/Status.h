@@ -10,6 +10,8 @@ constexpr int notAcceptable = 2; // a file can't be read, or is none of its kind
 constexpr int notApproved = 3;
 constexpr int notMade = 4; // at least one unit
 constexpr int noUnit = 5;  // no chip was found
+constexpr int registerUnusable = 6;
+constexpr int usedUp = 7; // numbers, or units of an order
 constexpr int interrupted = 8;
 constexpr int somethingWrong = 9;
 

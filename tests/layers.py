@@ -17,7 +17,18 @@ ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "libs/files/At
 # What the programs beside the console share, and the one that makes units: without Qt, and without the two libraries,
 # which a site may replace by its own. It reads files by the file library's own sources.
 ALLOWED["programs"] = ["programs/"]
-LINE_ROOMS = ["program", "rehearsal", "approval", "plan", "view", "ports", "station", "job", "channel"]
+LINE_ROOMS = [
+    "program",
+    "rehearsal",
+    "register",
+    "approval",
+    "plan",
+    "view",
+    "ports",
+    "station",
+    "job",
+    "channel",
+]
 for i, room in enumerate(LINE_ROOMS):
     ALLOWED[f"line/{room}"] = [f"line/{below}/" for below in LINE_ROOMS[i:]] + ["programs/", "libs/files/", "device/Families.h", "device/MapDirectory.h", "usersystemdata/OptionNames.h"]
 # Its process that makes one unit is another front end of the jobs, beside the console's.

@@ -7,7 +7,7 @@ set -eu
 
 # To compile the console, the programs beside it, the two libraries and the simulated chip.
 compile="cmake ninja-build g++ qtbase5-dev libusb-1.0-0-dev pkg-config libcli11-dev nlohmann-json3-dev nettle-dev
-    libtomlplusplus-dev python3"
+    libtomlplusplus-dev libsqlite3-dev python3"
 
 # To try them: the firmware image is what try.sh programs, srecord moves it to the chip's flash.
 build="$compile ca-certificates srecord firmware-microbit-micropython"

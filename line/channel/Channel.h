@@ -1,9 +1,8 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
-using Json = nlohmann::ordered_json;
+#include "programs/Json.h"
 
 // Lines of JSON over a stream socket, between the program and the process that makes a unit. What goes wrong with it is
 // a std::runtime_error.

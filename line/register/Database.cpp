@@ -1,0 +1,112 @@
+#include "line/register/Database.h"
+
+#include <memory>
+#include <sqlite3.h>
+
+#include "programs/Status.h"
+
+namespace {
+
+constexpr int patience = 30000; // ms, for others that write
+
+using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
+
+int bind(sqlite3_stmt *statement, int place, const SqlValue &value) {
+    if (const auto *number = std::get_if<std::int64_t>(&value))
+        return sqlite3_bind_int64(statement, place, *number);
+    if (const auto *text = std::get_if<std::string>(&value))
+        return sqlite3_bind_text64(statement, place, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    return sqlite3_bind_null(statement, place);
+}
+
+} // namespace
+
+bool SqlRow::isNull(int column) const {
+    return sqlite3_column_type(m_statement, column) == SQLITE_NULL;
+}
+
+std::int64_t SqlRow::number(int column) const {
+    return sqlite3_column_int64(m_statement, column);
+}
+
+std::string SqlRow::text(int column) const {
+    const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
+    return bytes == nullptr ? ""
+                            : std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column)));
+}
+
+Database::Database(const std::string &path, Purpose purpose) : m_path(path) {
+    const bool writes = purpose == Purpose::writing;
+    const int flags = writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
+    try {
+        if (sqlite3_open_v2(path.c_str(), &m_database, flags | SQLITE_OPEN_EXRESCODE, nullptr) != SQLITE_OK)
+            fail();
+        sqlite3_busy_timeout(m_database, patience);
+        if (!writes)
+            return;
+        // The files beside it stay, so that those who may only read find them.
+        int stays = 1;
+        sqlite3_file_control(m_database, "main", SQLITE_FCNTL_PERSIST_WAL, &stays);
+        std::string mode;
+        each("PRAGMA journal_mode = WAL", {}, [&](const SqlRow &row) { mode = row.text(0); });
+        if (mode != "wal")
+            throw Refusal(registerUnusable, m_path + ": its file system allows no write-ahead log");
+        run("PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON;");
+    } catch (const Refusal &) {
+        sqlite3_close(m_database);
+        throw;
+    }
+}
+
+Database::~Database() {
+    sqlite3_close(m_database);
+}
+
+void Database::fail() const {
+    throw Refusal(registerUnusable, m_path + ": " + sqlite3_errmsg(m_database));
+}
+
+void Database::run(const char *statements) {
+    if (sqlite3_exec(m_database, statements, nullptr, nullptr, nullptr) != SQLITE_OK)
+        fail();
+}
+
+void Database::each(const char *statement, const std::vector<SqlValue> &values,
+                    const std::function<void(const SqlRow &)> &take) {
+    sqlite3_stmt *made = nullptr;
+    if (sqlite3_prepare_v2(m_database, statement, -1, &made, nullptr) != SQLITE_OK)
+        fail();
+    const Statement prepared(made, sqlite3_finalize);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const int place = sqlite3_bind_parameter_index(made, ('$' + std::to_string(i + 1)).c_str());
+        if (bind(made, place, values[i]) != SQLITE_OK)
+            fail();
+    }
+    int status;
+    while ((status = sqlite3_step(made)) == SQLITE_ROW)
+        take(SqlRow(made));
+    if (status != SQLITE_DONE)
+        fail();
+}
+
+void Database::tell(const char *statement, const std::vector<SqlValue> &values) {
+    each(statement, values, [](const SqlRow &) {});
+}
+
+std::int64_t Database::number(const char *statement, const std::vector<SqlValue> &values, std::int64_t missing) {
+    std::int64_t found = missing;
+    each(statement, values, [&](const SqlRow &row) { found = row.isNull(0) ? missing : row.number(0); });
+    return found;
+}
+
+void Database::together(const std::function<void()> &work) {
+    run("BEGIN IMMEDIATE");
+    try {
+        work();
+        run("COMMIT");
+    } catch (...) {
+        // Where the disk is full it is rolled back already.
+        sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
+        throw;
+    }
+}
