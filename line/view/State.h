@@ -22,7 +22,7 @@ enum class Phase {
 struct NestState {
     std::string name;
     Phase phase = Phase::empty;
-    std::string step;                         // while busy
+    std::string step = {};                    // while busy
     int percent = -1;                         // of the step; -1 where it tells none
     std::optional<std::uint32_t> number = {}; // that the unit has got
     std::string why = {};                     // in the operator's words
