@@ -1,5 +1,6 @@
 #include "line/station/Link.h"
 
+#include <climits>
 #include <regex>
 
 #include "line/job/Words.h"
@@ -61,6 +62,8 @@ Link readLink(Table table) {
 
 std::string readPort(Table &table, const std::string &key, LinkKind kind) {
     const std::string port = table.text(key);
+    if (port.size() > PATH_MAX)
+        table.placeOf(key).refuse("is longer than a path can be");
     for (const PortForm &form : portForms)
         if (form.kind == kind && !std::regex_match(port, std::regex(form.pattern)))
             table.placeOf(key).refuse(form.wanted);

@@ -181,3 +181,8 @@ TEST_F(StationTest, HasNoMoreNestsThanAScreenShows) {
     EXPECT_EQ(told(text + "[[nest]]\nname = \"64\"\nport = \"/dev/tty64\"\n"),
               path("station.toml") + ":198: nest[64].name: is one more than 64 nests");
 }
+
+TEST_F(StationTest, RefusesAPortThatNoPathCanBe) {
+    EXPECT_EQ(told(ofKind("usart", "", '/' + std::string(500000, 'a'))),
+              path("station.toml") + ":7: nest[0].port: is longer than a path can be");
+}
