@@ -9,23 +9,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "programs/Descriptor.h"
 #include "programs/Status.h"
 #include "programs/Text.h"
 
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int open) : number(open) {}
-    ~Descriptor() {
-        if (number >= 0)
-            close(number);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    const int number;
-};
 
 [[noreturn]] void refuse(const std::string &path, const std::string &why) {
     throw Refusal(notAcceptable, path + ": " + why);
@@ -63,10 +51,10 @@ std::string readRegular(int directory, const std::string &name, int link, std::s
     accept(name, info, most);
     // It may be another by now. Without O_NONBLOCK a FIFO that nobody writes to would hold us here for ever.
     const Descriptor file(openat(directory, name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | link));
-    if (file.number < 0 || fstat(file.number, &info) != 0)
+    if (file.number() < 0 || fstat(file.number(), &info) != 0)
         refuse(name, std::strerror(errno));
     accept(name, info, most);
-    return readAll(file.number, name, most);
+    return readAll(file.number(), name, most);
 }
 
 } // namespace

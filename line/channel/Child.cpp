@@ -7,42 +7,75 @@
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <linux/close_range.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "programs/Descriptor.h"
+
 namespace {
 
-constexpr int noProgram = 127;
+constexpr int aboveAllGiven = 64;
+
+std::vector<char *> listOf(const std::vector<std::string> &texts) {
+    std::vector<char *> list;
+    for (const std::string &text : texts)
+        list.push_back(const_cast<char *>(text.c_str()));
+    list.push_back(nullptr);
+    return list;
+}
+
+bool take(std::vector<Start::Given> &given) {
+    // Out of the way of the numbers that they get.
+    for (Start::Given &one : given)
+        if ((one.ours = fcntl(one.ours, F_DUPFD_CLOEXEC, aboveAllGiven)) < 0)
+            return false;
+    // What whoever started us has left open is nothing for others. An old kernel leaves it to the marks we set.
+    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    for (const Start::Given &one : given)
+        if (dup2(one.ours, one.theirs) < 0)
+            return false;
+    return true;
+}
 
 // In the new process, where nothing but system calls is allowed.
-[[noreturn]] void become(const char *path, char *const *words, pid_t parent, int descriptor, int as) {
+[[noreturn]] void become(const Start &how, std::vector<Start::Given> &given, char *const *words,
+                         char *const *environment, pid_t parent) {
     // MEANT: a process that makes a unit must not go on without the one that keeps the record.
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    prctl(PR_SET_PDEATHSIG, how.endsWith);
     signal(SIGPIPE, SIG_DFL);
-    const int nothing = open("/dev/null", O_RDONLY);
-    if (getppid() != parent || nothing < 0 || dup2(nothing, STDIN_FILENO) < 0)
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (getppid() != parent || !take(given))
         _exit(noProgram);
-    // A descriptor that has its number already would keep its mark to be closed.
-    if (descriptor == as ? fcntl(as, F_SETFD, 0) < 0 : dup2(descriptor, as) < 0)
+    if (how.alone && (setsid() < 0 || chdir("/") != 0))
         _exit(noProgram);
-    execv(path, words);
+    execve(how.path.c_str(), words, environment);
     _exit(noProgram);
 }
 
 } // namespace
 
-Child::Child(const std::string &path, const std::vector<std::string> &words, int descriptor, int as) {
-    std::vector<char *> list = {const_cast<char *>(path.c_str())};
-    for (const std::string &word : words)
-        list.push_back(const_cast<char *>(word.c_str()));
-    list.push_back(nullptr);
+pid_t start(const Start &how) {
+    std::vector<std::string> all = {how.path};
+    all.insert(all.end(), how.words.begin(), how.words.end());
+    const std::vector<char *> words = listOf(all);
+    const std::vector<char *> environment = how.environment ? listOf(*how.environment) : std::vector<char *>();
+    std::vector<Start::Given> given = how.given;
     const pid_t parent = getpid();
-    m_process = fork();
-    if (m_process == 0)
-        become(path.c_str(), list.data(), parent, descriptor, as);
-    if (m_process < 0)
+    const pid_t process = fork();
+    if (process == 0)
+        become(how, given, words.data(), how.environment ? environment.data() : environ, parent);
+    if (process < 0)
         throw std::runtime_error(std::string("no process to be had: ") + std::strerror(errno));
+    return process;
+}
+
+Child::Child(const std::string &path, const std::vector<std::string> &words, int descriptor, int as) {
+    const Descriptor nothing(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    m_process = start({path, words, {{nothing.number(), STDIN_FILENO}, {descriptor, as}}, SIGTERM});
 }
 
 Child::~Child() {
