@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests.
 #
-# usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS|--campaign]
+# usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage]
 #   --all     also builds with clang++, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
 #             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
@@ -9,6 +9,7 @@
 #               takes root, and runs no other tests
 #   --fuzz    builds the fuzzers of tests/fuzz and runs them for so many seconds all together, and nothing else
 #   --campaign  runs the programs that find out how reliable the links are, which takes minutes; each prints a table
+#   --coverage  builds with clang++ so that lines and branches are counted, runs all tests and prints a table of the folders
 set -eu
 cd "$(dirname "$0")"
 
@@ -16,6 +17,7 @@ all=
 kernel=
 fuzz=
 campaign=
+coverage=
 case "${1:-}" in
     "") ;;
     --all) all=yes ;;
@@ -27,7 +29,8 @@ case "${1:-}" in
         ;;
     --fuzz) fuzz=${2:-} ;;
     --campaign) campaign=yes ;;
-    *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS|--campaign]" >&2; exit 2 ;;
+    --coverage) coverage=yes ;;
+    *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage]" >&2; exit 2 ;;
 esac
 if [ "${1:-}" = --fuzz ] && ! [[ $fuzz =~ ^[1-9][0-9]*$ ]]; then
     echo "usage: $0 --fuzz SECONDS" >&2
@@ -36,6 +39,7 @@ fi
 
 tools/install-packages.sh test
 [ -z "$kernel" ] || tools/install-packages.sh kernel
+[ -z "$coverage" ] || tools/install-packages.sh coverage
 
 # build PRESET [--target TARGET...]
 build() {
@@ -56,6 +60,15 @@ run() {
 if [ -n "$fuzz" ]; then
     build fuzz --target fuzzers
     exec tests/fuzz/run.sh "$fuzz"
+fi
+
+if [ -n "$coverage" ]; then
+    build coverage
+    rm -rf build/coverage/profiles
+    failed=0
+    run coverage || failed=1
+    tools/coverage.py build/coverage || failed=1
+    exit "$failed"
 fi
 
 # Those that --campaign runs: each is a program in build/release/campaign, and fails when it finds a lie.

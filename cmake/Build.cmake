@@ -17,12 +17,35 @@ if(ZV32_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+option(ZV32_COVERAGE "Count which lines and branches run, for clang++" OFF)
+if(ZV32_COVERAGE)
+  # The counters are the mapped file itself (%c), one for each program and library (%m), shared by all processes of it:
+  # one that is killed has counted too, and nothing of the environment is needed. The tests count nothing themselves.
+  set(counted ${PROJECT_SOURCE_DIR}/cmake/counted.txt)
+  add_compile_options(-fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%c%m.profraw -fcoverage-mapping
+    -fprofile-update=atomic -fprofile-list=${counted} "SHELL:-mllvm -runtime-counter-relocation")
+  add_link_options(-fprofile-instr-generate)
+endif()
+
+# zv32_count_nothing(): of the directory's targets nothing is counted: what is preloaded into others, stands in for them or
+# measures.
+macro(zv32_count_nothing)
+  foreach(kind COMPILE_OPTIONS LINK_OPTIONS)
+    get_property(options DIRECTORY PROPERTY ${kind})
+    list(FILTER options EXCLUDE REGEX "profile|coverage|counter-relocation")
+    set_property(DIRECTORY PROPERTY ${kind} ${options})
+  endforeach()
+endmacro()
+
+# Indices and iterators of the standard library are checked in builds that are made to find mistakes.
+if(ZV32_SANITIZE OR ZV32_COVERAGE)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
+endif()
+
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
 if(ZV32_SANITIZE)
   add_compile_options(-fsanitize=${ZV32_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ZV32_SANITIZE})
-  # Indices and iterators of the standard library are checked too.
-  add_compile_definitions(_GLIBCXX_ASSERTIONS)
   # In instrumented code g++ 12 warns of branches that can't be reached, its own library's among them.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wno-maybe-uninitialized -Wno-array-bounds -Wno-stringop-overflow)

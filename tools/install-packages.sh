@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs what is missing on a Debian 12 machine: the one list of packages, for try.sh, test.sh and package.sh.
 #
-# usage: tools/install-packages.sh [--missing] build|test|kernel|package|bare
+# usage: tools/install-packages.sh [--missing] build|test|kernel|coverage|package|bare
 #   --missing  only tells which ones are missing
 set -eu
 
@@ -20,6 +20,9 @@ test="libgtest-dev python3-cram clang clang-format clang-tidy libclang-rt-14-dev
 # To test them on a stock kernel in a virtual machine. The kernel itself is only unpacked.
 kernel="qemu-system-x86 seabios busybox-static cpio xz-utils iproute2"
 
+# To count which lines and branches the tests run.
+coverage="llvm"
+
 # To make Debian packages of them; debian/control names what the building of these takes.
 package="$compile build-essential debhelper dpkg-dev fakeroot libumockdev-dev lintian"
 
@@ -32,9 +35,10 @@ case "${1:-}" in
     build) wanted=$build ;;
     test) wanted="$build $test" ;;
     kernel) wanted=$kernel ;;
+    coverage) wanted=$coverage ;;
     package) wanted=$package ;;
     bare) wanted="$package $bare" ;;
-    *) echo "usage: $0 [--missing] build|test|kernel|package|bare" >&2; exit 2 ;;
+    *) echo "usage: $0 [--missing] build|test|kernel|coverage|package|bare" >&2; exit 2 ;;
 esac
 
 missing=
