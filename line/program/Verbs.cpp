@@ -1,5 +1,6 @@
 #include "line/program/Verbs.h"
 
+#include "line/program/PortsVerb.h"
 #include "line/program/Work.h"
 
 const std::vector<Verb> &verbs() {
@@ -7,6 +8,7 @@ const std::vector<Verb> &verbs() {
         {"check", "read a job, tell its plan and the plan's hash, and touch nothing", declareCheck},
         {"approve", "approve exactly this plan, as root", declareApprove},
         {"rehearse", "make one unit on a simulated chip", declareRehearse},
+        {"ports", "what is plugged in, as nests of a station file", declarePorts},
     };
     return rows;
 }

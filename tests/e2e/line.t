@@ -127,3 +127,17 @@ Another plan is not approved by it, nor is one whose approval somebody else coul
   $ zv32-line check job.toml >/dev/full
   zv32-line: the report can't be written
   [2]
+
+What is plugged in is told as nests of a station file, whatever this machine has.
+
+  $ zv32-line ports | grep -cv '^#\|^\[\[nest\]\]$\|^name = "A[0-9]*"$\|^port = "[^"]*"$\|^$'
+  0
+  [1]
+  $ (printf 'format = 1\nstation = "x"\n[link]\nkind = "usart"\n'; zv32-line ports | sed -n '/^# usart/,/^port/p') >ports.toml
+  $ zv32-line check plain.toml --station ports.toml | sed -n 's/^approval *//p'
+  zv32-line: plain.toml:10: unit[0].at: the station has no series "ZX100"
+  $ zv32-line ports --json | grep '"verb"'
+    "verb": "ports",
+  $ zv32-line ports --station none.toml
+  zv32-line: none.toml: No such file or directory
+  [2]

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "line/program/Verb.h"
+
+// What is plugged in.
+Work declarePorts(CLI::App &words);
