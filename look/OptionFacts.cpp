@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <map>
 
 #include "device/Device.h"
 #include "device/Families.h"
@@ -93,6 +94,27 @@ void tellOptions(CUserSystemData &data, Section &report) {
     report.table("bytes that are not FF", {"byte", "name", "value"}, rowsOf(data));
 }
 
+void tellOptionsAsJob(CUserSystemData &data, Section &report) {
+    std::string text = "[options]\n";
+    std::map<std::string, std::string> lists;
+    for (const NamedOptionByte &one : namedOptionBytes(data.m_MCUSerials, data.m_nUserSystemDataLen)) {
+        const BYTE value = optionByte(data, one.item, one.index);
+        if (value == erased || one.item == OptionItem::fap || one.item == OptionItem::epp)
+            continue;
+        std::string &list = lists[nameOf(one.item)];
+        if (one.isOne)
+            text += one.name + " = 0x" + hexOf(value) + '\n';
+        else
+            list += (list.empty() ? "" : ", ") + std::to_string(one.index) + " = 0x" + hexOf(value);
+    }
+    for (const auto &list : lists)
+        if (!list.second.empty())
+            text += list.first + " = { " + list.second + " }\n";
+    if (const QList<int> sectors = data.GetEPPMapSectorIndex(data.m_nSectorNums); !sectors.isEmpty())
+        text += "protect = \"" + rangesText(sectors) + "\"\n";
+    report.plain("toml", text);
+}
+
 std::string optionBytesRefusal(const ImageRead &image, const CDevice *device) {
     if (!image.isRead)
         return image.refusal;
@@ -107,7 +129,7 @@ std::string optionBytesRefusal(const ImageRead &image, const CDevice *device) {
     return length > longestElement ? std::to_string(length) + " bytes are more than 4096" : "";
 }
 
-void tellOptionFile(const std::string &path, CDevice &device, int bid, Section &report) {
+void tellOptionFile(const std::string &path, CDevice &device, int bid, TellOptions tell, Section &report) {
     const ImageRead image = readImage(path, false);
     const std::string refusal = optionBytesRefusal(image, &device);
     if (!refusal.empty())
@@ -119,5 +141,5 @@ void tellOptionFile(const std::string &path, CDevice &device, int bid, Section &
     checkComplements(range, data.m_nUserSystemDataLen, report);
     std::vector<BYTE> bytes = range.bytes;
     data.SetElementData(bytes.data(), static_cast<quint32>(bytes.size()));
-    tellOptions(data, report);
+    tell(data, report);
 }

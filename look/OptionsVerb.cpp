@@ -19,6 +19,9 @@ struct Words {
     std::string chip;
     std::string bid;
     std::string other; // a file to be compared with
+    bool asJob = false;
+
+    TellOptions tell() const { return asJob ? tellOptionsAsJob : tellOptions; }
 };
 
 std::vector<BYTE> compactForm(CUserSystemData &data) {
@@ -64,7 +67,7 @@ int lookAtChip(std::vector<std::string> link, const Words &words, Section &repor
     if (const int result = control.GetUserSystemData(); result != CResult::SUCCESS)
         throw Refusal(notAcceptable, isRefusal(result) ? "the chip refuses to tell: it is under access protection"
                                                        : CResult::GetInfoStringName(result));
-    tellOptions(*control.m_ObUserSystemData, report);
+    words.tell()(*control.m_ObUserSystemData, report);
     return words.other.empty() ? lookedWell : tellDifference(control, words.other, report);
 }
 
@@ -72,7 +75,11 @@ int lookAtFile(const std::vector<std::string> &files, const Words &words, Sectio
     if (files.size() != 1 || words.chip.empty() || !words.other.empty())
         throw Refusal(badWords, "options takes the words of a link, or one FILE and --chip NAME");
     const int bid = words.bid.empty() ? 0 : std::stoi(words.bid, nullptr, 16);
-    tellOptionFile(files.front(), chipNamed(words.chip), bid, report.section("files", files.front()));
+    CDevice &chip = chipNamed(words.chip);
+    if (words.asJob)
+        tellOptionFile(files.front(), chip, bid, words.tell(), report);
+    else
+        tellOptionFile(files.front(), chip, bid, words.tell(), report.section("files", files.front()));
     return lookedWell;
 }
 
@@ -89,6 +96,7 @@ Look declareOptions(CLI::App &words) {
     words.footer("LINK-WORDS are those of the console, -com --pn ttyUSB0; or FILE, as -usd takes and saves it.");
     words.add_option("--diff", given->other, "compares the chip's with those of a file: status 9 where they differ");
     words.add_option("--chip", given->chip, "the chip that a file is for, by its map file: ZV32F403A_1024K");
+    words.add_flag("--toml", given->asJob, "as the [options] of a job of zv32-line, to be pasted");
     words.add_option("--bid", given->bid, "its BID, hexadecimal: on a ZV32F415 the layout depends on it")
         ->check(CLI::Validator(checkHex, "HEX"));
     return [given, &words](Call &call) {

@@ -2,5 +2,5 @@
 
 #include "look/Verb.h"
 
-// "options LINK-WORDS [--diff FILE]" and "options FILE --chip NAME": what option bytes say.
+// "options LINK-WORDS [--diff FILE] [--toml]" and "options FILE --chip NAME [--toml]": what option bytes say.
 Look declareOptions(CLI::App &words);

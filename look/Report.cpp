@@ -39,6 +39,10 @@ void Section::check(Mark mark, const std::string &name, const std::string &measu
     m_entries.push_back(Finding{"checks", name, mark, measured, cure});
 }
 
+void Section::plain(const std::string &name, const std::string &text) {
+    m_entries.emplace_back(Plain{name, text});
+}
+
 void Section::table(const std::string &name, std::vector<std::string> columns, std::vector<std::vector<Value>> rows) {
     m_entries.push_back(Table{name, std::move(columns), std::move(rows)});
 }
@@ -81,6 +85,10 @@ void Section::put(Json &object, const Table &table) {
     object[camelCase(table.name)] = std::move(rows);
 }
 
+void Section::put(Json &object, const Plain &plain) {
+    object[camelCase(plain.name)] = plain.text;
+}
+
 void Section::put(Json &object, const Inner &inner) {
     object[camelCase(inner.name)].push_back(inner.section.front().json());
 }
@@ -116,6 +124,8 @@ std::string Section::text(bool inColour, int indentation) const {
             lines.marked(finding->mark, finding->shownName(), finding->text, finding->cure);
         else if (const auto *table = std::get_if<Table>(&entry))
             lines.table(table->name, table->columns, table->rows);
+        else if (const auto *plain = std::get_if<Plain>(&entry))
+            lines.add(plain->text);
         else
             lines.add(std::get<Inner>(entry).section.front().text(inColour, lines.inner()));
     return lines.text();

@@ -28,6 +28,9 @@ public:
     // The same for what was measured: a person reads the name in any case. JSON: a row of "checks".
     void check(Mark mark, const std::string &name, const std::string &measured, const std::string &cure = {});
 
+    // A text of several lines that somebody pastes: it stands as it is. JSON: a member.
+    void plain(const std::string &name, const std::string &text);
+
     // Rows under the names of their columns. JSON: a list of objects.
     void table(const std::string &name, std::vector<std::string> columns, std::vector<std::vector<Value>> rows);
 
@@ -59,16 +62,21 @@ private:
         std::vector<std::string> columns;
         std::vector<std::vector<Value>> rows;
     };
+    struct Plain {
+        std::string name;
+        std::string text;
+    };
     struct Inner {
         std::string name;
         std::deque<Section> section; // of one: a section is no whole type here
     };
-    using Entry = std::variant<Fact, Finding, Table, Inner>;
+    using Entry = std::variant<Fact, Finding, Table, Plain, Inner>;
 
     std::size_t nameWidth() const;
     static void put(Json &object, const Fact &fact);
     static void put(Json &object, const Finding &finding);
     static void put(Json &object, const Table &table);
+    static void put(Json &object, const Plain &plain);
     static void put(Json &object, const Inner &inner);
 
     std::string m_title;

@@ -9,6 +9,10 @@ constexpr const char *itemNames[] = {"fap", "ssb", "ssb1", "data", "epp", "eopb0
 
 } // namespace
 
+const char *nameOf(OptionItem item) {
+    return itemNames[static_cast<int>(item)];
+}
+
 std::vector<NamedOptionByte> namedOptionBytes(int family, int compactLength) {
     std::vector<NamedOptionByte> names;
     const OptionLayout layout = optionLayout(family);
@@ -17,8 +21,8 @@ std::vector<NamedOptionByte> namedOptionBytes(int family, int compactLength) {
         const bool isOne = row->count == 1 && row->item != OptionItem::data;
         for (int byte = row->firstByte; byte < std::min(end, compactLength); ++byte) {
             const int index = row->firstIndex + byte - row->firstByte;
-            const std::string name = itemNames[static_cast<int>(row->item)];
-            names.push_back({isOne ? name : name + std::to_string(index), row->item, byte, index});
+            const std::string name = nameOf(row->item);
+            names.push_back({isOne ? name : name + std::to_string(index), row->item, byte, index, isOne});
         }
     }
     return names;

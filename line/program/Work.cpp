@@ -43,7 +43,8 @@ Json recordOf(const Rehearsal &rehearsal, const Outcome &outcome, int status) {
     record["series"] = numbered ? Json(rehearsal.series()) : Json();
     record["number"] = numbered ? Json(rehearsal.number()) : Json();
     record["plan"] = rehearsal.plan.hash;
-    record["ms"] = outcome.milliseconds;
+    for (const char *name : {"verified", "options", "ms"})
+        record[name] = outcome.end.is_object() ? outcome.end.at(name) : Json();
     return record;
 }
 
@@ -77,9 +78,30 @@ int approve(const std::string &job, const std::string &hash, const Asked &asked)
     return allDone;
 }
 
-int rehearse(const std::string &job, const std::string &order, const std::string &keep, const Asked &asked) {
-    const Reading reading(job, asked.station);
-    const Rehearsal rehearsal{reading.job, reading.plan, reading.image, reading.station, order, keep};
+struct RehearsalWords {
+    std::string job;
+    std::string order;
+    std::string keep;
+    std::vector<std::string> supply;
+};
+
+// Of NAME=VALUE words.
+std::map<std::string, std::string> supplyOf(const std::vector<std::string> &words) {
+    std::map<std::string, std::string> supply;
+    for (const std::string &word : words) {
+        const std::size_t sign = word.find('=');
+        if (sign == std::string::npos)
+            throw Refusal(badWords, "--supply: \"" + word + "\" is not NAME=VALUE");
+        supply[word.substr(0, sign)] = word.substr(sign + 1);
+    }
+    return supply;
+}
+
+int rehearse(const RehearsalWords &words, const Asked &asked) {
+    const std::map<std::string, std::string> supply = supplyOf(words.supply);
+    const Reading reading(words.job, asked.station);
+    const Rehearsal rehearsal{reading.job, reading.plan, reading.image, reading.station,
+                              words.order, supply,       words.keep};
     const auto tell = [&](const std::string &step) {
         if (!asked.json)
             std::cout << step << std::endl;
@@ -94,14 +116,14 @@ int rehearse(const std::string &job, const std::string &order, const std::string
 }
 
 // A word of a verb, kept until the verb runs.
-std::shared_ptr<std::string> wordOf(CLI::App &words, const char *name, const char *what, bool required) {
+std::shared_ptr<std::string> wordOf(CLI::App &words, const char *name, const char *what) {
     auto text = std::make_shared<std::string>();
-    words.add_option(name, *text, what)->required(required);
+    words.add_option(name, *text, what)->required();
     return text;
 }
 
 std::shared_ptr<std::string> jobOf(CLI::App &words) {
-    return wordOf(words, "JOB", "job file", true);
+    return wordOf(words, "JOB", "job file");
 }
 
 } // namespace
@@ -115,13 +137,16 @@ Work declareCheck(CLI::App &words) {
 
 Work declareApprove(CLI::App &words) {
     const auto job = jobOf(words);
-    const auto hash = wordOf(words, "HASH", "the hash of the plan, as check tells it", true);
+    const auto hash = wordOf(words, "HASH", "the hash of the plan, as check tells it");
     return [=](const Asked &asked) { return approve(*job, *hash, asked); };
 }
 
 Work declareRehearse(CLI::App &words) {
-    const auto job = jobOf(words);
-    const auto order = wordOf(words, "--order", "the order that the unit is for", false);
-    const auto keep = wordOf(words, "--keep", "keep the chip's memory in this file, as zv32-sim --state does", false);
-    return [=](const Asked &asked) { return rehearse(*job, *order, *keep, asked); };
+    const auto given = std::make_shared<RehearsalWords>();
+    words.add_option("JOB", given->job, "job file")->required();
+    words.add_option("--order", given->order, "the order that the unit is for");
+    words.add_option("--supply", given->supply, "NAME=VALUE, in the place of what the hook before it would supply")
+        ->allow_extra_args(false);
+    words.add_option("--keep", given->keep, "keep the chip's memory in this file, as zv32-sim --state does");
+    return [given](const Asked &asked) { return rehearse(*given, asked); };
 }

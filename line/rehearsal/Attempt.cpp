@@ -54,7 +54,7 @@ bool Attempt::take(const Json &message, Channel &channel, Outcome &outcome) {
     } else if (event == "irreversible") {
         channel.send({{"do", "burn"}}); // a simulated chip can be thrown away
     } else if (event == "end") {
-        outcome.milliseconds = message.at("ms");
+        outcome.end = message;
         if (message.at("result") != "pass") {
             outcome.cause = message.at("cause");
             outcome.text = message.at("text");

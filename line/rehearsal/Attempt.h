@@ -13,9 +13,9 @@
 struct Outcome {
     std::string cause; // empty where it passed
     std::string text;
-    int code = 0;      // of the console's results
-    Json identified;   // null where it did not come so far
-    Json milliseconds; // of each step
+    int code = 0;    // of the console's results
+    Json identified; // null where it did not come so far
+    Json end;        // what the process that made it told last, null where that did not come
     bool passed() const { return cause.empty(); }
 };
 

@@ -18,7 +18,7 @@ std::uint32_t Rehearsal::number() const {
 
 Outcome Rehearsal::run(const Attempt::Tell &tell) const {
     const auto imageOfUnit = [this](const std::string &uid) {
-        return unitImageOf(job, image, {number(), uid, std::time(nullptr), order});
+        return unitImageOf(job, image, {number(), uid, std::time(nullptr), order, supply});
     };
     const SimulatedChip chip(job.chip, keep);
     return Attempt(job, plan, imageOfUnit, tell).run({{"kind", "usart"}, {"port", chip.port()}});

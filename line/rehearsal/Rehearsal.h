@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 #include "line/rehearsal/Attempt.h"
@@ -11,8 +12,9 @@ struct Rehearsal {
     const Plan &plan;
     const Runs &image;
     const Station &station;
-    std::string order; // of the line
-    std::string keep;  // file for the chip's memory; may be empty
+    std::string order;                         // of the line
+    std::map<std::string, std::string> supply; // in the place of the hook's
+    std::string keep;                          // file for the chip's memory; may be empty
 
     // The number that the unit has: the first one of its series, 1 without a station.
     std::uint32_t number() const;

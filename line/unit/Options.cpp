@@ -12,10 +12,23 @@ namespace {
 
 constexpr char failed[] = "options";
 
+constexpr BYTE unprotected = 0xFF;
+
+std::vector<NamedOptionByte> namesOf(const std::vector<BYTE> &chip, const CBootLoader &control) {
+    return namedOptionBytes(seriesOf(*control.m_ObDevice), static_cast<int>(chip.size()));
+}
+
 } // namespace
 
+bool protectsSectors(const std::vector<BYTE> &chip, const CBootLoader &control) {
+    const auto names = namesOf(chip, control);
+    return std::any_of(names.begin(), names.end(), [&](const NamedOptionByte &one) {
+        return one.item == OptionItem::epp && chip[static_cast<std::size_t>(one.byte)] != unprotected;
+    });
+}
+
 std::vector<BYTE> optionsIn(std::vector<BYTE> chip, const Json &named, const CBootLoader &control) {
-    const auto names = namedOptionBytes(seriesOf(*control.m_ObDevice), static_cast<int>(chip.size()));
+    const auto names = namesOf(chip, control);
     for (const auto &option : named.items()) {
         const auto found =
             std::find_if(names.begin(), names.end(), [&](const auto &one) { return one.name == option.key(); });

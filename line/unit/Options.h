@@ -11,6 +11,9 @@ class CBootLoader;
 // that this chip has not.
 std::vector<BYTE> optionsIn(std::vector<BYTE> chip, const Json &named, const CBootLoader &control);
 
+// Whether a compact form has a bit that protects sectors.
+bool protectsSectors(const std::vector<BYTE> &chip, const CBootLoader &control);
+
 // Writes a compact form, unless the chip holds it already, and reads it back: the chip restarts. Throws Failure.
 void writeOptions(CBootLoader &control, std::vector<BYTE> wanted);
 

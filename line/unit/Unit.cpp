@@ -28,6 +28,13 @@ Json hexOrNull(const std::vector<BYTE> &bytes) {
     return bytes.empty() ? Json() : Json(hexText(bytes.data(), bytes.size()));
 }
 
+QList<int> sectorsOf(const Json &numbers) {
+    QList<int> sectors;
+    for (const Json &number : numbers)
+        sectors.append(number.get<int>());
+    return sectors;
+}
+
 } // namespace
 
 Unit::Unit(Channel &channel, Json order) : m_order(std::move(order)), m_dialogue(channel) {}
@@ -119,6 +126,12 @@ void Unit::openProtected() {
 }
 
 void Unit::check() {
+    int result = CResult::SUCCESS;
+    if (protectsSectors(m_optionsBefore, *m_control))
+        result = m_control->HasBeenEraseProgramProtect(sectorsOf(m_order.at("sectors")));
+    m_hasProtectedSectors = result == CResult::SYS_ERASEPROGRAM_PROTECTION;
+    if (!m_hasProtectedSectors || !m_order.at("eraseProtected").get<bool>())
+        require(result, "protected");
     optionsIn(m_optionsBefore, m_order.at("options"), *m_control);
     m_otp = std::make_unique<Otp>(*m_control, m_order.at("otp"));
     if (m_order.at("access") == "high" && m_control->m_pCmds->ACCESS_LEVEL_PROTECT_CMD != 1)
@@ -139,25 +152,16 @@ void Unit::run(COperation &job, const char *cause) {
 }
 
 void Unit::erase() {
+    if (m_hasProtectedSectors)
+        openSectors();
     CErase job(m_control);
     EraseParam record;
-    for (const Json &sector : m_order.at("sectors"))
-        record.m_iSectorIndex.append(sector.get<int>());
+    record.m_iSectorIndex = sectorsOf(m_order.at("sectors"));
     job.SetParameters(&record);
-    try {
-        run(job, "erase");
-    } catch (const Failure &failure) {
-        if (failure.code != CResult::SYS_ERASEPROGRAM_PROTECTION)
-            throw;
-        openSectors();
-        run(job, "erase");
-    }
+    run(job, "erase");
 }
 
-// A protected chip is one with protected sectors, too.
 void Unit::openSectors() {
-    if (!m_order.at("eraseProtected").get<bool>())
-        throw Failure("protected", CResult::SYS_ERASEPROGRAM_PROTECTION);
     CEraseProgramUnProtect job(m_control);
     run(job, "sector-protection");
     m_optionsAfter = readOptions(*m_control, "sector-protection");
@@ -203,9 +207,7 @@ void Unit::setOptions() {
 
 void Unit::protectSectors() {
     CEraseProgramProtect job(m_control);
-    QList<int> sectors;
-    for (const Json &sector : m_order.at("protect"))
-        sectors.append(sector.get<int>());
+    QList<int> sectors = sectorsOf(m_order.at("protect"));
     job.SetParameters(&sectors);
     run(job, "sector-protection");
     m_optionsAfter = readOptions(*m_control, "sector-protection");

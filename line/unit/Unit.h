@@ -51,5 +51,6 @@ private:
     std::unique_ptr<Otp> m_otp;
     std::vector<BYTE> m_optionsBefore; // empty where they were not read
     std::vector<BYTE> m_optionsAfter;
+    bool m_hasProtectedSectors = false; // among those that are written
     bool m_isVerified = false;
 };

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include "line/plan/Chip.h"
+#include "line/plan/Plan.h"
 #include "line/plan/UnitImage.h"
 #include "programs/Status.h"
 #include "tests/line/LineFiles.h"
@@ -65,6 +66,35 @@ const Mistake mistakes[] = {
     {"\"on\"", "\"off\"", ":22: finish.access: is none of"},
     {"false", "\"no\"", ":23: finish.run: must be true or false, and is a text"},
     {"false", "true", ":23: finish.run: the bootloader of a protected chip starts nothing"},
+    {"as = \"u32le\"", "as = \"u32le\"\nsupply = \"mac\"", ":14: unit[0].supply: no such key"},
+    {"value = \"number\"\nseries = \"ZX100\"", "value = \"supply\"", ":9: unit[0].supply: is missing"},
+    {"value = \"number\"\nseries = \"ZX100\"\nas = \"u32le\"", "value = \"supply\"\nsupply = \"mac\"\nas = \"hex\"",
+     ":9: unit[0].size: is missing"},
+    {"[finish]", "[options]\nfap = 0xA5\n[finish]", ":22: options.fap: is set by finish.access"},
+    {"[finish]", "[options]\nepp = { 0 = 0xFE }\n[finish]", ":22: options.epp: is set by options.protect"},
+    {"[finish]", "[options]\nssb = 0x100\n[finish]", ":22: options.ssb: is not within 0 and 255"},
+    {"[finish]", "[options]\nssb1 = 0xFE\n[finish]", ":22: options.ssb1: no option byte of this chip is called ssb1"},
+    {"[finish]", "[options]\ndata = { 8 = 1 }\n[finish]", ":22: options.data.8: no option byte of this chip is called"},
+    {"[finish]", "[options]\ndata = { 00 = 1 }\n[finish]",
+     ":22: options.data.00: no option byte of this chip is called"},
+    {"[finish]", "[options]\ndata = 1\n[finish]", ":22: options.data: no option byte of this chip is called data"},
+    {"[finish]", "[options]\nssb = { 0 = 1 }\n[finish]",
+     ":22: options.ssb.0: no option byte of this chip is called ssb0"},
+    {"[finish]", "[options]\nprotect = \"0-\"\n[finish]", ":22: options.protect: must be numbers of sectors, such as"},
+    {"[finish]", "[options]\nprotect = \"3-1\"\n[finish]", ":22: options.protect: names no sectors: \"3-1\""},
+    {"[finish]", "[options]\nprotect = \"1,,2\"\n[finish]",
+     ":22: options.protect: must be numbers of sectors, such as"},
+    {"[finish]", "[options]\nprotect = \"99999\"\n[finish]", ":22: options.protect: names no sectors: \"99999\""},
+    {"[finish]", "[options]\nprotect = \"0-512\"\n[finish]",
+     ":22: options.protect: the last sector of this chip is 511"},
+    {"[finish]", "[[otp]]\nblock = 0\nlock = true\n[finish]", ":22: otp[0].block: this chip has no OTP memory"},
+    {"[finish]", "[[otp]]\nblock = 0\n[finish]", ":22: otp[0].block: is neither written nor locked"},
+    {"[finish]", "[[otp]]\nblock = 0\nhex = \"0011\"\n[finish]",
+     ":23: otp[0].hex: must be the hexadecimal digits of 4, 8"},
+    {"[finish]", "[[otp]]\nblock = 0\nhex = \"0011223G\"\n[finish]",
+     ":23: otp[0].hex: must be the hexadecimal digits of 4"},
+    {"[finish]", "[[otp]]\nblock = 1\nlock = true\n[[otp]]\nblock = 1\nlock = true\n[finish]",
+     ":25: otp[1].block: is the block of line 22 again"},
     {"run = false", "runs = false", ":23: finish.runs: no such key"},
 };
 
@@ -88,7 +118,8 @@ protected:
         write("job.toml", text);
         try {
             const Job read = readJob(path("job.toml"));
-            imageOf(read, Chip(read.chip, read.chipPlace));
+            const Chip chip(read.chip, read.chipPlace);
+            planOf(read, chip, imageOf(read, chip));
             return {};
         } catch (const Refusal &refusal) {
             EXPECT_EQ(refusal.status, notAcceptable);

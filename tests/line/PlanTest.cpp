@@ -33,6 +33,14 @@ const char *const changes[][2] = {
     {"value = \"number\"\nseries = \"ZX100\"", "value = \"time\""},
     {"ZX-{number:06}", "ZX-{number:07}"},
     {"size = 16", "size = 17"},
+    {"value = \"number\"\nseries = \"ZX100\"", "value = \"supply\"\nsupply = \"mac\""},
+    {"value = \"number\"\nseries = \"ZX100\"", "value = \"supply\"\nsupply = \"other\""},
+    {"[finish]", "[options]\nssb = 0xFE\n[finish]"},
+    {"[finish]", "[options]\nssb = 0xFD\n[finish]"},
+    {"[finish]", "[options]\ndata = { 0 = 0xFE }\n[finish]"},
+    {"[finish]", "[options]\ndata = { 1 = 0xFE }\n[finish]"},
+    {"[finish]", "[options]\nprotect = \"0-7\"\n[finish]"},
+    {"[finish]", "[options]\nprotect = \"0-6\"\n[finish]"},
     {"\"on\"", "\"high\""},
     {"\"on\"", "\"leave\""},
     {"\"on\"\nrun = false", "\"leave\"\nrun = true"},
@@ -59,6 +67,29 @@ irreversible nothing
     EXPECT_EQ(plan(job).hash, sha256Of(plan(job).text));
     EXPECT_FALSE(plan(job).irreversible);
     EXPECT_TRUE(plan(with("\"on\"", "\"high\"")).irreversible);
+}
+
+// Of a chip that has OTP memory.
+TEST_F(PlanTest, TellsWhatIsForEver) {
+    const auto told = [this](const std::string &tables) {
+        std::string text = with("ZV32F403A_1024K", "ZV32F457_1024K");
+        return plan(text.insert(text.find("[finish]"), tables)).text;
+    };
+    const auto tells = [](const std::string &text, const std::string &lines) { return text.find(lines) != text.npos; };
+    EXPECT_TRUE(tells(told("[[otp]]\nblock = 127\nhex = \"00fFa512\"\n"), "\notp          block 127 00ffa512\n"));
+    EXPECT_TRUE(tells(told("[[otp]]\nblock = 127\nhex = \"00fFa512\"\n"), "\nirreversible otp\n"));
+    EXPECT_TRUE(tells(told("[[otp]]\nblock = 3\nlock = true\n[[otp]]\nblock = 1\nhex = \"00000000\"\n"),
+                      "\notp          block 1 00000000\notp          block 3 locked\n"));
+    EXPECT_TRUE(
+        tells(told("[[otp]]\nblock = 3\nhex = \"00000000\"\nlock = true\n"), "\nirreversible otp, otp locks\n"));
+}
+
+// In the chip's order, whatever the file's is.
+TEST_F(PlanTest, TellsOptionBytes) {
+    const std::string options =
+        "[options]\nprotect = \"9, 0-1,1-2\"\neopb0 = 1\ndata = { 7 = 2, 0 = 0x0a }\nssb = 255\n";
+    const std::string text = plan(with("[finish]", options + "[finish]")).text;
+    EXPECT_NE(text.find("\noptions      ssb=FF data0=0A eopb0=01 data7=02 protect=0-2, 9\n"), text.npos) << text;
 }
 
 TEST_F(PlanTest, EveryValueAndEveryByteOfTheImageChangesTheHash) {

@@ -41,6 +41,29 @@ TEST(UnitBytesTest, MakesEachValueInEachForm) {
               filled("A0016909060BPO-88", 24));
 }
 
+TEST(UnitBytesTest, TakesWhatAHookSupplies) {
+    UnitFacts unit = facts;
+    const auto supplied = [&](UnitForm form, std::uint32_t size, const std::string &value) {
+        unit.supply = {{"key", value}};
+        UnitDatum made = datum(UnitValue::supply, form, size);
+        made.supply = "key";
+        return unitBytes(made, unit);
+    };
+    EXPECT_EQ(supplied(UnitForm::ascii, 6, "abc"), filled("abc", 6));
+    EXPECT_EQ(supplied(UnitForm::hex, 3, "00fFa5"), std::string("\0\xff\xa5", 3));
+    EXPECT_EQ(supplied(UnitForm::u32le, 4, "4294967294"), "\xfe\xff\xff\xff");
+    EXPECT_EQ(supplied(UnitForm::u32be, 4, "16909060"), "\x01\x02\x03\x04");
+    EXPECT_THROW(supplied(UnitForm::ascii, 2, "abc"), Refusal);
+    EXPECT_THROW(supplied(UnitForm::ascii, 6, "a\x1b[2J"), Refusal);
+    EXPECT_THROW(supplied(UnitForm::ascii, 6, ""), Refusal);
+    EXPECT_THROW(supplied(UnitForm::hex, 3, "00ff"), Refusal);
+    EXPECT_THROW(supplied(UnitForm::hex, 2, "00fg"), Refusal);
+    for (const char *wrong : {"", "-1", "0x10", "4294967296", "99999999999999999999999"})
+        EXPECT_THROW(supplied(UnitForm::u32le, 4, wrong), Refusal) << wrong;
+    unit.supply.clear();
+    EXPECT_THROW(unitBytes(datum(UnitValue::supply, UnitForm::ascii, 4), unit), Refusal);
+}
+
 TEST(UnitBytesTest, RefusesATextThatHasNoRoom) {
     EXPECT_EQ(unitBytes(datum(UnitValue::order, UnitForm::ascii, 5), facts), "PO-88");
     EXPECT_THROW(unitBytes(datum(UnitValue::order, UnitForm::ascii, 4), facts), Refusal);
