@@ -53,6 +53,15 @@ CASES = {
     "zv32-look im": "image",
     "zv32-line check --pl": "--plan",
     "zv32-line check ./j": "./job.toml",
+    "zv32-line po": "ports",
+    "zv32-line ports ": "--help --version --station --json",
+    "zv32-line rehearse --keep no": "./notes.txt",
+    "zv32-line check --station ./j": "./job.toml",
+    "zv32-line make --order ": "",
+    "zv32-line make --station ./job.toml --nest ": "A1 A2 B1",
+    "zv32-line make --station ./job.toml --nest A1,A": "A1,A1 A1,A2",
+    "zv32-line station --start ": "plug key",
+    "zv32-line units --result p": "pass",
     "zv32-look image --j": "--json",
     "zv32-look image ./fine": "./fine.HEX",
     "zv32-look chip -com --pr E": "EVEN",
@@ -98,6 +107,8 @@ def install(place):
     (place / "here/dir").mkdir(parents=True)
     for name in ("fine.HEX", "notes.txt", "a b.bin", "once.ZVTP", "m.ZVmap", "job.toml", "port", "dir/in.s19"):
         (place / "here" / name).touch()
+    nests = "".join(f'[[nest]]\nname = "{name}"\nport = "/dev/{name}"\n' for name in ("A1", "A2", "B1"))
+    (place / "here/job.toml").write_text(f'format = 1\nname = "ZX"\n{nests}[series.ZX]\nfirst = 1\n')
     return share
 
 
