@@ -17,6 +17,7 @@
 namespace {
 
 constexpr std::size_t mostOutput = 64 * 1024; // both streams together
+constexpr std::size_t longestReason = 200;    // of what it says of a failure
 constexpr int killTakes = 200;                // milliseconds, at most
 const std::vector<std::string> environment = {"PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin",
                                               "LC_ALL=C.UTF-8"};
@@ -50,7 +51,7 @@ struct Pipe {
 std::string lastLineOf(std::string text) {
     while (!text.empty() && text.back() == '\n')
         text.pop_back();
-    return text.substr(text.rfind('\n') + 1);
+    return text.substr(text.rfind('\n') + 1).substr(0, longestReason);
 }
 
 std::string failureOf(const siginfo_t &how, const std::string &complained) {

@@ -68,7 +68,7 @@ public:
         std::string record; // as it was written
         std::int64_t tries; // in vain so far
     };
-    // What a station has still to deliver, the oldest first, at most so many.
+    // What a station has still to deliver, the least tried first, and of those the oldest; at most so many.
     std::vector<Delivery> undelivered(const std::string &station, int most);
     std::int64_t howManyUndelivered(const std::string &station);
     void delivered(std::int64_t attempt);

@@ -56,7 +56,7 @@ CREATE TABLE IF NOT EXISTS delivery (
     why TEXT,
     delivered TEXT
 );
-CREATE INDEX IF NOT EXISTS delivery_open ON delivery (attempt) WHERE delivered IS NULL;
+CREATE INDEX IF NOT EXISTS delivery_open ON delivery (tries, attempt) WHERE delivered IS NULL;
 )";
 
 constexpr char triggers[] = R"(
@@ -126,7 +126,7 @@ constexpr char allOpen[] = "SELECT id, owner FROM attempt WHERE result = 'open' 
 constexpr char queueDelivery[] = "INSERT INTO delivery (attempt) VALUES ($1)";
 constexpr char undelivered[] = "SELECT d.attempt, r.text, d.tries FROM delivery d "
                                "JOIN attempt a ON a.id = d.attempt JOIN record r ON r.attempt = d.attempt "
-                               "WHERE d.delivered IS NULL AND a.station = $1 ORDER BY d.attempt LIMIT $2";
+                               "WHERE d.delivered IS NULL AND a.station = $1 ORDER BY d.tries, d.attempt LIMIT $2";
 constexpr char howManyUndelivered[] = "SELECT count(*) FROM delivery d JOIN attempt a ON a.id = d.attempt "
                                       "WHERE d.delivered IS NULL AND a.station = $1";
 constexpr char delivered[] = "UPDATE delivery SET tries = tries + 1, why = NULL, delivered = $2 "

@@ -10,6 +10,7 @@
 #include "line/channel/Child.h"
 #include "line/channel/Messages.h"
 #include "line/plan/Order.h"
+#include "programs/Status.h"
 #include "programs/Text.h"
 
 namespace {
@@ -84,7 +85,9 @@ Outcome Attempt::run(const Json &link) {
             if (!take(message, channel, outcome))
                 return outcome;
         }
-    } catch (const Json::exception &failure) {
-        return failed("worker-crash", failure.what(), outcome);
+    } catch (const Refusal &) {
+        throw; // of what was asked for, and not of the process
+    } catch (const std::exception &failure) {
+        return failed("worker-crash", m_step + ": " + failure.what(), outcome);
     }
 }

@@ -5,34 +5,18 @@
 #include <filesystem>
 #include <fstream>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "line/hooks/HookFile.h"
 #include "line/hooks/Permission.h"
-#include "programs/FileBytes.h"
 #include "programs/Status.h"
+#include "tests/line/SiteFiles.h"
 
 namespace {
 
-// Programs of a site, in a directory of their own.
-class HookTest : public testing::Test {
+class HookTest : public SiteFiles {
 protected:
-    HookTest() {
-        char name[] = "/tmp/zv32-hook.XXXXXX";
-        dir = mkdtemp(name);
-        umask(022);
-    }
-    ~HookTest() override { std::filesystem::remove_all(dir); }
-
-    HookCall call(const std::string &script, int seconds = 20) const {
-        const std::string path = dir + "/hook";
-        std::ofstream(path) << "#!/bin/sh\n" << script << '\n';
-        chmod(path.c_str(), 0755);
-        return {{path}, seconds, {"station.toml", 12, "hook.before.run"}};
-    }
-
     // Driven as a line drives it, but never past the deadline by waiting.
     static HookEnd ended(const HookCall &call, const Json &said = Json::object()) {
         Hook hook(call, said);
@@ -75,8 +59,6 @@ protected:
         ADD_FAILURE() << path;
         return "0";
     }
-
-    std::string dir;
 };
 
 TEST_F(HookTest, GetsJsonAndItsOutputIsTaken) {
