@@ -13,40 +13,46 @@ constexpr auto hurry = 500ms;     // that long after something was heard of
 constexpr auto patience = 2s;     // with a node that may not be opened
 
 // Where something is heard of it.
-std::vector<std::string> directoriesOf(const std::string &port, LinkKind kind) {
+void addEntries(DirectoryWatch::Entries &entries, const std::string &port, LinkKind kind) {
     if (kind == LinkKind::dfu) {
         char text[32];
-        std::snprintf(text, sizeof text, "/dev/bus/usb/%03d", std::atoi(port.c_str()));
-        return {text};
+        std::snprintf(text, sizeof text, "/dev/bus/usb/%03d/", std::atoi(port.c_str()));
+        entries[text];
+    } else if (port.front() == '/') {
+        const std::size_t name = port.rfind('/') + 1;
+        entries[port.substr(0, name)].insert(port.substr(name));
     }
-    if (port.front() != '/')
-        return {};
-    std::vector<std::string> directories = {port.substr(0, port.rfind('/') + 1)};
-    if (port.rfind("/dev/", 0) == 0)
-        directories.emplace_back("/dev/"); // the directory of the links may not be there yet
-    return directories;
 }
 
-std::vector<std::string> directoriesOf(const std::vector<Nest> &nests, LinkKind kind) {
-    std::vector<std::string> all;
-    for (const Nest &nest : nests)
-        for (const std::string &directory : directoriesOf(nest.port, kind))
-            all.push_back(directory);
-    return all;
+// In /dev all of it matters: nodes come before the links to them, and before the directory of those.
+DirectoryWatch::Entries entriesOf(const std::vector<Nest> &nests, LinkKind kind) {
+    constexpr char nodes[] = "/dev/";
+    DirectoryWatch::Entries entries;
+    bool areNodes = false;
+    for (const Nest &nest : nests) {
+        addEntries(entries, nest.port, kind);
+        areNodes |= nest.port.rfind(nodes, 0) == 0;
+    }
+    if (areNodes)
+        entries[nodes].clear();
+    return entries;
 }
 
 } // namespace
 
 PortWatch::PortWatch(const std::vector<Nest> &nests, LinkKind kind, Machine machine)
-    : m_kind(kind), m_machine(std::move(machine)), m_directories(directoriesOf(nests, kind)) {
+    : m_kind(kind), m_machine(std::move(machine)), m_directories(entriesOf(nests, kind)) {
     for (const Nest &nest : nests)
         m_ports.push_back({nest.port});
 }
 
 std::vector<PortWatch::Change> PortWatch::look(Clock::time_point now) {
-    if (m_directories.happened())
-        m_hurryUntil = now + hurry;
     std::vector<Change> changes;
+    const bool happened = m_directories.happened();
+    if (happened)
+        m_hurryUntil = now + hurry;
+    else if (now < m_next)
+        return changes;
     for (std::size_t nest = 0; nest < m_ports.size(); ++nest)
         look(nest, now, changes);
     m_next = now + (now < m_hurryUntil ? shortPause : pause);
@@ -79,6 +85,7 @@ void PortWatch::look(std::size_t nest, Clock::time_point now, std::vector<Change
 void PortWatch::release(std::size_t nest) {
     Port &port = m_ports[nest];
     port.held = false;
+    m_next = {};
     const Presence presence = presenceAt(port.name, m_kind, m_machine);
     if (m_kind == LinkKind::dfu && !presence.identity.empty() && presence.serial == port.presence.serial)
         port.presence = presence;

@@ -33,7 +33,7 @@ public:
     Clock::time_point next() const { return m_next; }
 
     // What has changed since the last look; at the first one every port that is there is plugged. What has gone and
-    // come back is told as both.
+    // come back is told as both. Costs next to nothing where nothing was heard of and next() is not reached.
     std::vector<Change> look(Clock::time_point now = Clock::now());
 
     // While an attempt runs at a nest: nothing is told of it. After the release it is told what has changed since; but

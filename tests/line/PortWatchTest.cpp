@@ -47,7 +47,9 @@ protected:
     }
     void unplug(const std::string &name) const { std::filesystem::remove(path(name)); }
 
-    Events look(PortWatch &watch) const {
+    // A moment later.
+    Events look(PortWatch &watch) {
+        m_now += 300ms;
         Events events;
         for (const PortWatch::Change &change : watch.look(m_now))
             events.emplace_back(change.nest, change.event);
@@ -138,6 +140,9 @@ TEST_F(PortWatchTest, IsToldAtOnceAndElseLooksFourTimesASecond) {
     EXPECT_EQ(watch.next() - m_now, 250ms);
     EXPECT_FALSE(isReadable(watch.descriptor()));
     const Adapter adapter;
+    write("other", "");
+    look(watch);
+    EXPECT_EQ(watch.next() - m_now, 250ms); // what is no port is none of ours
     plug(adapter, "a");
     EXPECT_TRUE(isReadable(watch.descriptor()));
     look(watch);
@@ -228,6 +233,15 @@ TEST_F(PortWatchTest, WhatWasExchangedInAnAttemptIsToldAfterIt) {
     EXPECT_EQ(look(watch), Events());
     watch.release(0);
     EXPECT_EQ(look(watch), (Events{{0, unplugged}, {0, plugged}}));
+}
+
+TEST_F(PortWatchTest, LooksNoSoonerThanItSaysWhereNothingIsHeardOf) {
+    usb("1-2", 7, "A");
+    PortWatch watch({nest("1-2")}, LinkKind::dfu, Machine(dir));
+    EXPECT_EQ(watch.look(m_now).size(), 1U);
+    unplugUsb("1-2");
+    EXPECT_EQ(watch.look(m_now + 249ms).size(), 0U);
+    EXPECT_EQ(watch.look(m_now + 250ms).size(), 1U);
 }
 
 TEST_F(PortWatchTest, AnInterfaceIsThereByItsName) {
