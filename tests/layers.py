@@ -20,6 +20,7 @@ ALLOWED["programs"] = ["programs/"]
 LINE_ROOMS = [
     "program",
     "rehearsal",
+    "gang",
     "hooks",
     "register",
     "approval",

@@ -16,6 +16,10 @@ constexpr std::size_t longestLine = 64 * 1024 * 1024;
     throw std::runtime_error(what + ": " + std::strerror(errno));
 }
 
+std::string lineOf(const Json &message) {
+    return message.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
 } // namespace
 
 Channel::~Channel() {
@@ -23,13 +27,37 @@ Channel::~Channel() {
 }
 
 void Channel::send(const Json &message) {
-    const std::string line = message.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+    const std::string line = lineOf(message);
     for (std::size_t sent = 0; sent < line.size();) {
         const ssize_t now = ::send(m_descriptor, line.data() + sent, line.size() - sent, MSG_NOSIGNAL);
         if (now < 0 && errno != EINTR)
             fail("the other end of the channel is gone");
         sent += now > 0 ? static_cast<std::size_t>(now) : 0;
     }
+}
+
+void Channel::post(const Json &message) {
+    m_toSend += lineOf(message);
+    sendMore();
+}
+
+void Channel::sendMore() {
+    while (!m_toSend.empty()) {
+        const ssize_t now = ::send(m_descriptor, m_toSend.data(), m_toSend.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (now < 0 && errno == EINTR)
+            continue;
+        if (now < 0 && errno != EAGAIN)
+            m_toSend.clear();
+        if (now < 0)
+            break;
+        m_toSend.erase(0, static_cast<std::size_t>(now));
+    }
+    if (m_toSend.empty())
+        m_toSend.shrink_to_fit(); // an image is large, and there are many nests
+}
+
+short Channel::awaited() const {
+    return static_cast<short>(m_toSend.empty() ? POLLIN : POLLIN | POLLOUT);
 }
 
 bool Channel::take(Json &message) {

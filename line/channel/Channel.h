@@ -14,7 +14,16 @@ public:
     Channel(const Channel &) = delete;
     Channel &operator=(const Channel &) = delete;
 
+    // Waits until all of it is sent.
     void send(const Json &message);
+
+    // Sends what can be sent now, and the rest at the next calls of sendMore(). Where the other end is gone, nobody is
+    // told here: receive() tells of the end.
+    void post(const Json &message);
+    void sendMore();
+    // What poll() is to wait for.
+    short awaited() const;
+    int descriptor() const { return m_descriptor; }
 
     enum class Got { message, end, silence };
     // The next message, which is an object. Silence when none has come for so many milliseconds; -1 waits for ever.
@@ -24,5 +33,6 @@ private:
     bool take(Json &message);
 
     int m_descriptor;
+    std::string m_toSend;
     std::string m_read; // and not taken yet
 };

@@ -50,7 +50,8 @@ bool take(std::vector<Start::Given> &given) {
     sigprocmask(SIG_SETMASK, &none, nullptr);
     if (getppid() != parent || !take(given))
         _exit(noProgram);
-    if (how.alone && (setsid() < 0 || chdir("/") != 0))
+    // A key of the terminal that is meant for us is nothing for what we have started.
+    if (how.alone ? setsid() < 0 || chdir("/") != 0 : setpgid(0, 0) != 0)
         _exit(noProgram);
     execve(how.path.c_str(), words, environment);
     _exit(noProgram);
@@ -80,6 +81,7 @@ Child::Child(const std::string &path, const std::vector<std::string> &words, int
 
 Child::~Child() {
     kill(m_process, SIGTERM);
+    kill(m_process, SIGCONT); // one that was stopped would not end
     while (waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) {
     }
 }

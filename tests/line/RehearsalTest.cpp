@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 
 #include "line/channel/Child.h"
+#include "line/plan/Order.h"
 #include "line/rehearsal/SimulatedChip.h"
 #include "programs/Status.h"
 #include "tests/line/LineFiles.h"
@@ -20,12 +21,13 @@ class RehearsalTest : public LineFiles {
 protected:
     RehearsalTest() { write("job.toml", with("\"on\"", "\"leave\"")); }
 
-    Outcome attempt(const Attempt::MakeImage &makeImage, const std::string &port) {
+    Outcome attempt(const MakeImage &makeImage, const std::string &port) {
         const Job read = readJob(path("job.toml"));
         const Chip chip(read.chip, read.chipPlace);
         const Runs image = imageOf(read, chip);
         const Plan plan = planOf(read, chip, image);
-        return Attempt(read, plan, makeImage, [](const std::string &) {}).run({{"kind", "usart"}, {"port", port}});
+        const Json link = {{"kind", "usart"}, {"port", port}};
+        return attemptAlone(makeOrder(read, plan, link), makeImage, [](const std::string &) {});
     }
 };
 

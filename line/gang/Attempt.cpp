@@ -1,0 +1,140 @@
+#include "line/gang/Attempt.h"
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "line/channel/Messages.h"
+#include "programs/Descriptor.h"
+
+namespace {
+
+// How long a step may be silent. A chip restarts after verify, and the line is opened again up to five times.
+struct Limit {
+    const char *step;
+    int milliseconds;
+};
+constexpr Limit limits[] = {{"connect", 20000}, {"identify", 60000}, {"erase", 60000},   {"write", 30000},
+                            {"verify", 60000},  {"options", 60000},  {"protect", 60000}, {"otp", 60000},
+                            {"access", 60000},  {"run", 20000}};
+constexpr int closingTakes = 5000; // of a port
+
+int limitOf(const std::string &step) {
+    for (const Limit &limit : limits)
+        if (step == limit.step)
+            return limit.milliseconds;
+    return limits[0].milliseconds;
+}
+
+} // namespace
+
+Attempt::Attempt(const Json &order) {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+        throw std::runtime_error(std::string("no channel to be had: ") + std::strerror(errno));
+    m_channel = std::make_unique<Channel>(ends[0]);
+    const Descriptor theirs(ends[1]);
+    m_worker = std::make_unique<Child>(besideUs("../libexec/zv32-unit"), std::vector<std::string>(), theirs.number(),
+                                       channelDescriptor);
+    waitAtMost(limitOf(m_step));
+    m_channel->post(order);
+}
+
+void Attempt::waitAtMost(int milliseconds) {
+    m_deadline = Clock::now() + std::chrono::milliseconds(milliseconds);
+}
+
+void Attempt::watch(std::vector<pollfd> &all) const {
+    if (m_worker)
+        all.push_back({m_channel->descriptor(), m_channel->awaited(), 0});
+}
+
+Attempt::Event Attempt::end(const char *cause, const std::string &text) {
+    m_worker.reset();
+    m_deadline = Clock::time_point::max();
+    if (!m_isOver) {
+        m_outcome.cause = cause;
+        m_outcome.text = m_step + ": " + text;
+    }
+    m_isOver = true;
+    return Event::end;
+}
+
+Attempt::Event Attempt::next() {
+    if (!m_worker)
+        return Event::nothing;
+    try {
+        m_channel->sendMore();
+        Json message;
+        const Channel::Got got = m_channel->receive(message, 0);
+        if (got == Channel::Got::message && !m_isOver)
+            return take(message);
+        if (got == Channel::Got::end)
+            return end("worker-crash", "the process that makes the unit has ended");
+        if (Clock::now() >= m_deadline)
+            return end("timeout", "nothing was heard of it for too long");
+        return Event::nothing;
+    } catch (const std::exception &failure) { // what it says is nothing that it can say
+        return end("worker-crash", failure.what());
+    }
+}
+
+Attempt::Event Attempt::take(const Json &message) {
+    waitAtMost(limitOf(m_step));
+    const std::string event = message.at("event");
+    if (event == "step") {
+        m_step = message.at("step");
+        m_percent = -1;
+        waitAtMost(limitOf(m_step));
+        return Event::step;
+    }
+    if (event == "percent") {
+        m_percent = message.at("percent");
+        return Event::percent;
+    }
+    if (event == "identified") {
+        m_outcome.identified = message;
+        m_deadline = Clock::time_point::max(); // it is our turn
+        return Event::identified;
+    }
+    if (event == "irreversible")
+        return Event::irreversible;
+    if (event == "end")
+        takeEnd(message);
+    return Event::nothing;
+}
+
+// What comes after it is the end of the process: then the port is free.
+void Attempt::takeEnd(const Json &message) {
+    const std::string result = message.at("result");
+    m_outcome.milliseconds = message.at("ms");
+    m_outcome.verified = message.at("verified");
+    m_outcome.options = message.at("options");
+    m_outcome.stopped = result == "interrupted";
+    if (result == "fail") {
+        m_outcome.cause = message.at("cause");
+        m_outcome.text = message.at("text");
+        m_outcome.code = message.at("code");
+    } else if (result != "pass" && !m_outcome.stopped)
+        throw std::runtime_error("it tells no result");
+    m_isOver = true;
+    waitAtMost(closingTakes);
+}
+
+void Attempt::go(const Json &order) {
+    m_channel->post(order);
+    waitAtMost(limitOf(m_step));
+}
+
+void Attempt::burn() {
+    m_channel->post({{"do", "burn"}});
+}
+
+void Attempt::stop() {
+    m_channel->post({{"do", "stop"}});
+    if (m_deadline == Clock::time_point::max())
+        waitAtMost(limitOf(m_step));
+}

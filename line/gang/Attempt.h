@@ -1,0 +1,74 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <poll.h>
+
+#include "line/channel/Channel.h"
+#include "line/channel/Child.h"
+
+// How an attempt at a unit ended.
+// NOLINTNEXTLINE(bugprone-exception-escape): the move of Json says that it throws nothing, and calls what could
+struct Outcome {
+    std::string cause; // empty where it passed, and where it was stopped
+    std::string text;
+    int code = 0;      // of the console's results
+    Json identified;   // null where it did not come so far
+    Json milliseconds; // of each step
+    bool verified = false;
+    Json options = {{"before", nullptr}, {"after", nullptr}};
+    bool stopped = false; // as stop() asked for
+    bool passed() const { return cause.empty() && !stopped; }
+};
+
+// One attempt at a unit, in a process of its own. Whoever waits in poll() drives it; nothing here waits.
+class Attempt {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    enum class Event {
+        nothing,      // more, for now
+        step,         // begins
+        percent,      // of the step
+        identified,   // goes on after go()
+        irreversible, // what comes next can't be undone; goes on after burn()
+        end           // the port is free again
+    };
+
+    // Begins it with the "make" of line/channel/Messages.h. Throws std::runtime_error where there is no process to be
+    // had.
+    explicit Attempt(const Json &order);
+
+    void watch(std::vector<pollfd> &all) const;
+    // When next() has to be called whatever has come: a step may not be silent for ever.
+    Clock::time_point deadline() const { return m_deadline; }
+
+    // What has happened, one thing at a time. After "end" there is no more to it.
+    Event next();
+    const std::string &step() const { return m_step; }
+    int percent() const { return m_percent; } // -1 where the step tells none
+    const Outcome &outcome() const { return m_outcome; }
+
+    // "go", of line/channel/Messages.h.
+    void go(const Json &order);
+    void burn();
+    // At the next place where that does no harm.
+    void stop();
+
+private:
+    Event take(const Json &message);
+    void takeEnd(const Json &message);
+    Event end(const char *cause, const std::string &text);
+    void waitAtMost(int milliseconds);
+
+    std::unique_ptr<Channel> m_channel;
+    std::unique_ptr<Child> m_worker;
+    Clock::time_point m_deadline;
+    std::string m_step = "connect";
+    int m_percent = -1;
+    Outcome m_outcome;
+    bool m_isOver = false; // its last message is here
+};
