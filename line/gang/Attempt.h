@@ -17,9 +17,7 @@ struct Outcome {
     std::string text;
     int code = 0;      // of the console's results
     Json identified;   // null where it did not come so far
-    Json milliseconds; // of each step
-    bool verified = false;
-    Json options = {{"before", nullptr}, {"after", nullptr}};
+    Json end;          // what the process that made it told last, null where that did not come
     bool stopped = false; // as stop() asked for
     bool passed() const { return cause.empty() && !stopped; }
 };
@@ -38,8 +36,7 @@ public:
         end           // the port is free again
     };
 
-    // Begins it with the "make" of line/channel/Messages.h. Throws std::runtime_error where there is no process to be
-    // had.
+    // Begins it with the "make" of line/channel/Messages.h.
     explicit Attempt(const Json &order);
 
     void watch(std::vector<pollfd> &all) const;

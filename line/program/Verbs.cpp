@@ -1,5 +1,6 @@
 #include "line/program/Verbs.h"
 
+#include "line/program/Making.h"
 #include "line/program/PortsVerb.h"
 #include "line/program/Work.h"
 
@@ -8,6 +9,8 @@ const std::vector<Verb> &verbs() {
         {"check", "read a job, tell its plan and the plan's hash, and touch nothing", declareCheck},
         {"approve", "approve exactly this plan, as root", declareApprove},
         {"rehearse", "make one unit on a simulated chip", declareRehearse},
+        {"make", "make one unit at every nest", declareMake},
+        {"station", "make unit after unit, until Ctrl-C", declareStation},
         {"ports", "what is plugged in, as nests of a station file", declarePorts},
     };
     return rows;

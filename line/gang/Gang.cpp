@@ -1,0 +1,277 @@
+#include "line/gang/Gang.h"
+
+#include <algorithm>
+
+#include "line/gang/Causes.h"
+#include "programs/Status.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto percentsWait = 100ms; // before they are shown
+
+} // namespace
+
+Gang::Gang(Shift &shift, const std::vector<Nest> &nests, Start start, View &view, TellRecord tell)
+    : m_shift(shift), m_nests(nests), m_start(start), m_view(view), m_tell(std::move(tell)),
+      m_deliveries(shift.units, shift.station.name, shift.station.after), m_began(Clock::now()) {
+    m_state.title = shift.job.name;
+    m_state.plan = shift.plan.hash;
+    m_state.order = shift.order;
+    m_state.quantity = shift.job.quantity;
+    m_state.made = shift.units.made(shift.plan.hash, shift.order);
+    for (const Nest &nest : nests) {
+        m_state.nests.emplace_back();
+        m_state.nests.back().name = nest.name;
+    }
+    m_seats.reserve(nests.size());
+    for (std::size_t i = 0; i < nests.size(); ++i)
+        m_seats.push_back({Maker(shift, nests[i], m_state.nests[i])});
+    if (start != Start::once)
+        m_ports.emplace(nests, shift.station.link.kind);
+    shift.orphan = [this](const Orphan &orphan) { this->tell(orphan); };
+    shift.sameId = [this](const std::string &uid) {
+        for (Seat &seat : m_seats)
+            if (seat.maker.uid() == uid)
+                seat.maker.giveUpSameId();
+    };
+}
+
+void Gang::tellOrphans(const std::vector<Orphan> &orphans) {
+    for (const Orphan &orphan : orphans)
+        tell(orphan);
+}
+
+void Gang::tell(const Orphan &orphan) {
+    if (!orphan.burning)
+        return;
+    const Json &record = orphan.record;
+    m_state.notice += m_state.notice.empty() ? "the line ended while burning: " : ", ";
+    m_state.notice += record.at("nest").get<std::string>() + ' ' +
+                      (record.at("number").is_number() ? "number " + record.at("number").dump() + ' ' : "") + "uid " +
+                      record.at("uid").get<std::string>();
+}
+
+int Gang::run() {
+    if (m_start == Start::once)
+        for (std::size_t i = 0; i < m_seats.size(); ++i)
+            begin(i);
+    show();
+    while (!isOver()) {
+        wait();
+        work();
+        show();
+    }
+    m_view.show(m_state);
+    if (m_registerFailure)
+        throw Refusal(*m_registerFailure);
+    return status();
+}
+
+bool Gang::isOver() const {
+    const bool works =
+        std::any_of(m_seats.begin(), m_seats.end(), [](const Seat &seat) { return seat.maker.isBusy(); });
+    const bool goesOn = m_start != Start::once && m_signalsTaken == 0 && !m_registerFailure;
+    // What nobody has tried to deliver is tried, unless the operator will not wait for it.
+    const bool delivers = m_deliveries.isBusy() && m_signalsTaken < 2 && !m_registerFailure;
+    return !works && !goesOn && !delivers;
+}
+
+Gang::Clock::time_point Gang::next() const {
+    Clock::time_point next = std::min(m_view.next(), m_deliveries.wakeUp());
+    if (m_ports)
+        next = std::min(next, m_ports->next());
+    for (const Seat &seat : m_seats)
+        next = std::min(next, seat.maker.deadline());
+    return next;
+}
+
+void Gang::wait() {
+    m_awaited.clear();
+    m_awaited.push_back({m_signals.descriptor(), POLLIN, 0});
+    if (m_ports)
+        m_awaited.push_back({m_ports->descriptor(), POLLIN, 0}); // a negative one is passed over
+    for (const int descriptor : m_view.descriptors())
+        m_awaited.push_back({descriptor, POLLIN, 0});
+    for (Seat &seat : m_seats) {
+        seat.firstAwaited = m_awaited.size();
+        seat.maker.watch(m_awaited);
+        seat.endAwaited = m_awaited.size();
+    }
+    m_deliveries.watch(m_awaited);
+    const auto left = next() - Clock::now();
+    const auto most = std::clamp<Clock::duration>(left, 0s, 1h);
+    poll(m_awaited.data(), m_awaited.size(),
+         static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(most).count()));
+}
+
+void Gang::work() {
+    takeSignals();
+    look();
+    for (std::size_t i = 0; i < m_seats.size(); ++i)
+        proceed(i);
+    guard([this] { deliver(); });
+    for (const std::size_t nest : m_view.work())
+        if (nest < m_seats.size() && m_start != Start::once)
+            press(nest);
+}
+
+// After the first one what is being made is finished; after the second one it is left where that does no harm.
+void Gang::takeSignals() {
+    const int taken = m_signals.take();
+    if (taken == 0)
+        return;
+    m_signalsTaken += taken;
+    m_isInterrupted |= m_start == Start::once || m_signalsTaken > 1;
+    for (Seat &seat : m_seats)
+        if (m_signalsTaken > 1)
+            seat.maker.stop();
+        else
+            seat.maker.finish();
+}
+
+void Gang::look() {
+    if (!m_ports)
+        return;
+    for (const PortWatch::Change &change : m_ports->look())
+        take(change);
+}
+
+void Gang::take(const PortWatch::Change &change) {
+    NestState &nest = m_state.nests[change.nest];
+    if (nest.phase == Phase::closed || m_seats[change.nest].maker.isBusy())
+        return;
+    if (change.event == PortWatch::Event::plugged)
+        return open(change.nest);
+    nest = NestState();
+    nest.name = m_nests[change.nest].name;
+    if (change.event == PortWatch::Event::denied) {
+        nest.phase = Phase::fail;
+        nest.why = causeOf("permission").words;
+    }
+}
+
+// The key of a nest opens it where it is closed, and begins a unit where that is the key's work.
+void Gang::press(std::size_t nest) {
+    NestState &shown = m_state.nests[nest];
+    if (m_seats[nest].maker.isBusy())
+        return;
+    if (shown.phase == Phase::closed) {
+        m_seats[nest].failuresInARow = 0;
+        shown.phase = Phase::empty;
+        shown.why.clear();
+        if (m_ports->isPlugged(nest))
+            open(nest);
+    } else if (m_start == Start::key && m_ports->isPlugged(nest))
+        begin(nest);
+}
+
+// There is something at the port.
+void Gang::open(std::size_t nest) {
+    if (m_start == Start::plug)
+        return begin(nest);
+    m_state.nests[nest].phase = Phase::ready;
+}
+
+void Gang::begin(std::size_t nest) {
+    if (m_signalsTaken > 0 || m_registerFailure)
+        return;
+    if (m_ports)
+        m_ports->hold(nest);
+    m_seats[nest].begun = Clock::now();
+    m_seats[nest].maker.start();
+}
+
+void Gang::proceed(std::size_t nest) {
+    Seat &seat = m_seats[nest];
+    const auto first = m_awaited.begin() + static_cast<std::ptrdiff_t>(std::min(seat.firstAwaited, m_awaited.size()));
+    const auto end = m_awaited.begin() + static_cast<std::ptrdiff_t>(std::min(seat.endAwaited, m_awaited.size()));
+    const bool isReady = std::any_of(first, end, [](const pollfd &one) { return one.revents != 0; });
+    if (!seat.maker.isBusy() || (!isReady && Clock::now() < seat.maker.deadline()))
+        return;
+    guard([&] {
+        if (seat.maker.proceed())
+            over(nest);
+    });
+}
+
+// Without its register the line finishes what it can, and begins nothing more.
+void Gang::guard(const std::function<void()> &work) {
+    try {
+        work();
+    } catch (const Refusal &refusal) {
+        if (!m_registerFailure)
+            m_registerFailure.emplace(refusal);
+        for (Seat &other : m_seats)
+            other.maker.finish();
+    }
+}
+
+void Gang::deliver() {
+    m_deliveries.proceed();
+    m_state.undelivered = static_cast<int>(m_deliveries.waiting());
+}
+
+void Gang::over(std::size_t nest) {
+    Seat &seat = m_seats[nest];
+    if (m_ports)
+        m_ports->release(nest);
+    const Json &record = seat.maker.record();
+    m_isUsedUp |= seat.maker.isUsedUp();
+    count(seat, m_state.nests[nest], record);
+    if (!record.at("attempt").is_number())
+        return;
+    m_deliveries.added();
+    m_tell(record);
+}
+
+void Gang::count(Seat &seat, NestState &nest, const Json &record) {
+    const std::string result = record.at("result");
+    if (result == "pass") {
+        ++m_state.passed;
+        m_state.made = m_shift.units.made(m_shift.plan.hash, m_shift.order);
+        m_making += Clock::now() - seat.begun;
+        m_state.secondsPerUnit = m_making.count() / m_state.passed;
+        m_state.unitsPerHour = m_state.passed * 3600 / std::chrono::duration<double>(Clock::now() - m_began).count();
+        seat.failuresInARow = 0;
+        return;
+    }
+    if (result == "interrupted") {
+        m_isInterrupted = true;
+        return;
+    }
+    const std::string cause = record.at("cause");
+    ++m_state.failed;
+    ++m_state.failures[cause];
+    m_withoutPort += cause == "no-port" ? 1 : 0;
+    if (result != "fail" || m_start == Start::once || ++seat.failuresInARow < m_shift.station.stopAfter ||
+        m_shift.station.stopAfter == 0)
+        return;
+    nest.phase = Phase::closed;
+    nest.why = std::to_string(seat.failuresInARow) + " failures in a row";
+}
+
+// A percent alone can wait.
+void Gang::show() {
+    std::vector<std::pair<Phase, std::string>> now;
+    for (const NestState &nest : m_state.nests)
+        now.emplace_back(nest.phase, nest.step);
+    now.emplace_back(Phase::empty, m_state.notice + std::to_string(m_state.undelivered));
+    if (now == m_shown && Clock::now() < m_shownAt + percentsWait)
+        return;
+    m_shown = std::move(now);
+    m_shownAt = Clock::now();
+    m_view.show(m_state);
+}
+
+int Gang::status() const {
+    if (m_isUsedUp)
+        return usedUp;
+    if (m_isInterrupted)
+        return interrupted;
+    if (m_state.failed == 0)
+        return allDone;
+    const bool foundNothing = m_start == Start::once && static_cast<std::size_t>(m_withoutPort) == m_seats.size();
+    return foundNothing ? noUnit : notMade;
+}
