@@ -15,9 +15,9 @@
 struct Outcome {
     std::string cause; // empty where it passed, and where it was stopped
     std::string text;
-    int code = 0;      // of the console's results
-    Json identified;   // null where it did not come so far
-    Json end;          // what the process that made it told last, null where that did not come
+    int code = 0;         // of the console's results
+    Json identified;      // null where it did not come so far
+    Json end;             // what the process that made it told last, null where that did not come
     bool stopped = false; // as stop() asked for
     bool passed() const { return cause.empty() && !stopped; }
 };

@@ -30,7 +30,11 @@ Gang::Gang(Shift &shift, const std::vector<Nest> &nests, Start start, View &view
         m_seats.push_back({Maker(shift, nests[i], m_state.nests[i])});
     if (start != Start::once)
         m_ports.emplace(nests, shift.station.link.kind);
-    shift.orphan = [this](const Orphan &orphan) { this->tell(orphan); };
+    shift.orphan = [this](const Orphan &orphan) {
+        if (m_shift.delivers())
+            m_deliveries.added();
+        this->tell(orphan);
+    };
     shift.sameId = [this](const std::string &uid) {
         for (Seat &seat : m_seats)
             if (seat.maker.uid() == uid)
@@ -79,7 +83,9 @@ bool Gang::isOver() const {
 }
 
 Gang::Clock::time_point Gang::next() const {
-    Clock::time_point next = std::min(m_view.next(), m_deliveries.wakeUp());
+    Clock::time_point next = m_view.next();
+    if (!m_registerFailure)
+        next = std::min(next, m_deliveries.wakeUp());
     if (m_ports)
         next = std::min(next, m_ports->next());
     for (const Seat &seat : m_seats)
@@ -209,6 +215,8 @@ void Gang::guard(const std::function<void()> &work) {
 }
 
 void Gang::deliver() {
+    if (m_registerFailure)
+        return;
     m_deliveries.proceed();
     m_state.undelivered = static_cast<int>(m_deliveries.waiting());
 }
@@ -222,7 +230,8 @@ void Gang::over(std::size_t nest) {
     count(seat, m_state.nests[nest], record);
     if (!record.at("attempt").is_number())
         return;
-    m_deliveries.added();
+    if (m_shift.delivers())
+        m_deliveries.added();
     m_tell(record);
 }
 

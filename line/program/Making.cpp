@@ -65,8 +65,9 @@ int work(const Wish &wish, const Asked &asked, Gang::Start start) {
             std::cout << record.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
     };
     const std::unique_ptr<View> view = asked.json ? std::make_unique<SilentView>() : makeView();
+    const std::vector<Orphan> orphans = units.closeOrphans(shift.delivers());
     Gang gang(shift, nests, start, *view, tell);
-    gang.tellOrphans(units.closeOrphans(shift.delivers()));
+    gang.tellOrphans(orphans);
     return gang.run();
 }
 
