@@ -13,7 +13,7 @@ if [ "${chips[*]}" = everywhere ]; then
     failed=0
     LINK=usart "$0" "$1" "$2" all || failed=1
     for other in dfu i2c can slcan spi; do
-        LINK=$other "$0" "$1" "$2" ZV32F{403A_256K,415_256K,421_64K,457_256K,435_256K,426_64K} || failed=1
+        LINK=$other "$0" "$1" "$2" ZV32F{403A_256K,415_256K,421_64K,457_256K,435_448K,426_64K} || failed=1
     done
     exit "$failed"
 fi
@@ -74,6 +74,7 @@ print(json.dumps({key + number: value for key, list in tomllib.load(open("option
 }
 
 for chip in "${chips[@]}"; do
+    [ -f "$MAPS/$chip.ZVmap" ] || fail "no map" || continue
     scratch=$(mktemp -d)
     cd "$scratch" || exit 1
     . "$SETUP"
