@@ -73,9 +73,9 @@ fi
 
 # Those that --campaign runs: each is a program in build/release/campaign, and fails when it finds a lie.
 if [ -n "$campaign" ]; then
-    build release --target damage-matrix equal-chips
+    build release --target damage-matrix equal-chips replug
     failed=0
-    for program in damage-matrix equal-chips; do
+    for program in damage-matrix equal-chips replug; do
         echo "== campaign: $program"
         "build/release/campaign/$program" || failed=1
     done
