@@ -71,7 +71,9 @@ bool openLink(const LinkCommand &command, CCom *&obCCom) {
     if (g_shareParameter.c_portNumber == -1)
         return fail(noPortText);
     obCCom = keep(makeLink(command));
-    return obCCom->Open() == 0 || fail(cannotOpenText);
+    if (obCCom->Open() != 0)
+        return fail(cannotOpenText);
+    return true;
 }
 
 bool identify(const LinkCommand &command, CCom *obCCom) {
@@ -99,13 +101,12 @@ bool openFirstDfuDevice(CCom *&obCCom) {
     const int count = CComManager::CountDfuDevices();
     if (count < 1)
         return fail("Unable to get DFU device");
-    const QList<CCom> devices = comManager.getCom(count);
-    if (devices.isEmpty())
-        return fail("Don't have DFU device!");
     obCCom = keep(std::make_unique<CCom>());
-    *obCCom = devices.first();
+    *obCCom = comManager.getCom(count).first();
     obCCom->Close();
-    return obCCom->Open() == 0 || fail("Open DFU device error!");
+    if (obCCom->Open() != 0)
+        return fail("Open DFU device error!");
+    return true;
 }
 
 } // namespace

@@ -23,8 +23,9 @@ bool refuse(const std::string &reason) {
 }
 
 bool fits(quint64 start, quint64 end, const CDevice &device) {
-    const char *reason = misfitOf(start, end, device);
-    return reason == nullptr || refuse(reason);
+    if (const char *reason = misfitOf(start, end, device))
+        return refuse(reason);
+    return true;
 }
 
 // A file that cannot be opened at once may still be on its way, from a build or a share.
@@ -39,11 +40,9 @@ bool openPatiently(CProgramFile &file, const std::string &fileName, CDevice *dev
 
 bool elementsFit(CProgramFile &file, const CDevice &device) {
     file.ResetElement();
-    for (int left = file.GetElementCount(); left > 0; --left) {
-        const PIMAGEELEMENT element = file.GetElement();
-        if (element != nullptr && !fits(element->dwAddress, element->dwAddress + element->dwDataLength, device))
+    while (const PIMAGEELEMENT element = file.GetElement())
+        if (!fits(element->dwAddress, element->dwAddress + element->dwDataLength, device))
             return false;
-    }
     return true;
 }
 

@@ -55,8 +55,7 @@ CZV32F4Device::CZV32F4Device(std::string strPID, std::string strSerial, int iFla
         m_IFlashSize = iFlashSize;
         describeFrom(mapFile);
     }
-    const std::string subName = m_StrSubName.empty() ? std::string() : "_" + m_StrSubName;
-    m_StrTarget = m_StrName + subName + "_" + std::to_string(m_IFlashSize) + "K";
+    m_StrTarget = m_StrName + "_" + std::to_string(m_IFlashSize) + "K";
     m_CMapping = new CMapping(m_StrTarget);
     const Family &family = familyOf(*this);
     m_UiUserSystemDataAddress = family.userSystemDataAddress;

@@ -48,8 +48,6 @@ int CComManager::CountDfuDevices() {
 bool CComManager::InitZVDFUDeviceList() {
     if (g_shareParameter.m_InterfaceType != INTERFACE_USBDFU)
         return true;
-    CComManager manager;
-    manager.SetInterfaceType(INTERFACE_USBDFU);
-    const int count = CountDfuDevices();
-    return count > 0 && !manager.getCom(count).isEmpty();
+    CComManager().SetInterfaceType(INTERFACE_USBDFU);
+    return CountDfuDevices() > 0;
 }

@@ -46,8 +46,6 @@ int readProtected(CBootLoader &control, QList<int> &bits) {
     if (result != 0)
         return isRefusal(result) ? CResult::SYS_ACCESS_PROTECTION : result;
     CUserSystemData *data = control.m_ObUserSystemData;
-    if (!data)
-        return CResult::UNKNOWN_ERROR;
     for (int bit = 0; bit < data->m_iEppLen * 8; ++bit) {
         const bool isClear = (data->EPP[bit / 8] >> (bit % 8) & 1) == 0;
         if (isClear && covers(*data, bit))

@@ -58,6 +58,8 @@ def count_at(segments, line, column):
 
 
 def text_between(lines, first, start, last, end):
+    if last > len(lines):
+        return "(the file is not what was built)"
     if first == last:
         return lines[first - 1][start - 1 : end - 1]
     inner = [lines[first - 1][start - 1 :], *lines[first : last - 1], lines[last - 1][: end - 1]]
@@ -87,7 +89,7 @@ class File:
 def files_of(build):
     for told in export(build):
         path = pathlib.Path(told["filename"])
-        if path.is_relative_to(ROOT) and folder_of(str(path.relative_to(ROOT))):
+        if path.exists() and path.is_relative_to(ROOT) and folder_of(str(path.relative_to(ROOT))):
             yield File(told)
 
 

@@ -89,14 +89,10 @@ int CDownload::InitAction() {
 
 // In every erase mode: a download that erases nothing writes all the same.
 int CDownload::checkSectors() {
-    if (!m_obBootLoader)
-        return 0;
-    if (!m_obBootLoader->m_ObDevice)
-        return CResult::UNKNOWN_ERROR;
+    // No image opens without a chip, and none is empty.
     if (!images::areCutAsErased(*m_obBootLoader->m_ObDevice))
         return CResult::PROGRAM_INPUT_PARAMS_ERROR;
-    const QList<int> sectors = GetNecessarySectorIndex();
-    return sectors.isEmpty() ? CResult::UNKNOWN_ERROR : m_obBootLoader->HasBeenEraseProgramProtect(sectors);
+    return m_obBootLoader->HasBeenEraseProgramProtect(GetNecessarySectorIndex());
 }
 
 int CDownload::prepareFlash() {

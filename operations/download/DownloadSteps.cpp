@@ -39,22 +39,10 @@ int CDownload::SetEraseNecessary() {
     return 0;
 }
 
+// MEANT: the lists of GetNecessaryBlockIndexAndSectorIndex go by value and stay empty, so there is never a block to
+// erase. The two families that come here are programmed after an erase step, without one of their own.
 int CDownload::SetEraseBlockNecessary() {
-    const QList<int> sectors = GetNecessarySectorIndex();
-    if (sectors.isEmpty() || !m_obErase)
-        return CResult::UNKNOWN_ERROR;
-    QList<int> noutBlockIndex;
-    QList<int> noutSectorIndex;
-    const CDevice *device = m_obBootLoader->m_ObDevice;
-    // MEANT: the lists go by value and stay empty here, so this answers UNKNOWN_ERROR always. The two
-    // families that come here are programmed after an erase step, without one of their own.
-    GetNecessaryBlockIndexAndSectorIndex(sectors, noutSectorIndex, noutBlockIndex, device->m_BlockSize,
-                                         device->m_ISectorSize);
-    if (noutSectorIndex.isEmpty() && noutBlockIndex.isEmpty())
-        return CResult::UNKNOWN_ERROR;
-    EraseParam record{noutSectorIndex, noutBlockIndex};
-    m_obErase->SetParameters(&record);
-    return 0;
+    return CResult::UNKNOWN_ERROR;
 }
 
 int CDownload::Verify(uint uiAddressOffset, CProgramFile *tmpProgramFile) {

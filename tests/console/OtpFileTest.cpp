@@ -92,4 +92,9 @@ TEST_F(OtpFile, WithoutALinkNothingIsWritten) {
     EXPECT_EQ(WriteOTPData(nullptr), 0);
 }
 
+TEST_F(OtpFile, AFileThatCannotBeReadIsRefused) {
+    EXPECT_EQ(OTPProjectFileOpen("/proc/self/mem"), 0); // a regular file, and nothing is at its beginning
+    EXPECT_TRUE(m_listWriteOTPData.isEmpty());
+}
+
 } // namespace

@@ -197,4 +197,19 @@ TEST_F(Progress, OtherEventsPrintNothing) {
     EXPECT_TRUE(g_shareParameter.c_OperationFlag);
 }
 
+TEST_F(Progress, AnEventThatNobodyKnowsPrintsNothing) {
+    testing::internal::CaptureStdout();
+    GetOperationInfo(static_cast<InfoType>(INFO_TYPE_INFO + 1), nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_TRUE(g_shareParameter.c_OperationFlag);
+}
+
+TEST_F(Progress, AClosedLinkHasNoJobToStop) {
+    CCom closed;
+    g_shareParameter.c_obCCom = &closed;
+    Stop();
+    EXPECT_FALSE(g_shareParameter.c_OperationFlag);
+    g_shareParameter.c_obCCom = nullptr;
+}
+
 } // namespace

@@ -47,4 +47,18 @@ TEST(SpimDevice, TypeByte) {
         EXPECT_EQ(spimTypeByte(type), 0x90);
 }
 
+TEST(SpimDevice, NeedNotBeKnown) {
+    g_shareParameter = ShareParameter();
+    FakeLink fake;
+    fake.link.m_ObBootLoader->m_ObDevice = nullptr;
+    Line line("-enspim --ft 1");
+    int index = 0;
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(EnableBank3(line.argc(), line.argv(), index, &fake.link));
+    testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(g_shareParameter.c_haveSPIM);
+    EXPECT_FALSE(fake.device.m_haveBank3);
+    g_shareParameter = ShareParameter();
+}
+
 } // namespace

@@ -73,4 +73,11 @@ TEST(SubOptionWalk, WordAt) {
     EXPECT_THROW(wordAt(line.argc(), line.argv(), 3), std::logic_error);
 }
 
+TEST(SubOptions, AWordThatIsNotThereIsNoWord) {
+    Line line("-e");
+    EXPECT_EQ(wordAt(1, line.argv(), 0), "-e");
+    EXPECT_THROW(wordAt(1, line.argv(), 1), std::logic_error);
+    EXPECT_THROW(wordAt(2, line.argv(), 1), std::logic_error); // the null entry at the end
+}
+
 } // namespace

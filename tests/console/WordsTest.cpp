@@ -47,4 +47,14 @@ TEST(Words, Parity) {
         EXPECT_EQ(ParityToInt(row.text), row.parity) << row.text;
 }
 
+TEST(Words, AnOptionThatIsNoneHasNoWords) {
+    const auto none = static_cast<OptionId>(99);
+    EXPECT_EQ(subWord(none, "--fn"), nullptr);
+    EXPECT_FALSE(isConnection(none));
+    EXPECT_FALSE(isConnection(OptionId::usage));
+    EXPECT_TRUE(isConnection(OptionId::dfu));
+    EXPECT_TRUE(isConnection(OptionId::spi));
+    EXPECT_FALSE(isConnection(OptionId::erase));
+}
+
 } // namespace

@@ -25,6 +25,26 @@ TEST_F(CComTest, SupportListsOfUsart) {
     EXPECT_EQ(link.m_lsSupiTimeOut, (QList<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 20, 30, 40, 50, 60, 70, 80, 90, 120}));
 }
 
+TEST_F(CComTest, OnlyUsartHasSupportLists) {
+    CCom link;
+    link.m_InterfaceType = I2C;
+    link.m_lsSupSpeedInBaud = link.m_lsSupiBit = link.m_lsSupParity = link.m_lsSupiTimeOut = {};
+    link.InitSetting();
+    EXPECT_TRUE(link.m_lsSupSpeedInBaud.isEmpty());
+    EXPECT_TRUE(link.m_lsSupiBit.isEmpty());
+    EXPECT_TRUE(link.m_lsSupParity.isEmpty());
+    EXPECT_TRUE(link.m_lsSupiTimeOut.isEmpty());
+}
+
+TEST_F(CComTest, ALinkThatIsAssignedToItselfKeepsItsControl) {
+    CCom &link = open(USART);
+    const CBootLoader *control = link.m_ObBootLoader;
+    const CCom &same = link;
+    link = same;
+    EXPECT_EQ(link.m_ObBootLoader, control);
+    EXPECT_TRUE(link.IsOpen());
+}
+
 TEST_F(CComTest, ConstructorMakesTheLinkWithTheDefaultSettings) {
     for (const char type : {USART, I2C, CAN, SPI}) {
         library.clearLog();

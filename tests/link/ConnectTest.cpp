@@ -150,3 +150,11 @@ TEST_F(ConnectTest, ASilentBootloaderNeedsAReconnect) {
     library.script("ZVBL_GET_VER_ROPS status=5");
     EXPECT_TRUE(bootLoader().IsNeedReeonnect());
 }
+
+TEST_F(ConnectTest, WithoutItsLinkNoBoardIsSwitched) {
+    CCom &link = open(USART);
+    link.SetBootSwitch(AUTOMATIC);
+    bootLoader().m_hCCOM = nullptr;
+    EXPECT_EQ(bootLoader().Connect(), CResult::SUCCESS);
+    EXPECT_EQ(library.log(), "ZVBL_Init_BL h=1001 addr=0 rate=0 duty=0\nZVBL_ZV32ISP_TOOL h=1001\nZVBL_GET h=1001\n");
+}

@@ -129,6 +129,20 @@ TEST(CUserSystemData, SetDataTakesAtLeastAllOfIt) {
     EXPECT_EQ(data.DATA[0], 100);
 }
 
+TEST(CUserSystemData, SetDataTakesNothingFromNowhere) {
+    OptionDevice device(64, 2048, 2);
+    CUserSystemData data(ZV32F403A, 0, &device.device, nullptr, 0);
+    data.SetData(nullptr, 8);
+    EXPECT_EQ(data.DATA[0], 0xFF);
+    BYTE bytes[8] = {1};
+    BYTE *const kept = data.DATA;
+    data.DATA = nullptr;
+    data.SetData(bytes, 8);
+    EXPECT_EQ(data.DATA, nullptr);
+    data.DATA = kept;
+    EXPECT_EQ(data.DATA[0], 0xFF);
+}
+
 TEST(CUserSystemData, SetDataOfMoreThanAByteCanCountNeverSucceeds) {
     OptionDevice device(64, 2048, 2);
     CUserSystemData data(ZV32F415, 0x4602, &device.device, nullptr, 0);

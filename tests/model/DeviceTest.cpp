@@ -136,6 +136,16 @@ TEST(Device, MatchesByPartOfTheText) {
     }
 }
 
+TEST(Device, AMapThatIsNotPlainMatchesByBothTextsToo) {
+    const Workplace workplace;
+    const std::string comment = "; not plain\n";
+    workplace.write("Map/A.ZVmap", comment + mapFile("70050347", "08", "OtherSeries"));
+    workplace.write("Map/B.ZVmap", comment + mapFile("70050348", "07", "OtherChip"));
+    workplace.write("Map/C.ZVmap", comment + mapFile("70050347", "07", "Chip"));
+    const FilesDouble files(workplace);
+    EXPECT_EQ(Described("70050347", "07", 1).m_StrName, "Chip");
+}
+
 TEST(Device, OnlyMapFilesCount) {
     const Workplace workplace;
     workplace.write("Map/A.ZVmap.txt", mapFile("12345678", "01", "A"));

@@ -265,4 +265,36 @@ TEST_F(OpenFile, ACopyThatTheLibraryRefusesIsClosed) {
     EXPECT_EQ(copy.GetElement(), nullptr);
 }
 
+class FailingCopy : public OpenFile, public testing::WithParamInterface<const char *> {};
+
+TEST_P(FailingCopy, IsClosedAndHasItsElements) {
+    open(GetParam());
+    CProgramFile copy(file);
+    EXPECT_FALSE(copy.HasOpen());
+    EXPECT_EQ(copy.GetElementCount(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCall, FailingCopy,
+                         testing::Values("FILES_GetImageNbElement status=13 nth=2\n", "FILES_CreateImage status=13\n",
+                                         "FILES_GetImageElement status=13 nth=3\n",
+                                         "FILES_GetImageElement status=13 nth=4\n"));
+
+TEST_F(OpenFile, AnEmptyElementIsCopiedAsOne) {
+    open("element address=08000000 length=0\n");
+    CProgramFile copy;
+    copy = file;
+    ASSERT_TRUE(copy.HasOpen());
+    ASSERT_EQ(copy.GetElementCount(), 1);
+    EXPECT_NE(copy.m_lsElement.at(0).Data, nullptr);
+    EXPECT_EQ(copy.m_lsElement.at(0).dwDataLength, 0u);
+}
+
+TEST_F(OpenFile, StoresNothingBehindTheLastElement) {
+    open(twoElements);
+    double_->calls();
+    file.m_CurrentElementIndex = 2;
+    EXPECT_EQ(file.SetElement(), CResult::SUCCESS);
+    EXPECT_EQ(double_->calls(), Lines{});
+}
+
 } // namespace

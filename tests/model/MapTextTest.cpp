@@ -96,4 +96,12 @@ TEST(MapText, WhatIsNoSmallFileIsPassedOver) {
     EXPECT_EQ(device->m_StrName, "Good");
 }
 
+TEST(MapText, AValueBeyondTheLettersIsNotPlain) {
+    const Workplace workplace;
+    workplace.write("Map/A.ZVmap", "[Product]\nPID=z\nSerial=07\n");
+    workplace.write("Map/B.ZVmap", "[Product]\nPID={\nSerial=07\n");
+    EXPECT_TRUE(ReadPlainMap("Map/A.ZVmap"));
+    EXPECT_FALSE(ReadPlainMap("Map/B.ZVmap"));
+}
+
 } // namespace

@@ -1,6 +1,7 @@
 #include "files/ProgramFile.h"
 
 #include "ModelTest.h"
+#include "files/TouchedSectors.h"
 #include "foundation/Result.h"
 
 namespace {
@@ -213,6 +214,7 @@ const FailureRow createFailures[] = {
     {"FILES_GetImageNbElement status=14\n", CResult::FILES_NOTOPEN, 2},
     {"FILES_GetImageElement status=10\n", CResult::FILES_UNEXPECTEDERROR, 3},
     {"FILES_GetImageElement status=10 nth=2\n", CResult::FILES_UNEXPECTEDERROR, 4},
+    {"FILES_DestroyImage status=13\n", CResult::FILES_FILEGENERALERROR, 5},
     {"FILES_CreateImage status=13\n", CResult::FILES_FILEGENERALERROR, 6},
 };
 
@@ -223,6 +225,23 @@ TEST(ProgramFile, EveryFailureEndsTheCreationWithItsCode) {
         EXPECT_EQ(bench.file.Create(&bench.device), row.code) << row.script;
         EXPECT_EQ(bench.calls().size(), row.calls) << row.script;
     }
+}
+
+TEST(ProgramFile, WithoutCopiesOfTheSectorsTheyCountAsTwoKilobytes) {
+    Bench bench("map sectors=16 size=1024\n", 16);
+    delete[] bench.map->m_AMappingSector;
+    bench.map->m_AMappingSector = nullptr;
+    bench.file.SetSectorIndexsForCreate({32768}, 1);
+    bench.file.SetBank3SizeForCreate(20);
+    EXPECT_EQ(bench.file.Create(&bench.device), 0);
+    EXPECT_EQ(bench.addresses(), std::vector<unsigned long>{0x08002000}); // not the sixteenth, but the eighth
+}
+
+TEST(TouchedSectors, WithoutASizeNoAddressOfFlashHasASector) {
+    EXPECT_EQ(sectorOf(0x08000800, 0), -1);
+    EXPECT_EQ(sectorOf(0x08000800, 2048), 1);
+    EXPECT_EQ(sectorOf(0x07FFFFFF, 2048), -1);
+    EXPECT_EQ(sectorOf(0x08401000, 0), 32769);
 }
 
 } // namespace

@@ -114,6 +114,8 @@ TEST(ShareParameter, SplitLengthCutsIntoPieces) {
     EXPECT_EQ(texts(share.SplitLength("ab", 2147483647)), Pieces{"ab"});
     EXPECT_EQ(texts(share.SplitLength("", 2)), Pieces{});
     EXPECT_EQ(texts(share.SplitLength("  \n", 2)), Pieces{});
+    EXPECT_EQ(texts(share.SplitLength("ab", 0)), Pieces{});
+    EXPECT_EQ(texts(share.SplitLength("ab", -1)), Pieces{});
 }
 
 TEST(ShareParameter, WhatDoesNothingDoesNothing) {

@@ -91,4 +91,15 @@ TEST(UserSystemDataFile, ConvertsAFailureToCreate) {
     EXPECT_EQ(file.GetElementCount(), 0);
 }
 
+TEST(UserSystemDataFile, ADeviceWithoutOptionBytesGetsAnEmptyElement) {
+    const Workplace workplace;
+    const FilesDouble files(workplace);
+    CDevice device;
+    CUserSystemDataFile file;
+    EXPECT_EQ(file.Create(&device), CResult::SUCCESS);
+    ASSERT_EQ(file.GetElementCount(), 1);
+    EXPECT_EQ(file.m_lsElement.at(0).dwDataLength, 0u);
+    EXPECT_NE(file.m_lsElement.at(0).Data, nullptr);
+}
+
 } // namespace

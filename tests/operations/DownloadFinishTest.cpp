@@ -110,3 +110,11 @@ TEST_F(DownloadFinishTest, AFailedFinishingStepResetsWhereSlibWasEnabled) {
     EXPECT_EQ(download({"a.hex"}), CResult::SYS_CMD_NOT_ALLOWED);
     EXPECT_EQ(calls({"ZVBL_ResetMCU"}).size(), 1u);
 }
+
+TEST_F(DownloadFinishTest, AnSlibThatCannotBeEnabledEndsTheJobBeforeTheWrite) {
+    connect(f413);
+    image(oneSmall);
+    withSlib("ZVBL_EnableSlib status=0x14");
+    EXPECT_EQ(download({"a.hex"}), CResult::SYS_CMD_FAIL);
+    EXPECT_TRUE(calls({"ZVBL_DNLOAD"}).empty());
+}

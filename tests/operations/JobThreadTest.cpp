@@ -79,6 +79,22 @@ TEST_F(JobThreadTest, FreeingFromTheListenerIsPutOffToTheEndOfTheJob) {
     }
 }
 
+TEST_F(JobThreadTest, AJobThatTheListenerMakesAndNeverStartsIsFreedAtOnce) {
+    CBootLoader &control = connect(f413);
+    std::promise<void> destroyed;
+    shortJob(&destroyed);
+    onEvent = [&](InfoType type) {
+        if (type != INFO_TYPE_INIT)
+            return;
+        control.EraseFlash({});
+        control.FreeOperation();
+        EXPECT_EQ(control.m_ObOperation, nullptr);
+    };
+    control.m_ObOperation->Start();
+    destroyed.get_future().wait();
+    EXPECT_EQ(events, allEvents);
+}
+
 TEST_F(JobThreadTest, AnotherThreadWaitsForTheFreedJob) {
     CBootLoader &control = connect(f413);
     std::promise<void> freed, goOn, destroyed;

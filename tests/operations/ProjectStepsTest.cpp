@@ -152,3 +152,38 @@ TEST_F(ProjectStepsTest, AFinishWithoutStepsIsNotCancelled) {
     EXPECT_EQ(project.ActionDone(), 0);
     EXPECT_EQ(calls({"ZVBL_GO"}), Lines{"ZVBL_GO h=1001 addr=08000188"});
 }
+
+TEST_F(ProjectStepsTest, AnSlibThatCannotBeEnabledEndsTheJobBeforeTheWrite) {
+    connect(f413);
+    parameters.m_bEnableSlib = true;
+    parameters.m_uiEnablePassword = 1;
+    parameters.m_usStartDataSector = 0xFFFF;
+    library.script("ZVBL_EnableSlib status=0x14");
+    EXPECT_EQ(download({file({part(0x08000000, 16)})}), CResult::SYS_CMD_FAIL);
+    EXPECT_TRUE(calls({"ZVBL_DNLOAD"}).empty());
+}
+
+TEST_F(ProjectStepsTest, AFailedFinishingStepEndsTheJobWithItsCode) {
+    connect(f413);
+    parameters.m_bWriteSN = parameters.m_bJump = true;
+    parameters.m_uiSNAddress = 0x08000800;
+    library.script("ZVBL_DNLOAD status=4 nth=2");
+    EXPECT_EQ(download({file({part(0x08000000, 16)})}), CResult::COM_SEND_FAIL);
+    EXPECT_EQ(events.back(), "ABEND");
+    EXPECT_EQ(library.log().find("ZVBL_GO"), std::string::npos);
+
+    std::vector<BYTE> bytes(48, 0xFF);
+    parameters.m_bWriteSN = false;
+    parameters.m_bFAP = true;
+    parameters.m_UserSystemDataArray = bytes.data();
+    parameters.m_UserSystemDataLen = 48;
+    library.script("TARGET_SetUserSystemData status=4");
+    EXPECT_EQ(download({file({part(0x08000000, 16)})}), CResult::COM_SEND_FAIL);
+}
+
+TEST_F(ProjectStepsTest, PartsThatLieInNoSectorAreRefused) {
+    connect(f413);
+    parameters.m_enEraseMode = ERASEMODE_NONE;
+    EXPECT_EQ(download({file({part(0x20000000, 16)})}), CResult::UNKNOWN_ERROR);
+    EXPECT_TRUE(calls({"ZVBL_DNLOAD"}).empty());
+}

@@ -46,3 +46,37 @@ TEST_F(ProjectVerifyTest, VerifyFailures) {
     CVerifyProject empty(&bootLoader());
     EXPECT_EQ(empty.Action(), CResult::UNKNOWN_ERROR);
 }
+
+TEST_F(ProjectVerifyTest, MorePartsThanTheTypeHasLetters) {
+    connect(f413);
+    CVerifyProject verify(&bootLoader());
+    verify.SetVerifyFile(file({part(0x08000000, 4), part(0x08000800, 4), part(0x08001000, 4), part(0x08001800, 4)}));
+    EXPECT_EQ(verify.Action(), 0);
+    EXPECT_EQ(calls({"ZVBL_VERIFY"}).size(), 4u);
+}
+
+TEST_F(ProjectVerifyTest, APartThatClaimsMoreThanItHoldsIsRefused) {
+    connect(f413);
+    CVerifyProject verify(&bootLoader());
+    HEXFILEPARTINFO whole = part(0x08000000, sizeof HEXFILEPARTINFO::pData);
+    verify.SetVerifyFile(file({whole}));
+    EXPECT_EQ(verify.Action(), 0);
+    ++whole.PartSize;
+    verify.SetVerifyFile(file({whole}));
+    EXPECT_EQ(verify.Action(), CResult::PROGRAM_INPUT_PARAMS_ERROR);
+}
+
+TEST_F(ProjectVerifyTest, ACancelledVerifyComparesNoMore) {
+    connect(f413);
+    CVerifyProject verify(&bootLoader());
+    verify.SetSubOperation(true);
+    verify.SetVerifyFile(file({part(0x08000000, 4), part(0x08000800, 4)}));
+    int actions = 0;
+    onEvent = [&](InfoType type) {
+        if (type == INFO_TYPE_ACTION && ++actions == 2) // the first is the beginning
+            verify.Cancel();
+    };
+    listen(verify);
+    EXPECT_EQ(verify.Start(), 0);
+    EXPECT_EQ(calls({"ZVBL_VERIFY"}).size(), 1u);
+}
