@@ -75,8 +75,13 @@ pid_t start(const Start &how) {
 }
 
 Child::Child(const std::string &path, const std::vector<std::string> &words, int descriptor, int as) {
-    const Descriptor nothing(open("/dev/null", O_RDONLY | O_CLOEXEC));
-    m_process = start({path, words, {{nothing.number(), STDIN_FILENO}, {descriptor, as}}, SIGTERM});
+    const Descriptor nothing(open("/dev/null", O_RDWR | O_CLOEXEC));
+    std::vector<Start::Given> given = {{nothing.number(), STDIN_FILENO}, {nothing.number(), STDOUT_FILENO}};
+    // What it writes there would stand in the middle of a screen.
+    if (isatty(STDERR_FILENO) != 0)
+        given.push_back({nothing.number(), STDERR_FILENO});
+    given.push_back({descriptor, as});
+    m_process = start({path, words, given, SIGTERM});
 }
 
 Child::~Child() {

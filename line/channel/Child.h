@@ -29,8 +29,8 @@ constexpr int noProgram = 127;
 // Another program, which ends when we do, however we end. Ended and waited for at the end of the block.
 class Child {
 public:
-    // Starts the program at a path, as start() does. Its standard input is empty; the descriptor becomes number `as`
-    // there.
+    // Starts the program at a path, as start() does. Its standard input is empty, its output goes nowhere, and so does
+    // what would be an error on a terminal; the descriptor becomes number `as` there.
     Child(const std::string &path, const std::vector<std::string> &words, int descriptor, int as);
     ~Child();
     Child(const Child &) = delete;

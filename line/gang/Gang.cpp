@@ -135,6 +135,8 @@ void Gang::takeSignals() {
             seat.maker.stop();
         else
             seat.maker.finish();
+    m_state.notice = m_signalsTaken > 1 ? "what is being made is left where that does no harm"
+                                        : "what is being made is finished; Ctrl-C again leaves it";
 }
 
 void Gang::look() {

@@ -82,10 +82,12 @@ class Line:
         self.rest = b""
         self.lines = []
 
-    def read(self, seconds):
+    def read(self, seconds, ended=False):
         if not select.select([self.process.stdout], [], [], seconds)[0]:
             return
         got = os.read(self.process.stdout.fileno(), 65536)
+        if not got and ended:
+            return
         if not got:
             raise SystemExit("replug: the line has ended\n" + "\n".join(self.lines[-20:]))
         *lines, self.rest = (self.rest + got).split(b"\n")
@@ -108,8 +110,8 @@ class Line:
         self.process.terminate()
         end = time.monotonic() + PATIENCE
         while self.process.poll() is None and time.monotonic() < end:
-            if select.select([self.process.stdout], [], [], 0.1)[0]:
-                os.read(self.process.stdout.fileno(), 65536)
+            self.read(0.1, ended=True)
+        self.read(0, ended=True)
         self.process.stdout.close()
         return self.process.wait()
 
@@ -231,6 +233,8 @@ def main():
         replug.hold_register()
         if status not in (0, 4):  # some units may have failed: those that were taken out
             replug.wrong.append(f"the line ended with {status}")
+        if "what is being made is finished; Ctrl-C again leaves it" not in replug.line.lines:
+            replug.wrong.append("the operator was not told what becomes of units that are being made")
     print("\n".join(replug.wrong[:50]))
     print(f"{arguments.rounds} rounds at {arguments.nests} nests: {len(replug.made)} units made, {replug.taken_out} taken out while they "
           f"were made, {replug.again} refused at another nest, {len(replug.wrong)} wrong, {time.monotonic() - begun:.0f} s")
