@@ -8,14 +8,18 @@ bool isControl(unsigned char c) {
     return c < ' ' || c == 0x7F;
 }
 
+bool isSecondControl(const std::string &text, std::size_t at) {
+    return static_cast<unsigned char>(text[at]) == leadOfSecondControls && at + 1 < text.size() &&
+           static_cast<unsigned char>(text[at + 1]) < 0xA0;
+}
+
 } // namespace
 
 std::string harmless(const std::string &text) {
     std::string shown;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
-        const bool ofTwo =
-            c == leadOfSecondControls && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+        const bool ofTwo = isSecondControl(text, i);
         shown += isControl(c) || ofTwo ? '?' : text[i];
         i += ofTwo ? 1 : 0;
     }
@@ -24,6 +28,19 @@ std::string harmless(const std::string &text) {
 
 bool isHarmless(const std::string &text) {
     return harmless(text) == text;
+}
+
+std::string harmlessJson(const std::string &json) {
+    if (json.find_first_of("\x7F\xC2") == json.npos)
+        return json;
+    std::string shown;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const bool isOfTwo = isSecondControl(json, i);
+        const bool isOne = json[i] == '\x7F';
+        i += isOfTwo ? 1 : 0;
+        shown += isOfTwo || isOne ? "\\u00" + hexOf(&json[i], 1) : std::string(1, json[i]);
+    }
+    return shown;
 }
 
 std::string hexOf(const void *bytes, std::size_t length) {

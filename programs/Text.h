@@ -9,6 +9,9 @@ std::string harmless(const std::string &text);
 // Whether there is one in it.
 bool isHarmless(const std::string &text);
 
+// The text of JSON with escapes in the place of control characters that JSON itself lets stand: it says the same.
+std::string harmlessJson(const std::string &json);
+
 // Lower-case hexadecimal digits of bytes.
 std::string hexOf(const void *bytes, std::size_t length);
 

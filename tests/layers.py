@@ -21,6 +21,7 @@ LINE_ROOMS = [
     "program",
     "rehearsal",
     "gang",
+    "books",
     "hooks",
     "register",
     "approval",

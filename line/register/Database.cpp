@@ -1,5 +1,6 @@
 #include "line/register/Database.h"
 
+#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 
@@ -17,6 +18,17 @@ int bind(sqlite3_stmt *statement, int place, const SqlValue &value) {
     if (const auto *text = std::get_if<std::string>(&value))
         return sqlite3_bind_text64(statement, place, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     return sqlite3_bind_null(statement, place);
+}
+
+// A name in the form that takes parameters, for those who only read. The files beside it are not made, nor written.
+// Where nobody has left a log, nobody is at work, and the file alone is all there is.
+std::string nameForReading(const std::string &path) {
+    std::string name = "file:";
+    for (const char c : path)
+        name += c == '%' ? "%25" : c == '?' ? "%3f" : c == '#' ? "%23" : std::string(1, c);
+    std::error_code none;
+    const auto logged = std::filesystem::file_size(path + "-wal", none);
+    return name + (none || logged == 0 ? "?immutable=1" : "?readonly_shm=1");
 }
 
 } // namespace
@@ -37,9 +49,10 @@ std::string SqlRow::text(int column) const {
 
 Database::Database(const std::string &path, Purpose purpose) : m_path(path) {
     const bool writes = purpose == Purpose::writing;
-    const int flags = writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
+    const int flags = SQLITE_OPEN_EXRESCODE | (writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    const std::string name = writes ? path : nameForReading(path);
     try {
-        if (sqlite3_open_v2(path.c_str(), &m_database, flags | SQLITE_OPEN_EXRESCODE, nullptr) != SQLITE_OK)
+        if (sqlite3_open_v2(name.c_str(), &m_database, flags, nullptr) != SQLITE_OK)
             fail();
         sqlite3_busy_timeout(m_database, patience);
         if (!writes)

@@ -134,4 +134,20 @@ constexpr char delivered[] = "UPDATE delivery SET tries = tries + 1, why = NULL,
 constexpr char notDelivered[] = "UPDATE delivery SET tries = tries + 1, why = $2 "
                                 "WHERE attempt = $1 AND delivered IS NULL";
 
+// Of the books: each a beginning, to which the conditions below are added with AND, and an order.
+constexpr char someUnits[] =
+    "SELECT a.id, a.started, a.nest, a.order_name, a.result, a.series, a.n, a.uid, a.cause FROM attempt a";
+constexpr char someRecords[] = "SELECT r.text FROM attempt a JOIN record r ON r.attempt = a.id";
+constexpr char someEnds[] = "SELECT a.nest, a.result, a.cause, a.started, a.ended, a.uid FROM attempt a";
+constexpr char inOrder[] = " ORDER BY a.id";
+constexpr char isOfChip[] = "a.uid = ";
+constexpr char hasNumber[] = "a.n = ";
+constexpr char isOfOrder[] = "a.order_name = ";
+constexpr char isOfResult[] = "a.result = ";
+constexpr char startedSince[] = "a.started >= ";
+// Attempts are begun one after the other, so that this leaves out most that are older without sorting the rest.
+constexpr char isNotBefore[] = "a.id >= ";
+constexpr char firstSince[] = "SELECT min(id) FROM attempt WHERE started >= $1";
+constexpr char allUndelivered[] = "SELECT count(*) FROM delivery WHERE delivered IS NULL";
+
 } // namespace sql

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "line/register/Database.h"
+
+// Which attempts are asked for: those for which all holds that is said.
+struct Wanted {
+    std::optional<std::string> uid; // lower-case hexadecimal digits
+    std::optional<std::int64_t> number;
+    std::optional<std::string> order;
+    std::optional<std::string> since; // the beginning of a time as records tell it
+    std::optional<std::string> result;
+};
+
+// A line of a list of attempts.
+struct UnitLine {
+    std::int64_t attempt;
+    std::string started;
+    std::string nest;
+    std::string order;
+    std::string result;
+    std::string series;
+    std::optional<std::int64_t> number;
+    std::string uid;
+    std::string cause;
+};
+
+// How an attempt ended.
+struct UnitEnd {
+    std::string nest;
+    std::string result;
+    std::string cause;
+    std::string started;
+    std::string ended;
+    std::string uid;
+};
+
+// A register that is only read, by whoever may read its files; lines that work on it go on meanwhile. Whatever goes
+// wrong is a Refusal with registerUnusable.
+class Books {
+public:
+    explicit Books(const std::string &path) : m_database(path, Database::Purpose::reading) {}
+
+    // Each attempt, the oldest first.
+    void units(const Wanted &wanted, const std::function<void(const UnitLine &)> &take);
+    // The record of each, as it was written.
+    void records(const Wanted &wanted, const std::function<void(const std::string &)> &take);
+    void ends(const Wanted &wanted, const std::function<void(const UnitEnd &)> &take);
+    // Of all stations.
+    std::int64_t undelivered();
+
+private:
+    void each(const char *what, const Wanted &wanted, const std::function<void(const SqlRow &)> &take);
+
+    Database m_database;
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <unordered_map>
+
+#include "line/books/Books.h"
+
+// Counts how attempts ended.
+class Stats {
+public:
+    static constexpr std::array<const char *, 5> results = {"pass", "fail", "refused", "interrupted", "open"};
+
+    struct Counts {
+        std::int64_t attempts = 0;
+        std::array<std::int64_t, results.size()> ended = {}; // by result
+        std::int64_t milliseconds = 0;                       // from beginning to end, of those that passed
+    };
+    struct Chips {
+        std::int64_t made = 0;   // those at which an attempt was begun and has ended
+        std::int64_t passed = 0; // at least once
+        std::int64_t first = 0;  // at the first attempt
+    };
+
+    struct ByNumber { // A2 in front of A10
+        bool operator()(const std::string &a, const std::string &b) const {
+            return a.size() != b.size() ? a.size() < b.size() : a < b;
+        }
+    };
+    using Nests = std::map<std::string, Counts, ByNumber>;
+
+    // In the order in which they were begun.
+    void add(const UnitEnd &end);
+
+    const Counts &all() const { return m_all; }
+    const Nests &nests() const { return m_nests; }
+    const std::map<std::string, std::int64_t> &causes() const { return m_causes; }
+    Chips chips() const;
+
+private:
+    static void count(Counts &counts, std::size_t result, std::int64_t milliseconds);
+
+    Counts m_all;
+    Nests m_nests;
+    std::map<std::string, std::int64_t> m_causes;
+    enum class Fate : std::uint8_t { never, later, first }; // when a chip passed
+    std::unordered_map<std::string, Fate> m_chips;
+};
+
+// Milliseconds since 1970 of a time as records tell it, "2026-11-21T18:04:20.113Z". 0 for what is none.
+std::int64_t millisecondsOf(const std::string &time);
