@@ -14,7 +14,7 @@ build="$compile ca-certificates srecord firmware-microbit-micropython"
 
 # To test them: the test framework, the transcript runner, a second compiler, device nodes without
 # devices, independent witnesses.
-test="libgtest-dev python3-cram clang clang-format clang-tidy libclang-rt-14-dev binutils git patch strace procps sqlite3 umockdev libumockdev-dev
+test="libgtest-dev python3-cram clang clang-format clang-tidy libclang-rt-14-dev binutils git patch strace procps python3-jsonschema sqlite3 umockdev libumockdev-dev
     can-utils dfu-util i2c-tools mandoc bash-completion zsh fish tmux"
 
 # To test them on a stock kernel in a virtual machine. The kernel itself is only unpacked.

@@ -23,8 +23,8 @@ Records are what the schema says, and the table says what they do.
 No control character that a hook has said gets to the terminal.
 
   $ grep -c 'on hold' all.jsonl all.csv
-  all.jsonl:10
-  all.csv:10
+  all.jsonl:11
+  all.csv:11
   $ grep -cP '[\x00-\x08\x0B-\x1F\x7F]|\xC2[\x80-\x9F]' all.jsonl all.csv
   all.jsonl:0
   all.csv:0
@@ -48,14 +48,14 @@ Some of them.
   400
   21
   651
-  209
+  207
   $ sql "SELECT count(*) FROM attempt WHERE order_name = 'PO-88'" "SELECT count(*) FROM attempt WHERE result = 'fail'" \
   >   "SELECT count(*) FROM attempt WHERE started >= '2026-01-01T02:00'" \
   >   "SELECT count(*) FROM attempt WHERE started >= '2026-01-01T02:00' AND order_name = 'PO-88' AND result = 'pass'"
   400
   21
   651
-  209
+  207
   $ zv32-line units --station station.toml --order none --json
   [5]
   $ zv32-line units --station station.toml --since 2030-01-01 --json
@@ -75,35 +75,45 @@ Counts are those of SQL that is typed by hand.
 
   $ stats
   $ told '[s[k] for k in ("attempts", "pass", "fail", "refused", "interrupted", "open", "undelivered")]'
-  [1200, 1148, 21, 10, 21, 0, 2]
+  [1200, 1148, 21, 11, 20, 0, 2]
   $ sql "SELECT count(*), sum(result = 'pass'), sum(result = 'fail'), sum(result = 'refused'), sum(result = 'interrupted'), sum(result = 'open') FROM attempt" \
   >   "SELECT count(*) FROM delivery WHERE delivered IS NULL"
-  1200|1148|21|10|21|0
+  1200|1148|21|11|20|0
   2
   $ told 's["chips"]'
-  {'made': 1149, 'passed': 1148, 'first': 1117}
+  {'made': 1148, 'passed': 1148, 'first': 1117}
   $ sql "SELECT count(DISTINCT uid) FROM attempt WHERE uid IS NOT NULL AND result NOT IN ('refused', 'open')" \
   >   "SELECT count(DISTINCT uid) FROM attempt WHERE result = 'pass'" \
   >   "SELECT count(*) FROM attempt WHERE result = 'pass' AND id IN (SELECT min(id) FROM attempt WHERE result NOT IN ('refused', 'open') GROUP BY uid)"
-  1149
+  1148
   1148
   1117
   $ told '"\n".join(f"{c}|{n}" for c, n in s["causes"].items())'
-  no-answer|11
-  not-allowed|10
+  no-answer|10
+  not-allowed|11
   station-died|10
-  verify-differs|10
+  verify-differs|11
   $ sql "SELECT cause, count(*) FROM attempt WHERE cause IS NOT NULL GROUP BY cause ORDER BY cause"
-  no-answer|11
-  not-allowed|10
+  no-answer|10
+  not-allowed|11
   station-died|10
-  verify-differs|10
+  verify-differs|11
   $ stats --order PO-88 --since 2026-01-01T01:30
   $ told '"\n".join("%s|%d|%d|%d" % (n, c["attempts"], c["pass"], c["ms"]) for n, c in sorted(s["nests"].items()))' >nests
   $ sql "SELECT nest, count(*), sum(result = 'pass'), (sum(CASE result WHEN 'pass' THEN CAST(round((julianday(ended) - julianday(started)) * 86400000) AS INTEGER) END) * 2 + sum(result = 'pass')) / (sum(result = 'pass') * 2) FROM attempt WHERE order_name = 'PO-88' AND started >= '2026-01-01T01:30' GROUP BY nest ORDER BY nest" | diff - nests && wc -l <nests
   16
   $ zv32-line stats --station station.toml --order PO-88 --since 2026-01-01T04:20
   nest      attempts         pass         fail      refused  interrupted         open       s/unit
+  A1               1            1            0            0            0            0         10.3
+  A8               1            1            0            0            0            0         10.4
+  A11              1            1            0            0            0            0         10.4
+  A14              1            1            0            0            0            0         10.4
+  all              4            4            0            0            0            0         10.4
+  
+  chips          4
+  passed         4
+  at first       4 (100.0 %)
+  not delivered  2
 
 Nothing is written, nor made, by reading. Who may only read can do so, beside a line that has written one thing and
 nothing since, and where a copy of the file is all there is.

@@ -27,6 +27,7 @@ What an installation looks like:
   all maps
   $ there/bin/zv32-check-map there/share/zv32-isp-console/Map/*.ZVmap && echo nothing wrong
   nothing wrong
+  $ cmp there/share/zv32-isp-console/unit-record.schema.json "$ROOT/line/books/unit-record.schema.json"
 
 It finds its libraries beside itself, wherever it is moved, by a RUNPATH:
 

@@ -39,15 +39,24 @@ std::string timeOf(std::int64_t attempt, int more) {
     return text;
 }
 
+Fate fateOf(std::int64_t attempt) {
+    return attempt % oneInSoMany != 0 ? Fate{"pass", nullptr, nullptr}
+                                      : fates[static_cast<std::size_t>(attempt / oneInSoMany) % std::size(fates)];
+}
+
+std::string uidOf(std::int64_t chip) {
+    char uid[32];
+    std::snprintf(uid, sizeof uid, "%024llx", 0x59a1bed7a33c9000ULL + static_cast<unsigned long long>(chip));
+    return uid;
+}
+
 Json recordOf(std::int64_t attempt) {
     const bool passes = attempt % oneInSoMany != 0;
-    const Fate fate = passes ? Fate{"pass", nullptr, nullptr}
-                             : fates[static_cast<std::size_t>(attempt / oneInSoMany) % std::size(fates)];
+    const Fate fate = fateOf(attempt);
     // What failed is made again by the next attempt; what gave no answer is not known.
     const std::int64_t chip = passes ? attempt : attempt + 1;
     const bool isKnown = fate.cause == nullptr || std::strcmp(fate.cause, "no-answer") != 0;
-    char uid[32];
-    std::snprintf(uid, sizeof uid, "%024llx", 0x59a1bed7a33c9000ULL + static_cast<unsigned long long>(chip));
+    const std::string uid = uidOf(chip);
     const auto known = [&](const Json &value) { return isKnown ? value : Json(); };
     const bool numbered = isKnown && std::strcmp(fate.result, "refused") != 0;
     return {{"v", 1},
