@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "line/channel/Messages.h"
+#include "line/channel/Told.h"
 #include "programs/Descriptor.h"
 
 namespace {
@@ -45,6 +46,10 @@ Attempt::Attempt(const Json &order) {
     }
     waitAtMost(limitOf(m_step));
     m_channel->post(order);
+}
+
+Attempt::Attempt(std::unique_ptr<Channel> channel) : m_channel(std::move(channel)) {
+    waitAtMost(limitOf(m_step));
 }
 
 void Attempt::waitAtMost(int milliseconds) {
@@ -88,6 +93,7 @@ Attempt::Event Attempt::next() {
 }
 
 Attempt::Event Attempt::take(const Json &message) {
+    checkTold(message);
     waitAtMost(limitOf(m_step));
     const std::string event = message.at("event");
     if (event == "step") {
@@ -115,14 +121,15 @@ Attempt::Event Attempt::take(const Json &message) {
 // What comes after it is the end of the process: then the port is free.
 void Attempt::takeEnd(const Json &message) {
     const std::string result = message.at("result");
+    if (result == "pass" && !m_outcome.identified.is_object())
+        throw std::runtime_error("it passes what was not identified");
     m_outcome.end = message;
     m_outcome.stopped = result == "interrupted";
     if (result == "fail") {
         m_outcome.cause = message.at("cause");
         m_outcome.text = message.at("text");
         m_outcome.code = message.at("code");
-    } else if (result != "pass" && !m_outcome.stopped)
-        throw std::runtime_error("it tells no result");
+    }
     m_isOver = true;
     waitAtMost(closingTakes);
 }
