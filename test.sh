@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests.
 #
-# usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage]
+# usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage|--mutations SEED COUNT]
 #   --all     also builds with clang++, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
 #             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
@@ -10,6 +10,7 @@
 #   --fuzz    builds the fuzzers of tests/fuzz and runs them for so many seconds all together, and nothing else
 #   --campaign  runs the programs that find out how reliable the links are, which takes minutes; each prints a table
 #   --coverage  builds with clang++ so that lines and branches are counted, runs all tests and prints a table of the folders
+#   --mutations  makes so many small mistakes in a copy of the tree, chosen by the seed, and tells which ones no test noticed
 set -eu
 cd "$(dirname "$0")"
 
@@ -30,7 +31,11 @@ case "${1:-}" in
     --fuzz) fuzz=${2:-} ;;
     --campaign) campaign=yes ;;
     --coverage) coverage=yes ;;
-    *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage]" >&2; exit 2 ;;
+    --mutations)
+        tools/install-packages.sh test
+        exec tests/mutations/mutations.py --seed "${2:-1}" --count "${3:-500}"
+        ;;
+    *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage|--mutations SEED COUNT]" >&2; exit 2 ;;
 esac
 if [ "${1:-}" = --fuzz ] && ! [[ $fuzz =~ ^[1-9][0-9]*$ ]]; then
     echo "usage: $0 --fuzz SECONDS" >&2

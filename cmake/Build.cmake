@@ -20,8 +20,9 @@ endif()
 option(ZV32_COVERAGE "Count which lines and branches run, for clang++" OFF)
 if(ZV32_COVERAGE)
   # The counters are the mapped file itself (%c), one for each program and library (%m), shared by all processes of it:
-  # one that is killed has counted too, and nothing of the environment is needed. The tests count nothing themselves.
-  set(counted ${PROJECT_SOURCE_DIR}/cmake/counted.txt)
+  # one that is killed has counted too, and nothing of the environment is needed.
+  set(counted ${PROJECT_BINARY_DIR}/counted.txt)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/counted.txt.in ${counted} @ONLY)
   add_compile_options(-fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%c%m.profraw -fcoverage-mapping
     -fprofile-update=atomic -fprofile-list=${counted} "SHELL:-mllvm -runtime-counter-relocation")
   add_link_options(-fprofile-instr-generate)

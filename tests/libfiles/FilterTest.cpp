@@ -1,5 +1,8 @@
+#include <memory>
+
 #include <gtest/gtest.h>
 
+#include "libs/files/Image.h"
 #include "tests/libfiles/LibFiles.h"
 
 using namespace libfiles;
@@ -185,6 +188,19 @@ TEST(Filter, BadParameters) {
     MAPPING hollow{};
     hollow.NbSectors = 4;
     EXPECT_EQ(FILES_FilterImageForOperation(image.get(), &hollow, 2, 0), badParameter);
+}
+
+TEST(Filter, AnElementThatOnlyBeginsBlankIsKept) {
+    const auto isBlank = [](Bytes bytes) {
+        const std::shared_ptr<BYTE> block(new BYTE[bytes.size()], std::default_delete<BYTE[]>());
+        std::copy(bytes.begin(), bytes.end(), block.get());
+        return files::Element{0, static_cast<std::uint32_t>(bytes.size()), block}.isBlank();
+    };
+    EXPECT_TRUE(isBlank({0xFF}));
+    EXPECT_TRUE(isBlank({0xFF, 0xFF, 0xFF}));
+    EXPECT_FALSE(isBlank({0xFF, 0xFF, 0xFE}));
+    EXPECT_FALSE(isBlank({0xFF, 0}));
+    EXPECT_FALSE(isBlank({0xFE, 0xFF}));
 }
 
 } // namespace

@@ -97,6 +97,24 @@ TEST(Image, ElementsThatCannotBe) {
     EXPECT_EQ(FILES_SetImageElement(image.get(), 0, 1, {0xFFFFFFFF, 1, &byte}), noError);
 }
 
+TEST(Image, WhatCannotBeReplacesNothing) {
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    ASSERT_EQ(image.insert(0, 16, {1, 2}), noError);
+    EXPECT_EQ(image.replace(0, std::uint64_t(1) << 32, {3}), badAddressRange);
+    EXPECT_EQ(image.replace(0, 0xFFFFFFFF, {3, 4}), badAddressRange);
+    EXPECT_EQ(image.pieces(), (Pieces{{16, {1, 2}}}));
+    EXPECT_EQ(image.replace(0, 0xFFFFFFFF, {3}), noError);
+}
+
+TEST(Image, NothingIsNotSaved) {
+    const TempDir dir;
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    EXPECT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), badParameter);
+    EXPECT_TRUE(dir.entries().empty());
+}
+
 TEST(Image, OverlappingElementsAreNotSaved) {
     const TempDir dir;
     for (const char *name : {"o.bin", "o.hex", "o.s19"}) {

@@ -261,4 +261,15 @@ TEST(MapFile, ATableThatGrewIsNotWrittenPastItsRecords) {
     EXPECT_EQ(sectors, 9);
 }
 
+TEST(MapFile, SectionsThatOnlyBeginLikeAGroup) {
+    const std::string group = "[Sector0]\nAddress=08000000\nSize=800\nCount=2\n";
+    for (const char *other : {"[Sector]\nCount=x\n", "[Sector123456]\nCount=x\n", "[Sec]\nCount=x\n",
+                              "[SectorX]\nCount=x\n", "[A]\nName=\"half\n"}) {
+        const Read read = readText(group + other);
+        EXPECT_EQ(read.status, 0u) << other;
+        EXPECT_EQ(read.sectors, 2) << other;
+    }
+    EXPECT_NE(readText(group + "[Sector1]\nCount=x\n").status, 0u);
+}
+
 } // namespace

@@ -19,6 +19,12 @@
 
 using namespace libfiles;
 
+// Those of SystemFaultTest.cpp.
+bool befallsOpen();
+bool befallsWrite();
+bool befallsSync();
+bool befallsLink();
+
 namespace {
 
 enum class Fault { none, fails, kills };
@@ -60,6 +66,8 @@ __attribute__((visibility("default"))) int open(const char *path, int flags, ...
     const bool unnamed = (flags & O_TMPFILE) == O_TMPFILE;
     if (plan.armed && unnamed && !plan.unnamedFiles)
         return failure(EOPNOTSUPP);
+    if ((flags & O_ACCMODE) == O_WRONLY && befallsOpen())
+        return -1;
     if (meets((flags & O_DIRECTORY) && !unnamed ? "open directory" : "open"))
         return failure(EACCES);
     if (plan.armed && (unnamed || (flags & O_CREAT)))
@@ -68,14 +76,20 @@ __attribute__((visibility("default"))) int open(const char *path, int flags, ...
 }
 
 __attribute__((visibility("default"))) ssize_t write(int fd, const void *bytes, size_t length) {
+    if (befallsWrite())
+        return -1;
     return meets("write") ? failure(ENOSPC) : ::syscall(SYS_write, fd, bytes, length);
 }
 
 __attribute__((visibility("default"))) int fsync(int fd) {
+    if (befallsSync())
+        return -1;
     return meets("fsync") ? failure(EIO) : static_cast<int>(::syscall(SYS_fsync, fd));
 }
 
 __attribute__((visibility("default"))) int linkat(int from, const char *path, int to, const char *name, int flags) {
+    if (befallsLink())
+        return -1;
     return meets("linkat") ? failure(EIO) : static_cast<int>(::syscall(SYS_linkat, from, path, to, name, flags));
 }
 

@@ -106,4 +106,13 @@ TEST_F(SharedDirectory, SeveralLinksLeadToOneFile) {
     EXPECT_EQ(readBytes(dir / "own/victim.bin"), newBytes);
 }
 
+TEST(SaveLink, ALinkToADirectoryOfTheRootIsNoFile) {
+    const TempDir dir;
+    std::filesystem::create_symlink("/tmp", dir / "o.bin");
+    Handle image;
+    ASSERT_EQ(FILES_CreateImage(image.out(), 1), noError);
+    ASSERT_EQ(image.insert(0, 0, {1}), noError);
+    EXPECT_EQ(FILES_ImageToFile((dir / "o.bin").c_str(), image.get()), unableToOpenFile);
+}
+
 } // namespace

@@ -83,6 +83,13 @@ TEST_F(TargetUserSystemDataTest, WithoutADeviceNothingIsRead) {
     EXPECT_EQ(library.log(), "");
 }
 
+TEST_F(TargetUserSystemDataTest, WithoutADeviceNothingIsWritten) {
+    bootLoader().m_ObDevice = nullptr;
+    std::vector<BYTE> block(48, 0xFF);
+    EXPECT_EQ(bootLoader().WriteOptionBytes(block), CResult::UNKNOWN_ERROR);
+    EXPECT_EQ(library.log(), "");
+}
+
 TEST_F(TargetUserSystemDataTest, WritesWhatWasReadAndReconnects) {
     EXPECT_EQ(bootLoader().SetUserSystemData(), CResult::SUCCESS);
     const std::string log = library.log();
