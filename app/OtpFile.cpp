@@ -30,10 +30,10 @@ public:
     OpenFile(const OpenFile &) = delete;
     OpenFile &operator=(const OpenFile &) = delete;
 
-    bool isRegular() const {
-        struct stat info;
-        return m_descriptor >= 0 && fstat(m_descriptor, &info) == 0 && S_ISREG(info.st_mode);
-    }
+    bool isOpen() const { return m_descriptor >= 0; }
+
+    // False for an error.
+    bool look(struct stat &info) const { return fstat(m_descriptor, &info) == 0; }
 
     // Takes so many bytes, or fewer at the end of the file. False for an error.
     bool read(std::string &content, std::size_t wanted) const {
@@ -70,7 +70,12 @@ OTP_CONFIG_INFO parseRecord(const BYTE *record) {
 int OTPProjectFileOpen(const std::string &FilePath) {
     m_listWriteOTPData.clear();
     const OpenFile file(FilePath);
-    if (!file.isRegular())
+    if (!file.isOpen())
+        return 1; // MEANT: nothing to write
+    struct stat info;
+    if (!file.look(info))
+        return 0;
+    if (!S_ISREG(info.st_mode))
         return 1;
     std::string content;
     if (!file.read(content, mostBytes + 1) || content.size() > mostBytes)

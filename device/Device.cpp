@@ -49,11 +49,10 @@ CZV32F4Device::CZV32F4Device() : m_UiFlashSizeAddress(flashSizeRegister) {
 CZV32F4Device::CZV32F4Device(std::string strPID, std::string strSerial, int iFlashSize)
     : m_UiFlashSizeAddress(flashSizeRegister) {
     const QString mapFile = matchingMapFile(strPID, strSerial);
-    if (!mapFile.isEmpty()) {
+    if (!mapFile.isEmpty() && describeFrom(mapFile, strPID, strSerial)) {
         m_StrPID = strPID;
         m_StrSerial = strSerial;
         m_IFlashSize = iFlashSize;
-        describeFrom(mapFile);
     }
     m_StrTarget = m_StrName + "_" + std::to_string(m_IFlashSize) + "K";
     m_CMapping = new CMapping(m_StrTarget);
@@ -64,13 +63,18 @@ CZV32F4Device::CZV32F4Device(std::string strPID, std::string strSerial, int iFla
     m_UiFlashSizeAdd = m_UiFlashSizeAddress;
 }
 
-void CZV32F4Device::describeFrom(const QString &mapFile) {
-    const QString product = QStringLiteral("Product");
-    m_ISectorSize = ZVmapReadValue(QStringLiteral("Sector0"), QStringLiteral("Size"), mapFile).toUInt(nullptr, 16);
+bool CZV32F4Device::describeFrom(const QString &mapFile, const std::string &pid, const std::string &serial) {
+    const QSettings map(mapFile, QSettings::IniFormat);
+    const auto valueOf = [&map](const char *key) { return map.value(QString::fromLatin1(key)).toString(); };
+    // A map that can't be read any more is empty, and no error.
+    if (!valueOf("Product/PID").contains(QString::fromStdString(pid)) ||
+        !valueOf("Product/Serial").contains(QString::fromStdString(serial)))
+        return false;
+    m_ISectorSize = valueOf("Sector0/Size").toUInt(nullptr, 16);
     m_StrBID = "NA";
-    m_StrName = ZVmapReadValue(product, QStringLiteral("Name"), mapFile).toStdString();
-    m_BSectorsPerBit =
-        static_cast<BYTE>(ZVmapReadValue(product, QStringLiteral("SectorsPerSector"), mapFile).toUInt(nullptr, 10));
+    m_StrName = valueOf("Product/Name").toStdString();
+    m_BSectorsPerBit = static_cast<BYTE>(valueOf("Product/SectorsPerSector").toUInt(nullptr, 10));
+    return true;
 }
 
 QString CZV32F4Device::matchingMapFile(const std::string &pid, const std::string &serial) {
@@ -115,7 +119,9 @@ CDevice *CDeviceManager::GetDevice(std::string strPID, std::string strSerial, in
         if (known->m_StrPID == strPID && known->m_IFlashSize == iFlashSize && known->m_StrSerial == strSerial)
             return known;
     auto *device = new CZV32F4Device(strPID, strSerial, iFlashSize);
-    if (!device->IsDevicePID(strPID, strSerial)) {
+    // A description without its map is that of no chip, even if the map is there again a moment later.
+    const bool isDescribed = device->m_StrPID == strPID && device->m_StrSerial == strSerial;
+    if (!isDescribed || !device->IsDevicePID(strPID, strSerial)) {
         delete device->m_CMapping;
         delete device;
         return nullptr;

@@ -62,7 +62,8 @@ public:
 
 private:
     QString matchingMapFile(const std::string &pid, const std::string &serial);
-    void describeFrom(const QString &mapFile);
+    // False, and no change, when the map does not say that it is for the chip.
+    bool describeFrom(const QString &mapFile, const std::string &pid, const std::string &serial);
 };
 
 // The number that the series text of a description stands for; 0 for a text that is none.

@@ -166,16 +166,27 @@ Status AtomicFile::commit() {
     return linked == Status::ok ? syncDirectory() : linked;
 }
 
+// Gives the file without a name this one. A file server may have done so and lost its answer.
+bool AtomicFile::takesName(const std::string &name) const {
+    if (::linkat(AT_FDCWD, descriptorPath(m_fd).c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+        return true;
+    const int error = errno;
+    struct stat ours;
+    struct stat named;
+    const bool isOurs = ::fstat(m_fd, &ours) == 0 && ::lstat(name.c_str(), &named) == 0 &&
+                        ours.st_dev == named.st_dev && ours.st_ino == named.st_ino;
+    errno = error;
+    return isOurs;
+}
+
 // Gives the finished file its name.
 Status AtomicFile::link() {
     if (m_temporary.empty()) {
-        const std::string self = descriptorPath(m_fd);
-        if (!m_target.exists &&
-            ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_target.path.c_str(), AT_SYMLINK_FOLLOW) == 0)
+        if (!m_target.exists && takesName(m_target.path))
             return Status::ok;
         for (int i = 0; m_temporary.empty() && i < nameAttempts; ++i) {
             const std::string name = temporaryName(m_target, i);
-            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            if (takesName(name))
                 m_temporary = name;
             else if (errno != EEXIST)
                 break;

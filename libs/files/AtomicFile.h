@@ -56,6 +56,7 @@ private:
     void keepPermissions();
     Status flush();
     void put(const unsigned char *bytes, std::size_t length);
+    bool takesName(const std::string &name) const;
     Status link();
     Status syncDirectory() const;
 

@@ -27,7 +27,7 @@ bool befallsLink();
 
 namespace {
 
-enum class Fault { none, fails, kills };
+enum class Fault { none, fails, kills, loses }; // it loses the answer of a call that gives a name
 
 struct {
     bool armed = false;
@@ -47,6 +47,14 @@ bool meets(const char *call) {
         ::kill(::getpid(), SIGKILL);
     plan.hit = call;
     return plan.fault == Fault::fails;
+}
+
+// Whether this call is done and its answer is lost, as a file server may do.
+bool losesAnswer(const char *call) {
+    if (!plan.armed || plan.fault != Fault::loses || plan.calls != plan.at)
+        return false;
+    plan.hit = call;
+    return true;
 }
 
 int failure(int error) {
@@ -90,11 +98,17 @@ __attribute__((visibility("default"))) int fsync(int fd) {
 __attribute__((visibility("default"))) int linkat(int from, const char *path, int to, const char *name, int flags) {
     if (befallsLink())
         return -1;
-    return meets("linkat") ? failure(EIO) : static_cast<int>(::syscall(SYS_linkat, from, path, to, name, flags));
+    if (meets("linkat"))
+        return failure(EIO);
+    const auto result = static_cast<int>(::syscall(SYS_linkat, from, path, to, name, flags));
+    return losesAnswer("linkat") ? failure(EIO) : result;
 }
 
 __attribute__((visibility("default"))) int rename(const char *from, const char *to) noexcept {
-    return meets("rename") ? failure(EIO) : static_cast<int>(::syscall(SYS_rename, from, to));
+    if (meets("rename"))
+        return failure(EIO);
+    const auto result = static_cast<int>(::syscall(SYS_rename, from, to));
+    return losesAnswer("rename") ? failure(EIO) : result;
 }
 
 } // extern "C"
@@ -209,6 +223,21 @@ TEST_P(SaveFaults, EachCallFails) {
         else if (at < calls)
             EXPECT_TRUE(outcome.isOld);
     }
+}
+
+TEST_P(SaveFaults, TheAnswerOfEachCallThatGivesANameIsLost) {
+    const int calls = save(Fault::none, 0).calls;
+    int lost = 0;
+    for (int at = 1; at <= calls; ++at) {
+        const Outcome outcome = save(Fault::loses, at);
+        SCOPED_TRACE(std::to_string(at) + " " + outcome.hit);
+        lost += outcome.hit.empty() ? 0 : 1;
+        EXPECT_EQ(outcome.litter, 0u);
+        EXPECT_TRUE(outcome.isOld || outcome.isNew);
+        if (outcome.status == noError)
+            EXPECT_TRUE(outcome.isNew);
+    }
+    EXPECT_GE(lost, 1);
 }
 
 TEST_P(SaveFaults, KilledBeforeEachCall) {
