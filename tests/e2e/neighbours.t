@@ -49,3 +49,14 @@ Two consoles make one file: it is always whole, and that of one of them.
   8192
   $ ls -A | grep tmp
   [1]
+
+The machine's clock is set while a job runs, by days, forth and back. Only the trace tells the time of day.
+
+  $ chip_off; chip_on ZV32F421_64K
+  $ set_clock() { env LD_PRELOAD=$BUILD/doubles/libstepping_clock.so ZVBL_TRACE=$PWD/trace "$@"; }
+  $ set_clock ZV32_ISP_Console -com --pn $PWD/port -d --fn ./image.bin --v -u --sec 0-3 --fn ./back.bin | tail -1
+  Upload successfully!
+  $ cmp image.bin back.bin && echo equal
+  equal
+  $ [ $(cut -c 1-10 trace | sort -u | wc -l) -gt 100 ] && echo 'more than 100 days'
+  more than 100 days
