@@ -105,10 +105,9 @@ std::vector<Case> streams(const Sweep &, const Run &) {
     return cases;
 }
 
-} // namespace
-
-const std::vector<Sweep> &sweeps() {
-    static const std::vector<Sweep> table = {
+// System calls that fail.
+std::vector<Sweep> ofCalls() {
+    return {
         {"openat fails",
          all,
          errorsOf,
@@ -136,6 +135,11 @@ const std::vector<Sweep> &sweeps() {
         {"ioctl of the port fails", hasPort, errorsOf, SYS_ioctl, {EINTR, EIO}, {}, false, false},
         {"ppoll of the port fails", hasPort, errorsOf, SYS_ppoll, {EINTR, ENOMEM}, {}, false, false},
         {"flock of the port fails", hasPort, errorsOf, SYS_flock, {EINTR, EIO}, {}, false, false},
+    };
+}
+
+std::vector<Sweep> ofTheMachine() {
+    return {
         {"SIGINT", writes, signalsOf, -1, {SIGINT}, {}, false, false},
         {"SIGTERM", writes, signalsOf, -1, {SIGTERM}, {}, false, false},
         {"SIGHUP", writes, signalsOf, -1, {SIGHUP}, {}, false, false},
@@ -151,6 +155,17 @@ const std::vector<Sweep> &sweeps() {
         {"few processes", all, processLimits, -1, {}, {}, false, false},
         {"streams closed, full, without a reader", all, streams, -1, {}, {}, false, false},
     };
+}
+
+} // namespace
+
+const std::vector<Sweep> &sweeps() {
+    static const std::vector<Sweep> table = [] {
+        std::vector<Sweep> sum = ofCalls();
+        for (const Sweep &sweep : ofTheMachine())
+            sum.push_back(sweep);
+        return sum;
+    }();
     return table;
 }
 
