@@ -64,7 +64,8 @@ int work(const Wish &wish, const Asked &asked, Gang::Start start) {
         if (asked.json)
             std::cout << record.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
     };
-    const std::unique_ptr<View> view = asked.json ? std::make_unique<SilentView>() : makeView();
+    const std::unique_ptr<View> view =
+        asked.json ? std::make_unique<SilentView>() : makeView(start == Gang::Start::key);
     const std::vector<Orphan> orphans = units.closeOrphans(shift.delivers());
     Gang gang(shift, nests, start, *view, tell);
     gang.tellOrphans(orphans);

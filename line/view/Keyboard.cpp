@@ -12,9 +12,13 @@ constexpr char escape = '\033';
 
 } // namespace
 
-Keyboard::Keyboard() : m_descriptor(fcntl(STDIN_FILENO, F_GETFD) >= 0 ? STDIN_FILENO : -1) {
-    if (m_descriptor < 0 || isatty(m_descriptor) == 0)
+Keyboard::Keyboard(bool alsoElsewhere) : m_descriptor(fcntl(STDIN_FILENO, F_GETFD) >= 0 ? STDIN_FILENO : -1) {
+    if (m_descriptor < 0)
         return;
+    if (isatty(m_descriptor) == 0) {
+        m_descriptor = alsoElsewhere ? m_descriptor : -1;
+        return;
+    }
     // MEANT: whoever runs in the background is stopped when he touches the terminal.
     if (tcgetpgrp(m_descriptor) != getpgrp() || tcgetattr(m_descriptor, &m_before) != 0) {
         m_descriptor = -1;

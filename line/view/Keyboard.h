@@ -8,7 +8,8 @@
 // The keys of nests, from standard input. A terminal gives each at once and does not show it, to the end of the block.
 class Keyboard {
 public:
-    Keyboard();
+    // Without a terminal it takes none, unless it is told to.
+    explicit Keyboard(bool alsoElsewhere);
     ~Keyboard();
     Keyboard(const Keyboard &) = delete;
     Keyboard &operator=(const Keyboard &) = delete;

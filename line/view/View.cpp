@@ -16,6 +16,8 @@ constexpr auto pause = 100ms; // between two pictures: percents come faster than
 
 class LinesView : public View {
 public:
+    explicit LinesView(bool keysBegin) : m_keyboard(keysBegin) {}
+
     void show(const State &state) override {
         for (const std::string &line : eventLines(m_before ? &*m_before : nullptr, state, m_glyphs))
             std::cout << line << '\n';
@@ -36,6 +38,7 @@ private:
 
 class ScreenView : public View {
 public:
+    explicit ScreenView(bool keysBegin) : m_keyboard(keysBegin) {}
     ~ScreenView() override {
         m_terminal = std::nullopt; // the screen below is the one that was there before
         if (!m_isDirty && m_lines.empty())
@@ -108,8 +111,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<View> makeView() {
+std::unique_ptr<View> makeView(bool keysBegin) {
     if (Terminal::isThere())
-        return std::make_unique<ScreenView>();
-    return std::make_unique<LinesView>();
+        return std::make_unique<ScreenView>(keysBegin);
+    return std::make_unique<LinesView>(keysBegin);
 }

@@ -28,5 +28,6 @@ public:
 };
 
 // A screen where standard output is a terminal that can have one; else a line for each event. The keys come from
-// standard input. The terminal is as it was after the view has gone.
-std::unique_ptr<View> makeView();
+// standard input where that is a terminal, or where they are what begins a unit: else it belongs to whoever started us.
+// The terminal is as it was after the view has gone.
+std::unique_ptr<View> makeView(bool keysBegin);

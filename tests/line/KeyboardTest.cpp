@@ -46,7 +46,7 @@ using Nests = std::vector<std::size_t>;
 
 TEST(KeyboardTest, TakesKeysOfNestsAndNothingElse) {
     Input input;
-    Keyboard keyboard;
+    Keyboard keyboard(true);
     EXPECT_EQ(keyboard.take(), Nests());
     input.type("1 0\n\x03z");
     EXPECT_EQ(keyboard.take(), (Nests{0, 9, 35}));
@@ -55,7 +55,7 @@ TEST(KeyboardTest, TakesKeysOfNestsAndNothingElse) {
 
 TEST(KeyboardTest, AnArrowIsNoNestAlsoWhereItComesInPieces) {
     Input input;
-    Keyboard keyboard;
+    Keyboard keyboard(true);
     input.type("\033[A1\033OB2\033[15~3\033[1;5C4");
     EXPECT_EQ(keyboard.take(), (Nests{0, 1, 2, 3}));
     Nests taken;
@@ -69,10 +69,20 @@ TEST(KeyboardTest, AnArrowIsNoNestAlsoWhereItComesInPieces) {
 
 TEST(KeyboardTest, TheEndOfTheInputIsReadableNoMore) {
     Input input;
-    Keyboard keyboard;
+    Keyboard keyboard(true);
     EXPECT_EQ(keyboard.descriptor(), STDIN_FILENO);
     input.finish();
     EXPECT_EQ(keyboard.take(), Nests());
     EXPECT_EQ(keyboard.descriptor(), -1);
     EXPECT_EQ(keyboard.take(), Nests());
+}
+
+TEST(KeyboardTest, WhatIsNoTerminalBelongsToOthersUnlessItIsSaid) {
+    Input input;
+    Keyboard keyboard(false);
+    EXPECT_EQ(keyboard.descriptor(), -1);
+    input.type("1");
+    EXPECT_EQ(keyboard.take(), Nests());
+    char byte = 0;
+    EXPECT_EQ(read(STDIN_FILENO, &byte, 1), 1);
 }

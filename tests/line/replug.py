@@ -45,6 +45,8 @@ as = "hex"
 class Chip:
     """A simulated chip of its own. Plugged in it is a process, whose port is the nest; it keeps its memory."""
 
+    plugged = set()
+
     def __init__(self, place, programs, number):
         self.state = place / f"{number}.state"
         self.words = [programs / "zv32-sim", "--chip", CHIP, "--unit", str(number), "--state", self.state, "--log", "/dev/null"]
@@ -53,6 +55,7 @@ class Chip:
 
     def plug(self, port):
         self.process = subprocess.Popen([*self.words, "--usart", port], stdout=subprocess.PIPE)
+        Chip.plugged.add(self)
 
     def unplug(self):
         self.process.terminate()
@@ -60,6 +63,7 @@ class Chip:
     def wait_until_out(self):
         self.process.wait()
         self.process.stdout.close()
+        Chip.plugged.discard(self)
 
     def memory(self):
         """Number and identifier that are in its flash; None where nothing is."""
@@ -185,6 +189,10 @@ class Replug:
         for chip in chips:
             self.hold(chip)
 
+    def rounds(self, count):
+        for number in range(count):
+            self.round(number % 3)
+
     def hold(self, chip):
         found = chip.memory()
         if found is None:
@@ -227,9 +235,12 @@ def main():
     with tempfile.TemporaryDirectory() as place:
         replug = Replug(arguments, pathlib.Path(place))
         begun = time.monotonic()
-        for number in range(arguments.rounds):
-            replug.round(number % 3)
-        status = replug.line.end()
+        try:
+            replug.rounds(arguments.rounds)
+        finally:
+            status = replug.line.end()
+            for chip in Chip.plugged:
+                chip.process.kill()
         replug.hold_register()
         if status not in (0, 4):  # some units may have failed: those that were taken out
             replug.wrong.append(f"the line ended with {status}")

@@ -117,7 +117,7 @@ int main(int argc, char **argv) {
     if (argc != 2)
         return EXIT_FAILURE;
     std::setlocale(LC_ALL, "C"); // as the program has it
-    const auto view = makeView();
+    const auto view = makeView(true);
     run(*view, std::atoi(argv[1]));
     return EXIT_SUCCESS;
 }
