@@ -199,7 +199,10 @@ void Gang::proceed(std::size_t nest) {
     if (!seat.maker.isBusy() || (!isReady && Clock::now() < seat.maker.deadline()))
         return;
     guard([&] {
-        if (seat.maker.proceed())
+        Maker::Progress progress;
+        while ((progress = seat.maker.proceed()) == Maker::Progress::step)
+            show(); // each of them
+        if (progress == Maker::Progress::over)
             over(nest);
     });
 }

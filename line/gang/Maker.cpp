@@ -59,18 +59,9 @@ Maker::Clock::time_point Maker::deadline() const {
     return std::min(m_attempt ? m_attempt->deadline() : never, m_hook ? m_hook->deadline() : never);
 }
 
-bool Maker::proceed() {
+Maker::Progress Maker::proceed() {
     try {
-        if (m_hook && m_hook->proceed())
-            answered();
-        while (m_attempt) {
-            const Attempt::Event event = m_attempt->next();
-            if (event == Attempt::Event::nothing)
-                return false;
-            if (take(event))
-                return true;
-        }
-        return false;
+        return work();
     } catch (const Refusal &refusal) {
         m_hook.reset();
         m_attempt.reset();
@@ -80,10 +71,19 @@ bool Maker::proceed() {
     }
 }
 
-// True when the unit is over.
-bool Maker::take(Attempt::Event event) {
-    if (event == Attempt::Event::step)
-        m_shown.step = m_attempt->step();
+Maker::Progress Maker::work() {
+    if (m_hook && m_hook->proceed())
+        answered();
+    while (m_attempt) {
+        const Attempt::Event event = m_attempt->next();
+        const Progress progress = event == Attempt::Event::nothing ? Progress::nothing : take(event);
+        if (event == Attempt::Event::nothing || progress != Progress::nothing)
+            return progress;
+    }
+    return Progress::nothing;
+}
+
+Maker::Progress Maker::take(Attempt::Event event) {
     m_shown.percent = m_attempt->percent();
     if (event == Attempt::Event::identified)
         identified();
@@ -92,7 +92,12 @@ bool Maker::take(Attempt::Event event) {
         m_isBurning = true;
         m_attempt->burn();
     }
-    return event == Attempt::Event::end && ended();
+    if (event == Attempt::Event::end)
+        return ended();
+    if (event != Attempt::Event::step)
+        return Progress::nothing;
+    m_shown.step = m_attempt->step();
+    return Progress::step;
 }
 
 void Maker::identified() {
@@ -169,28 +174,28 @@ void Maker::giveUpSameId() {
         decline("fail", "same-id", "another nest has met a chip with this identifier");
 }
 
-bool Maker::ended() {
+Maker::Progress Maker::ended() {
     const Outcome outcome = m_attempt->outcome();
     m_hook.reset();
     m_attempt.reset();
     const bool again = causeOf(outcome.cause).isOfLink && !m_verdict && !m_isBurning && m_mayRetry;
     if (again && m_tries <= m_shift.station.retries) {
         begin();
-        return false;
+        return Progress::step;
     }
     setOutcome(m_record, outcome, m_tries);
     if (m_verdict)
         setResult(m_record, m_verdict->result, m_verdict->cause, m_verdict->text);
-    return keep();
+    keep();
+    return Progress::over;
 }
 
-bool Maker::keep() {
+void Maker::keep() {
     if (isBegun())
         m_record = m_shift.units.close(m_record, m_shift.delivers());
     else if (m_record.at("result") != "interrupted") // of which nothing has come
         m_record = m_shift.units.note(m_record, m_shift.delivers());
     show();
-    return true;
 }
 
 void Maker::show() {

@@ -28,9 +28,14 @@ public:
     void watch(std::vector<pollfd> &all) const;
     Clock::time_point deadline() const;
 
-    // Does what can be done now. True when the unit is over and, where it began, in the register. Refusal of the
-    // register goes through, and then the unit is over too, and nothing of how it ended is known.
-    bool proceed();
+    enum class Progress {
+        nothing, // more, for now
+        step,    // another one has begun; there may be more to do
+        over     // the unit is over and, where it began, in the register
+    };
+    // Does what can be done now. Refusal of the register goes through, and then the unit is over too, and nothing of
+    // how it ended is known.
+    Progress proceed();
     // Of the unit that is over.
     const Json &record() const { return m_record; }
     bool isUsedUp() const { return m_isUsedUp; } // it was refused because there are no more numbers or units
@@ -44,14 +49,15 @@ public:
 
 private:
     void begin();
-    bool take(Attempt::Event event);
+    Progress work();
+    Progress take(Attempt::Event event);
     void identified();
     void answered();
     void allow(const Json &supply);
     void sendImage();
     void decline(const char *result, const std::string &cause, const std::string &text);
-    bool ended();
-    bool keep();
+    Progress ended();
+    void keep();
     void show();
     bool isBegun() const { return m_record.at("attempt").is_number(); }
 

@@ -142,11 +142,6 @@ bool Register::mayBegin(Beginning &beginning, const Terms &terms) {
     const SqlValue order = valueOf(beginning.record, "order");
     if (m_database.number(sql::openOfChip, {uid}) != 0)
         return refuse(beginning, "same-id", "another nest is at a chip with this identifier");
-    const std::int64_t burned = m_database.number(sql::burnedLast, {uid});
-    if (burned != 0 && !terms.again)
-        return refuse(beginning, "not-allowed",
-                      "attempt " + std::to_string(burned) +
-                          " ended while it was burning, so what is in the chip is not known");
     if (!terms.again && m_database.number(sql::passedThePlan, {uid, plan}) != 0)
         return refuse(beginning, "already-made", "it was made by this plan already");
     if (m_database.number(sql::othersOfOrder, {plan, order, uid}) >= terms.quantity)

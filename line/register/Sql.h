@@ -95,7 +95,6 @@ constexpr char keepPlan[] =
 // Of a chip.
 constexpr char openOfChip[] = "SELECT id, owner FROM attempt WHERE uid = $1 AND result = 'open'";
 constexpr char passedThePlan[] = "SELECT count(*) FROM attempt WHERE uid = $1 AND plan = $2 AND result = 'pass'";
-constexpr char burnedLast[] = "SELECT max(id) FROM attempt WHERE uid = $1 AND burning = 1 AND result <> 'pass'";
 constexpr char metTwice[] = "SELECT count(*) FROM attempt WHERE uid = $1 AND id > $2 AND cause = 'same-id'";
 
 // Of an order. Without the chip itself: who makes it again makes no further unit.
