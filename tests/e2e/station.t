@@ -71,7 +71,7 @@ A shift: units come and go, and the first Ctrl-C ends it after what is being mad
   $ chip_off; until_told 'A1 empty'
   $ chip_new ZV32F457_256K --unit 2 --flash-time=200,0; until_told 'A1 erase'
   $ kill -INT $line_pid; wait $line_pid
-  $ grep -v -E 'connect|identify' told
+  $ grep -v -E 'connect|identify|Ctrl-C' told
   ZX100   plan c53d06b7   0 of 9
   A1 erase
   A1 write
@@ -104,7 +104,7 @@ With keys a unit begins when its key is pressed; a nest that failed twice is clo
   $ printf 1 >&8; until_told 'PASS'
   $ kill -TERM $line_pid; wait $line_pid
   [4]
-  $ grep -v -E 'connect|identify' told
+  $ grep -v -E 'connect|identify|Ctrl-C' told
   ZX100   plan c53d06b7   2 of 9
   A1 ready
   A1 erase
