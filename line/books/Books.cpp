@@ -53,7 +53,7 @@ void Books::records(const Wanted &wanted, const std::function<void(const std::st
 
 void Books::ends(const Wanted &wanted, const std::function<void(const UnitEnd &)> &take) {
     each(sql::someEnds, wanted, [&](const SqlRow &row) {
-        take({row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5)});
+        take({row.view(0), row.view(1), row.view(2), row.view(3), row.view(4), row.view(5)});
     });
 }
 

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "line/register/Database.h"
@@ -29,14 +30,14 @@ struct UnitLine {
     std::string cause;
 };
 
-// How an attempt ended.
+// How an attempt ended; until the next one.
 struct UnitEnd {
-    std::string nest;
-    std::string result;
-    std::string cause;
-    std::string started;
-    std::string ended;
-    std::string uid;
+    std::string_view nest;
+    std::string_view result;
+    std::string_view cause;
+    std::string_view started;
+    std::string_view ended;
+    std::string_view uid;
 };
 
 // A register that is only read, by whoever may read its files; lines that work on it go on meanwhile. Whatever goes

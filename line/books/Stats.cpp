@@ -8,13 +8,13 @@ constexpr std::size_t passed = 0;
 constexpr std::size_t refused = 2;
 constexpr std::size_t open = 4;
 
-std::size_t placeOf(const std::string &result) {
+std::size_t placeOf(std::string_view result) {
     const auto found = std::find(Stats::results.begin(), Stats::results.end(), result);
     return static_cast<std::size_t>(found - Stats::results.begin());
 }
 
 // Two digits at a place, or four. -1 for what is none.
-int digits(const std::string &text, std::size_t at, std::size_t count) {
+int digits(std::string_view text, std::size_t at, std::size_t count) {
     int value = 0;
     for (std::size_t i = at; i < at + count; ++i) {
         if (text[i] < '0' || text[i] > '9')
@@ -36,7 +36,7 @@ std::int64_t daysOf(std::int64_t year, int month, int day) {
 
 } // namespace
 
-std::int64_t millisecondsOf(const std::string &time) {
+std::int64_t millisecondsOf(std::string_view time) {
     constexpr std::size_t length = 24;
     if (time.size() != length)
         return 0;
@@ -57,22 +57,36 @@ void Stats::add(const UnitEnd &end) {
         return; // the register takes no other
     const std::int64_t took = result == passed ? millisecondsOf(end.ended) - millisecondsOf(end.started) : 0;
     count(m_all, result, took);
-    count(m_nests[end.nest], result, took);
-    if (!end.cause.empty())
-        ++m_causes[end.cause];
+    auto nest = m_nests.find(end.nest);
+    if (nest == m_nests.end())
+        nest = m_nests.emplace(end.nest, Counts()).first;
+    count(nest->second, result, took);
+    if (!end.cause.empty()) {
+        const auto cause = m_causes.find(end.cause);
+        if (cause == m_causes.end())
+            m_causes.emplace(end.cause, 1);
+        else
+            ++cause->second;
+    }
     if (end.uid.empty() || result == refused || result == open)
         return;
-    const auto [chip, isNew] = m_chips.try_emplace(end.uid, result == passed ? Fate::first : Fate::never);
-    if (!isNew && result == passed && chip->second == Fate::never)
-        chip->second = Fate::later;
+    AtChip at = {{}, result == passed};
+    end.uid.copy(at.uid.data(), at.uid.size());
+    m_atChips.push_back(at);
 }
 
 Stats::Chips Stats::chips() const {
+    std::vector<AtChip> all = m_atChips;
+    std::stable_sort(all.begin(), all.end(), [](const AtChip &a, const AtChip &b) { return a.uid < b.uid; });
     Chips chips;
-    for (const auto &chip : m_chips) {
+    for (auto at = all.begin(); at != all.end();) {
         ++chips.made;
-        chips.passed += chip.second != Fate::never ? 1 : 0;
-        chips.first += chip.second == Fate::first ? 1 : 0;
+        chips.first += at->passed ? 1 : 0;
+        bool hasPassed = false;
+        const auto first = at;
+        for (; at != all.end() && at->uid == first->uid; ++at)
+            hasPassed = hasPassed || at->passed;
+        chips.passed += hasPassed ? 1 : 0;
     }
     return chips;
 }

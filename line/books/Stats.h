@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <unordered_map>
+#include <string_view>
+#include <vector>
 
 #include "line/books/Books.h"
 
@@ -25,7 +26,8 @@ public:
     };
 
     struct ByNumber { // A2 in front of A10
-        bool operator()(const std::string &a, const std::string &b) const {
+        using is_transparent = void;
+        bool operator()(std::string_view a, std::string_view b) const {
             return a.size() != b.size() ? a.size() < b.size() : a < b;
         }
     };
@@ -36,7 +38,8 @@ public:
 
     const Counts &all() const { return m_all; }
     const Nests &nests() const { return m_nests; }
-    const std::map<std::string, std::int64_t> &causes() const { return m_causes; }
+    using Causes = std::map<std::string, std::int64_t, std::less<>>;
+    const Causes &causes() const { return m_causes; }
     Chips chips() const;
 
 private:
@@ -44,10 +47,14 @@ private:
 
     Counts m_all;
     Nests m_nests;
-    std::map<std::string, std::int64_t> m_causes;
-    enum class Fate : std::uint8_t { never, later, first }; // when a chip passed
-    std::unordered_map<std::string, Fate> m_chips;
+    Causes m_causes;
+    // There may be a million: each in its place, without memory of its own.
+    struct AtChip {
+        std::array<char, 24> uid; // its digits
+        bool passed;
+    };
+    std::vector<AtChip> m_atChips;
 };
 
 // Milliseconds since 1970 of a time as records tell it, "2026-11-21T18:04:20.113Z". 0 for what is none.
-std::int64_t millisecondsOf(const std::string &time);
+std::int64_t millisecondsOf(std::string_view time);

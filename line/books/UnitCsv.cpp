@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "programs/Json.h"
@@ -26,6 +27,16 @@ std::string fieldOf(const std::string &text) {
     for (std::size_t at = 0; (at = shown.find('"', at)) != shown.npos; at += 2)
         shown.insert(at, 1, '"');
     return '"' + shown + '"';
+}
+
+const std::unordered_map<std::string_view, std::size_t> &places() {
+    static const auto all = [] {
+        std::unordered_map<std::string_view, std::size_t> made;
+        for (std::size_t i = 0; i < columnCount; ++i)
+            made[columns[i]] = i;
+        return made;
+    }();
+    return all;
 }
 
 // Takes what a record holds as it is read, without building all of it: there may be a million.
@@ -55,9 +66,9 @@ public:
 
 private:
     bool put(const std::string &value) {
-        for (std::size_t i = 0; i < columnCount; ++i)
-            if (m_way == columns[i])
-                m_values[i] = value;
+        const auto found = places().find(m_way);
+        if (found != places().end())
+            m_values[found->second] = value;
         return true;
     }
     bool enter() {

@@ -41,10 +41,14 @@ std::int64_t SqlRow::number(int column) const {
     return sqlite3_column_int64(m_statement, column);
 }
 
-std::string SqlRow::text(int column) const {
+std::string_view SqlRow::view(int column) const {
     const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
-    return bytes == nullptr ? ""
-                            : std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column)));
+    const int length = sqlite3_column_bytes(m_statement, column);
+    return bytes == nullptr ? std::string_view() : std::string_view(bytes, static_cast<std::size_t>(length));
+}
+
+std::string SqlRow::text(int column) const {
+    return std::string(view(column));
 }
 
 Database::Database(const std::string &path, Purpose purpose) : m_path(path) {

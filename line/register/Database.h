@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -18,8 +19,9 @@ public:
     explicit SqlRow(sqlite3_stmt *statement) : m_statement(statement) {}
 
     bool isNull(int column) const;
-    std::int64_t number(int column) const; // 0 for NULL
-    std::string text(int column) const;    // empty for NULL
+    std::int64_t number(int column) const;   // 0 for NULL
+    std::string text(int column) const;      // empty for NULL
+    std::string_view view(int column) const; // the same, until the next row
 
 private:
     sqlite3_stmt *m_statement;
