@@ -30,6 +30,7 @@ int parsed(CLI::App &program, std::vector<std::string> words, const std::functio
 int bordered(const char *program, int argc, char **argv, const std::function<int(std::vector<std::string>)> &work) {
     std::setlocale(LC_ALL, "C");
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away is a failure of a write
+    std::signal(SIGXFSZ, SIG_IGN); // so is a file that may not grow
     try {
         const int status = work(std::vector<std::string>(argv + 1, argv + argc));
         std::cout.flush();

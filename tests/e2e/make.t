@@ -143,3 +143,19 @@ A register that can't be used.
   $ zv32-line make job.toml --station other.toml --nest A1
   zv32-line: */none/units.db: its directory can't be locked (glob)
   [6]
+
+A register that can't grow: nothing is begun.
+
+  $ plug 3; wait_ready 3; rm units.db* port1
+  $ make --nest A1 >told
+  [5]
+  $ : >log3
+  $ (ulimit -f $(($(stat -c %s units.db-wal) / 1024)); make --nest A3 2>&1) | tail -n 1
+  zv32-line: */units.db: * (glob)
+  $ grep -hE 'command: .*(WRITE|ERASE|PROT)' log3
+  [1]
+  $ sqlite3 units.db 'SELECT nest, result FROM attempt'
+  A1|fail
+  $ make --nest A3 | tail -n 1
+  A3 PASS 4711
+  $ unplug 3
