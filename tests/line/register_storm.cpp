@@ -22,7 +22,7 @@ namespace {
 constexpr char planHash[] = "5be1";
 constexpr int chipsPerUnit = 2; // from as many chips more are taken than units are wanted
 constexpr auto shortestLife = std::chrono::milliseconds(20);
-constexpr int livesDiffer = 200; // ms
+constexpr int livesDiffer = 800; // ms
 
 struct Storm {
     int units = 10000;
