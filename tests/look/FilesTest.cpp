@@ -159,14 +159,14 @@ TEST_F(LookFiles, OptionBytesAreReadByTheLayout) {
     bytes.replace(32, 2, "\x12\x34"); // no complement
     std::ofstream("o.bin") << bytes;
     Section report;
-    tellOptionFile("o.bin", chipNamed("ZV32F403A_1024K"), 0, report);
+    tellOptionFile("o.bin", chipNamed("ZV32F403A_1024K"), 0, tellOptions, report);
     const Json json = report.json();
     EXPECT_EQ(json["accessProtection"], 0xA5);
     EXPECT_EQ(json["protectedSectors"], (Json{{0, 1}}));
     EXPECT_EQ(json["bytesThatAreNotFF"][3], (Json{{"byte", 16}, {"name", "BANK3KEY0"}, {"value", 0x12}}));
     EXPECT_EQ(json["findings"][0]["text"], "bytes 16 do not stand beside their complements: the values alone count");
     std::ofstream("few.bin") << "abc";
-    EXPECT_THROW(tellOptionFile("few.bin", chipNamed("ZV32F403A_1024K"), 0, report), Refusal);
+    EXPECT_THROW(tellOptionFile("few.bin", chipNamed("ZV32F403A_1024K"), 0, tellOptions, report), Refusal);
 }
 
 } // namespace
