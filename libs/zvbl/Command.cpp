@@ -21,4 +21,11 @@ bool endsBootloader(std::uint8_t opcode) {
     return std::find(std::begin(ends), std::end(ends), opcode) != std::end(ends);
 }
 
+bool leavesCells(std::uint8_t opcode) {
+    static constexpr std::uint8_t leaves[] = {wire::opGet,          wire::opGetVerRops,  wire::opGetId,
+                                              wire::opRead,         wire::opFirmwareCrc, wire::opToolExchange,
+                                              wire::opUserDataRead, wire::opSlibStatus};
+    return std::find(std::begin(leaves), std::end(leaves), opcode) != std::end(leaves);
+}
+
 } // namespace zvbl

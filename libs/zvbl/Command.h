@@ -40,6 +40,9 @@ struct Command {
 // Whether the chip after this command, when it is done, starts anew or runs its program.
 bool endsBootloader(std::uint8_t opcode);
 
+// Whether all cells hold after this command what they held before.
+bool leavesCells(std::uint8_t opcode);
+
 // Appends a number, highest byte first.
 inline void append16(Bytes &bytes, std::uint32_t value) {
     bytes.push_back(static_cast<std::uint8_t>(value >> 8));
@@ -49,6 +52,11 @@ inline void append16(Bytes &bytes, std::uint32_t value) {
 inline void append32(Bytes &bytes, std::uint32_t value) {
     append16(bytes, value >> 16);
     append16(bytes, value);
+}
+
+// The number in four bytes, highest byte first.
+inline std::uint32_t number32(const std::uint8_t *bytes) {
+    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
 inline Group addressGroup(std::uint32_t address) {

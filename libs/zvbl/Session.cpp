@@ -41,6 +41,7 @@ Status Session::open() {
     m_hasEraseExt = true;
     m_id.reset();
     m_crc = {};
+    m_ahead = {};
     return Status::ok;
 }
 
@@ -67,6 +68,8 @@ Status Session::transfer(const Command &command, Bytes &reply) {
     m_trace->beginExchange(command.opcode == wire::opRead, command.opcode == wire::opWrite);
     const Status status = m_parts.framing->transfer(command, reply, m_timeout);
     m_trace->endExchange(status == Status::ok);
+    if (status != Status::ok || !leavesCells(command.opcode))
+        m_ahead = {};
     return status;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "libs/zvbl/Links.h"
 #include "libs/zvbl/Packets.h"
@@ -41,6 +42,17 @@ struct SectorCrc {
     bool toldUnvouched = false;             // in the trace
     std::optional<std::size_t> flashSector; // bytes of a sector; 0: the chip does not tell
     std::optional<std::size_t> spimSector;
+    bool ofEach = true; // it answers for several sectors one by one, until it has shown that it does not
+};
+
+// Whoever compares sector after sector, a call for each, goes on: the checksums of the next sectors come in one
+// answer. They are forgotten with whatever could change a cell, and after a moment.
+struct CrcsAhead {
+    std::uint32_t next = 0;          // the end of what was compared in a row
+    std::size_t compared = 0;        // sectors of that
+    bool goesOn = false;             // this call begins there
+    std::vector<std::uint32_t> crcs; // from next on
+    TimePoint heard{};
 };
 
 // One link: its settings, and the commands of the bootloader on it. Nothing here knows which kind of
@@ -133,6 +145,10 @@ private:
     void distrustCrc(const char *why);
     Status compareSectors(const Sectors &sectors, const std::uint8_t *data, bool optimise);
     Status compareSector(const Sectors &sector, const std::uint8_t *data, bool optimise);
+    bool fitAhead(const Sectors &sector, const std::uint8_t *data);
+    void askAhead();
+    Status crcOfEach(std::uint32_t address, std::size_t count, std::vector<std::uint32_t> &crcs);
+    void noteCompared(const Sectors &sectors);
     Status vouchForSectors(const Sectors &sectors, std::uint8_t *data);
     Status vouchForSector(const Sectors &sector, std::uint8_t *data, Fit fit);
     Status settleUnvouched(std::uint32_t address, const std::uint8_t *data, std::size_t length);
@@ -148,6 +164,7 @@ private:
     bool m_hasEraseExt = true; // until GET says otherwise
     std::optional<Bytes> m_id; // the last that was answered
     SectorCrc m_crc;
+    CrcsAhead m_ahead;
 };
 
 } // namespace zvbl

@@ -160,6 +160,7 @@ Status Session::verify(std::uint32_t address, const std::uint8_t *data, std::siz
     if (!isOpen())
         return Status::notOpen;
     const std::size_t size = sectorSize(address, length);
+    m_ahead.goesOn = m_ahead.compared > 0 && m_ahead.next == address;
     Status status = Status::ok;
     for (std::size_t done = 0, part = 0; done < length && status == Status::ok; done += part) {
         const auto at = static_cast<std::uint32_t>(address + done);

@@ -27,10 +27,6 @@ bool isReadingWished() {
     return wish && std::string(wish) == "read";
 }
 
-std::uint32_t numberOf(const std::array<std::uint8_t, 4> &bytes) {
-    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
-}
-
 } // namespace
 
 Session::Sectors Session::Sectors::one(std::size_t number) const {
@@ -70,7 +66,7 @@ std::size_t Session::askSectorSize(std::uint32_t address) {
     for (int left = questions; left > 0; --left) {
         std::array<std::uint8_t, 4> answer{};
         const bool told = firmwareCrc(address, 0, answer) == Status::ok;
-        const std::size_t size = numberOf(answer);
+        const std::size_t size = number32(answer.data());
         if (told && isSectorSize(size))
             return size;
     }
@@ -92,7 +88,7 @@ Session::Fit Session::askCrc(const Sectors &sectors, const std::uint8_t *data) {
     std::array<std::uint8_t, 4> answer{};
     const Status status = firmwareCrc(sectors.address, static_cast<std::uint16_t>(sectors.count), answer);
     if (status == Status::ok)
-        return numberOf(answer) == crc32(data, sectors.bytes()) ? Fit::equal : Fit::differs;
+        return number32(answer.data()) == crc32(data, sectors.bytes()) ? Fit::equal : Fit::differs;
     if (status != Status::refused)
         distrustCrc("the chip gives no checksum: it is not asked again");
     return Fit::unknown;
@@ -104,11 +100,17 @@ void Session::distrustCrc(const char *why) {
 }
 
 Status Session::compareSectors(const Sectors &sectors, const std::uint8_t *data, bool optimise) {
-    if (sectors.count > 1 && askCrc(sectors, data) == Fit::equal)
+    std::size_t done = 0;
+    if (sectors.bytes() < longestRun)
+        while (done < sectors.count && fitAhead(sectors.one(done), data + done * sectors.size))
+            ++done;
+    if (done == 0 && sectors.count > 1 && askCrc(sectors, data) == Fit::equal) {
+        noteCompared(sectors);
         return Status::ok;
+    }
     Status status = Status::ok;
-    for (std::size_t i = 0; i < sectors.count && status == Status::ok; ++i)
-        status = compareSector(sectors.one(i), data + i * sectors.size, optimise);
+    for (; done < sectors.count && status == Status::ok; ++done)
+        status = compareSector(sectors.one(done), data + done * sectors.size, optimise);
     return status;
 }
 
@@ -117,8 +119,10 @@ Status Session::compareSectors(const Sectors &sectors, const std::uint8_t *data,
 Status Session::compareSector(const Sectors &sector, const std::uint8_t *data, bool optimise) {
     const std::vector<Packet> packets = packetsOf(sector.address, data, sector.size, packetSize(), optimise);
     const Fit fit = packets.empty() ? Fit::equal : askCrc(sector, data);
-    if (fit == Fit::equal)
+    if (fit == Fit::equal) {
+        noteCompared(sector);
         return Status::ok;
+    }
     const Status status = compareByReading(data, packets);
     const auto add = [](std::size_t sum, const Packet &packet) { return sum + packet.length; };
     const bool whole = std::accumulate(packets.begin(), packets.end(), std::size_t{0}, add) == sector.size;

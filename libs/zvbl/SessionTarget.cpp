@@ -57,7 +57,9 @@ Status Session::eraseBlock(std::uint32_t address) {
 }
 
 Status Session::firmwareCrc(std::uint32_t address, std::uint16_t sectors, std::array<std::uint8_t, 4> &crc) {
-    Command request{wire::opFirmwareCrc, {addressGroup(address), number16(sectors)}};
+    // No chip has more sectors than that, and the bit above asks for something else.
+    const auto count = std::min<std::uint16_t>(sectors, wire::crcOfEach - 1);
+    Command request{wire::opFirmwareCrc, {addressGroup(address), number16(count)}};
     request.reply = {false, crc.size(), Reply::End::sum};
     Bytes reply;
     const Status status = exchange(request, reply, Tries::thrice);

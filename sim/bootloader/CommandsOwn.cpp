@@ -30,8 +30,23 @@ Next crcAddress(Exchange &x, const Bytes &group) {
     return x.goOn(x.chip.checkCrc(x.address(), 1));
 }
 
+Next crcOfEach(Exchange &x, unsigned sectors) {
+    const bool few = sectors > 0 && sectors <= wire::mostCrcs;
+    const Outcome outcome = few ? x.chip.checkCrc(x.address(), sectors) : Outcome::refuse("no such number of sectors");
+    if (!outcome.done())
+        return x.refuse(outcome.why);
+    x.accept();
+    Bytes answer;
+    for (unsigned i = 0; i < sectors; ++i)
+        append32(answer, x.chip.crc(x.address() + i * x.chip.sectorSize(x.address()), 1));
+    x.sendChecked(answer);
+    return Next::end;
+}
+
 Next crcCount(Exchange &x, const Bytes &group) {
     const unsigned sectors = number16(group, 0);
+    if ((sectors & wire::crcOfEach) != 0)
+        return crcOfEach(x, sectors & ~unsigned{wire::crcOfEach});
     const Outcome outcome = sectors == 0 ? Outcome{} : x.chip.checkCrc(x.address(), sectors);
     if (!outcome.done())
         return x.refuse(outcome.why);

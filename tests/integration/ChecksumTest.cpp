@@ -60,6 +60,7 @@ TEST_F(ChecksumTest, RefusedRanges) {
     EXPECT_EQ(ZVBL_GetFirmwareCRC(link, flashBase, 1, nullptr), badArgument);
     EXPECT_EQ(failing(flashBase + 4, 1), refused) << "no sector starts there";
     EXPECT_EQ(failing(flashBase, 513), refused);
+    EXPECT_EQ(failing(flashBase, 0x8001), refused) << "never the question for the sum of each";
     EXPECT_EQ(failing(flashBase + 511 * 2048, 2), refused);
     EXPECT_EQ(failing(flashBase + 512 * 2048, 1), refused);
     EXPECT_EQ(failing(ramBase, 1), refused);

@@ -64,6 +64,35 @@ const sim::Vector smallOnes[] = {
         H: 00 00 00
         C: 79 00 00 08 00 08
     )"},
+    {"crc_of_each_sector", "ZV32F403A_1024K", SYNC WRITE_WORD("08 00 08 00 00") R"(
+        H: AC 53
+        C: 79
+        H: 08 00 08 00 00
+        C: 79
+        H: 80 02 82
+        C: 79 FA E1 40 8C 3F 55 D1 7F 13
+    )"},
+    {"crc_of_each_sector_of_too_many", "ZV32F403A_1024K", SYNC R"(
+        H: AC 53
+        C: 79
+        H: 08 00 00 00 08
+        C: 79
+        H: 80 00 80
+        C: 1F
+        H: AC 53
+        C: 79
+        H: 08 00 00 00 08
+        C: 79
+        H: 80 41 C1
+        C: 1F
+        # beyond the end
+        H: AC 53
+        C: 79
+        H: 08 0F F8 00 FF
+        C: 79
+        H: 80 02 82
+        C: 1F
+    )"},
     {"size_of_a_sector_of_1_KB", "ZV32F421_64K", SYNC R"(
         H: AC 53
         C: 79

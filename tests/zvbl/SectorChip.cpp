@@ -1,6 +1,8 @@
 #include "tests/zvbl/SectorChip.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -27,12 +29,14 @@ std::uint32_t bitwiseCrc(const std::uint8_t *data, std::size_t count, std::uint3
     return crc ^ 0xFFFFFFFF;
 }
 
-zvbl::Bytes checked(std::size_t value) {
+zvbl::Bytes checked(const std::vector<std::uint32_t> &values) {
     zvbl::Bytes bytes{ack};
     std::uint8_t sum = 0;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
-        sum = static_cast<std::uint8_t>(sum ^ bytes.back());
+    for (const std::uint32_t value : values) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+            sum = static_cast<std::uint8_t>(sum ^ bytes.back());
+        }
     }
     bytes.push_back(sum);
     return bytes;
@@ -65,6 +69,8 @@ void SectorChip::serveOne(std::uint8_t opcode) {
         answer(hex(hidesCommand() ? "79 01 21 11 79" : "79 02 21 11 AC 79"));
     else if (opcode == 0x11)
         serveRead();
+    else if (opcode == 0x44)
+        serveErase();
     else if (opcode == 0xAC && m_crc != Crc::refused)
         serveCrc();
     else
@@ -108,7 +114,11 @@ void SectorChip::serveCrc() {
     const std::size_t sectors = number(count, 2);
     if (sectors == 0) {
         ++sizeQuestions;
-        answer(m_crc == Crc::sizeNotTold ? zvbl::Bytes{nack} : checked(toldSize()));
+        answer(m_crc == Crc::sizeNotTold ? zvbl::Bytes{nack} : checked({static_cast<std::uint32_t>(toldSize())}));
+        return;
+    }
+    if ((sectors & 0x8000) != 0) {
+        serveCrcOfEach(number(address, 4) - base, sectors & 0x7FFF);
         return;
     }
     ++questions;
@@ -116,7 +126,30 @@ void SectorChip::serveCrc() {
     if (m_crc == Crc::refusedCount)
         answer({nack});
     else if (m_crc != Crc::dropped && !m_dead)
-        answer(checked(checksum(number(address, 4) - base, sectors * sectorSize)));
+        answer(checked({checksum(number(address, 4) - base, sectors * sectorSize)}));
+}
+
+void SectorChip::serveCrcOfEach(std::size_t from, std::size_t sectors) {
+    ++questionsOfEach;
+    m_dead = m_crc == Crc::deadlyOfEach;
+    if (m_dead || m_crc == Crc::silentOfEach)
+        return;
+    const bool known = m_crc != Crc::notOfEach && (m_crc != Crc::fewOfEach || sectors <= 2);
+    if (!known || from + sectors * sectorSize > m_memory.size()) {
+        answer({nack});
+        return;
+    }
+    std::vector<std::uint32_t> values;
+    for (std::size_t i = 0; i < sectors; ++i)
+        values.push_back(checksum(from + i * sectorSize, sectorSize));
+    answer(checked(values));
+}
+
+void SectorChip::serveErase() {
+    answer({ack});
+    const std::size_t sector = number(take(5), 4);
+    std::fill_n(m_memory.begin() + static_cast<std::ptrdiff_t>(sector * sectorSize), sectorSize, std::uint8_t{0xFF});
+    answer({ack});
 }
 
 std::uint32_t SectorChip::checksum(std::size_t from, std::size_t count) const {

@@ -6,7 +6,7 @@
 
 #include "tests/zvbl/Pty.h"
 
-// A chip that knows GET, READ and FIRMWARE_CRC, and whose checksum may be of many kinds.
+// A chip that knows GET, READ, ERASE_EXT of one sector and FIRMWARE_CRC, and whose checksum may be of many kinds.
 class SectorChip {
 public:
     static constexpr unsigned base = 0x08000000;
@@ -22,6 +22,10 @@ public:
         sizeNotTold,
         sizeLost,     // the first two answers tell another size
         oddSize,      // a size that no sector has
+        notOfEach,    // it knows no question for several checksums
+        fewOfEach,    // it refuses that question for more than two sectors
+        silentOfEach, // no answer to that question
+        deadlyOfEach, // no answer to that question and to anything that follows
         refused,      // by a NACK after the opcode
         refusedCount, // by a NACK after the number of sectors, but the size is told
         dropped,      // no answer to the number of sectors
@@ -36,7 +40,8 @@ public:
     std::set<int> damagedReads; // numbers of READs, from 1, whose reply has a wrong byte
     bool damageAll = false;
     std::atomic<int> reads{0};
-    std::atomic<int> questions{0}; // for a checksum
+    std::atomic<int> questions{0};       // for a checksum
+    std::atomic<int> questionsOfEach{0}; // for one of each sector
     std::atomic<int> sizeQuestions{0};
     std::atomic<int> lists{0};
 
@@ -45,6 +50,8 @@ private:
     void serveOne(std::uint8_t opcode);
     void serveRead();
     void serveCrc();
+    void serveCrcOfEach(std::size_t from, std::size_t sectors);
+    void serveErase();
     zvbl::Bytes take(std::size_t count);
     void answer(const zvbl::Bytes &bytes);
     bool hidesCommand();
@@ -52,7 +59,7 @@ private:
     std::uint32_t checksum(std::size_t from, std::size_t count) const;
 
     Pty &m_pty;
-    const zvbl::Bytes m_memory;
+    zvbl::Bytes m_memory;
     const Crc m_crc;
     zvbl::Bytes m_heard;
     bool m_dead = false;

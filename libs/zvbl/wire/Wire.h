@@ -70,6 +70,10 @@ constexpr std::uint16_t eraseBank2 = 0xFFFD;
 constexpr std::uint16_t eraseBank3 = 0xFFFC;
 constexpr std::uint16_t eraseBlock = 0xFFFB;
 
+// FIRMWARE_CRC: with this bit the count asks for the CRC of each sector, of so many at most.
+constexpr std::uint16_t crcOfEach = 0x8000;
+constexpr unsigned mostCrcs = 64;
+
 // Sizes.
 constexpr unsigned maxPacket = 256;      // bytes of one READ or WRITE
 constexpr unsigned writeGranularity = 4; // main flash and SPIM: length and address of a WRITE
