@@ -86,9 +86,9 @@ TEST_F(PluggedTest, PortsAreToldBySocketAndKeepTheirNames) {
 
 TEST_F(PluggedTest, WhatIsToldPastesIntoAStationFileWhateverItIsCalled) {
     serial("ttyUSB0", "a\"\\\033[2J");
-    const std::string tables = nestTables(pluggedPorts(Station(), Machine(dir)), Station());
-    EXPECT_EQ(tables, "# usart, \"ttyUSB0\"\n[[nest]]\nname = \"A1\"\n"
-                      "port = \"/dev/serial/by-path/a\\\"\\\\\\u001b[2J\"\n");
+    const std::string told = nestTables(pluggedPorts(Station(), Machine(dir)), Station());
+    EXPECT_EQ(told, "# usart, \"ttyUSB0\"\n[[nest]]\nname = \"A1\"\n"
+                    "port = \"/dev/serial/by-path/a\\\"\\\\\\u001b[2J\"\n");
     std::filesystem::remove_all(path("dev/serial"));
     serial("ttyUSB1", "a\"\\b");
     write("station.toml", "format = 1\nstation = \"x\"\n[link]\nkind = \"usart\"\n" +
