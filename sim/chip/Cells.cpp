@@ -42,9 +42,15 @@ bool Cells::program(std::size_t offset, const Bytes &bytes) {
     return true;
 }
 
-void Cells::erase(std::size_t offset, std::size_t length) {
-    std::fill_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(offset), length, erased);
-    ++m_changes;
+bool Cells::erase(std::size_t offset, std::size_t length, std::size_t unit) {
+    const std::size_t step = unit / 2;
+    for (const std::size_t end = offset + length; offset < end; offset += step) {
+        std::fill_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(offset), step, erased);
+        ++m_changes;
+        if (m_faults->programmed(CellKind::erasing))
+            return false;
+    }
+    return true;
 }
 
 } // namespace sim

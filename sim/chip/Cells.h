@@ -35,7 +35,8 @@ public:
     // Programs in ascending order; steps of FF throughout are left out. False when the power went.
     bool program(std::size_t offset, const Bytes &bytes);
 
-    void erase(std::size_t offset, std::size_t length);
+    // Erases units of so many bytes one after the other, each in two steps of half of it. False when the power went.
+    bool erase(std::size_t offset, std::size_t length, std::size_t unit);
 
     // For loading a saved content: written as it is, without erasing or programming.
     std::uint8_t *raw() { return m_bytes.data(); }

@@ -114,7 +114,7 @@ private:
     Outcome spansOf(Bank bank, std::vector<Span> &spans) const;
     Outcome checkErase(const Span &span, bool oneByOne) const;
     Outcome erase(const std::vector<Span> &spans, bool oneByOne);
-    void eraseSpan(const Span &span);
+    bool eraseSpan(const Span &span); // false when the power went
 
     const ChipFacts &m_facts;
     FlashTime m_flashTime;

@@ -61,10 +61,10 @@ Outcome Chip::checkErase(const Span &span, bool oneByOne) const {
     return {};
 }
 
-void Chip::eraseSpan(const Span &span) {
+bool Chip::eraseSpan(const Span &span) {
     const std::size_t size = span.spim ? wire::spimSectorSize : m_facts.sectorSize;
-    (span.spim ? m_spim.cells() : m_flash).erase(span.first * size, span.count * size);
     m_time += m_flashTime.eraseSector * span.count;
+    return (span.spim ? m_spim.cells() : m_flash).erase(span.first * size, span.count * size, size);
 }
 
 Outcome Chip::erase(const std::vector<Span> &spans, bool oneByOne) {
@@ -74,7 +74,8 @@ Outcome Chip::erase(const std::vector<Span> &spans, bool oneByOne) {
             return outcome;
     }
     for (const Span &span : spans)
-        eraseSpan(span);
+        if (!eraseSpan(span))
+            return Outcome::powerLost();
     return {};
 }
 

@@ -29,7 +29,8 @@ Outcome Chip::protectAccess(AccessLevel level) {
 
 Outcome Chip::unprotectAccess() {
     // The flash goes first: a power cut in between must not open a chip that still holds its content.
-    eraseSpan({false, 0, flashSectors()});
+    if (!eraseSpan({false, 0, flashSectors()}))
+        return Outcome::powerLost();
     m_slib.clear();
     return programOptions(m_options.factory());
 }

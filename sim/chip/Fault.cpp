@@ -8,7 +8,7 @@ std::size_t index(Direction direction) {
     return direction == Direction::rx ? 0 : 1;
 }
 std::size_t index(CellKind cells) {
-    return cells == CellKind::flash ? 0 : 1;
+    return static_cast<std::size_t>(cells);
 }
 
 void apply(const Fault &fault, ByteEffect &effect) {
@@ -75,7 +75,8 @@ bool Faults::refuses(unsigned answer) {
 
 bool Faults::powerFails(CellKind cells) {
     for (Fault &fault : m_faults) {
-        if (fault.spent || fault.kind != FaultKind::powerCut || (fault.cells && fault.cells != cells))
+        const bool counts = fault.cells ? fault.cells == cells : cells != CellKind::erasing;
+        if (fault.spent || fault.kind != FaultKind::powerCut || !counts)
             continue;
         if (fault.at == (fault.cells ? m_steps[index(cells)] : m_steps[0] + m_steps[1])) {
             happens(fault);

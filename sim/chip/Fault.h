@@ -10,8 +10,8 @@
 
 namespace sim {
 
-// Which cells a programming step went into.
-enum class CellKind { flash, options };
+// Which cells a programming step went into, or that it was one of erasing.
+enum class CellKind { flash, options, erasing };
 
 enum class Direction { rx, tx }; // as the chip sees it: rx comes from the host
 
@@ -62,8 +62,11 @@ public:
     // Programming: asked before the first step of a write. True when the power goes.
     bool powerFails(CellKind cells);
 
-    // One programming step is done. True when the power goes after it.
+    // One programming step is done, or one of erasing. True when the power goes after it.
     bool programmed(CellKind cells);
+
+    // How many were done.
+    std::uint64_t steps(CellKind cells) const { return m_steps[static_cast<std::size_t>(cells)]; }
 
 private:
     void happens(Fault &fault);
@@ -71,7 +74,7 @@ private:
     std::vector<Fault> m_faults;
     std::function<void(const std::string &)> m_listener;
     std::array<std::uint64_t, 2> m_bytes{};
-    std::array<std::uint64_t, 2> m_steps{};
+    std::array<std::uint64_t, 3> m_steps{};
     std::uint64_t m_frames = 0;
     std::map<std::uint8_t, std::uint64_t> m_framesByOpcode;
     std::optional<unsigned> m_refusedAnswer;

@@ -45,8 +45,7 @@ bool OptionBytes::write(const Bytes &compact) {
         pairs.push_back(byte);
         pairs.push_back(complement(byte));
     }
-    m_cells.erase(0, m_cells.size());
-    return m_cells.program(0, pairs);
+    return m_cells.erase(0, m_cells.size(), m_cells.size()) && m_cells.program(0, pairs);
 }
 
 } // namespace sim

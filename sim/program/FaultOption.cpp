@@ -29,7 +29,7 @@ constexpr FaultName names[] = {
     {"tx-damage", FaultKind::damage, Direction::tx, 1, "[:MASK]"},
     {"hangup", FaultKind::hangup, Direction::rx, 1, "[:MS]"},
     {"tx-hangup", FaultKind::hangup, Direction::tx, 1, "[:MS]"},
-    {"powercut", FaultKind::powerCut, Direction::rx, 0, "[:flash|options]"},
+    {"powercut", FaultKind::powerCut, Direction::rx, 0, "[:flash|options|erase]"},
 };
 
 template <typename Number>
@@ -73,7 +73,10 @@ bool parseCells(std::string_view text, Fault &fault) {
         fault.cells = CellKind::flash;
     else if (text == "options")
         fault.cells = CellKind::options;
-    return fault.cells.has_value();
+    else if (text == "erase")
+        fault.cells = CellKind::erasing;
+    const bool isBeforeTheFirst = fault.cells == CellKind::erasing && fault.at == 0; // nobody asks there
+    return fault.cells.has_value() && !isBeforeTheFirst;
 }
 
 // What stands after the number; parts[0] is the number itself.

@@ -51,6 +51,7 @@ const char helpText[] =
                                    without MS the simulator ends
         powercut@N[:flash|options] the power fails behind the N-th programmed byte (flash, OTP, SPIM)
                                    or option byte pair; 0: before the first
+        powercut@N:erase           it fails behind the N-th half of a sector that is erased
   --verbose           tell every command, not only refusals and faults
   --log FILE          tell it in FILE, not on standard error
 

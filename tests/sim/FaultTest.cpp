@@ -307,6 +307,7 @@ TEST(FaultSpec, badOnesAreRefusedWithAReason) {
                              "silence@1:2",
                              "powercut@-1",
                              "powercut@1:ram",
+                             "powercut@0:erase",
                              "hangup@1:2:3",
                              "rx-lost@99999999999999999999",
                              "boom@1"}) {
