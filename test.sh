@@ -78,9 +78,9 @@ fi
 
 # Those that --campaign runs: each is a program in build/release/campaign, and fails when it finds a lie.
 if [ -n "$campaign" ]; then
-    build release --target damage-matrix equal-chips replug kills register-storm host-campaign
+    build release --target damage-matrix equal-chips replug kills register-storm host-campaign border-campaign
     failed=0
-    for program in damage-matrix equal-chips replug kills register-storm host-campaign; do
+    for program in damage-matrix equal-chips replug kills register-storm host-campaign border-campaign; do
         echo "== campaign: $program"
         "build/release/campaign/$program" || failed=1
     done

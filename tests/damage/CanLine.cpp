@@ -11,9 +11,13 @@ namespace {
 
 constexpr unsigned speed = wire::canStartSpeed;
 
+class CanLine;
+CanLine *line = nullptr; // at which the library's port ends
+
 class CanLine : public Line {
 public:
     explicit CanLine(const sim::ChipFacts &facts) : Line(facts, nullptr, &sim::canCommands()) {}
+    ~CanLine() override { line = line == this ? nullptr : line; }
 
     void send(const zvbl::CanFrame &frame) {
         m_queue.push_back({frame.id, {frame.data.begin(), frame.data.begin() + frame.size}});
@@ -34,11 +38,9 @@ public:
 
 private:
     sim::CanProtocol m_protocol{bootloader, log()};
-    sim::CanLine m_wire{m_protocol, noFaults(), true};
+    sim::CanLine m_wire{m_protocol, faults(), true};
     std::vector<sim::CanFrame> m_queue;
 };
-
-CanLine *line = nullptr;
 
 } // namespace
 
@@ -61,6 +63,8 @@ bool CanSocket::isInterface(const std::string &) {
 CanSocket::~CanSocket() = default;
 
 Status CanSocket::open(const LinkSettings &) {
+    if (line == nullptr || line->isGone())
+        return Status::cantOpen;
     line->arrivals.clear();
     m_bitRate = damage::speed;
     return Status::ok;
@@ -72,12 +76,12 @@ Status CanSocket::setLine(ControlLine, bool) {
 
 Status CanSocket::send(const CanFrame &frame, TimePoint) {
     line->send(frame);
-    return Status::ok;
+    return line->isGone() ? Status::gone : Status::ok;
 }
 
 Status CanSocket::receive(CanFrame &frame, TimePoint deadline) {
     if (!line->await(deadline))
-        return Status::noAnswer;
+        return line->isGone() ? Status::gone : Status::noAnswer;
     const sim::TimedFrame timed = line->arrivals.take();
     frame.id = static_cast<std::uint16_t>(timed.frame.id);
     frame.size = static_cast<std::uint8_t>(timed.frame.data.size());

@@ -28,6 +28,10 @@ std::vector<Lane::Unit> Lane::pass(std::size_t count) {
 }
 
 void Lane::one(std::size_t index, bool last, std::vector<Unit> &units) {
+    if (m_ended) {
+        ++m_passed;
+        return;
+    }
     units.push_back({index, 0, 0});
     if (std::exchange(m_swap, false))
         std::swap(units[units.size() - 2], units.back());
@@ -51,6 +55,8 @@ void Lane::harmLast(std::vector<Unit> &units) {
         m_burst = random(1, longestBurst - 1);
         m_burstEnd = now() + burstTime;
         break;
+    case Kind::silent:
+    case Kind::gone: m_ended = true; [[fallthrough]];
     case Kind::lost: units.pop_back(); break;
     case Kind::doubled: units.push_back(unit); break;
     case Kind::swapped: m_swap = true; break;

@@ -9,7 +9,8 @@
 
 namespace damage {
 
-enum class Kind { bit, burst, lost, doubled, swapped, late };
+// Silence and a port that is gone last from the unit on, the others befall it.
+enum class Kind { bit, burst, lost, doubled, swapped, late, silent, gone };
 
 struct KindRow {
     Kind kind;
@@ -17,6 +18,7 @@ struct KindRow {
     bool ofFrames; // befalls whole frames too, where a bus checks what is in them
 };
 
+// What a line can do to bytes and frames.
 constexpr KindRow kinds[] = {
     {Kind::bit, "bit", false},        {Kind::burst, "burst", false},    {Kind::lost, "lost", true},
     {Kind::doubled, "doubled", true}, {Kind::swapped, "swapped", true}, {Kind::late, "late", true},
@@ -37,6 +39,7 @@ public:
     std::vector<Unit> pass(std::size_t count);
 
     std::size_t passed() const { return m_passed; }
+    bool isGone() const { return m_ended && m_kind == Kind::gone; } // the port, with the line
 
 private:
     void one(std::size_t index, bool last, std::vector<Unit> &units);
@@ -51,7 +54,8 @@ private:
     std::size_t m_next = 0;  // of the places
     std::size_t m_burst = 0; // units of it that are still to come
     sim::Nanoseconds m_burstEnd = 0;
-    bool m_swap = false; // the unit that came last changes places with the next one
+    bool m_ended = false; // nothing comes through any more
+    bool m_swap = false;  // the unit that came last changes places with the next one
 };
 
 } // namespace damage

@@ -9,9 +9,13 @@ namespace {
 
 constexpr sim::Nanoseconds byteTime = 9 * sim::second / 400000;
 
+class I2cLine;
+I2cLine *line = nullptr; // at which the library's port ends
+
 class I2cLine : public Line {
 public:
     explicit I2cLine(const sim::ChipFacts &facts) : Line(facts, &sim::i2cCommands()) {}
+    ~I2cLine() override { line = line == this ? nullptr : line; }
 
     bool write(const zvbl::Bytes &bytes) {
         zvbl::Bytes arrived;
@@ -45,10 +49,8 @@ public:
 private:
     void spend(std::size_t bytes) { advanceTo(now() + byteTime * static_cast<sim::Nanoseconds>(bytes)); }
 
-    sim::I2cProtocol m_protocol{bootloader, noFaults()};
+    sim::I2cProtocol m_protocol{bootloader, faults()};
 };
-
-I2cLine *line = nullptr;
 
 } // namespace
 
@@ -65,7 +67,7 @@ namespace zvbl {
 using damage::line;
 
 Status I2cPort::open(const LinkSettings &) {
-    return Status::ok;
+    return line == nullptr || line->isGone() ? Status::cantOpen : Status::ok;
 }
 
 Status I2cPort::setLine(ControlLine, bool) {
@@ -73,11 +75,13 @@ Status I2cPort::setLine(ControlLine, bool) {
 }
 
 Status I2cPort::write(std::uint8_t, const Bytes &bytes) {
-    return line->write(bytes) ? Status::ok : Status::refused;
+    const bool done = line->write(bytes);
+    return line->isGone() ? Status::gone : done ? Status::ok : Status::refused;
 }
 
 Status I2cPort::read(std::uint8_t, Bytes &bytes) {
-    return line->read(bytes) ? Status::ok : Status::refused;
+    const bool done = line->read(bytes);
+    return line->isGone() ? Status::gone : done ? Status::ok : Status::refused;
 }
 
 } // namespace zvbl

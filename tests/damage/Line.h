@@ -26,15 +26,17 @@ public:
     Lane toHost;
 
     sim::Cells &flash(); // of the chip
+    sim::Chip &chip() { return m_chip; }
+    sim::Faults &faults() { return m_faults; } // for the power: all else goes wrong in the lanes
+    bool isGone() const { return toChip.isGone() || toHost.isGone(); }
 
 private:
-    sim::Faults m_noFaults; // what goes wrong goes wrong in the lanes
+    sim::Faults m_faults;
     std::ostringstream m_said;
     sim::Log m_log{m_said, false};
     sim::Chip m_chip;
 
 protected:
-    sim::Faults &noFaults() { return m_noFaults; }
     sim::Log &log() { return m_log; }
 
     sim::Bootloader bootloader;
@@ -81,5 +83,6 @@ std::unique_ptr<Line> makeUsartLine(const sim::ChipFacts &facts);
 std::unique_ptr<Line> makeCanLine(const sim::ChipFacts &facts);
 std::unique_ptr<Line> makeI2cLine(const sim::ChipFacts &facts);
 std::unique_ptr<Line> makeSpiLine(const sim::ChipFacts &facts);
+std::unique_ptr<Line> makeDfuLine(const sim::ChipFacts &facts);
 
 } // namespace damage

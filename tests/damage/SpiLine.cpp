@@ -9,9 +9,13 @@ namespace {
 
 constexpr sim::Nanoseconds byteTime = 8 * sim::second / 1000000;
 
+class SpiLine;
+SpiLine *line = nullptr; // at which the library's port ends
+
 class SpiLine : public Line {
 public:
     explicit SpiLine(const sim::ChipFacts &facts) : Line(facts) {}
+    ~SpiLine() override { line = line == this ? nullptr : line; }
 
     // Selects the chip, clocks the bytes out, and gives those that came in meanwhile. The clock is the host's: what
     // is lost on the way in makes room for the idle level, what is doubled drives out the last.
@@ -38,10 +42,8 @@ private:
         return bytes;
     }
 
-    sim::SpiProtocol m_protocol{bootloader, noFaults(), log()};
+    sim::SpiProtocol m_protocol{bootloader, faults(), log()};
 };
-
-SpiLine *line = nullptr;
 
 } // namespace
 
@@ -58,7 +60,7 @@ namespace zvbl {
 using damage::line;
 
 Status SpiPort::open(const LinkSettings &) {
-    return Status::ok;
+    return line == nullptr || line->isGone() ? Status::cantOpen : Status::ok;
 }
 
 Status SpiPort::setLine(ControlLine, bool) {
@@ -74,7 +76,7 @@ Status SpiPort::exchange(const Bytes &message, std::size_t count, Bytes &heard) 
         line->clock(message, false);
     const Bytes in = line->clock(Bytes(count), true);
     heard.insert(heard.end(), in.begin(), in.end());
-    return Status::ok;
+    return line->isGone() ? Status::gone : Status::ok;
 }
 
 } // namespace zvbl

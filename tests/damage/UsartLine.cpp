@@ -9,9 +9,13 @@
 namespace damage {
 namespace {
 
+class UsartLine;
+UsartLine *line = nullptr; // at which the library's port ends
+
 class UsartLine : public Line {
 public:
     explicit UsartLine(const sim::ChipFacts &facts) : Line(facts) {}
+    ~UsartLine() override { line = line == this ? nullptr : line; }
 
     void send(const zvbl::Bytes &bytes) {
         for (const Lane::Unit &unit : toChip.pass(bytes.size())) {
@@ -29,10 +33,8 @@ public:
 
 private:
     sim::UsartProtocol m_protocol{bootloader};
-    sim::UsartLine m_wire{m_protocol, noFaults()};
+    sim::UsartLine m_wire{m_protocol, faults()};
 };
-
-UsartLine *line = nullptr;
 
 } // namespace
 
@@ -55,6 +57,8 @@ bool isSerialSetting(const LinkSettings &settings) {
 SerialPort::~SerialPort() = default;
 
 Status SerialPort::open(const LinkSettings &settings) {
+    if (line == nullptr || line->isGone())
+        return Status::cantOpen;
     line->arrivals.clear();
     return reconfigure(settings);
 }
@@ -71,10 +75,12 @@ Status SerialPort::setLine(ControlLine, bool) {
 
 Status SerialPort::send(const Bytes &bytes, TimePoint) {
     line->send(bytes);
-    return Status::ok;
+    return line->isGone() ? Status::gone : Status::ok;
 }
 
 Status SerialPort::receive(Bytes &bytes, TimePoint deadline) {
+    if (line->isGone())
+        return Status::gone;
     if (!line->arrivals.await(deadline))
         return Status::noAnswer;
     while (line->arrivals.await(TimePoint{}))

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace faults {
+
+// What a campaign is asked for.
+struct Wish {
+    unsigned seed = 1;
+    std::optional<unsigned> count; // so many cases of each cell, at random; none: all
+    std::string cell;              // part of its name; none: all
+    std::string oneCase;           // this case of each cell, and no other
+    std::string done;  // a file of the cells that are done; kept while the whole runs, of all cells and cases
+    unsigned jobs = 1; // processes; as many as processors where nothing is said
+    const char *trouble = nullptr; // which word it could not take
+};
+
+// What came of the cases of one cell.
+struct Row {
+    unsigned cases = 0;
+    unsigned well = 0;     // ended with 0, and did what was asked
+    unsigned reported = 0; // ended with the status of the action that failed
+    unsigned again = 0;    // of these: the second run did what was asked
+    unsigned toldWhy = 0;  // of these: the second run told what stands in the way
+    unsigned findings = 0; // broke a promise
+};
+
+// One case: its name, and the run that tells what came of it. A complaint is a finding.
+struct Case {
+    std::string name;
+    std::function<void(Row &row, std::vector<std::string> &complaints)> run;
+};
+
+// One cell, a line of the table.
+struct Cell {
+    std::string name;
+    std::function<std::vector<Case>()> cases;
+};
+
+Wish readWords(int count, char **words);
+
+// Runs all cells in several processes, each with a random sequence of its own, prints the table, and gives the exit
+// status: 1 when there is a finding or nothing was run, 2 for bad words. A cell that stands in the file of those that
+// are done, by the same program for the same seed, is not run again. Findings go to standard error, with the words to
+// run them again.
+int runCampaign(const Wish &wish, const char *program, const std::vector<Cell> &cells);
+
+} // namespace faults
