@@ -57,13 +57,20 @@ Ceiling canCeiling(double bitsPerSecond) {
 
 // A frame of 1 ms has room for 19 packets of 64 bytes of a control transfer; its setup and status take half
 // a packet. A block to write is followed by two GETSTATUS, which have one short packet each.
+constexpr double packetsPerFrame = 19;
+constexpr double packetsOfShortTransfer = 1.5;
+
 Ceiling dfuCeiling() {
     constexpr double block = 2048; // wTransferSize, a sector
     constexpr double packetsOfBlock = block / 64;
-    constexpr double packetsPerSecond = 19 * 1000;
+    constexpr double packetsPerSecond = packetsPerFrame * 1000;
     constexpr double upload = packetsOfBlock + 0.5;
-    constexpr double download = upload + 2 * 1.5;
+    constexpr double download = upload + 2 * packetsOfShortTransfer;
     return {block * packetsPerSecond / download, block * packetsPerSecond / upload};
+}
+
+double dfuShortTransfer() {
+    return packetsOfShortTransfer / packetsPerFrame;
 }
 
 } // namespace bench

@@ -13,6 +13,7 @@ Ceiling usartCeiling(double baud);
 Ceiling i2cCeiling(double hertz);
 Ceiling spiCeiling(double hertz);
 Ceiling canCeiling(double bitsPerSecond);
-Ceiling dfuCeiling(); // full speed
+Ceiling dfuCeiling();      // full speed
+double dfuShortTransfer(); // milliseconds of a control transfer of one byte
 
 } // namespace bench
