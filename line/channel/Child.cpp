@@ -20,6 +20,7 @@ constexpr int aboveAllGiven = 64;
 
 std::vector<char *> listOf(const std::vector<std::string> &texts) {
     std::vector<char *> list;
+    list.reserve(texts.size() + 1);
     for (const std::string &text : texts)
         list.push_back(const_cast<char *>(text.c_str()));
     list.push_back(nullptr);

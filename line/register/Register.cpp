@@ -125,6 +125,7 @@ std::vector<Orphan> Register::orphansAmong(const char *open, const std::vector<S
             dead.push_back(row.number(0));
     });
     std::vector<Orphan> orphans;
+    orphans.reserve(dead.size());
     for (const std::int64_t attempt : dead)
         orphans.push_back(closeOrphan(attempt, deliver));
     return orphans;

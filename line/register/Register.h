@@ -24,6 +24,7 @@ struct Orphan {
 };
 
 // What became of a wish to begin.
+// NOLINTNEXTLINE(bugprone-exception-escape): the move of Json says that it throws nothing, and calls what could
 struct Beginning {
     Json record;                 // as in the register: with attempt, series and number
     std::string cause;           // why there is no attempt at this chip; empty where there is one

@@ -1,6 +1,7 @@
 #include "line/view/Screen.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "line/view/Cell.h"
@@ -91,7 +92,7 @@ std::string headOf(const State &state, const Glyphs &glyphs) {
 std::string footOf(const State &state, const Glyphs &glyphs) {
     std::string text;
     if (state.unitsPerHour > 0)
-        text += std::to_string(static_cast<long>(state.unitsPerHour + 0.5)) + " units/h" + gap;
+        text += std::to_string(std::lround(state.unitsPerHour)) + " units/h" + gap;
     if (state.secondsPerUnit > 0)
         text += oneDecimal(state.secondsPerUnit) + " s/unit" + gap;
     text += "not delivered: " + std::to_string(state.undelivered);
