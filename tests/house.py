@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that no function has more than 40 lines, and no source file more than 350.
+"""Checks that no function has more than 40 lines, no source file more than 350, and that each source file is built.
 
 usage: house.py SOURCE-DIR
 """
@@ -67,7 +67,17 @@ def functions(lines):
         number = end + 1
 
 
+def unbuilt(root):
+    """Sources that no list of the build names, as NAME.cpp or as NAME."""
+    lists = [path for folder in FOLDERS for path in (root / folder).rglob("CMakeLists.txt")]
+    named = set(re.findall(r"[\w.-]+", " ".join(path.read_text().replace("/", " ") for path in lists)))
+    for path in sorted(path for folder in FOLDERS for path in (root / folder).rglob("*.cpp")):
+        if not named & {path.name, path.stem}:
+            yield f"{path.relative_to(root)}: nothing builds it"
+
+
 def complaints(root):
+    yield from unbuilt(root)
     unused = set(LONG_FILES) | set(LONG_FUNCTIONS)
     for folder in FOLDERS:
         for path in sorted((root / folder).rglob("*")):

@@ -41,6 +41,8 @@ void failOnce(Call call, int afterCalls = 0, int error = ENOMEM) {
 
 } // namespace
 
+// A sanitizer's library calls these, too.
+#pragma GCC visibility push(default)
 extern "C" {
 
 void *__real_malloc(std::size_t size);
@@ -64,6 +66,7 @@ ssize_t __wrap_read(int fd, void *bytes, std::size_t length) {
     return fails(Call::read) ? (plan.error == 0 ? 0 : -1) : __real_read(fd, bytes, length);
 }
 }
+#pragma GCC visibility pop
 
 namespace {
 
