@@ -71,7 +71,7 @@ bool begin() {
     static char name[] = "words-fuzz";
     static char *words[] = {name, nullptr};
     static const QCoreApplication application(count, words);
-    static Sink sink;
+    static Sink &sink = *new Sink; // std::cout has it to the last
     std::cout.rdbuf(&sink);
     fuzz::require(mkdir("Map", 0700) == 0, "there is a directory");
     fuzz::fill("Map/ZV32F403A_1024K.ZVmap", "[Product]\nName=ZV32F403A\nPID=70050347\nSerial=07\nSectorsPerSector=2\n"

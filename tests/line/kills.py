@@ -178,7 +178,8 @@ def kill(place, whom, calls, n):
         assert run.returncode in (0, 4), f"status {run.returncode}: {run.stderr}"
         assert all(record["result"] == "pass" or record["cause"] in ("worker-crash", "no-answer", "link-lost") for record in told(run)), run.stdout
     place.leftovers("units.db-journal")  # the next start undoes what was begun
-    if (place.path / "units.db").stat().st_size:
+    register = place.path / "units.db"
+    if register.exists() and register.stat().st_size:
         try:
             place.look(told(run), whom == "line")
         except sqlite3.OperationalError as failure:  # killed before there was a table
