@@ -7,6 +7,7 @@
 #include <cstring>
 #include <deque>
 #include <time.h>
+#include <utility>
 
 #include <asm/termbits.h>
 #include <poll.h>
@@ -33,9 +34,25 @@ struct Tty {
     termios2 line{};
     bool gone = false;
     std::int64_t now = 0;
+    fuzz::TtyFault fault;
+    bool failed = false;
 };
 
 Tty tty;
+fuzz::TtyFault next;
+
+// Whether it is this call that fails.
+bool fails(const char *call) {
+    if (tty.failed || tty.fault.call != call || tty.fault.after-- > 0)
+        return false;
+    tty.failed = true;
+    errno = tty.fault.error;
+    return true;
+}
+
+int answerOfFailure() {
+    return tty.fault.error == 0 ? 0 : -1;
+}
 
 // One answer on its way.
 void send(std::vector<std::uint8_t> bytes, std::int64_t after) {
@@ -94,6 +111,15 @@ void plugIn(Peer &peer, Input &damage) {
     tty = Tty();
     tty.peer = &peer;
     tty.damage = &damage;
+    tty.fault = std::exchange(next, {});
+}
+
+void failOnce(const TtyFault &fault) {
+    next = fault;
+}
+
+bool ttyHasFailed() {
+    return tty.failed;
 }
 
 std::int64_t ttyTime() {
@@ -122,7 +148,9 @@ int __wrap_open(const char *path, int flags, ...) {
     va_start(more, flags);
     const int mode = va_arg(more, int);
     va_end(more);
-    return std::strcmp(path, fuzz::ttyName) == 0 ? number : __real_open(path, flags, mode);
+    if (std::strcmp(path, fuzz::ttyName) != 0)
+        return __real_open(path, flags, mode);
+    return fails("open") ? -1 : number;
 }
 
 int __wrap_close(int fd) {
@@ -130,11 +158,11 @@ int __wrap_close(int fd) {
 }
 
 int __wrap_isatty(int fd) {
-    return fd == number ? 1 : __real_isatty(fd);
+    return fd == number ? !fails("isatty") : __real_isatty(fd);
 }
 
 int __wrap_flock(int fd, int operation) {
-    return fd == number ? 0 : __real_flock(fd, operation);
+    return fd == number ? -fails("flock") : __real_flock(fd, operation);
 }
 
 int __wrap_ioctl(int fd, unsigned long request, ...) {
@@ -142,12 +170,16 @@ int __wrap_ioctl(int fd, unsigned long request, ...) {
     va_start(more, request);
     void *const argument = va_arg(more, void *);
     va_end(more);
-    return fd == number ? setLine(request, argument) : __real_ioctl(fd, request, argument);
+    if (fd != number)
+        return __real_ioctl(fd, request, argument);
+    return fails("ioctl") ? -1 : setLine(request, argument);
 }
 
 ssize_t __wrap_read(int fd, void *buffer, size_t count) {
     if (fd != number)
         return __real_read(fd, buffer, count);
+    if (fails("read"))
+        return answerOfFailure();
     if (tty.gone)
         return 0;
     tty.now += look;
@@ -167,6 +199,8 @@ ssize_t __wrap_read(int fd, void *buffer, size_t count) {
 ssize_t __wrap_write(int fd, const void *buffer, size_t count) {
     if (fd != number)
         return __real_write(fd, buffer, count);
+    if (fails("write"))
+        return answerOfFailure();
     if (tty.gone) {
         errno = EIO;
         return -1;
@@ -178,6 +212,10 @@ ssize_t __wrap_write(int fd, const void *buffer, size_t count) {
 
 int __wrap_ppoll(struct pollfd *ports, nfds_t, const struct timespec *timeout, const void *) {
     ports->revents = 0;
+    if (fails("ppoll")) {
+        ports->revents = POLLERR;
+        return tty.fault.error == 0 ? 1 : -1;
+    }
     if (tty.gone) {
         ports->revents = POLLHUP;
         return 1;

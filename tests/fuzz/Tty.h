@@ -23,4 +23,14 @@ void plugIn(Peer &peer, Input &damage);
 // So much has passed on that clock, in nanoseconds.
 std::int64_t ttyTime();
 
+// One call of the tty that fails, by its name: after so many that work, with that error. Without an error a read or a
+// write moves nothing, and a wait ends for another reason than the awaited one.
+struct TtyFault {
+    std::string call;
+    unsigned after = 0;
+    int error = 0;
+};
+void failOnce(const TtyFault &fault); // from the next plugIn() on
+bool ttyHasFailed();
+
 } // namespace fuzz

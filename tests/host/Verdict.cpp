@@ -28,6 +28,11 @@ bool endsProcess(const Fault &fault) {
     return fault.harm == Harm::signalled && fault.value != SIGSTOP;
 }
 
+bool onlyTakesTime(const Fault &fault) {
+    const bool stops = fault.harm == Harm::signalled && fault.value == SIGSTOP;
+    return stops || fault.harm == Harm::held || fault.harm == Harm::cut;
+}
+
 // A line that is overwritten counts as lines.
 std::vector<std::string> linesOf(std::string text) {
     std::replace(text.begin(), text.end(), '\r', '\n');
@@ -86,6 +91,8 @@ bool isOfTheLoader(const Case &harmed, const Run &run) {
 std::string ofFailure(const Job &job, const Case &harmed, const Good &good, const Run &run) {
     if (endsProcess(harmed.fault))
         return run.status == 128 + harmed.fault.value ? "" : "the signal did not end it";
+    if (onlyTakesTime(harmed.fault))
+        return "a failure, and nothing but time was lost";
     if (isOfTheLoader(harmed, run))
         return "";
     const int allowed[] = {job.failure, connectFailed, unexpectedEnd, notLoaded};
