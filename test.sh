@@ -32,7 +32,7 @@ case "${1:-}" in
     --campaign) campaign=yes ;;
     --coverage) coverage=yes ;;
     --mutations)
-        tools/install-packages.sh test
+        tools/install-packages.sh mutations
         exec tests/mutations/mutations.py --seed "${2:-1}" --count "${3:-500}"
         ;;
     *) echo "usage: $0 [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage|--mutations SEED COUNT]" >&2; exit 2 ;;

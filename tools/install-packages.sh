@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs what is missing on a Debian 12 machine: the one list of packages, for try.sh, test.sh and package.sh.
 #
-# usage: tools/install-packages.sh [--missing] build|test|kernel|coverage|package|bare
+# usage: tools/install-packages.sh [--missing] build|test|kernel|coverage|mutations|package|bare
 #   --missing  only tells which ones are missing
 set -eu
 
@@ -23,6 +23,9 @@ kernel="qemu-system-x86 seabios busybox-static cpio xz-utils iproute2"
 # To count which lines and branches the tests run.
 coverage="llvm"
 
+# To find out which small mistakes the tests do not notice.
+mutations="python3-clang-14"
+
 # To make Debian packages of them; debian/control names what the building of these takes.
 package="$compile build-essential debhelper dpkg-dev fakeroot libumockdev-dev lintian"
 
@@ -36,9 +39,10 @@ case "${1:-}" in
     test) wanted="$build $test" ;;
     kernel) wanted=$kernel ;;
     coverage) wanted=$coverage ;;
+    mutations) wanted="$build $test $mutations" ;;
     package) wanted=$package ;;
     bare) wanted="$package $bare" ;;
-    *) echo "usage: $0 [--missing] build|test|kernel|coverage|package|bare" >&2; exit 2 ;;
+    *) echo "usage: $0 [--missing] build|test|kernel|coverage|mutations|package|bare" >&2; exit 2 ;;
 esac
 
 missing=

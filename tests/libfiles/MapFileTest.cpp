@@ -118,6 +118,19 @@ TEST(MapFile, MoreThanFourDigits) {
     EXPECT_STREQ(read.records[32766].Name, "Sector32766");
 }
 
+TEST(MapFile, SecondaryKeysAtTheEndOfTheirRange) {
+    const Read read =
+        readText("[Product]\nPacketSize=256\nSectorsPerSector=255\nAlternate=255\nName=" + std::string(255, 'n') +
+                 "\n[Sector0]\nSize=800\nAlias=FFFFFFFF\nType=255\n");
+    ASSERT_EQ(read.status, 0u);
+    EXPECT_EQ(read.packetSize, 256);
+    EXPECT_EQ(read.sectorsPerSector, 255);
+    EXPECT_EQ(read.name, std::string(255, 'n'));
+    EXPECT_EQ(read.map.nAlternate, 255);
+    EXPECT_EQ(read.records[0].dwAliasedAddress, 0xFFFFFFFFu);
+    EXPECT_EQ(read.records[0].bSectorType, 255);
+}
+
 // The table does not stand on these, so it is not lost with them.
 TEST(MapFile, ASecondaryKeyOutOfRangeCountsAsMissing) {
     const std::string group = "[Sector0]\nSize=800\nCount=4\n";

@@ -16,9 +16,9 @@ bool isHarmless(const std::string &text) {
 }
 
 TEST(MapText, ValuesThatMapsHave) {
-    for (const char *text :
-         {"", "[Product]\nPID=12345678 9ABCDEF0\nName=\"A, B\"\n", "PID=foo@bar\n", "Name=a=@b\n", "Name=\"a, @b\"\n",
-          "; me@x.org\n;x=@y\nPID=1 ; a, @b\n", "Size=0x800\r\nCount=\r\n[@x]\n", "@PID=1\n", "Name=a\\,b\n"})
+    for (const char *text : {"", "[Product]\nPID=12345678 9ABCDEF0\nName=\"A, B\"\n", "PID=foo@bar\n", "Name=a=@b\n",
+                             "Name=\"a, @b\"\n", "; me@x.org\n;x=@y\nPID=1 ; a, @b\n", "Size=0x800\r\nCount=\r\n[@x]\n",
+                             "@PID=1\n", "Name=a\\,b\n", "PID= 12345678 ,\t9ABCDEF0\n"})
         EXPECT_TRUE(isHarmless(text)) << text;
 }
 

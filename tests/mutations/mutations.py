@@ -1,189 +1,275 @@
-#!/usr/bin/env python3
-"""Makes small mistakes in the sources, one at a time and chosen by a seed, and looks whether the tests notice. Works on a
-copy of the tree in build/mutations. What came out stands in a file there, a line for each, and a second run goes on behind it.
+#!/usr/bin/python3
+"""Makes small mistakes in the sources, chosen by a seed, and looks whether the tests notice. Works on a copy of the tree in
+build/mutations, which is built once with all of them, each behind a switch; what cannot stand behind one is built by itself.
+What came out stands in a file there, a line for each, and a second run goes on where the first one ended.
 
-usage: mutations.py [--seed SEED] [--count COUNT] [--folder FOLDER]... [--by COMMAND] [--prepare|--keep]
-  --by       a command that builds and tests are run by, such as "nice"
-  --prepare  only copies and builds
-  --keep     takes the copy as it is, whatever has changed in the tree since it was made
+usage: mutations.py [--seed SEED] [--count COUNT] [--folder FOLDER]... [--when COMMAND] [--keep [--again NAMES]]
+  --when   waits before each mistake until this command succeeds
+  --keep   takes the mistakes as they are, whatever has changed since, and only the tests from the tree
+  --again  judges once more what survived, by the tests whose names begin so
 """
 import argparse
 import collections
+import concurrent.futures
+import hashlib
 import json
 import pathlib
 import random
 import re
-import shlex
-import subprocess
+import struct
 import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import compiling
+import copied
+import programs
 import rules
+import suite
+from copied import BUILD, HOME, SOURCE, TREE
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-HOME = ROOT / "build/mutations"
-TREE, BUILD = HOME / "tree", HOME / "build"
+NOTES = HOME / "notes"
+HEADER = pathlib.Path(__file__).resolve().parent / "switch.h"
+EXPLAINED = pathlib.Path(__file__).resolve().parent / "explained.txt"
 
-MODEL = (["model_test", "model_library_test"], "^model[.]")
-# Of each folder: the programs that know it best, and the names of their tests.
+# Of each folder: the tests that know it best.
+MODEL = "model[.]"
 NEAREST = {
-    "app": (["app_test", "console_test", "ZV32_ISP_Console"], "^(app|console)[.]"),
-    "operations": (["operations_test"], "^operations[.]"),
-    "link": (["link_test", "operations_test"], "^(link|operations)[.]"),
-    "usersystemdata": MODEL, "files": MODEL, "device": MODEL, "foundation": MODEL,
-    "libs/files": (["libfiles_test", "libfiles_fault_test", "hex-fuzz", "srecord-fuzz", "binary-fuzz", "map-fuzz"],
-                   "^(libfiles[.]|fuzz[.](hex|srecord|binary|map)$)"),
-    "libs/zvbl": (["zvbl_test", "zvbl_can_test", "zvbl_dfu_test", "zvbl_nodes_test", "zvbl_tty_test"], "^zvbl[.]"),
-    "sim": (["sim_test", "zv32-sim", "zv32-sim-dev"], "^sim[.]"),
+    "app": "(app|console)[.]", "operations": "operations[.]", "link": "(link|operations)[.]", "usersystemdata": MODEL, "files": MODEL,
+    "device": MODEL, "foundation": MODEL, "libs/files": "(libfiles[.]|fuzz[.](hex|srecord|binary|map)$)", "libs/zvbl": "zvbl[.]", "sim": "sim[.]",
 }
-# All tests that look at what the programs do, and not at how they are written or packed.
-BEHAVIOUR = "^(app|console|damage|e2e|fuzz|libfiles|line|link|look|matrix|model|operations|ring|sim|zvbl)[.]"
-SECONDS_TO_BUILD, SECONDS_TO_TEST = 230, 900
-
-
-class Works:
-    def __init__(self, by):
-        self.by = shlex.split(by)
-
-    def run(self, command, limit):
-        """(exit status or None when the time was up, what it said)"""
-        try:
-            done = subprocess.run([*self.by, "timeout", str(limit), *command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
-        except OSError as error:
-            sys.exit(f"mutations: {error}")
-        return (None if done.returncode == 124 else done.returncode), done.stdout
-
-    def build(self, targets):
-        return self.run(["ninja", "-C", str(BUILD), "-j2", *targets], SECONDS_TO_BUILD)
-
-    def failure(self, names, *options):
-        """The first of the tests that fails, or None."""
-        command = ["ctest", "--test-dir", str(BUILD), "-j4", "--timeout", "120", "--stop-on-failure", "--no-tests=error", "-R", names]
-        status, told = self.run([*command, *options], SECONDS_TO_TEST)
-        if status == 0:
-            return None
-        failed = re.search(r"^\s*\d+ - (\S+) \(", told, re.M)
-        return failed[1] if failed else "time"
-
-    def test(self, names):
-        """The first test that fails, and again when it runs alone: a busy machine makes others fail. None without one."""
-        passed = []
-        while True:
-            failed = self.failure(names, *(["-E", f"^({'|'.join(passed)})$"] if passed else []))
-            if failed in (None, "time") or self.failure(f"^{re.escape(failed)}$"):
-                return failed
-            passed.append(re.escape(failed))
-
-
-def copy_tree():
-    """Brings the copy to what git knows, and leaves alone what is the same."""
-    names = subprocess.run(["git", "-C", ROOT, "ls-files", "-co", "--exclude-standard"], check=True, stdout=subprocess.PIPE, text=True).stdout.split("\n")
-    for name in filter(None, names):
-        source, target = ROOT / name, TREE / name
-        if source.is_file() and not (target.exists() and target.read_bytes() == source.read_bytes()):
-            target.parent.mkdir(parents=True, exist_ok=True)
-            target.write_bytes(source.read_bytes())
-            target.chmod(source.stat().st_mode)
-
-
-def prepare(works, keeps):
-    if not keeps:
-        copy_tree()
-    if not (BUILD / "build.ninja").exists():
-        status, told = works.run(["cmake", "--preset", "debug", "-S", str(TREE), "-B", str(BUILD), "-DCMAKE_CXX_FLAGS_DEBUG=-O0"], 300)
-        if status != 0:
-            sys.exit(told)
-    status, told = works.build([])
-    while status is None:
-        status, told = works.build([])
-    if status != 0:
-        sys.exit(told[-4000:])
-
+# What is asked first about every mistake, and what about those that this did not notice: the names of the tests, and how many
+# seconds they take at the most.
+NEAR = "(app|console|fuzz|libfiles|link|model|operations|sim|zvbl)[.]"
+ROUNDS = ((NEAR, 1.0), (NEAR, 1e9), ("", 1e9))
 
 Mutant = collections.namedtuple("Mutant", "folder name line begin end before after kind text")
 
 
+
 def folder_of(name):
-    return next((folder for folder in NEAREST if name.startswith(folder + "/")), None)
+    return next(folder for folder in NEAREST if name.startswith(folder + "/"))
 
 
 def mutants(folders):
     for folder in folders:
-        for path in sorted((TREE / folder).rglob("*.cpp")):
-            source = path.read_text()
+        for path in sorted((SOURCE / folder).rglob("*.cpp")):
+            source = path.read_text(encoding="latin-1")
             for begin, end, after, kind in rules.mistakes(source):
                 line = source.count("\n", 0, begin) + 1
-                yield Mutant(folder, str(path.relative_to(TREE)), line, begin, end, source[begin:end], after, kind, source.split("\n")[line - 1].strip())
+                yield Mutant(folder, str(path.relative_to(SOURCE)), line, begin, end, source[begin:end], after, kind, source.split("\n")[line - 1].strip())
 
 
-def verdict(works, mutant):
-    """("refused", ""): the compiler does not take it; ("noticed", test); ("survived", "")."""
-    path = TREE / mutant.name
-    whole = path.read_text()
-    programs, tests = NEAREST[mutant.folder]
-    try:
-        path.write_text(whole[: mutant.begin] + mutant.after + whole[mutant.end :])
-        for targets, names in ((programs, tests), ([], BEHAVIOUR)):
-            status, _ = works.build(targets)
-            if status != 0:
-                return "refused", ""
-            noticed = works.test(names)
-            if noticed:
-                return "noticed", noticed
-        return "survived", ""
-    finally:
-        path.write_text(whole)
+def settled(name, chosen):
+    """(the source with its switches, how each of its mistakes is built: "switch", "single" or "refused")."""
+    source = compiling.Source(compiling.Compiler(BUILD), SOURCE / name, TREE / name, chosen, NOTES, HEADER)
+    source.settle()
+    how = {number: "switch" if number in source.switchable else "refused" if source.refused(number) else "single" for number, _ in chosen}
+    return source.text(), how
+
+
+def settle_all(chosen):
+    """How each mistake is built; writes the sources with switches into the copy, and what was found out to a file beside it."""
+    sources = collections.defaultdict(list)
+    for number, mutant in enumerate(chosen, 1):
+        sources[mutant.name].append((number, mutant))
+    file = HOME / "settled.json"
+    known, how = json.loads(file.read_text()) if file.exists() else {}, {}
+    with concurrent.futures.ProcessPoolExecutor(2) as pool:
+        asked = {}
+        for name, here in sources.items():
+            key = hashlib.sha256(json.dumps([here, (SOURCE / name).read_text(encoding="latin-1")]).encode()).hexdigest()
+            asked[name] = key, None if key in known else pool.submit(settled, name, here)
+        for name, (key, answer) in asked.items():
+            if answer:
+                known[key] = answer.result()
+            copied.write(TREE / name, known[key][0].encode("latin-1"))
+            how.update({int(number): one for number, one in known[key][1].items()})
+    file.write_text(json.dumps(known))
+    return how, set(sources)
+
+
+class Judge:
+    def __init__(self, results, when):
+        self.results, self.when = results, when
+        self.tests, self.programs = suite.known(BUILD), programs.Programs(BUILD)
+        self.programs.find()
+        self.noticed = collections.defaultdict(list)
+        for mutant, row in told_before(results).items():
+            self.remember(mutant, row["test"])
+
+    def remember(self, mutant, name):
+        self.noticed[mutant.name].append(name)
+        self.noticed[pathlib.Path(mutant.name).parent].append(name)
+
+    def wait(self):
+        while self.when and copied.run("sh", "-c", self.when)[0] != 0:
+            time.sleep(1)
+
+    def measure(self, names):
+        """Runs the tests that begin so while all mistakes that are passed are written down: two at a time, and both have passed
+        what was passed meanwhile."""
+        file = HOME / "measured.json"
+        known = json.loads(file.read_text()) if file.exists() else {}
+        NOTES.write_bytes(b"")
+        self.programs.make(-1)
+        new = [test for test in self.tests if re.match(names, test.name) and test.name not in known]
+        with concurrent.futures.ThreadPoolExecutor(suite.WORKERS) as pool:
+            runs = dict(zip(new, pool.map(lambda test: (self.wait(), suite.measure(test))[1], new)))
+        notes = list(struct.iter_unpack("qq", NOTES.read_bytes()))
+        self.programs.make(0)
+        for test, (start, stop, passed) in runs.items():
+            passes = sorted({number for number, when in notes if start <= when <= stop})
+            if not passed:
+                # What counts system calls is disturbed by the writing down.
+                passed, passes = suite.measure(test)[2], list(range(8192))
+            if not passed:
+                print(f"fails without a mistake, and is left out: {test.name}", flush=True)
+            known[test.name] = test.seconds, passed, passes
+        file.write_text(json.dumps(known))
+        for test in self.tests:
+            if test.name in known:
+                test.seconds, test.passed, passes = known[test.name]
+                test.passes = set(passes)
+        return [test for test in self.tests if re.match(names, test.name) and test.passed]
+
+    def ordered(self, mutant, tests):
+        """First the tests that noticed something in the same file, or are those of a chip that the line names; then those of the
+        folder, beginning with such that noticed something near by; each with the quick ones in front."""
+        def rank(test):
+            if test.name in self.noticed[mutant.name] or any(word in test.name for word in re.findall(r"\w*[A-Z]\w*\d{3}\w*", mutant.text)):
+                return 0, test.seconds
+            nearest = re.match(NEAREST[mutant.folder], test.name)
+            return (3 if not nearest else 1 if test.name in self.noticed[pathlib.Path(mutant.name).parent] else 2), test.seconds
+
+        return sorted(tests, key=rank)
+
+    def failing(self, mutant, tests, make):
+        """The first test that fails with the mistake twice, and not without it. `make` makes it (True) and unmakes it."""
+        tests = self.ordered(mutant, tests)
+        while tests:
+            make(True)
+            now = suite.Run(suite.limit)
+            failed = now.all(tests)
+            self.programs.end_those_left()
+            if not failed:
+                return None
+            if not suite.passes_alone(failed):
+                make(False)
+                self.programs.end_those_left()
+                if suite.passes_alone(failed, 3):
+                    return failed
+            tests = [test for test in tests if test is not failed and test not in now.passed]
+        return None
+
+    def switched(self, number, mutant, tests):
+        try:
+            return self.failing(mutant, tests, lambda on: self.programs.make(number if on else 0))
+        finally:
+            self.programs.make(0)
+            self.programs.end_those_left()
+
+    def single(self, number, mutant, tests):
+        path = TREE / mutant.name
+        whole = path.read_text(encoding="latin-1")
+        source = compiling.Source(compiling.Compiler(BUILD), SOURCE / mutant.name, path, [(number, mutant)], NOTES, HEADER)
+        mistaken = source.single(number)
+
+        def make(on):
+            copied.write(path, (mistaken if on else whole).encode("latin-1"))
+            copied.build()
+
+        try:
+            return self.failing(mutant, tests, make)
+        finally:
+            make(False)
+            self.programs.find()
+
+    def judge(self, number, mutant, how, tests, turn=len(ROUNDS)):
+        """The row of what came out."""
+        self.wait()
+        start = time.time()
+        test = (self.switched if how == "switch" else self.single)(number, mutant, tests)
+        if test:
+            self.remember(mutant, test.name)
+        row = {"mutant": mutant, "how": how, "verdict": "noticed" if test else "survived", "test": test.name if test else "", "round": turn, "seconds": round(time.time() - start, 1)}
+        with open(self.results, "a") as file:
+            file.write(json.dumps(row) + "\n")
+        print(f"{row['verdict']:<9}{number} {mutant.name}:{mutant.line}: {mutant.before!r} -> {mutant.after!r} {row['test']} {row['seconds']}", flush=True)
+        return row
 
 
 def told_before(results):
+    """By mistake what was told last."""
     rows = [json.loads(line) for line in results.read_text().split("\n") if line] if results.exists() else []
-    return {tuple(row["mutant"]): row for row in rows}
+    return {Mutant(*row["mutant"]): row for row in rows}
+
+
+def explained():
+    """(file, text of the line, before, after) of each mistake that cannot be noticed."""
+    lines = EXPLAINED.read_text().split("\n") if EXPLAINED.exists() else []
+    return {tuple(line.split(" :: ")[:4]) for line in lines if line and not line.startswith("#")}
 
 
 def table(rows):
-    print(f"{'folder':<16}{'mutants':>9}{'noticed':>9}{'%':>8}")
+    """Prints it, and gives back whether something survived that nobody has explained."""
+    reasons, survived = explained(), False
+    print(f"{'folder':<16}{'mistakes':>9}{'noticed':>9}{'explained':>11}{'left':>6}{'noticed, %':>12}")
     for folder in [*NEAREST, ""]:
-        told = [row["verdict"] for row in rows if row["verdict"] != "refused" and row["folder"].startswith(folder)]
+        told = [row for row in rows if row["mutant"][0].startswith(folder)]
+        noticed = sum(row["verdict"] == "noticed" for row in told)
+        left = [row for row in told if row["verdict"] == "survived"]
+        reasoned = [row for row in left if (row["mutant"][1], row["mutant"][8], row["mutant"][5], row["mutant"][6]) in reasons]
         if told:
-            print(f"{folder or 'all':<16}{len(told):>9}{told.count('noticed'):>9}{100 * told.count('noticed') / len(told):>8.1f}")
-    for row in rows:
-        if row["verdict"] == "survived":
-            print("survived: {0}:{1}: {2!r} -> {3!r} in: {4}".format(*row["mutant"][:2], *row["mutant"][3:6]))
+            print(f"{folder or 'all':<16}{len(told):>9}{noticed:>9}{len(reasoned):>11}{len(left) - len(reasoned):>6}{100 * noticed / len(told):>12.1f}")
+    for row in left:
+        if row not in reasoned:
+            survived = True
+            print("survived: {1}:{2}: {5!r} -> {6!r} in: {8}".format(*row["mutant"]))
+    return survived
 
 
-def main():
+def asked_for():
     words = argparse.ArgumentParser(usage=__doc__)
     words.add_argument("--seed", type=int, default=1)
     words.add_argument("--count", type=int, default=500)
     words.add_argument("--folder", action="append")
-    words.add_argument("--by", default="")
-    words.add_argument("--prepare", action="store_true")
+    words.add_argument("--when", default="")
     words.add_argument("--keep", action="store_true")
-    asked = words.parse_args()
-    works = Works(asked.by)
-    prepare(works, asked.keep)
-    if asked.prepare:
-        return 0
-    results = HOME / f"results-{asked.seed}.jsonl"
-    before, rows = told_before(results), []
+    words.add_argument("--again", default="")
+    return words.parse_args()
+
+
+def main():
+    asked = asked_for()
+    copied.bring(asked.keep)
     chosen = sorted(mutants(asked.folder or NEAREST))
     random.Random(asked.seed).shuffle(chosen)
-    for mutant in chosen:
-        if sum(row["verdict"] != "refused" for row in rows) == asked.count:
-            break
-        key = (mutant.name, mutant.line, mutant.begin, mutant.before, mutant.after, mutant.text)
-        row = before.get(key)
-        if not row:
-            start = time.time()
-            answer, test = verdict(works, mutant)
-            row = {"folder": mutant.folder, "kind": mutant.kind, "mutant": key, "verdict": answer, "test": test, "seconds": round(time.time() - start)}
-            with open(results, "a") as file:
-                file.write(json.dumps(row) + "\n")
-            print(f"{answer:<9}{mutant.name}:{mutant.line}: {mutant.before!r} -> {mutant.after!r} {test}", flush=True)
-        rows.append(row)
-    table(rows)
-    return 1 if any(row["verdict"] == "survived" for row in rows) else 0
+    # Some of them the compiler does not take.
+    chosen = chosen[: asked.count + asked.count // 8 + 5]
+    how, mistaken = settle_all(chosen)
+    copied.bring_rest(mistaken)
+    copied.build()
+    results = HOME / f"results-{asked.seed}.jsonl"
+    told = [(number, mutant) for number, mutant in enumerate(chosen, 1) if how[number] != "refused"][: asked.count]
+    told.sort(key=lambda one: how[one[0]] == "single")
+    rows = told_before(results)
+    judge = Judge(results, asked.when)
+    if asked.again:
+        tests = [test for test in judge.tests if re.match(asked.again, test.name)]
+        for number, mutant in told:
+            if rows.get(mutant, {}).get("verdict") == "survived":
+                rows[mutant] = judge.judge(number, mutant, how[number], tests)
+    asked_before = set()
+    for turn, (names, seconds) in enumerate(ROUNDS):
+        tests = [test for test in judge.measure(names) if test.seconds <= seconds and test not in asked_before]
+        asked_before.update(tests)
+        for number, mutant in told:
+            row = rows.get(mutant)
+            if not row or row["verdict"] == "survived" and row["round"] < turn:
+                passing = [test for test in tests if number in test.passes or how[number] == "single"]
+                rows[mutant] = judge.judge(number, mutant, how[number], passing, turn)
+    return 1 if table([rows[mutant] for _, mutant in told]) else 0
 
 
 if __name__ == "__main__":

@@ -37,6 +37,15 @@ TEST_P(EveryChip, optionBytesHoldWhatTheLayoutPlacesThere) {
     const OptionLayout &layout = layoutOf(chip());
     EXPECT_EQ(layout.eppBytes.size(), chip().layout == 'E' ? 20U : 4U);
     EXPECT_LT(layout.eppBytes.back(), chip().userDataLength);
+    const bool wide = chip().layout == 'E';
+    EXPECT_EQ(layout.address, wide ? 0x1FFFC000U : 0x1FFFF800U);
+    EXPECT_EQ(layout.accessByte, 0U);
+    EXPECT_EQ(Bytes(layout.eppBytes.begin(), layout.eppBytes.begin() + 4), (Bytes{4, 5, 6, 7}));
+    if (wide)
+        EXPECT_EQ(Bytes(layout.eppBytes.begin() + 4, layout.eppBytes.end()),
+                  (Bytes{10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25}));
+    EXPECT_EQ(layout.wideBits, wide);
+    EXPECT_NE(layout.resetsAfterWrite, wide);
 }
 
 TEST_P(EveryChip, everySectorHasAProtectionBit) {
