@@ -8,8 +8,7 @@ namespace {
 // Whether the part after the last "/" ends in the given upper-case letters, whatever its own case. A bare file
 // name does not: the path has to be given.
 bool baseNameEndsIn(const std::string &fileName, const std::string &end) {
-    const std::size_t slash = fileName.rfind('/');
-    if (slash == std::string::npos || fileName.size() - (slash + 1) < end.size())
+    if (fileName.rfind('/') == std::string::npos || fileName.size() < end.size())
         return false;
     return ShareParameter::ToUpper(fileName.substr(fileName.size() - end.size())) == end;
 }

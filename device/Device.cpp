@@ -110,9 +110,7 @@ void CZV32F4Device::DeleteSpecialMCUZVMap(QString) {}
 
 CDeviceManager::CDeviceManager() = default;
 
-CDeviceManager::~CDeviceManager() {
-    m_lsCDevice.clear();
-}
+CDeviceManager::~CDeviceManager() = default;
 
 CDevice *CDeviceManager::GetDevice(std::string strPID, std::string strSerial, int iFlashSize) {
     for (CDevice *known : m_lsCDevice)

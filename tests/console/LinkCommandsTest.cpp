@@ -49,6 +49,17 @@ TEST(LinkCommands, RecordTheTypeAndTheValues) {
     g_shareParameter = ShareParameter();
 }
 
+TEST(LinkCommands, WhatHoldsWithoutAWord) {
+    g_shareParameter = ShareParameter();
+    loadStartValues();
+    EXPECT_EQ(g_shareParameter.c_portNumber, 1);
+    EXPECT_EQ(g_shareParameter.c_BaudRate, 115200);
+    EXPECT_EQ(g_shareParameter.c_DataBits, 8);
+    EXPECT_EQ(g_shareParameter.c_parity, 2);
+    EXPECT_EQ(g_shareParameter.c_timeout, 5);
+    EXPECT_EQ(g_shareParameter.c_address, 0x08000000);
+}
+
 TEST(LinkCommands, NothingToIdentify) {
     EXPECT_EQ(InitDevice(nullptr), nullptr);
 }

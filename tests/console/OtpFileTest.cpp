@@ -56,6 +56,16 @@ TEST_F(OtpFile, FieldsOfARecord) {
     EXPECT_EQ(m_listWriteOTPData[1].WriteFlag, 0xFF);
 }
 
+TEST_F(OtpFile, IsClosedAgain) {
+    const auto open = [] {
+        const std::filesystem::directory_iterator all("/proc/self/fd");
+        return std::distance(begin(all), end(all));
+    };
+    const auto before = open();
+    recordsOf(std::string(40, '\0'));
+    EXPECT_EQ(open(), before);
+}
+
 TEST_F(OtpFile, ReadsEachFileAnew) {
     EXPECT_EQ(recordsOf(std::string(120, '\0')), 3);
     EXPECT_EQ(recordsOf(std::string(40, '\0')), 1);

@@ -49,12 +49,26 @@ TEST(MapText, PlainMapsReadAsQtReadsThem) {
 }
 
 TEST(MapText, OddMapsAreLeftToQt) {
-    for (const char *text :
-         {"[Product]\nPID=1, 2\n", "[Product]\nPID=1 2\n", "[Product]\nPID=1;2\n", "[Product]\nPID=\"1\"\n",
-          "[Product]\nPID=\\x31\n", "[Product]\r\nPID=1\r\n", "[Product]\nPID = 1\n", "[Product]\nPI%44=1\n",
-          "[Product]\nPID=1\nPID=2\n", "[Product]\nPID=1\n[Product]\nSerial=2\n", "[ Product]\nPID=1\n",
-          "[Product\nPID=1\n", "[Product]\nPID\n", "[Product]\n=1\n", "[Product]\nPID=@1\n", "[Product] \nPID=1\n",
-          "\xEF\xBB\xBF[Product]\nPID=1\n", "[Product]\nName=\xC3\xA4\n", "# PID=1\n"}) {
+    for (const char *text : {"[Product]\nPID=1, 2\n",
+                             "[Product]\nPID=1 2\n",
+                             "[Product]\nPID=1;2\n",
+                             "[Product]\nPID=\"1\"\n",
+                             "[Product]\nPID=\\x31\n",
+                             "[Product]\r\nPID=1\r\n",
+                             "[Product]\nPID = 1\n",
+                             "[Product]\nPI%44=1\n",
+                             "[Product]\nPID=1\nPID=2\n",
+                             "[Product]\nPID=1\n[Product]\nSerial=2\n",
+                             "[ Product]\nPID=1\n",
+                             "[Product\nPID=1\n",
+                             "[Product]\nPID\n",
+                             "[Product]\n=1\n",
+                             "[Product]\nPID=@1\n",
+                             "[Product] \nPID=1\n",
+                             "\xEF\xBB\xBF[Product]\nPID=1\n",
+                             "[Product]\nName=\xC3\xA4\n",
+                             "# PID=1\n",
+                             "[]\nPID=1\n"}) {
         const Workplace workplace;
         workplace.write("Map/a.ZVmap", text);
         EXPECT_FALSE(ReadPlainMap("Map/a.ZVmap")) << text;

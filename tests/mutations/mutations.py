@@ -206,9 +206,14 @@ def told_before(results):
 
 
 def explained():
-    """(file, text of the line, before, after) of each mistake that cannot be noticed."""
+    """(file, text of the line, before, after) of each mistake that cannot be noticed; "*" is any."""
     lines = EXPLAINED.read_text().split("\n") if EXPLAINED.exists() else []
-    return {tuple(line.split(" :: ")[:4]) for line in lines if line and not line.startswith("#")}
+    return [line.split(" :: ")[:4] for line in lines if line and not line.startswith("#")]
+
+
+def is_explained(row, reasons):
+    told = row["mutant"][1], row["mutant"][8], row["mutant"][5], row["mutant"][6]
+    return any(all(one in ("*", other) for one, other in zip(reason, told)) for reason in reasons)
 
 
 def table(rows):
@@ -219,7 +224,7 @@ def table(rows):
         told = [row for row in rows if row["mutant"][0].startswith(folder)]
         noticed = sum(row["verdict"] == "noticed" for row in told)
         left = [row for row in told if row["verdict"] == "survived"]
-        reasoned = [row for row in left if (row["mutant"][1], row["mutant"][8], row["mutant"][5], row["mutant"][6]) in reasons]
+        reasoned = [row for row in left if is_explained(row, reasons)]
         if told:
             print(f"{folder or 'all':<16}{len(told):>9}{noticed:>9}{len(reasoned):>11}{len(left) - len(reasoned):>6}{100 * noticed / len(told):>12.1f}")
     for row in left:

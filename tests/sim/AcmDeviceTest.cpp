@@ -29,6 +29,16 @@ protected:
     AcmDevice device{{}, rig.bootloader, rig.faults, rig.log, false, rig.now};
 };
 
+TEST_F(AcmDeviceTest, itsDescriptorsAreThoseOfAnAdapter) {
+    EXPECT_EQ(control("80 06 00 01 00 00 12 00"), "12 01 00 02 02 00 00 40 09 12 02 00 00 01 00 01 02 01");
+    EXPECT_EQ(control("80 06 00 02 00 00 FF 00"), "09 02 43 00 02 01 00 80 32 "
+                                                  "09 04 00 00 01 02 02 01 00 "
+                                                  "05 24 00 10 01 05 24 01 00 01 04 24 02 06 05 24 06 00 01 "
+                                                  "07 05 81 03 08 00 10 "
+                                                  "09 04 01 00 02 0A 00 00 00 "
+                                                  "07 05 02 02 40 00 00 07 05 82 02 40 00 00");
+}
+
 TEST_F(AcmDeviceTest, bytesGoToTheChipAndBack) {
     send("7F");
     EXPECT_EQ(fetch(), "79");

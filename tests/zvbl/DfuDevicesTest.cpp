@@ -118,6 +118,14 @@ TEST_F(DfuListTest, ADeviceThatSaysNothingCountsToo) {
     EXPECT_EQ(row(0), "usb 1-1");
 }
 
+TEST_F(DfuListTest, TransfersOfEightBytesAreEnough) {
+    UsbDeviceFacts facts = at("1-1", 2, "0123");
+    facts.transferSize = 8;
+    scene.add(facts);
+    ASSERT_EQ(list(), 1);
+    EXPECT_EQ(Interface_Open(numbered(0)), 0);
+}
+
 TEST_F(DfuListTest, WhatCannotBeOpenedIs3) {
     const std::function<void(UsbDeviceFacts &)> changes[] = {
         [](UsbDeviceFacts &facts) { facts.heldByAnother = true; },
