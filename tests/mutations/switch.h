@@ -1,9 +1,10 @@
-// A copy of the tree has all its mistakes in one build: each mutated source begins with this. The number of the mistake that
-// is made stands in the program file itself, behind a mark: whatever a test does to the environment, the directory and the
-// system calls of a program, the mistake is there.
+// A copy of the tree has all its mistakes in one build: each mutated source begins with this. The number of the mistake
+// that is made stands in the program file itself, behind a mark: whatever a test does to the environment, the directory
+// and the system calls of a program, the mistake is there.
 #pragma once
-#include <sys/syscall.h>
 #include <cerrno>
+
+#include <sys/syscall.h>
 
 extern "C" long syscall(long number, ...) noexcept;
 
@@ -39,4 +40,4 @@ inline bool made_is(int number) {
     return now == number;
 }
 
-}
+} // namespace mutations
