@@ -31,7 +31,7 @@ bool isHarmless(const std::string &text) {
 }
 
 std::string harmlessJson(const std::string &json) {
-    if (json.find_first_of("\x7F\xC2") == json.npos)
+    if (json.find('\x7F') == json.npos && json.find('\xC2') == json.npos) // quicker than together
         return json;
     std::string shown;
     for (std::size_t i = 0; i < json.size(); ++i) {
@@ -46,6 +46,7 @@ std::string harmlessJson(const std::string &json) {
 std::string hexOf(const void *bytes, std::size_t length) {
     constexpr char digits[] = "0123456789abcdef";
     std::string text;
+    text.reserve(2 * length); // of an image too
     for (std::size_t i = 0; i < length; ++i) {
         const unsigned char byte = static_cast<const unsigned char *>(bytes)[i];
         text += digits[byte >> 4];

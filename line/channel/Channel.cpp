@@ -73,14 +73,12 @@ bool Channel::take(Json &message) {
     return true;
 }
 
-Channel::Got Channel::receive(Json &message, int milliseconds) {
+Channel::Got Channel::receive(Json &message, Wait wait) {
     while (!take(message)) {
-        pollfd wait = {m_descriptor, POLLIN, 0};
-        const int ready = poll(&wait, 1, milliseconds);
-        if (ready == 0)
-            return Got::silence;
         char part[65536];
-        const ssize_t got = ready < 0 ? -1 : recv(m_descriptor, part, sizeof part, 0);
+        const ssize_t got = recv(m_descriptor, part, sizeof part, wait == Wait::none ? MSG_DONTWAIT : 0);
+        if (got < 0 && errno == EAGAIN)
+            return Got::silence;
         if (got == 0 || (got < 0 && errno == ECONNRESET))
             return Got::end;
         if (got < 0 && errno != EINTR)

@@ -26,8 +26,9 @@ public:
     int descriptor() const { return m_descriptor; }
 
     enum class Got { message, end, silence };
-    // The next message, which is an object. Silence when none has come for so many milliseconds; -1 waits for ever.
-    Got receive(Json &message, int milliseconds);
+    enum class Wait { none, forEver };
+    // The next message, which is an object. Silence when none has come, without a wait.
+    Got receive(Json &message, Wait wait);
 
 private:
     bool take(Json &message);

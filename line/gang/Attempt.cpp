@@ -79,7 +79,7 @@ Attempt::Event Attempt::next() {
     try {
         m_channel->sendMore();
         Json message;
-        const Channel::Got got = m_channel->receive(message, 0);
+        const Channel::Got got = m_channel->receive(message, Channel::Wait::none);
         if (got == Channel::Got::message && !m_isOver)
             return take(message);
         if (got == Channel::Got::end)

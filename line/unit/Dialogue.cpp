@@ -2,7 +2,12 @@
 
 #include "operations/COperation.h"
 
+using namespace std::chrono_literals;
+
 namespace {
+
+// Nobody reads more of them, and each wakes the line, which has many nests.
+constexpr auto percentsPause = 250ms;
 
 // A listener is a plain function.
 Dialogue *listening = nullptr;
@@ -19,10 +24,11 @@ void Dialogue::step(const char *name, const std::function<void()> &work) {
     listen();
     refuseStopped();
     m_percent = -1;
+    m_percentsDue = {};
     tell({{"event", "step"}, {"step", name}});
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = Clock::now();
     work();
-    const auto time = std::chrono::steady_clock::now() - begin;
+    const auto time = Clock::now() - begin;
     m_times[name] = std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
     refuseStopped();
 }
@@ -43,9 +49,11 @@ void Dialogue::follow(COperation &job) {
 }
 
 void Dialogue::showPercent(int now) {
-    if (now != m_percent)
+    if (now != m_percent && Clock::now() >= m_percentsDue) {
         tell({{"event", "percent"}, {"percent", now}});
-    m_percent = now;
+        m_percent = now;
+        m_percentsDue = Clock::now() + percentsPause;
+    }
     listen();
     if (!m_isStopped)
         return;
@@ -55,7 +63,7 @@ void Dialogue::showPercent(int now) {
 
 bool Dialogue::hears(const char *word, Json &message) {
     refuseStopped();
-    if (m_channel.receive(message, -1) != Channel::Got::message)
+    if (m_channel.receive(message, Channel::Wait::forEver) != Channel::Got::message)
         return false;
     m_isStopped = message.at("do") == "stop";
     refuseStopped();
@@ -70,6 +78,6 @@ void Dialogue::refuseStopped() const {
 // Takes what has been said meanwhile: nobody says anything else than "stop" unasked.
 void Dialogue::listen() {
     Json message;
-    while (m_mayStop && !m_isStopped && m_channel.receive(message, 0) == Channel::Got::message)
+    while (m_mayStop && !m_isStopped && m_channel.receive(message, Channel::Wait::none) == Channel::Got::message)
         m_isStopped = message.at("do") == "stop";
 }

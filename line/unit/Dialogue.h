@@ -38,16 +38,19 @@ public:
     // From here on nothing stops it.
     void finishInAnyCase() { m_mayStop = false; }
 
-    // For the listener of a job.
+    // For the listener of a job, however often.
     void showPercent(int now);
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void listen();
 
     Channel &m_channel;
     Json m_times = Json::object();
     COperation *m_job = nullptr;
-    int m_percent = -1;
+    int m_percent = -1; // that was told
+    Clock::time_point m_percentsDue;
     bool m_mayStop = true;
     bool m_isStopped = false;
 };

@@ -14,7 +14,7 @@ namespace {
 int make() {
     Channel channel(channelDescriptor);
     Json order;
-    if (channel.receive(order, -1) != Channel::Got::message || order.at("do") != "make")
+    if (channel.receive(order, Channel::Wait::forEver) != Channel::Got::message || order.at("do") != "make")
         return 1;
     Unit(channel, std::move(order)).make();
     return 0;

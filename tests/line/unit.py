@@ -5,9 +5,10 @@ usage: unit.py LINK PORT CHIP [KEY=VALUE...] [--image FILE@ADDRESS] [--stop STEP
 
 LINK is the name of a link, KEY=VALUE a member of the order in JSON: 'access="on"' 'sectors=[0,1]'.
 --stop says "stop" when that step begins, --refuse says no to what can't be undone. PROGRAM is zv32-unit, with what
-stands in front of it.
+stands in front of it. Whatever is made, percents of a step have to come four times a second at most, by its own clock.
 """
 import argparse
+import collections
 import json
 import os
 import socket
@@ -22,6 +23,7 @@ LINKS = {
     "can": lambda port: {"kind": "can", "port": port},
     "slcan": lambda port: {"kind": "can", "port": port, "rate": 1000000},
 }
+PAUSE = 250  # ms between two percents
 
 
 class Unit:
@@ -34,6 +36,8 @@ class Unit:
                                         pass_fds=[theirs.fileno()], stdin=subprocess.DEVNULL)
         theirs.close()
         self.stream = ours.makefile("rw", encoding="utf-8")
+        self.step = None
+        self.percents = collections.Counter()  # by step
 
     def say(self, message):
         self.stream.write(json.dumps(message) + "\n")
@@ -41,7 +45,16 @@ class Unit:
 
     def hear(self):
         line = self.stream.readline()
-        return json.loads(line) if line else None
+        message = json.loads(line) if line else {}
+        if message.get("event") == "step":
+            self.step = message["step"]
+            self.percents[self.step] = 0
+        elif message.get("event") == "percent":
+            self.percents[self.step] += 1
+        for step, time in message.get("ms", {}).items():
+            if self.percents[step] > time // PAUSE + 1:
+                sys.exit(f"{step}: {self.percents[step]} percents in {time} ms")
+        return message or None
 
 
 def image_of(words):
