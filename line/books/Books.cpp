@@ -47,8 +47,8 @@ void Books::units(const Wanted &wanted, const std::function<void(const UnitLine 
     });
 }
 
-void Books::records(const Wanted &wanted, const std::function<void(const std::string &)> &take) {
-    each(sql::someRecords, wanted, [&](const SqlRow &row) { take(row.text(0)); });
+void Books::records(const Wanted &wanted, const std::function<void(std::string_view)> &take) {
+    each(sql::someRecords, wanted, [&](const SqlRow &row) { take(row.view(0)); });
 }
 
 void Books::ends(const Wanted &wanted, const std::function<void(const UnitEnd &)> &take) {

@@ -48,8 +48,8 @@ public:
 
     // Each attempt, the oldest first.
     void units(const Wanted &wanted, const std::function<void(const UnitLine &)> &take);
-    // The record of each, as it was written.
-    void records(const Wanted &wanted, const std::function<void(const std::string &)> &take);
+    // The record of each, as it was written, until the next one.
+    void records(const Wanted &wanted, const std::function<void(std::string_view)> &take);
     void ends(const Wanted &wanted, const std::function<void(const UnitEnd &)> &take);
     // Of all stations.
     std::int64_t undelivered();

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <string_view>
 
 #include "line/books/UnitCsv.h"
 #include "line/program/BookVerbs.h"
@@ -20,7 +21,7 @@ struct Wish {
 class Sheet {
 public:
     ~Sheet() { flush(); }
-    void put(const std::string &line) {
+    void put(std::string_view line) {
         m_text += line;
         m_text += '\n';
         if (m_text.size() >= enough)
@@ -77,10 +78,11 @@ int units(const Wish &wish, const Asked &asked) {
         sheet.put(csvHead());
     if (!wish.csv && !asked.json)
         sheet.put(lineOf({"attempt", "started (UTC)", "nest", "result", "series", "number", "uid", "cause", "order"}));
+    CsvRows rows;
     if (wish.csv || asked.json)
-        books.records(wish.wanted, [&](const std::string &record) {
+        books.records(wish.wanted, [&](std::string_view record) {
             ++count;
-            sheet.put(wish.csv ? csvRow(record) : harmlessJson(record));
+            sheet.put(wish.csv ? rows.of(record) : harmlessJson(std::string(record)));
         });
     else
         books.units(wish.wanted, [&](const UnitLine &unit) {
