@@ -53,7 +53,9 @@ std::string SqlRow::text(int column) const {
 
 Database::Database(const std::string &path, Purpose purpose) : m_path(path) {
     const bool writes = purpose == Purpose::writing;
-    const int flags = SQLITE_OPEN_EXRESCODE | (writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    // Each connection is one thread's.
+    const int flags = SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX |
+                      (writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     const std::string name = writes ? path : nameForReading(path);
     try {
         if (sqlite3_open_v2(name.c_str(), &m_database, flags, nullptr) != SQLITE_OK)
