@@ -10,15 +10,15 @@ namespace {
 
 constexpr std::size_t widestNumber = 10;
 
-bool isPrintable(const std::string &text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
-}
-
 std::string filled(const std::string &digits, std::size_t width) {
     return digits.size() < width ? std::string(width - digits.size(), '0') + digits : digits;
 }
 
 } // namespace
+
+bool isPrintable(const std::string &text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
 
 std::string uidText(const UnitFacts &facts) {
     return hexOf(facts.uid.data(), facts.uid.size());

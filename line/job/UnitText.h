@@ -14,6 +14,9 @@ struct UnitFacts {
     std::map<std::string, std::string> supply = {}; // what the hook before it gave, by name
 };
 
+// Whether all of a text is printable ASCII: nothing else of texts gets into a chip.
+bool isPrintable(const std::string &text);
+
 std::string uidText(const UnitFacts &facts);  // 24 lower-case hexadecimal digits
 std::string timeText(const UnitFacts &facts); // "2026-11-21T18:04:20Z"
 constexpr std::size_t uidDigits = 24;

@@ -1,6 +1,5 @@
 #include "line/plan/UnitBytes.h"
 
-#include <algorithm>
 #include <cstdint>
 
 #include "programs/Status.h"
@@ -32,8 +31,7 @@ std::string filled(const UnitDatum &datum, std::string text) {
 }
 
 std::string suppliedText(const UnitDatum &datum, const std::string &text) {
-    const auto isPrintable = [](char c) { return c >= ' ' && c <= '~'; };
-    if (text.empty() || !std::all_of(text.begin(), text.end(), isPrintable))
+    if (text.empty() || !isPrintable(text))
         refuse(datum, "what the hook supplies is empty, or no printable ASCII");
     return filled(datum, text);
 }
@@ -74,7 +72,21 @@ std::string textOf(const UnitDatum &datum, const UnitFacts &facts) {
     return UnitText(datum.text).of(facts);
 }
 
+bool holdsOrder(const UnitDatum &datum) {
+    return datum.form == UnitForm::ascii &&
+           (datum.value == UnitValue::order || (datum.value == UnitValue::text && UnitText(datum.text).has("order")));
+}
+
 } // namespace
+
+void checkOrder(const std::vector<UnitDatum> &units, const std::string &order) {
+    if (!isHarmless(order))
+        throw Refusal(badWords, "--order: holds control characters");
+    for (const UnitDatum &datum : units)
+        if (holdsOrder(datum) && !isPrintable(order))
+            throw Refusal(badWords, "--order: " + datum.place.file + ':' + std::to_string(datum.place.line) + ": " +
+                                        datum.place.key + ": the chip gets it, and it is no printable ASCII");
+}
 
 std::string unitBytes(const UnitDatum &datum, const UnitFacts &facts) {
     if (datum.value == UnitValue::supply)

@@ -7,6 +7,7 @@
 #include "line/approval/Approval.h"
 #include "line/gang/Gang.h"
 #include "line/hooks/HookFile.h"
+#include "line/plan/UnitBytes.h"
 #include "line/program/Reading.h"
 #include "programs/Status.h"
 
@@ -55,6 +56,7 @@ void refuseBadStart(const Reading &reading) {
 
 int work(const Wish &wish, const Asked &asked, Gang::Start start) {
     const Reading reading(wish.job, asked.station);
+    checkOrder(reading.job.units, wish.order);
     refuseBadStart(reading);
     const std::vector<Nest> nests = nestsOf(reading.station, wish.nests);
     Register units(reading.station.registerPath);

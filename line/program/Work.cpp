@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "line/approval/Approval.h"
+#include "line/plan/UnitBytes.h"
 #include "line/program/Reading.h"
 #include "line/rehearsal/Rehearsal.h"
 #include "programs/Status.h"
@@ -100,6 +101,7 @@ std::map<std::string, std::string> supplyOf(const std::vector<std::string> &word
 int rehearse(const RehearsalWords &words, const Asked &asked) {
     const std::map<std::string, std::string> supply = supplyOf(words.supply);
     const Reading reading(words.job, asked.station);
+    checkOrder(reading.job.units, words.order);
     const Rehearsal rehearsal{reading.job, reading.plan, reading.image, reading.station,
                               words.order, supply,       words.keep};
     const auto tell = [&](const std::string &step) {

@@ -52,6 +52,22 @@ What the unit's data have no room for is not made. Nothing is left behind.
   [4]
   $ ls tmp
 
+Nothing that is no printable ASCII gets into a chip as an order, and no control character gets anywhere.
+
+  $ zv32-line rehearse job.toml --order $'PO-88\n'
+  zv32-line: --order: holds control characters
+  [1]
+  $ zv32-line make job.toml --station station.toml --order $'PO-88\e[2J'
+  zv32-line: --order: holds control characters
+  [1]
+  $ zv32-line make job.toml --station station.toml --order PÖ-88
+  zv32-line: --order: job.toml:10: unit[0].at: the chip gets it, and it is no printable ASCII
+  [1]
+  $ sed '/^text/s/\/{order}//' job.toml >other.toml
+  $ zv32-line make other.toml --station station.toml --order PÖ-88
+  zv32-line: the station has no [[nest]]
+  [2]
+
 Without a simulated chip beside it.
 
   $ cp "$BUILD/bin/zv32-line" alone
