@@ -15,44 +15,44 @@ constexpr double readGroup = 2;
 constexpr double writeBytes = opcode + address + writeGroup + 3 * answer;
 constexpr double readBytes = opcode + address + readGroup + 3 * answer + packet;
 
-// A frame of CAN with an 11-bit identifier: 34 bits and the data, a stuffed bit for every tenth of those, and 13
-// that are never stuffed. Whole frames of 8 bytes, and one for the rest.
-double frameBits(int bytes) {
-    const int stuffable = 34 + 8 * bytes;
-    return stuffable + stuffable / 10 + 13;
-}
-
+// Whole frames of 8 bytes, and one for the rest.
 double canBits(int bytes) {
-    return bytes / 8 * frameBits(8) + (bytes % 8 > 0 ? frameBits(bytes % 8) : 0);
+    return bytes / 8 * canFrameBits(8) + (bytes % 8 > 0 ? canFrameBits(bytes % 8) : 0);
 }
 
 } // namespace
 
+// 34 bits and the data, a stuffed bit for every tenth of those, and 13 that are never stuffed.
+double canFrameBits(int bytes) {
+    const int stuffable = 34 + 8 * bytes;
+    return stuffable + stuffable / 10 + 13;
+}
+
 // Start, eight data bits, parity, stop.
 Ceiling usartCeiling(double baud) {
     constexpr double bits = 11;
-    return {packet * baud / bits / writeBytes, packet * baud / bits / readBytes};
+    return {packet * baud / bits / writeBytes, packet * baud / bits / readBytes, baud / bits};
 }
 
 // Nine bits a byte; a transfer has an address byte, a start and a stop.
 Ceiling i2cCeiling(double hertz) {
     const auto bits = [](double bytes, double transfers) { return 9 * (bytes + transfers) + 2 * transfers; };
-    return {packet * hertz / bits(writeBytes, 6), packet * hertz / bits(readBytes, 7)};
+    return {packet * hertz / bits(writeBytes, 6), packet * hertz / bits(readBytes, 7), hertz / 9};
 }
 
 // Each group and each answer has a start byte; while an answer is fetched, nothing else travels; the
 // reply of a READ has a check byte.
 Ceiling spiCeiling(double hertz) {
     constexpr double bits = 8;
-    return {packet * hertz / bits / (writeBytes + 6), packet * hertz / bits / (readBytes + 7 + 1)};
+    return {packet * hertz / bits / (writeBytes + 6), packet * hertz / bits / (readBytes + 7 + 1), hertz / bits};
 }
 
 Ceiling canCeiling(double bitsPerSecond) {
     const auto bits = [](double bytes) { return canBits(static_cast<int>(bytes)); };
-    const double open = frameBits(0) + bits(answer) + bits(address) + bits(answer);
+    const double open = canFrameBits(0) + bits(answer) + bits(address) + bits(answer);
     const double write = open + bits(writeGroup) + bits(answer);
     const double read = open + bits(readGroup) + bits(answer) + bits(packet + 1);
-    return {packet * bitsPerSecond / write, packet * bitsPerSecond / read};
+    return {packet * bitsPerSecond / write, packet * bitsPerSecond / read, bitsPerSecond / 8};
 }
 
 // A frame of 1 ms has room for 19 packets of 64 bytes of a control transfer; its setup and status take half
@@ -66,7 +66,7 @@ Ceiling dfuCeiling() {
     constexpr double packetsPerSecond = packetsPerFrame * 1000;
     constexpr double upload = packetsOfBlock + 0.5;
     constexpr double download = upload + 2 * packetsOfShortTransfer;
-    return {block * packetsPerSecond / download, block * packetsPerSecond / upload};
+    return {block * packetsPerSecond / download, block * packetsPerSecond / upload, packetsPerSecond * 64};
 }
 
 double dfuShortTransfer() {

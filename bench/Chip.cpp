@@ -67,11 +67,17 @@ Chip::Chip(Place place, const std::string &programs, int unit) : m_place(place),
         m_bus = start({"sh", "-c", "exec \"$0\" \"$1\" 250000 <>\"$2\"", m_programs + "/doubles/can-bus",
                        m_dir + "/can0", m_dir + "/commands"},
                       "/bus", {});
-        while (contentOf(m_dir + "/bus").empty())
+        while (contentOf(m_dir + "/bus").empty()) {
+            if (::waitpid(m_bus, nullptr, WNOHANG) == m_bus) {
+                m_bus = -1;
+                throw std::runtime_error("the CAN bus did not start");
+            }
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
     }
-    Words command{m_programs + "/bin/zv32-sim", "--chip", "ZV32F403A_1024K", "--baud-pace", "--unit",
-                  std::to_string(unit)};
+    Words command{m_programs + "/bin/zv32-sim", "--chip", "ZV32F403A_1024K", "--unit", std::to_string(unit)};
+    if (m_place != Place::can) // there the bus takes the time of the frames, once
+        command.emplace_back("--baud-pace");
     for (const std::string &word : portWords(m_place, port()))
         command.push_back(word);
     m_chip = start(command, "/chip", surroundings());

@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <memory>
 #include <numeric>
-#include <random>
 #include <stdexcept>
 #include <stdlib.h>
 #include <thread>
@@ -15,6 +13,7 @@
 
 #include "bench/Ceiling.h"
 #include "bench/Chip.h"
+#include "bench/Noise.h"
 
 namespace bench {
 namespace {
@@ -23,7 +22,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t imageSize = 64 * 1024;
 
-// What the console looks for where it is started, and the image.
+// The image, and what the console looks for where it is started.
 class WorkingDirectory {
 public:
     WorkingDirectory() : m_before(fs::current_path()) {
@@ -32,10 +31,6 @@ public:
             throw std::runtime_error("no directory for the console");
         m_dir = name;
         fs::create_directory_symlink(ZV32_MAPS, m_dir / "Map");
-        std::ofstream file(image(), std::ios::binary);
-        std::mt19937 random(4711);
-        for (std::size_t i = 0; i < imageSize; ++i)
-            file.put(static_cast<char>(random()));
         fs::current_path(m_dir);
     }
     ~WorkingDirectory() {
@@ -46,9 +41,10 @@ public:
     WorkingDirectory(const WorkingDirectory &) = delete;
     WorkingDirectory &operator=(const WorkingDirectory &) = delete;
 
-    std::string image() const { return (m_dir / "image.bin").string(); }
+    const std::string &image() const { return m_image.path(); }
 
 private:
+    const Noise m_image{imageSize};
     fs::path m_before;
     fs::path m_dir;
 };
@@ -80,7 +76,7 @@ WholeProcess measureWholeProcess(int baud, int rounds, const std::string &progra
     WholeProcess best{imageSize / ceiling.download + imageSize / ceiling.upload, most, against.empty() ? 0 : most,
                       most};
     const std::vector<std::string> console = consoleCommand(programs, chip, baud, here.image());
-    const std::vector<std::string> bare{programs + "/bench/bare-client", chip.port(), std::to_string(baud),
+    const std::vector<std::string> bare{programs + "/bench/bare-client", "usart", chip.port(), std::to_string(baud),
                                         here.image()};
     for (int round = 0; round < rounds; ++round) {
         best.console = std::min(best.console, chip.secondsOf(console));

@@ -10,69 +10,38 @@
 #include <cstdlib>
 #include <vector>
 
-#include <libusb.h>
+#include "bench/DfuDevice.h"
 
 namespace {
 
-constexpr unsigned char upload = 2;
-constexpr unsigned char getState = 5;
 constexpr unsigned short firstDataBlock = 2;
-constexpr int blockSize = 2048;
-constexpr unsigned char fromInterface = LIBUSB_ENDPOINT_IN | LIBUSB_REQUEST_TYPE_CLASS | LIBUSB_RECIPIENT_INTERFACE;
-constexpr unsigned patience = 1000; // ms
-constexpr unsigned char dfuClass = 0xFE;
-
-// The first interface that is one of DFU; null without any.
-libusb_device_handle *openDfu(libusb_device **devices) {
-    for (; *devices; ++devices) {
-        libusb_config_descriptor *config = nullptr;
-        if (libusb_get_active_config_descriptor(*devices, &config) != 0)
-            continue;
-        const bool dfu = config->bNumInterfaces > 0 && config->interface[0].num_altsetting > 0 &&
-                         config->interface[0].altsetting[0].bInterfaceClass == dfuClass;
-        libusb_free_config_descriptor(config);
-        libusb_device_handle *handle = nullptr;
-        if (dfu && libusb_open(*devices, &handle) == 0)
-            return handle;
-    }
-    return nullptr;
-}
+constexpr std::uint16_t blockSize = 2048;
 
 // The milliseconds of one transfer; below 0 when one fails.
-double time(libusb_device_handle *device, int count, unsigned char request, unsigned short block, int size) {
-    std::vector<unsigned char> data(static_cast<std::size_t>(size));
+double time(const bench::DfuDevice &device, int count, unsigned char request, unsigned short block,
+            std::uint16_t size) {
+    std::vector<unsigned char> data(size);
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < count; ++i)
-        if (libusb_control_transfer(device, fromInterface, request, block, 0, data.data(),
-                                    static_cast<std::uint16_t>(size), patience) != size)
+        if (!device.fetch(request, block, data.data(), size))
             return -1;
     const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
     return took.count() / count;
-}
-
-int measure(libusb_device_handle *device, int count) {
-    if (libusb_claim_interface(device, 0) != 0)
-        return 1;
-    const double state = time(device, count, getState, 0, 1);
-    const double block = time(device, count, upload, firstDataBlock, blockSize);
-    std::printf("%.4f %.4f\n", state, block);
-    return state < 0 || block < 0 ? 1 : 0;
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
     const int count = argc == 2 ? std::atoi(argv[1]) : 0;
-    libusb_device **devices = nullptr;
-    if (count <= 0 || libusb_init(nullptr) != 0 || libusb_get_device_list(nullptr, &devices) < 0) {
+    if (count <= 0) {
         std::fprintf(stderr, "usage: bare-transfers COUNT\n");
         return 2;
     }
-    libusb_device_handle *device = openDfu(devices);
-    const int result = device ? measure(device, count) : 1;
-    if (device)
-        libusb_close(device);
-    libusb_free_device_list(devices, 1);
-    libusb_exit(nullptr);
-    return result;
+    const bench::DfuDevice device;
+    if (!device.isThere())
+        return 1;
+    const double state = time(device, count, bench::dfuGetState, 0, 1);
+    const double block = time(device, count, bench::dfuUpload, firstDataBlock, blockSize);
+    std::printf("%.4f %.4f\n", state, block);
+    return state < 0 || block < 0 ? 1 : 0;
 }

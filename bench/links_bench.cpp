@@ -1,12 +1,15 @@
-// links_bench [--rounds N] [--link NAME] [--against LIBDIR] [--gang N]
+// links_bench [--rounds N] [--link NAME] [--against LIBDIR] [--gang N] [--awake]
 //
 // Measures a download, its verify and an upload through libZVBLLIB over each link beside what that link could carry
 // if it never rested, and a whole job of the console beside a client that does nothing else: the simulated chip takes
-// the time of its wire, and nothing for its flash. The last row is a USB transfer without the library: what the bus
-// does not need of it is the cost of an emulated device. Best of all rounds. With --against each figure stands beside
-// that of the libraries in another directory, in turns. With --gang so many chips and consoles are at work at once,
-// beside one pair. Ends with 1 if a link fails or brings other bytes back; a missed goal is only told, since a busy
-// machine misses it too.
+// the time of its wire, and nothing for its flash. Below each link stands where the time of a packet goes, from the
+// same packets sent by a bare client: what the data take on the wire, what the protocol adds to them there, what the
+// bare client needs more than that, which is the machine and an emulated device, and what the library needs more than
+// the bare client. The last row is a USB transfer without the library. Best of all rounds. With --against each figure
+// stands beside that of the libraries in another directory, in turns. With --gang so many chips and consoles are at
+// work at once, beside one pair. With --awake no core is halted meanwhile: waking one costs as much as a short answer.
+// Ends with 1 if a link fails or brings other bytes back; a missed goal is only told, since a busy machine misses it
+// too.
 
 #include <algorithm>
 #include <cstdio>
@@ -18,8 +21,10 @@
 
 #include <unistd.h>
 
+#include "bench/Awake.h"
 #include "bench/Ceiling.h"
 #include "bench/Chip.h"
+#include "bench/Noise.h"
 #include "bench/WholeProcess.h"
 
 namespace {
@@ -30,6 +35,7 @@ struct Row {
     const char *name;
     bench::Place place;
     std::vector<std::string> probe; // type, port, baud, rate, speed, kilobytes; PORT is the chip's
+    std::vector<std::string> bare;  // link, port, rate
     bench::Ceiling ceiling;         // bytes a second
     double downloadGoal;            // share of the ceiling
     double uploadGoal;
@@ -40,23 +46,24 @@ struct Row {
 std::vector<Row> rows() {
     using namespace bench;
     return {
-        {"USART, 115,200 baud", Place::usart, {"0", "PORT", "115200", "0", "0", "64"}, usartCeiling(115200),
-         0.98, 0.98, 1.03},
-        {"USART, 1,000,000 baud", Place::usart, {"0", "PORT", "1000000", "0", "0", "256"}, usartCeiling(1000000),
-         0.90, 0.89, 1.02},
-        {"I2C, 400,000 Hz", Place::i2c, {"2", "i2c-1", "115200", "0", "0", "64"}, i2cCeiling(400000),
-         0.85, 0.82, 1.02},
-        {"SPI, 150,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "0", "0", "32"}, spiCeiling(150000),
-         0.94, 0.94, 1.02},
-        {"SPI, 1,000,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "1000000", "0", "128"}, spiCeiling(1000000),
-         0.79, 0.79, 1.02},
-        {"CAN adapter, 250,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "0", "32"}, canCeiling(250000),
-         0.92, 0.96, 1.02},
+        {"USART, 115,200 baud", Place::usart, {"0", "PORT", "115200", "0", "0", "64"}, {"usart", "PORT", "115200"},
+         usartCeiling(115200), 0.98, 0.98, 1.03},
+        {"USART, 1,000,000 baud", Place::usart, {"0", "PORT", "1000000", "0", "0", "256"},
+         {"usart", "PORT", "1000000"}, usartCeiling(1000000), 0.91, 0.92, 1.02},
+        {"I2C, 400,000 Hz", Place::i2c, {"2", "i2c-1", "115200", "0", "0", "64"}, {"i2c", "i2c-1", "400000"},
+         i2cCeiling(400000), 0.85, 0.83, 1.02},
+        {"SPI, 150,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "0", "0", "32"}, {"spi", "spidev0.0", "150000"},
+         spiCeiling(150000), 0.94, 0.94, 1.02},
+        {"SPI, 1,000,000 Hz", Place::spi, {"4", "spidev0.0", "115200", "1000000", "0", "128"},
+         {"spi", "spidev0.0", "1000000"}, spiCeiling(1000000), 0.78, 0.78, 1.02},
+        {"CAN adapter, 250,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "0", "32"},
+         {"slcan", "PORT", "250000"}, canCeiling(250000), 0.92, 0.96, 1.02},
         {"CAN adapter, 1,000,000 bit/s", Place::slcan, {"3", "PORT", "115200", "2", "1000000", "64"},
-         canCeiling(1000000), 0.91, 0.91, 1.03},
-        {"SocketCAN, 250,000 bit/s", Place::can, {"3", "can0", "115200", "2", "0", "32"}, canCeiling(250000),
-         0.85, 0.85, 1.02},
-        {"USB DFU, full speed", Place::dfu, {"1", "-", "0", "0", "0", "512"}, dfuCeiling(), 0.56, 0.79, 1.03},
+         {"slcan", "PORT", "1000000"}, canCeiling(1000000), 0.90, 0.89, 1.03},
+        {"SocketCAN, 250,000 bit/s", Place::can, {"3", "can0", "115200", "2", "0", "32"}, {"can", "can0", "250000"},
+         canCeiling(250000), 0.93, 0.92, 1.02},
+        {"USB DFU, full speed", Place::dfu, {"1", "-", "0", "0", "0", "512"}, {"dfu", "-", "0"}, dfuCeiling(),
+         0.54, 0.76, 1.04},
     };
 }
 // clang-format on
@@ -83,6 +90,7 @@ struct Options {
     std::string link;    // rows that begin like this
     std::string against; // a directory of libraries
     int gang = 0;
+    bool awake = false;
     std::string programs;
 };
 
@@ -93,12 +101,20 @@ struct Rates {
     double verifiedByReading = 1e9;
 };
 
+std::vector<std::string> withPort(const std::vector<std::string> &words, const bench::Chip &chip) {
+    std::vector<std::string> command = words;
+    for (std::string &word : command)
+        if (word == "PORT")
+            word = chip.port();
+    return command;
+}
+
 // One round, with a fresh chip.
 void measure(const Row &row, const std::string &programs, const std::string &libraries, Rates &best) {
     const bench::Chip chip(row.place, programs);
     std::vector<std::string> command{programs + "/bench/link-probe"};
-    for (const std::string &word : row.probe)
-        command.push_back(word == "PORT" ? chip.port() : word);
+    for (const std::string &word : withPort(row.probe, chip))
+        command.push_back(word);
     Rates rates;
     const std::string text = chip.outputOf(command, libraries);
     if (std::sscanf(text.c_str(), "%lf %lf %lf %lf", &rates.download, &rates.upload, &rates.verifiedByCrc,
@@ -108,6 +124,21 @@ void measure(const Row &row, const std::string &programs, const std::string &lib
     best.upload = std::max(best.upload, rates.upload);
     best.verifiedByCrc = std::min(best.verifiedByCrc, rates.verifiedByCrc);
     best.verifiedByReading = std::min(best.verifiedByReading, rates.verifiedByReading);
+}
+
+// The same packets without the library, with a fresh chip.
+void measureBare(const Row &row, const std::string &programs, Rates &best) {
+    const bench::Noise image(std::stoul(row.probe.back()) * 1024);
+    const bench::Chip chip(row.place, programs);
+    std::vector<std::string> command{programs + "/bench/bare-client"};
+    for (const std::string &word : withPort(row.bare, chip))
+        command.push_back(word);
+    command.push_back(image.path());
+    Rates rates;
+    if (std::sscanf(chip.outputOf(command).c_str(), "%lf %lf", &rates.download, &rates.upload) != 2)
+        throw std::runtime_error(std::string(row.name) + ": bare-client failed");
+    best.download = std::max(best.download, rates.download);
+    best.upload = std::max(best.upload, rates.upload);
 }
 
 void print(const char *what, double rate, double ceiling, double goal) {
@@ -123,15 +154,33 @@ void print(const char *name, const Row &row, const Rates &rates) {
                 rates.verifiedByCrc <= row.verifyGoal ? " ok" : " MISSED", rates.verifiedByReading);
 }
 
+// Where the time of a packet goes, in milliseconds.
+void printSplit(const char *what, double packet, double data, double ceiling, double bare, double library) {
+    const auto time = [&](double rate) { return 1000 * packet / rate; };
+    std::printf("  %s %.3f = data %.3f + protocol %.3f + machine %.3f + library %.3f", what, time(library), time(data),
+                time(ceiling) - time(data), time(bare) - time(ceiling), time(library) - time(bare));
+}
+
+void printSplit(const Row &row, const Rates &rates, const Rates &bare) {
+    const double packet = row.place == bench::Place::dfu ? 2048 : 256;
+    std::printf("  ms of %4.0f bytes            ", packet);
+    printSplit("download", packet, row.ceiling.data, row.ceiling.download, bare.download, rates.download);
+    printSplit("  upload", packet, row.ceiling.data, row.ceiling.upload, bare.upload, rates.upload);
+    std::printf("\n");
+}
+
 void run(const Row &row, const Options &options) {
     Rates rates;
+    Rates bare;
     Rates other;
     for (int round = 0; round < options.rounds; ++round) {
         measure(row, options.programs, {}, rates);
+        measureBare(row, options.programs, bare);
         if (!options.against.empty())
             measure(row, options.programs, options.against, other);
     }
     print(row.name, row, rates);
+    printSplit(row, rates, bare);
     if (!options.against.empty())
         print("  the other libraries", row, other);
 }
@@ -206,18 +255,22 @@ bool run(const Options &options) {
 }
 
 bool parse(int argc, char **argv, Options &options) {
-    for (int i = 1; i < argc; i += 2) {
+    for (int i = 1; i < argc; ++i) {
         const std::string word = argv[i];
-        if (i + 1 == argc)
+        if (word == "--awake") {
+            options.awake = true;
+            continue;
+        }
+        if (++i == argc)
             return false;
         if (word == "--rounds")
-            options.rounds = std::max(1, std::atoi(argv[i + 1]));
+            options.rounds = std::max(1, std::atoi(argv[i]));
         else if (word == "--link")
-            options.link = argv[i + 1];
+            options.link = argv[i];
         else if (word == "--against")
-            options.against = fs::absolute(argv[i + 1]).string();
+            options.against = fs::absolute(argv[i]).string();
         else if (word == "--gang")
-            options.gang = std::max(1, std::atoi(argv[i + 1]));
+            options.gang = std::max(1, std::atoi(argv[i]));
         else
             return false;
     }
@@ -229,10 +282,12 @@ bool parse(int argc, char **argv, Options &options) {
 int main(int argc, char **argv) {
     Options options;
     if (!parse(argc, argv, options)) {
-        std::fprintf(stderr, "usage: links_bench [--rounds N] [--link NAME] [--against LIBDIR] [--gang N]\n");
+        std::fprintf(stderr, "usage: links_bench [--rounds N] [--link NAME] [--against LIBDIR] [--gang N] "
+                             "[--awake]\n");
         return 2;
     }
     try {
+        const bench::Awake awake(options.awake);
         options.programs = fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
         return run(options) ? 0 : 1;
     } catch (const std::exception &error) {

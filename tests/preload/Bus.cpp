@@ -170,10 +170,11 @@ void Bus::setUp(bool up) {
         tellAll(ENETDOWN);
 }
 
-// What a frame takes on the wire, with a bit stuffed in for every tenth.
+// What a frame takes on the wire, with a bit stuffed in for every tenth of those before its end.
 static std::chrono::nanoseconds duration(const can_frame &frame, long bitRate) {
-    const long bits = (frame.can_id & CAN_EFF_FLAG ? 67L : 47L) + 8L * frame.can_dlc;
-    return std::chrono::nanoseconds(bits * 1100000000L / bitRate);
+    constexpr long end = 13; // bits
+    const long stuffed = (frame.can_id & CAN_EFF_FLAG ? 54L : 34L) + 8L * frame.can_dlc;
+    return std::chrono::nanoseconds((stuffed + stuffed / 10 + end) * 1000000000L / bitRate);
 }
 
 int Bus::take(const can_frame &frame, Member &sender) {
