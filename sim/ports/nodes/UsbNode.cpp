@@ -157,7 +157,9 @@ DeviceAnswer UsbNode::resetPort(DeviceCall &) {
 
 // ---- transfers
 
+// The bus begins when the call comes: to fetch the client's memory takes a while that no real node takes.
 DeviceAnswer UsbNode::submit(DeviceCall &call) {
+    const Nanoseconds now = clockNow();
     const unsigned long address = call.number(); // the client's: it is replaced where it leads to is fetched
     const ClientMemory memory = call.memory(sizeof(usbdevfs_urb));
     if (!memory)
@@ -178,7 +180,7 @@ DeviceAnswer UsbNode::submit(DeviceCall &call) {
         return DeviceAnswer::fail(setup.length > length - setupLength ? EINVAL : EBUSY);
     const std::uint8_t *data = buffer.bytes() + setupLength;
     const Bytes out = setup.towardsHost() ? Bytes() : Bytes(data, data + setup.length);
-    const UsbAnswer answer = m_device.control(setup, out, clockNow());
+    const UsbAnswer answer = m_device.control(setup, out, now);
     m_transfers.push_back({call.file, address, memory, buffer, answer, statusOf(answer), false});
     return {};
 }
