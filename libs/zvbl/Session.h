@@ -111,6 +111,7 @@ private:
 
     Status exchange(const Command &command, Bytes &reply, Tries tries);
     Status askId(Bytes &id);
+    Status askUserData(const Command &read, Bytes &data);
     Status command(const Command &command, Tries tries);
     Status transfer(const Command &command, Bytes &reply);
     std::size_t packetSize() const { return m_parts.framing->packetSize(m_packetSize); }

@@ -3,9 +3,12 @@
 #include <algorithm>
 
 #include "libs/zvbl/Session.h"
+#include "libs/zvbl/framing/Groups.h"
 
 namespace zvbl {
 namespace {
+
+constexpr std::uint8_t idleLevel = 0xFF; // of a bus that nobody drives
 
 Group numbers(const std::uint8_t *bytes, std::size_t count) {
     return {Bytes(bytes, bytes + count), Check::sum, true};
@@ -71,7 +74,24 @@ Status Session::firmwareCrc(std::uint32_t address, std::uint16_t sectors, std::a
 Status Session::readUserData(std::uint32_t address, std::size_t length, Bytes &data) {
     Command read{wire::opUserDataRead, {addressGroup(address), number16(static_cast<std::uint16_t>(length - 1))}};
     read.reply = {false, length, Reply::End::sum};
-    return exchange(read, data, Tries::thrice);
+    return askUserData(read, data);
+}
+
+// On a bus whose clock is the host's a byte that is lost lets the idle level in at the end, where it stands for the
+// check byte, and is the right one where the lost byte was FF. So an answer with that check byte is asked for again
+// until two are equal.
+Status Session::askUserData(const Command &read, Bytes &data) {
+    Status status = exchange(read, data, Tries::thrice);
+    for (int left = 2; status == Status::ok && sumOf(data) == idleLevel; --left) {
+        if (left == 0)
+            return Status::noAnswer;
+        m_trace->remark("the check byte is the idle level: once more");
+        const Bytes before = data;
+        status = exchange(read, data, Tries::thrice);
+        if (data == before)
+            break;
+    }
+    return status;
 }
 
 Status Session::writeUserData(std::uint32_t address, const std::uint8_t *data, std::size_t length) {

@@ -122,6 +122,25 @@ TEST_F(I2cVectorsTest, UserSystemDataRead) {
     EXPECT_EQ(hex(zvbl::Bytes(data, data + 4)), "A5 01 02 03");
 }
 
+// Where a byte FF is lost, the idle level stands in the place of the check byte, and fits.
+TEST_F(I2cVectorsTest, UserSystemDataWithTheIdleLevelForACheckByteComeTwice) {
+    const std::vector<std::string> asked = {"> E1 1E", "< 79", "> 1F FF F8 00 18", "< 79", "> 00 03 03", "< 79"};
+    const auto read = [&](const std::vector<std::string> &answers) {
+        std::vector<std::string> all;
+        for (const std::string &answer : answers) {
+            all.insert(all.end(), asked.begin(), asked.end());
+            all.push_back("< " + answer);
+        }
+        BYTE data[4] = {};
+        const int status = play(all, [&] { return TARGET_GetUserSystemData(link, 0x1FFFF800, data, 4); });
+        return std::to_string(status) + ": " + hex(zvbl::Bytes(data, data + 4));
+    };
+    EXPECT_EQ(read({"A5 00 5A 00 FF", "A5 00 5A 00 FF"}), "0: A5 00 5A 00");
+    EXPECT_EQ(read({"A5 5A 03 03 FF", "A5 FF 5A 03 03"}), "0: A5 FF 5A 03");
+    EXPECT_EQ(read({"A5 5A 02 02 FF", "A5 5A 01 01 FF", "A5 5A 01 01 FF"}), "0: A5 5A 01 01");
+    EXPECT_EQ(read({"A5 5A 02 02 FF", "A5 5A 01 01 FF", "A5 5A 03 03 FF"}).substr(0, 2), "5:");
+}
+
 // One group and one reply of the full length are one transfer each.
 TEST_F(I2cVectorsTest, TheLongestTransfers) {
     zvbl::Bytes data(256, 0x5A);
