@@ -15,6 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/campaign/DoneFile.h"
 #include "tests/host/Cells.h"
 #include "tests/host/Verdict.h"
 
@@ -107,15 +108,15 @@ Count runCell(Bench &bench, const Cell &cell, int only) {
 }
 
 // Each worker takes the next cell that nobody has taken.
-void work(const std::vector<Cell> &cells, const DoneFile &done, int only, std::atomic<std::size_t> &next) {
+void work(const std::vector<Cell> &cells, const campaign::DoneFile &done, int only, std::atomic<std::size_t> &next) {
     Bench bench;
     const auto before = done.read();
     for (std::size_t index; (index = next++) < cells.size();)
         if (before.count(cells[index].name()) == 0)
-            done.add(cells[index].name(), runCell(bench, cells[index], only));
+            done.add(cells[index].name(), {textOf(runCell(bench, cells[index], only))});
 }
 
-bool workTogether(const Wish &wish, const std::vector<Cell> &cells, const DoneFile &done) {
+bool workTogether(const Wish &wish, const std::vector<Cell> &cells, const campaign::DoneFile &done) {
     void *shared =
         mmap(nullptr, sizeof(std::atomic<std::size_t>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     auto *next = new (shared) std::atomic<std::size_t>(0);
@@ -141,7 +142,7 @@ void add(Count &sum, const Count &count) {
            sum.seconds + count.seconds};
 }
 
-int printTable(const std::map<std::string, Count> &cells) {
+int printTable(const std::map<std::string, std::vector<std::string>> &cells) {
     Count all;
     std::printf(
         "| what goes wrong | runs | ended well | said what failed, or ended by the signal | left the whole file "
@@ -150,7 +151,7 @@ int printTable(const std::map<std::string, Count> &cells) {
         Count sum;
         for (const Job &job : jobs) {
             const auto found = cells.find(Cell{&job, &sweep}.name());
-            add(sum, found == cells.end() ? Count{} : found->second);
+            add(sum, found == cells.end() ? Count{} : countOf(found->second.front()));
         }
         if (sum.cases > 0)
             std::printf("| %s | %u | %u | %u | %u | %u |\n", sweep.name.c_str(), sum.cases, sum.right,
@@ -164,7 +165,7 @@ int printTable(const std::map<std::string, Count> &cells) {
 int whole(const Wish &wish) {
     namespace fs = std::filesystem;
     const auto made = fs::last_write_time(CONSOLE_PROGRAM).time_since_epoch().count();
-    const DoneFile done(wish.done, "cells done, of the console of " + std::to_string(made) + " " + wish.cell);
+    const campaign::DoneFile done(wish.done, "cells done, of the console of " + std::to_string(made) + " " + wish.cell);
     const bool good = workTogether(wish, cellsOf(wish), done);
     const int status = printTable(done.read());
     if (good)
