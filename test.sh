@@ -78,9 +78,10 @@ fi
 
 # Those that --campaign runs: each is a program in build/release/campaign, and fails when it finds a lie.
 if [ -n "$campaign" ]; then
-    build release --target damage-matrix equal-chips replug kills register-storm host-campaign border-campaign
+    programs="damage-matrix equal-chips replug kills register-storm host-campaign border-campaign wire-campaign"
+    build release --target $programs
     failed=0
-    for program in damage-matrix equal-chips replug kills register-storm host-campaign border-campaign; do
+    for program in $programs; do
         echo "== campaign: $program"
         "build/release/campaign/$program" || failed=1
     done

@@ -56,6 +56,9 @@ public:
     // A command opens: counts it. False when the chip falls silent here.
     bool frame(std::uint8_t opcode);
 
+    // How many commands were opened.
+    std::uint64_t frames() const { return m_frames; }
+
     // Whether answer number `answer` of the open command has to be a NACK; 0 is the one after the opcode.
     bool refuses(unsigned answer);
 

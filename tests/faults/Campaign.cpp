@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <numeric>
 #include <random>
@@ -15,60 +14,74 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/campaign/DoneFile.h"
+
 namespace faults {
 namespace {
 
-// The rows that are done, in a file to which each process appends.
-class Done {
-public:
-    explicit Done(const Wish &wish)
-        : m_path(wish.done), m_isKept(!wish.count && wish.cell.empty() && wish.oneCase.empty()) {
-        const auto made = std::filesystem::last_write_time("/proc/self/exe").time_since_epoch().count();
-        m_head = "cells done by the program of " + std::to_string(made) + ", seed " + std::to_string(wish.seed);
-        if (!m_isKept)
-            m_path = "/tmp/campaign-" + std::to_string(getpid());
-        std::string head;
-        if (std::ifstream file(m_path); !m_isKept || !std::getline(file, head) || head != m_head)
-            std::ofstream(m_path) << m_head << "\n";
-    }
-    ~Done() {
-        if (!m_isKept)
-            forget();
-    }
-    Done(const Done &) = delete;
-    Done &operator=(const Done &) = delete;
+using Table = std::map<std::string, Row>;                      // by the names of its lines
+using Cells = std::map<std::string, std::vector<std::string>>; // what the file of those that are done says of each
 
-    void add(const std::string &cell, const Row &row) const {
-        std::ostringstream line;
-        line << row.cases << " " << row.well << " " << row.reported << " " << row.again << " " << row.toldWhy << " "
-             << row.findings << " " << cell << "\n";
-        std::ofstream(m_path, std::ios::app) << line.str(); // one write, so processes don't mix
-    }
-
-    // The whole is done: the next one begins anew.
-    void forget() const { unlink(m_path.c_str()); }
-
-    std::map<std::string, Row> rows() const {
-        std::map<std::string, Row> rows;
-        std::ifstream file(m_path);
-        std::string line;
-        std::getline(file, line);
-        while (std::getline(file, line)) {
-            std::istringstream words(line);
-            Row row;
-            std::string name;
-            words >> row.cases >> row.well >> row.reported >> row.again >> row.toldWhy >> row.findings >> std::ws;
-            if (words && std::getline(words, name))
-                rows[name] = row;
-        }
-        return rows;
-    }
-
-private:
-    std::string m_path;
-    std::string m_head;
-    bool m_isKept;
+// The numbers of a row, in the order of the table.
+struct Column {
+    unsigned Row::*number;
+    const char *name;
+    bool isRare; // not shown where it is empty
 };
+constexpr Column columns[] = {
+    {&Row::cases, "cases", false},
+    {&Row::well, "ended well", false},
+    {&Row::reported, "reported", false},
+    {&Row::again, "second run well", false},
+    {&Row::toldWhy, "second run tells why not", false},
+    {&Row::unseen, "changed unseen, without --v", true},
+    {&Row::findings, "findings", false},
+};
+
+void add(Row &sum, const Row &row) {
+    for (const Column &column : columns)
+        sum.*column.number += row.*column.number;
+}
+
+// What the file of those that are done says of a cell.
+std::vector<std::string> linesOf(const Table &table) {
+    std::vector<std::string> lines;
+    for (const auto &[name, row] : table) {
+        std::ostringstream line;
+        for (const Column &column : columns)
+            line << row.*column.number << " ";
+        lines.push_back(line.str() + name);
+    }
+    return lines;
+}
+
+Table tableOf(const std::vector<std::string> &lines) {
+    Table table;
+    for (const std::string &line : lines) {
+        std::istringstream words(line);
+        Row row;
+        for (const Column &column : columns)
+            words >> row.*column.number;
+        std::string name;
+        if (words >> std::ws && std::getline(words, name))
+            table[name] = row;
+    }
+    return table;
+}
+
+std::string aboutOf(const Wish &wish) {
+    const auto made = std::filesystem::last_write_time("/proc/self/exe").time_since_epoch().count();
+    return "cells done by the program of " + std::to_string(made) + ", seed " + std::to_string(wish.seed);
+}
+
+// What is not about all cells and cases goes to a file of its own.
+bool isWhole(const Wish &wish) {
+    return !wish.count && wish.cell.empty() && wish.oneCase.empty();
+}
+
+std::string doneFileOf(const Wish &wish) {
+    return isWhole(wish) ? wish.done : "/tmp/campaign-" + std::to_string(getpid());
+}
 
 std::vector<std::size_t> chosen(const Wish &wish, const std::string &cell, std::size_t cases) {
     std::vector<std::size_t> all(cases);
@@ -87,37 +100,40 @@ std::vector<std::size_t> chosen(const Wish &wish, const std::string &cell, std::
     return some;
 }
 
-Row runCell(const Wish &wish, const char *program, const Cell &cell) {
-    Row row;
-    std::vector<Case> cases;
+void runCase(const char *program, const Cell &cell, const Case &one, Row &row) {
+    std::vector<std::string> complaints;
+    ++row.cases;
+    one.run(row, complaints);
+    row.findings += complaints.empty() ? 0 : 1;
+    for (const std::string &complaint : complaints)
+        std::fprintf(stderr, "%s --cell \"%s\" --case \"%s\": %s\n", program, cell.name.c_str(), one.name.c_str(),
+                     complaint.c_str());
+}
+
+Table runCell(const Wish &wish, const char *program, const Cell &cell) {
+    Table table;
     try {
-        cases = cell.cases();
+        const std::vector<Case> cases = cell.cases();
+        for (const std::size_t number : chosen(wish, cell.name, cases.size())) {
+            const Case &one = cases[number];
+            if (wish.oneCase.empty() || one.name == wish.oneCase)
+                runCase(program, cell, one, table[one.line.empty() ? cell.name : one.line]);
+        }
     } catch (const std::exception &failure) {
         std::fprintf(stderr, "%s --cell \"%s\": without a fault: %s\n", program, cell.name.c_str(), failure.what());
-        ++row.findings;
+        ++table[cell.name].findings;
     }
-    for (const std::size_t number : chosen(wish, cell.name, cases.size())) {
-        const Case &one = cases[number];
-        if (!wish.oneCase.empty() && one.name != wish.oneCase)
-            continue;
-        std::vector<std::string> complaints;
-        ++row.cases;
-        one.run(row, complaints);
-        row.findings += complaints.empty() ? 0 : 1;
-        for (const std::string &complaint : complaints)
-            std::fprintf(stderr, "%s --cell \"%s\" --case \"%s\": %s\n", program, cell.name.c_str(), one.name.c_str(),
-                         complaint.c_str());
-    }
-    return row;
+    return table;
 }
 
 void runShare(const Wish &wish, const char *program, const std::vector<const Cell *> &cells, unsigned share,
-              const Done &done) {
+              const campaign::DoneFile &done) {
     for (std::size_t i = share; i < cells.size(); i += wish.jobs)
-        done.add(cells[i]->name, runCell(wish, program, *cells[i]));
+        done.add(cells[i]->name, linesOf(runCell(wish, program, *cells[i])));
 }
 
-bool runAll(const Wish &wish, const char *program, const std::vector<const Cell *> &cells, const Done &done) {
+bool runAll(const Wish &wish, const char *program, const std::vector<const Cell *> &cells,
+            const campaign::DoneFile &done) {
     std::vector<pid_t> children;
     for (unsigned share = 0; share < wish.jobs; ++share) {
         const pid_t child = fork();
@@ -135,9 +151,24 @@ bool runAll(const Wish &wish, const char *program, const std::vector<const Cell 
     return orderly;
 }
 
-void printRow(const std::string &name, const Row &row) {
-    std::printf("| %s | %u | %u | %u | %u | %u | %u |\n", name.c_str(), row.cases, row.well, row.reported, row.again,
-                row.toldWhy, row.findings);
+void printRow(const std::string &name, const Row &row, const Row &sum) {
+    std::printf("| %s |", name.c_str());
+    for (const Column &column : columns)
+        if (!column.isRare || sum.*column.number > 0)
+            std::printf(" %u |", row.*column.number);
+    std::printf("\n");
+}
+
+void printHead(const Row &sum) {
+    std::string rule = "|---|";
+    std::printf("| |");
+    for (const Column &column : columns) {
+        if (column.isRare && sum.*column.number == 0)
+            continue;
+        std::printf(" %s |", column.name);
+        rule += "---|";
+    }
+    std::printf("\n%s\n", rule.c_str());
 }
 
 double secondsOfChildren() {
@@ -147,22 +178,24 @@ double secondsOfChildren() {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-Row printTable(const std::vector<const Cell *> &cells, const std::map<std::string, Row> &rows) {
+// The lines of the table stand in the order of the cells that they come from.
+Row printTable(const std::vector<const Cell *> &cells, const Cells &done) {
+    std::vector<std::string> names;
+    Table table;
     Row sum;
-    std::printf("| | cases | ended well | reported | second run well | second run tells why not | findings |\n"
-                "|---|---|---|---|---|---|---|\n");
     for (const Cell *cell : cells) {
-        const auto found = rows.find(cell->name);
-        const Row row = found == rows.end() ? Row() : found->second;
-        printRow(cell->name, row);
-        sum.cases += row.cases;
-        sum.well += row.well;
-        sum.reported += row.reported;
-        sum.again += row.again;
-        sum.toldWhy += row.toldWhy;
-        sum.findings += row.findings;
+        const auto found = done.find(cell->name);
+        for (const auto &[name, row] : found == done.end() ? Table() : tableOf(found->second)) {
+            if (table.count(name) == 0)
+                names.push_back(name);
+            add(table[name], row);
+            add(sum, row);
+        }
     }
-    printRow("all", sum);
+    printHead(sum);
+    for (const std::string &name : names)
+        printRow(name, table[name], sum);
+    printRow("all", sum, sum);
     return sum;
 }
 
@@ -201,8 +234,8 @@ int runCampaign(const Wish &wish, const char *program, const std::vector<Cell> &
                      wish.trouble, program);
         return 2;
     }
-    const Done done(wish);
-    const std::map<std::string, Row> before = done.rows();
+    const campaign::DoneFile done(doneFileOf(wish), aboutOf(wish));
+    const Cells before = done.read();
     std::vector<const Cell *> wanted;
     std::vector<const Cell *> open;
     for (const Cell &cell : cells) {
@@ -213,11 +246,11 @@ int runCampaign(const Wish &wish, const char *program, const std::vector<Cell> &
             open.push_back(&cell);
     }
     const bool orderly = runAll(wish, program, open, done);
-    const Row sum = printTable(wanted, done.rows());
+    const Row sum = printTable(wanted, done.read());
     std::printf("\nSeed %u; %.0f s of processor time%s.\n", wish.seed, secondsOfChildren(),
                 before.empty() ? "" : ", without the cells that were done before");
-    if (orderly)
-        done.forget();
+    if (orderly || !isWhole(wish))
+        std::filesystem::remove(done.path()); // the whole is done: the next one begins anew
     return !orderly || sum.cases == 0 || sum.findings > 0 ? 1 : 0;
 }
 

@@ -25,16 +25,19 @@ struct Row {
     unsigned reported = 0; // ended with the status of the action that failed
     unsigned again = 0;    // of these: the second run did what was asked
     unsigned toldWhy = 0;  // of these: the second run told what stands in the way
+    unsigned unseen = 0;   // ended with 0 and wrong cells, where nobody was asked to look at them
     unsigned findings = 0; // broke a promise
 };
 
-// One case: its name, and the run that tells what came of it. A complaint is a finding.
+// One case: its name, and the run that tells what came of it. A complaint is a finding. Its line of the table is that
+// of its cell, or one that it has in common with cases of others.
 struct Case {
     std::string name;
     std::function<void(Row &row, std::vector<std::string> &complaints)> run;
+    std::string line{};
 };
 
-// One cell, a line of the table.
+// One cell, which is done as a whole.
 struct Cell {
     std::string name;
     std::function<std::vector<Case>()> cases;

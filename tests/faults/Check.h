@@ -22,8 +22,12 @@ Good runWell(Machine &machine, const CommandLine &line);
 using Complaints = std::vector<std::string>;
 
 // What holds of every run, whatever went wrong in it: it ends by itself, files are old or new, cells that the line has
-// nothing to do with are as they were, no chip is locked for ever, and 0 is the truth.
-void checkState(const Good &good, const Ending &ending, Complaints &complaints);
+// nothing to do with are as they were, no chip is locked for ever, and 0 is the truth, unless nobody looks.
+enum class Looks : std::uint8_t { yes, no };
+void checkState(const Good &good, const Ending &ending, Complaints &complaints, Looks looks = Looks::yes);
+
+// Whether it ended with 0, and left chip and files as a good run does.
+bool hasDone(const Good &good, const Ending &ending);
 
 // That the exit status is one of that action's, and that the last text is one of its own or that of the status.
 void checkReport(const Action &action, const std::vector<std::string> &texts, const Ending &ending,

@@ -177,6 +177,10 @@ std::string userSystemData(const std::string &chip) {
 
 } // namespace
 
+std::string nameOf(const CommandLine &line) {
+    return std::string(links[line.link].name) + ", " + line.chip + ": " + line.words;
+}
+
 std::map<std::string, std::string> filesFor(const std::string &chip) {
     constexpr std::size_t imageSize = 1600; // a whole sector, and a part of the next
     const std::string bytes = image(imageSize);

@@ -16,6 +16,8 @@ struct CommandLine {
     const char *before = nullptr; // words of a line that makes the chip what this one needs
 };
 
+std::string nameOf(const CommandLine &line);
+
 // Every option word on a chip of each layout of the option bytes.
 extern const std::vector<CommandLine> commandLines;
 

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -34,6 +35,7 @@ struct Machine::Shared {
     Counts counts;
     sim::Nanoseconds time;
     CallList list;
+    bool changed[8];                      // of each section: whether it is below
     std::uint8_t memory[8 * 1024 * 1024]; // the sections one behind the other
 };
 
@@ -61,25 +63,30 @@ std::string readFile(const fs::path &path) {
     return text.str();
 }
 
+bool holds(const sim::Chip::Section &section, const Memory &memory) {
+    const zvbl::Bytes &bytes = memory.at(section.name);
+    return std::equal(bytes.begin(), bytes.end(), section.cells->data());
+}
+
 void putIn(sim::Chip &chip, const Memory &memory) {
-    for (const sim::Chip::Section &section : chip.sections()) {
-        const zvbl::Bytes &bytes = memory.at(section.name);
-        std::copy(bytes.begin(), bytes.end(), section.cells->raw());
-    }
+    for (const sim::Chip::Section &section : chip.sections())
+        if (!holds(section, memory))
+            std::copy(memory.at(section.name).begin(), memory.at(section.name).end(), section.cells->raw());
     chip.reset(); // the option bytes hold from now on
 }
 
 void harm(damage::Line &line, const Fate &fate) {
     line.toChip.harm(fate.kind, fate.toChip, fate.seed);
     line.toHost.harm(fate.kind, fate.toHost, fate.seed + 1);
-    if (fate.cut)
-        line.faults().add(*fate.cut);
+    if (fate.ofChip)
+        line.faults().add(*fate.ofChip);
 }
 
 Counts countsOf(damage::Line &line) {
     const auto steps = [&line](sim::CellKind kind) { return static_cast<std::size_t>(line.faults().steps(kind)); };
-    return {line.toChip.passed(), line.toHost.passed(), steps(sim::CellKind::flash), steps(sim::CellKind::options),
-            steps(sim::CellKind::erasing)};
+    return {line.toChip.passed(),          line.toHost.passed(),
+            steps(sim::CellKind::flash),   steps(sim::CellKind::options),
+            steps(sim::CellKind::erasing), static_cast<std::size_t>(line.faults().frames())};
 }
 
 std::vector<std::string> split(const std::string &line) {
@@ -144,6 +151,8 @@ void Machine::layOut(const std::string &chip, const std::map<std::string, std::s
         fs::copy_file(fs::path(MAP_DIR) / (chip + ".ZVmap"), directory / "Map" / (chip + ".ZVmap"));
         m_chip = chip;
     }
+    if (m_files == files)
+        return;
     for (const fs::directory_entry &entry : fs::directory_iterator(directory))
         if (entry.path().filename() != "Map")
             fs::remove(entry.path());
@@ -159,15 +168,23 @@ std::map<std::string, std::string> Machine::look() const {
     return files;
 }
 
-void Machine::beConsole(const std::string &chip, LinkNumber link, const std::string &words, const Memory &memory,
-                        const Fate &fate) const {
+void Machine::connect(const std::string &chip, LinkNumber link, const Memory &memory) {
+    if (m_line && m_link == link && chip == m_line->chip().facts().name)
+        return;
+    m_line.reset();
+    m_line = links[link].make(*sim::findChip(chip.c_str()));
+    m_link = link;
+    putIn(m_line->chip(), memory); // a run with the same memory has nothing to put in
+}
+
+void Machine::beConsole(const std::string &words, const Memory &memory, const Fate &fate) const {
     alarm(longestRun); // a wait that never ends is a failure, not a hang
     dup2(m_output, STDOUT_FILENO);
     unsetenv("ZV32_MAP_DIR");
     if (chdir(m_directory.c_str()) != 0)
         _exit(127);
-    const auto line = links[link].make(*sim::findChip(chip.c_str()));
-    theLine = line.get();
+    damage::Line *line = m_line.get();
+    theLine = line;
     putIn(line->chip(), memory);
     harm(*line, fate);
     std::vector<std::string> list = split(words);
@@ -182,8 +199,10 @@ void Machine::beConsole(const std::string &chip, LinkNumber link, const std::str
     m_shared->counts = countsOf(*line);
     m_shared->time = damage::now() - begin;
     std::uint8_t *at = m_shared->memory;
+    bool *changed = m_shared->changed;
     for (const sim::Chip::Section &section : sectionsOf(*line))
-        at = std::copy_n(section.cells->data(), section.cells->size(), at);
+        if ((*changed++ = !holds(section, memory)))
+            at = std::copy_n(section.cells->data(), section.cells->size(), at);
     m_shared->orderly = true;
     _exit(status); // a job may be running that nobody waits for
 }
@@ -191,13 +210,14 @@ void Machine::beConsole(const std::string &chip, LinkNumber link, const std::str
 Ending Machine::run(const std::string &chip, LinkNumber link, const std::string &words, const Memory &memory,
                     const std::map<std::string, std::string> &files, const Fate &fate) {
     layOut(chip, files);
+    connect(chip, link, memory);
     if (ftruncate(m_output, 0) != 0 || lseek(m_output, 0, SEEK_SET) != 0)
         throw std::runtime_error("no output");
     m_shared->orderly = false;
     m_shared->list.count = 0;
     const pid_t child = fork();
     if (child == 0)
-        beConsole(chip, link, words, memory, fate);
+        beConsole(words, memory, fate);
     int status = 0;
     if (child < 0 || waitpid(child, &status, 0) != child)
         throw std::runtime_error("no process");
@@ -207,17 +227,19 @@ Ending Machine::run(const std::string &chip, LinkNumber link, const std::string 
     if (pread(m_output, ending.text.data(), ending.text.size(), 0) != static_cast<ssize_t>(ending.text.size()))
         throw std::runtime_error("no text");
     std::replace(ending.text.begin(), ending.text.end(), '\r', '\n');
-    ending.files = look();
+    ending.files = m_files = look();
     ending.calls.assign(m_shared->list.calls, m_shared->list.calls + m_shared->list.count);
     if (!m_shared->orderly)
         return ending;
     ending.counts = m_shared->counts;
     ending.time = m_shared->time;
+    ending.memory = memory;
     const std::uint8_t *at = m_shared->memory;
-    const auto other = links[usart].make(*sim::findChip(chip.c_str())); // for the sizes
-    for (const sim::Chip::Section &section : sectionsOf(*other)) {
-        ending.memory[section.name] = zvbl::Bytes(at, at + section.cells->size());
-        at += section.cells->size();
+    const bool *changed = m_shared->changed;
+    for (const sim::Chip::Section &section : sectionsOf(*m_line)) {
+        zvbl::Bytes &bytes = ending.memory.at(section.name);
+        if (*changed++)
+            std::copy_n(std::exchange(at, at + bytes.size()), bytes.size(), bytes.begin());
     }
     return ending;
 }

@@ -28,13 +28,13 @@ struct Fate {
     std::vector<std::size_t> toChip{}; // units of the line, as damage::Lane takes them
     std::vector<std::size_t> toHost{};
     std::uint32_t seed = 0;
-    std::optional<sim::Fault> cut{}; // of the power
+    std::optional<sim::Fault> ofChip{}; // its power, or an answer
 };
 
 // What a chip keeps without power, by the names of sim::Chip::Section.
 using Memory = std::map<std::string, zvbl::Bytes>;
 
-enum class Units { toChip, toHost, flashSteps, optionSteps, erasingSteps, count };
+enum class Units { toChip, toHost, flashSteps, optionSteps, erasingSteps, commands, count };
 using Counts = std::array<std::size_t, static_cast<std::size_t>(Units::count)>;
 
 struct Ending {
@@ -68,11 +68,14 @@ private:
 
     void layOut(const std::string &chip, const std::map<std::string, std::string> &files);
     std::map<std::string, std::string> look() const;
-    [[noreturn]] void beConsole(const std::string &chip, LinkNumber link, const std::string &words,
-                                const Memory &memory, const Fate &fate) const;
+    void connect(const std::string &chip, LinkNumber link, const Memory &memory);
+    [[noreturn]] void beConsole(const std::string &words, const Memory &memory, const Fate &fate) const;
 
     std::string m_directory;
-    std::string m_chip; // whose map is in the directory
+    std::string m_chip;                         // whose map is in the directory
+    std::map<std::string, std::string> m_files; // that are in the directory
+    LinkNumber m_link = linkCount;
+    std::unique_ptr<damage::Line> m_line; // as each run finds it
     Shared *m_shared;
     int m_output; // a file without a name
 };

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
-#include "foundation/Result.h"
 #include "tests/faults/Check.h"
+#include "tests/faults/Failures.h"
 
 namespace faults {
 namespace {
@@ -22,57 +21,6 @@ struct WayRow {
     const char *name;
 };
 constexpr WayRow otherWays[] = {{Way::after, "after"}, {Way::half, "half"}, {Way::never, "never"}};
-
-// What changes a chip, or lets it run its program.
-bool changesChip(Function function) {
-    constexpr Function changing[] = {
-        Function::ZVBL_GO,
-        Function::ZVBL_ResetMCU,
-        Function::ZVBL_DNLOAD,
-        Function::ZVBL_ERASE,
-        Function::ZVBL_BLOCK_ERASE,
-        Function::ZVBL_SPIMREMAP,
-        Function::ZVBL_EnableBank3,
-        Function::TARGET_SetUserSystemData,
-        Function::ZVBL_ACCESS_PROTECT,
-        Function::ZVBL_ACCESS_PROTECT_LEVEL,
-        Function::ZVBL_ACCESS_PERM_UNPROTECT,
-        Function::ZVBL_ERASEPROGRAM_PROTECT,
-        Function::ZVBL_ERASEPROGRAM_PERM_UNPROTECT,
-        Function::FILES_ImageToFile,
-    };
-    return std::find(std::begin(changing), std::end(changing), function) != std::end(changing);
-}
-
-// A text that is not the one of the status.
-struct OtherText {
-    Function function;
-    std::optional<unsigned> status; // none: whatever it answers
-    const char *text;
-};
-constexpr OtherText otherTexts[] = {
-    {Function::ZVBL_VERIFY, 0x13, Info_Program_VerifyDataNotMatching},
-    {Function::TARGET_GetUserSystemData, 0x13, Info_AccessProtection},
-    {Function::TARGET_GetUserSystemData, 0x14, Info_AccessProtection},
-    {Function::ZVBL_GetZVDeviceList, std::nullopt, Info_Com_NotOpen}, // after a reset nothing was opened again
-    {Function::FILES_GetMemoryMapping, std::nullopt, Info_Program_InputParamsError},
-    {Function::FILES_GetMemoryMapping, std::nullopt, Info_Files_BADPARAMETER},
-    {Function::FILES_FilterImageForOperation, std::nullopt, Info_UnknownError},
-};
-
-// What fails is what needs it later: the sectors of a chip without its map, an image that was not cut at sectors.
-bool failsLater(Function function) {
-    return function == Function::FILES_GetMemoryMapping || function == Function::FILES_FilterImageForOperation;
-}
-
-std::vector<std::string> textsOf(Function function, unsigned status) {
-    const int code = isOfFiles(function) ? CResult::Convert(status) : CResult::Convert(static_cast<int>(status));
-    std::vector<std::string> texts = {CResult::GetInfoStringName(code)};
-    for (const OtherText &other : otherTexts)
-        if (other.function == function && other.status.value_or(status) == status)
-            texts.emplace_back(other.text);
-    return texts;
-}
 
 // What may have failed: the action that made the call, and where it fails later, any from there on.
 Action actionOf(const Good &good, unsigned call) {
@@ -165,8 +113,7 @@ std::vector<Case> casesOf(const CommandLine &line) {
 std::vector<Cell> cells() {
     std::vector<Cell> all;
     for (const CommandLine &line : commandLines)
-        all.push_back({std::string(links[line.link].name) + ", " + line.chip + ": " + line.words,
-                       [line] { return casesOf(line); }});
+        all.push_back({nameOf(line), [line] { return casesOf(line); }});
     return all;
 }
 
