@@ -147,6 +147,9 @@ TEST_P(DfuStates, dnloadOfBlock1) {
 TEST_P(DfuStates, uploadOfBlock1WithoutReply) {
     expect(misfit, {}, no);
 }
+TEST_P(DfuStates, classRequestBehindTheLast) {
+    expect("21 07 00 00 00 00 00 00", {}, no);
+}
 TEST_P(DfuStates, vendorRequest) {
     expect("C0 01 00 00 00 00 01 00", {}, no);
 }

@@ -202,4 +202,15 @@ const sim::Vector spim[] = {
 };
 WIRE_VECTORS(Spim, spim);
 
+TEST(SpimSectors, areErasedByAddressToo) {
+    sim::Rig rig("ZV32F403A_1024K");
+    ASSERT_EQ(rig.play(SYNC ENABLE_SPIM WRITE_WORD("08 40 00 00 48") WRITE_WORD("08 40 10 00 58")
+                           WRITE_WORD("08 40 20 00 68")),
+              "");
+    ASSERT_TRUE(rig.chip.eraseSectorAt(0x08401FFF).done());
+    EXPECT_EQ(rig.play(READS("08 40 00 00 48", "01 02 03 04") READS("08 40 10 00 58", "FF FF FF FF")
+                           READS("08 40 20 00 68", "01 02 03 04")),
+              "");
+}
+
 } // namespace

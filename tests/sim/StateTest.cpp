@@ -123,6 +123,24 @@ TEST_F(State, aFullFlashComesBackByteForByte) {
     EXPECT_TRUE(first == second);
 }
 
+// Of a word that begins behind a run of FF, each bit counts.
+TEST_F(State, oneBitBehindARunOfBlankCellsComesBack) {
+    Rig before("ZV32F421_64K");
+    Bytes cells(64 * 64, 0xFF);
+    for (std::size_t bit = 0; bit < 64; ++bit)
+        cells[bit * 64 + bit / 8] = static_cast<std::uint8_t>(~(1U << bit % 8));
+    for (std::size_t at = 0; at < cells.size(); at += 256) {
+        const auto from = cells.begin() + static_cast<std::ptrdiff_t>(at);
+        ASSERT_TRUE(before.chip.write(static_cast<std::uint32_t>(0x08000000 + at), Bytes(from, from + 256)).done());
+    }
+    ASSERT_TRUE(StateFile(path, before.chip).save(error)) << error;
+    Rig after("ZV32F421_64K");
+    ASSERT_TRUE(StateFile(path, after.chip).load(error)) << error;
+    Bytes back;
+    ASSERT_TRUE(after.chip.read(0x08000000, cells.size(), back).done());
+    EXPECT_TRUE(back == cells);
+}
+
 TEST_F(State, aMissingFileIsANewChip) {
     Rig rig("ZV32F421_64K");
     StateFile file(path, rig.chip);

@@ -124,6 +124,12 @@ TEST_F(CanAdapterTest, AdaptersDiffer) {
               0);
 }
 
+TEST_F(CanAdapterTest, AFrameMayBeEmpty) {
+    hurry();
+    EXPECT_EQ(play({line("t0D40\r", "z\rt1D40\r")}, [&] { return reset(); }), 5);
+    EXPECT_FALSE(traced("not a frame"));
+}
+
 TEST_F(CanAdapterTest, ALineThatIsNoFrameIsNoAnswer) {
     hurry();
     for (const char *damaged : {"t1D417\r", "t1D41G9\r", "t1D49\r", "t1D\r", "t1D417979\r"}) {

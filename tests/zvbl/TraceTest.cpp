@@ -68,6 +68,17 @@ TEST_F(TraceTest, EveryExchangeIsThereWithItsDirection) {
     EXPECT_EQ(lines(file), "# open 1000000 8E1\n> 02 FD\n< 79\n< 01\n< 02 42\n< 79\n# closed\n");
 }
 
+TEST_F(TraceTest, StopBitsAreToldAsTheyAre) {
+    for (const auto &[stopBits, told] : {std::pair{1.5F, "1.5"}, std::pair{2.0F, "2"}}) {
+        const std::string file = directory / told;
+        setenv("ZVBL_TRACE", file.c_str(), 1);
+        ASSERT_EQ(Interface_Close(link), 0);
+        ASSERT_EQ(SetCOMSettings(&link, 0, pty.path().c_str(), 9600, 8, 2, stopBits), 0);
+        ASSERT_EQ(Interface_Open(link), 0);
+        EXPECT_EQ(lines(file), std::string("# open 9600 8E") + told + "\n");
+    }
+}
+
 TEST_F(TraceTest, WhatWentWrongIsThereToo) {
     const std::string file = directory / "trace";
     hurry();
