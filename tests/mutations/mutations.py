@@ -6,7 +6,7 @@ What came out stands in a file there, a line for each, and a second run goes on 
 usage: mutations.py [--seed SEED] [--count COUNT] [--folder FOLDER]... [--when COMMAND] [--keep [--again NAMES]]
   --when   waits before each mistake until this command succeeds
   --keep   takes the mistakes as they are, whatever has changed since, and only the tests from the tree
-  --again  judges once more what survived, by the tests whose names begin so
+  --again  judges once more what survived, by those tests of its folder whose names begin so
 """
 import argparse
 import collections
@@ -41,7 +41,8 @@ NEAREST = {
 # What is asked first about every mistake, and what about those that this did not notice: the names of the tests, and how many
 # seconds they take at the most.
 NEAR = "(app|console|fuzz|libfiles|link|model|operations|sim|zvbl)[.]"
-ROUNDS = ((NEAR, 1.0), (NEAR, 1e9), ("", 1e9))
+FAR = "(e2e[.](?!books|hooks|line|make|rehearse|station|README)|look[.]|preload[.]|ring[.])"
+ROUNDS = ((NEAR, 1.0), (NEAR, 1e9), (FAR, 1e9), ("", 1e9))
 
 Mutant = collections.namedtuple("Mutant", "folder name line begin end before after kind text")
 
@@ -107,17 +108,28 @@ class Judge:
             time.sleep(1)
 
     def measure(self, names):
-        """Runs the tests that begin so while all mistakes that are passed are written down: two at a time, and both have passed
-        what was passed meanwhile."""
+        """The tests that begin so and pass without a mistake; what they pass is found out where it is not known."""
         file = HOME / "measured.json"
         known = json.loads(file.read_text()) if file.exists() else {}
+        new = [test for test in self.tests if re.match(names, test.name) and test.name not in known]
+        for at in range(0, len(new), 20):
+            known.update(self.measured(new[at : at + 20]))
+            file.write_text(json.dumps(known))
+        for test in self.tests:
+            if test.name in known:
+                test.seconds, test.passed, passes = known[test.name]
+                test.passes = set(passes)
+        return [test for test in self.tests if re.match(names, test.name) and test.passed]
+
+    def measured(self, tests):
+        """Runs them while all mistakes that are passed are written down: two at a time, and both have passed what was passed
+        meanwhile."""
         NOTES.write_bytes(b"")
         self.programs.make(-1)
-        new = [test for test in self.tests if re.match(names, test.name) and test.name not in known]
         with concurrent.futures.ThreadPoolExecutor(suite.WORKERS) as pool:
-            runs = dict(zip(new, pool.map(lambda test: (self.wait(), suite.measure(test))[1], new)))
-        notes = list(struct.iter_unpack("qq", NOTES.read_bytes()))
+            runs = dict(zip(tests, pool.map(lambda test: (self.wait(), suite.measure(test))[1], tests)))
         self.programs.make(0)
+        notes, known = list(struct.iter_unpack("qq", NOTES.read_bytes())), {}
         for test, (start, stop, passed) in runs.items():
             passes = sorted({number for number, when in notes if start <= when <= stop})
             if not passed:
@@ -126,12 +138,7 @@ class Judge:
             if not passed:
                 print(f"fails without a mistake, and is left out: {test.name}", flush=True)
             known[test.name] = test.seconds, passed, passes
-        file.write_text(json.dumps(known))
-        for test in self.tests:
-            if test.name in known:
-                test.seconds, test.passed, passes = known[test.name]
-                test.passes = set(passes)
-        return [test for test in self.tests if re.match(names, test.name) and test.passed]
+        return known
 
     def ordered(self, mutant, tests):
         """First the tests that noticed something in the same file, or are those of a chip that the line names; then those of the
@@ -185,7 +192,7 @@ class Judge:
             make(False)
             self.programs.find()
 
-    def judge(self, number, mutant, how, tests, turn=len(ROUNDS)):
+    def judge(self, number, mutant, how, tests, turn):
         """The row of what came out."""
         self.wait()
         start = time.time()
@@ -211,27 +218,23 @@ def explained():
     return [line.split(" :: ")[:4] for line in lines if line and not line.startswith("#")]
 
 
-def is_explained(row, reasons):
-    told = row["mutant"][1], row["mutant"][8], row["mutant"][5], row["mutant"][6]
+def is_explained(mutant, reasons):
+    told = mutant.name, mutant.text, mutant.before, mutant.after
     return any(all(one in ("*", other) for one, other in zip(reason, told)) for reason in reasons)
 
 
 def table(rows):
-    """Prints it, and gives back whether something survived that nobody has explained."""
-    reasons, survived = explained(), False
+    """`rows`: (mistake, what came of it: "noticed", "survived" or "explained"). Whether one survived."""
     print(f"{'folder':<16}{'mistakes':>9}{'noticed':>9}{'explained':>11}{'left':>6}{'noticed, %':>12}")
     for folder in [*NEAREST, ""]:
-        told = [row for row in rows if row["mutant"][0].startswith(folder)]
-        noticed = sum(row["verdict"] == "noticed" for row in told)
-        left = [row for row in told if row["verdict"] == "survived"]
-        reasoned = [row for row in left if is_explained(row, reasons)]
+        told = [verdict for mutant, verdict in rows if mutant.folder.startswith(folder)]
         if told:
-            print(f"{folder or 'all':<16}{len(told):>9}{noticed:>9}{len(reasoned):>11}{len(left) - len(reasoned):>6}{100 * noticed / len(told):>12.1f}")
-    for row in left:
-        if row not in reasoned:
-            survived = True
-            print("survived: {1}:{2}: {5!r} -> {6!r} in: {8}".format(*row["mutant"]))
-    return survived
+            noticed, reasoned, left = (told.count(one) for one in ("noticed", "explained", "survived"))
+            print(f"{folder or 'all':<16}{len(told):>9}{noticed:>9}{reasoned:>11}{left:>6}{100 * noticed / len(told):>12.1f}")
+    survived = [mutant for mutant, verdict in rows if verdict == "survived"]
+    for mutant in survived:
+        print(f"survived: {mutant.name}:{mutant.line}: {mutant.before!r} -> {mutant.after!r} in: {mutant.text}")
+    return bool(survived)
 
 
 def asked_for():
@@ -258,23 +261,26 @@ def main():
     results = HOME / f"results-{asked.seed}.jsonl"
     told = [(number, mutant) for number, mutant in enumerate(chosen, 1) if how[number] != "refused"][: asked.count]
     told.sort(key=lambda one: how[one[0]] == "single")
-    rows = told_before(results)
+    rows, reasons = told_before(results), explained()
+    verdicts = lambda: [(mutant, "explained" if is_explained(mutant, reasons) and rows.get(mutant, {}).get("verdict") != "noticed" else rows[mutant]["verdict"])
+                        for _, mutant in told]
+    open_ones = [one for one in told if not is_explained(one[1], reasons)]
     judge = Judge(results, asked.when)
     if asked.again:
-        tests = [test for test in judge.tests if re.match(asked.again, test.name)]
-        for number, mutant in told:
+        for number, mutant in open_ones:
             if rows.get(mutant, {}).get("verdict") == "survived":
-                rows[mutant] = judge.judge(number, mutant, how[number], tests)
+                tests = [test for test in judge.tests if re.match(asked.again, test.name) and re.match(NEAREST[mutant.folder], test.name)]
+                rows[mutant] = judge.judge(number, mutant, how[number], tests, rows[mutant]["round"])
     asked_before = set()
     for turn, (names, seconds) in enumerate(ROUNDS):
         tests = [test for test in judge.measure(names) if test.seconds <= seconds and test not in asked_before]
         asked_before.update(tests)
-        for number, mutant in told:
+        for number, mutant in open_ones:
             row = rows.get(mutant)
             if not row or row["verdict"] == "survived" and row["round"] < turn:
                 passing = [test for test in tests if number in test.passes or how[number] == "single"]
                 rows[mutant] = judge.judge(number, mutant, how[number], passing, turn)
-    return 1 if table([rows[mutant] for _, mutant in told]) else 0
+    return 1 if table(verdicts()) else 0
 
 
 if __name__ == "__main__":
