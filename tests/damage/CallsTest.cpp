@@ -19,6 +19,7 @@ namespace damage {
 namespace {
 
 constexpr unsigned flash = 0x08000000;
+constexpr unsigned spim = 0x08400000;
 constexpr unsigned ram = 0x20001000;
 constexpr unsigned options = 0x1FFFF800;
 constexpr unsigned sectorSize = 2048;
@@ -62,6 +63,16 @@ int uploadSectors(HANDLE h, Room &room) {
 
 int uploadPart(HANDLE h, Room &room) {
     return ZVBL_UPLOAD(h, flash + 8, room.data(), 600);
+}
+
+int verifySpim(HANDLE h, Room &) {
+    Room bytes(4096, 0xFF);
+    return ZVBL_VERIFY(h, spim, bytes.data(), static_cast<unsigned>(bytes.size()), 0);
+}
+
+int uploadSpim(HANDLE h, Room &room) {
+    const int status = ZVBL_EnableBank3(h, 0, 0x100000, 0);
+    return status ? status : ZVBL_UPLOAD(h, spim, room.data(), most);
 }
 
 int tellCommands(HANDLE h, Room &room) {
@@ -115,7 +126,7 @@ struct Call {
 
 constexpr Call calls[] = {
     {"start", plain<calls::start>},
-    {"commands", tellCommands},
+    {"commands", tellCommands, Trait::unchecked},
     {"version", tellVersion, Trait::unchecked},
     {"identity", tellIdentity, Trait::unchecked},
     {"download", download},
@@ -123,6 +134,8 @@ constexpr Call calls[] = {
     {"verify", verifySectors},
     {"upload of sectors", uploadSectors, Trait::unchecked},
     {"upload of a part", uploadPart, Trait::unchecked},
+    {"verify of external flash", verifySpim},
+    {"upload of external flash", uploadSpim, Trait::unchecked},
     {"checksum", tellChecksum},
     {"erase of a sector", eraseSector},
     {"erase of a bank", plain<calls::eraseBank1>},
@@ -147,7 +160,7 @@ constexpr LinkRow lines[] = {
     {"USB DFU", usbDfu, "", makeDfuLine, true},
 };
 
-constexpr const char *chips[] = {"ZV32F421_16K", "ZV32F415_72K"};
+constexpr const char *chips[] = {"ZV32F421_16K", "ZV32F415_72K", "ZV32F403_2_64K"};
 
 struct Made {
     int status = 0;

@@ -91,7 +91,8 @@ bool isOfTheLoader(const Case &harmed, const Run &run) {
 std::string ofFailure(const Job &job, const Case &harmed, const Good &good, const Run &run) {
     if (endsProcess(harmed.fault))
         return run.status == 128 + harmed.fault.value ? "" : "the signal did not end it";
-    if (onlyTakesTime(harmed.fault))
+    // An erase is not tried twice; all that an upload asks for is.
+    if (onlyTakesTime(harmed.fault) && job.end == End::chip && job.output != nullptr)
         return "a failure, and nothing but time was lost";
     if (isOfTheLoader(harmed, run))
         return "";
