@@ -46,6 +46,21 @@ const Conversation conversations[] = {
         H: T0000007F0 / T1FFFFFFF8DEADBEEF01020304 / r0028 / R000000020
         C: Z / Z / z / Z
     )"},
+    {"digits_that_are_none", READY R"(
+        H: t07FX / tXXX0 / t07F1XX / t07F9
+        C: ! / ! / ! / !
+        told refused: adapter: "t07FX": malformed
+        told refused: adapter: "tXXX0": malformed
+        told refused: adapter: "t07F1XX": malformed
+        told refused: adapter: "t07F9": malformed
+    )"},
+    {"no_such_speed", R"(
+        H: S! / S9 / S55
+        C: ! / ! / !
+        told refused: adapter: "S!": there is no such speed
+        told refused: adapter: "S9": there is no such speed
+        told refused: adapter: "S55": there is no such speed
+    )"},
     {"an_empty_line", R"(
         H:  /
         C: .
