@@ -30,6 +30,8 @@ from copied import BUILD, HOME, SOURCE, TREE
 
 NOTES = HOME / "notes"
 HEADER = pathlib.Path(__file__).resolve().parent / "switch.h"
+# What writes the sources with switches.
+WRITERS = [(pathlib.Path(__file__).resolve().parent / name).read_text() for name in ("compiling.py", "extents.py", "switches.py")]
 EXPLAINED = pathlib.Path(__file__).resolve().parent / "explained.txt"
 
 # Of each folder: the tests that know it best.
@@ -79,7 +81,7 @@ def settle_all(chosen):
     with concurrent.futures.ProcessPoolExecutor(2) as pool:
         asked = {}
         for name, here in sources.items():
-            key = hashlib.sha256(json.dumps([here, (SOURCE / name).read_text(encoding="latin-1")]).encode()).hexdigest()
+            key = hashlib.sha256(json.dumps([here, (SOURCE / name).read_text(encoding="latin-1"), WRITERS]).encode()).hexdigest()
             asked[name] = key, None if key in known else pool.submit(settled, name, here)
         for name, (key, answer) in asked.items():
             if answer:
@@ -223,6 +225,11 @@ def is_explained(mutant, reasons):
     return any(all(one in ("*", other) for one, other in zip(reason, told)) for reason in reasons)
 
 
+def verdict_of(mutant, rows, reasons):
+    verdict = rows[mutant]["verdict"] if mutant in rows else "survived"
+    return "explained" if verdict == "survived" and is_explained(mutant, reasons) else verdict
+
+
 def table(rows):
     """`rows`: (mistake, what came of it: "noticed", "survived" or "explained"). Whether one survived."""
     print(f"{'folder':<16}{'mistakes':>9}{'noticed':>9}{'explained':>11}{'left':>6}{'noticed, %':>12}")
@@ -248,6 +255,25 @@ def asked_for():
     return words.parse_args()
 
 
+def judge_again(judge, names, mistakes, rows):
+    for number, mutant, how in mistakes:
+        if rows.get(mutant, {}).get("verdict") == "survived":
+            tests = [test for test in judge.tests if re.match(names, test.name) and re.match(NEAREST[mutant.folder], test.name)]
+            rows[mutant] = judge.judge(number, mutant, how, tests, rows[mutant]["round"])
+
+
+def judge_all(judge, mistakes, rows):
+    asked = set()
+    for turn, (names, seconds) in enumerate(ROUNDS):
+        tests = [test for test in judge.measure(names) if test.seconds <= seconds and test not in asked]
+        asked.update(tests)
+        for number, mutant, how in mistakes:
+            row = rows.get(mutant)
+            if not row or row["verdict"] == "survived" and row["round"] < turn:
+                passing = [test for test in tests if number in test.passes or how == "single"]
+                rows[mutant] = judge.judge(number, mutant, how, passing, turn)
+
+
 def main():
     asked = asked_for()
     copied.bring(asked.keep)
@@ -259,28 +285,14 @@ def main():
     copied.bring_rest(mistaken)
     copied.build()
     results = HOME / f"results-{asked.seed}.jsonl"
-    told = [(number, mutant) for number, mutant in enumerate(chosen, 1) if how[number] != "refused"][: asked.count]
-    told.sort(key=lambda one: how[one[0]] == "single")
+    told = [(number, mutant, how[number]) for number, mutant in enumerate(chosen, 1) if how[number] != "refused"][: asked.count]
     rows, reasons = told_before(results), explained()
-    verdicts = lambda: [(mutant, "explained" if is_explained(mutant, reasons) and rows.get(mutant, {}).get("verdict") != "noticed" else rows[mutant]["verdict"])
-                        for _, mutant in told]
-    open_ones = [one for one in told if not is_explained(one[1], reasons)]
+    mistakes = [one for one in sorted(told, key=lambda one: one[2] == "single") if not is_explained(one[1], reasons)]
     judge = Judge(results, asked.when)
     if asked.again:
-        for number, mutant in open_ones:
-            if rows.get(mutant, {}).get("verdict") == "survived":
-                tests = [test for test in judge.tests if re.match(asked.again, test.name) and re.match(NEAREST[mutant.folder], test.name)]
-                rows[mutant] = judge.judge(number, mutant, how[number], tests, rows[mutant]["round"])
-    asked_before = set()
-    for turn, (names, seconds) in enumerate(ROUNDS):
-        tests = [test for test in judge.measure(names) if test.seconds <= seconds and test not in asked_before]
-        asked_before.update(tests)
-        for number, mutant in open_ones:
-            row = rows.get(mutant)
-            if not row or row["verdict"] == "survived" and row["round"] < turn:
-                passing = [test for test in tests if number in test.passes or how[number] == "single"]
-                rows[mutant] = judge.judge(number, mutant, how[number], passing, turn)
-    return 1 if table(verdicts()) else 0
+        judge_again(judge, asked.again, mistakes, rows)
+    judge_all(judge, mistakes, rows)
+    return 1 if table([(mutant, verdict_of(mutant, rows, reasons)) for _, mutant, _ in told]) else 0
 
 
 if __name__ == "__main__":

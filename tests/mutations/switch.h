@@ -33,7 +33,7 @@ inline void note(int number) {
     errno = before;
 }
 
-inline bool made_is(int number) {
+inline bool madeIs(int number) {
     const int now = made.number;
     if (now == -1 && !passed[number])
         note(number);

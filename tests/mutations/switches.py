@@ -40,8 +40,8 @@ def switch(source, here, inside):
         return first.wrong()
     right = text_of(source, first.begin, first.end, inside)
     if first.kind == "call":
-        return f"{{ if (!mutations::made_is({number})) {right} }}"
-    asked = "".join(f"mutations::made_is({number}) ? {wrong(source, extent, inside)} : " for number, extent in here)
+        return f"{{ if (!mutations::madeIs({number})) {right} }}"
+    asked = "".join(f"mutations::madeIs({number}) ? {wrong(source, extent, inside)} : " for number, extent in here)
     return f"({asked}{right})"
 
 
