@@ -30,12 +30,12 @@ constexpr Harm harms[] = {
     {damage::Kind::gone, "port gone", any, false},
 };
 
-struct Way {
+struct Side {
     Units units;
     const char *name;
     std::vector<std::size_t> Fate::*places;
 };
-const Way ways[] = {{Units::toChip, "to chip", &Fate::toChip}, {Units::toHost, "to host", &Fate::toHost}};
+const Side sides[] = {{Units::toChip, "to chip", &Fate::toChip}, {Units::toHost, "to host", &Fate::toHost}};
 
 struct Steps {
     Units units;
@@ -88,7 +88,9 @@ Action actionOf(const Good &good, int status) {
 void checkFailure(const Good &good, const Ending &ending, Complaints &complaints) {
     const auto last = std::find_if(ending.calls.rbegin(), ending.calls.rend(), hasFailed);
     std::vector<std::string> texts;
-    if (last != ending.calls.rend()) {
+    if (last == ending.calls.rend()) {
+        texts.emplace_back(Info_CMDNotAllowed); // no check byte guards the list of commands of a chip
+    } else {
         texts = textsOf(last->function, last->status);
         for (auto call = ending.calls.rbegin(); call != last; ++call)
             if (changesChip(call->function))
@@ -140,13 +142,13 @@ private:
 
     void addHarm(const Harm &harm) {
         const Looks looks = harm.changesBytes && isUnverified(good()) ? Looks::no : Looks::yes;
-        for (const Way &way : ways)
-            for (std::size_t at = 0; at < countOf(good(), way.units); ++at) {
+        for (const Side &side : sides)
+            for (std::size_t at = 0; at < countOf(good(), side.units); ++at) {
                 Fate fate;
                 fate.kind = harm.kind;
-                fate.*way.places = {at};
+                fate.*side.places = {at};
                 fate.seed = m_seed + static_cast<std::uint32_t>(at);
-                add(harm.name, std::string(" ") + way.name + " " + std::to_string(at), fate, looks);
+                add(harm.name, std::string(" ") + side.name + " " + std::to_string(at), fate, looks);
             }
     }
 
