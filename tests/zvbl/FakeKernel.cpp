@@ -62,8 +62,10 @@ ssize_t __wrap_recv(int, void *bytes, size_t room, int) {
         return -1;
     const Message message = kernel->received.front();
     kernel->received.pop_front();
+    if (message.empty())
+        return -1;
     std::memcpy(bytes, message.data(), std::min(room, message.size()));
-    return message.empty() ? -1 : static_cast<ssize_t>(std::min(room, message.size()));
+    return static_cast<ssize_t>(std::min(room, message.size()));
 }
 
 unsigned __wrap_if_nametoindex(const char *) {
