@@ -41,7 +41,7 @@ Status Session::open() {
     m_hasEraseExt = true;
     m_id.reset();
     m_crc = {};
-    m_ahead = {};
+    forgetCells();
     return Status::ok;
 }
 
@@ -69,8 +69,14 @@ Status Session::transfer(const Command &command, Bytes &reply) {
     const Status status = m_parts.framing->transfer(command, reply, m_timeout);
     m_trace->endExchange(status == Status::ok);
     if (status != Status::ok || !leavesCells(command.opcode))
-        m_ahead = {};
+        forgetCells();
     return status;
+}
+
+// What was heard of them and not asked for yet.
+void Session::forgetCells() {
+    m_ahead = {};
+    m_userData = {};
 }
 
 bool Session::isWorthAnotherTry(Status status) {

@@ -55,6 +55,14 @@ struct CrcsAhead {
     TimePoint heard{};
 };
 
+// Whoever reads the user system data for one check reads them again for the next: what came last answers once more,
+// unless anything could have changed it since, or a moment has passed.
+struct UserDataRead {
+    std::uint32_t address = 0;
+    Bytes data; // empty: not known
+    TimePoint heard{};
+};
+
 // One link: its settings, and the commands of the bootloader on it. Nothing here knows which kind of
 // link it is. Every command answers notOpen while the link is closed.
 class Session {
@@ -114,6 +122,7 @@ private:
     Status askUserData(const Command &read, Bytes &data);
     Status command(const Command &command, Tries tries);
     Status transfer(const Command &command, Bytes &reply);
+    void forgetCells();
     std::size_t packetSize() const { return m_parts.framing->packetSize(m_packetSize); }
     Status writePacket(Block block, bool more);
     Status compareRun(const std::vector<Packet> &run, const std::uint8_t *data);
@@ -166,6 +175,7 @@ private:
     std::optional<Bytes> m_id; // the last that was answered
     SectorCrc m_crc;
     CrcsAhead m_ahead;
+    UserDataRead m_userData;
 };
 
 } // namespace zvbl

@@ -8,7 +8,7 @@ namespace zvbl {
 
 Status Session::start(const StartSettings &settings) {
     m_id.reset();
-    m_ahead = {};
+    forgetCells();
     return isOpen() ? m_parts.framing->start(settings, m_timeout) : Status::notOpen;
 }
 

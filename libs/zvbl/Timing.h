@@ -17,7 +17,7 @@ struct Timing {
     Duration opening = std::chrono::milliseconds(100);                   // CAN: from one opening frame to the next
     Duration prompt = std::chrono::milliseconds(5);      // USART: the first opening byte is answered at once,
     Duration promptQuiet = std::chrono::milliseconds(3); // and then this is quiet enough
-    Duration believed = std::chrono::seconds(1);         // a checksum that was heard before it was needed
+    Duration believed = std::chrono::seconds(1);         // what was heard before it was needed
     Duration longestPoll = std::chrono::minutes(10);     // DFU: whatever a device asks for
 };
 

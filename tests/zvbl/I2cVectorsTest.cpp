@@ -3,6 +3,7 @@
 #include <cstring>
 #include <functional>
 
+#include "libs/zvbl/Timing.h"
 #include "tests/zvbl/Calls.h"
 #include "tests/zvbl/FakeI2c.h"
 #include "tests/zvbl/NodeFixture.h"
@@ -125,6 +126,9 @@ TEST_F(I2cVectorsTest, UserSystemDataRead) {
 // Where a byte FF is lost, the idle level stands in the place of the check byte, and fits.
 TEST_F(I2cVectorsTest, UserSystemDataWithTheIdleLevelForACheckByteComeTwice) {
     const std::vector<std::string> asked = {"> E1 1E", "< 79", "> 1F FF F8 00 18", "< 79", "> 00 03 03", "< 79"};
+    zvbl::Timing hasty = zvbl::timing();
+    hasty.believed = {}; // else the second reading in a row is answered by the first
+    zvbl::setTiming(hasty);
     const auto read = [&](const std::vector<std::string> &answers) {
         std::vector<std::string> all;
         for (const std::string &answer : answers) {
