@@ -47,6 +47,9 @@ By the operator, and by a hook: why a unit may not be made, what it complains of
   $ chip_on ZV32F421_16K
   $ hook 'echo "{\"ok\":false,\"why\":\"\\\\u001b[2J\\\\u009b2J\"}"'
   $ say zv32-line make job.toml --station station.toml --order "$evil"
+  status 1, harmful lines: 0
+  zv32-line: --order: holds control characters
+  $ say zv32-line make job.toml --station station.toml
   status 4, harmful lines: 0
   A1 REFUSED not allowed: ?[2J?2J
   $ hook 'printf "\\033[2J\\302\\2332J" >&2; exit 1'

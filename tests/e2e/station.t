@@ -20,7 +20,7 @@ What can't be undone is not begun without the approval of its plan: the chip hea
   > EOF
   $ line_of() { as_root zv32-line "$@" --station station.toml </dev/null; }
   $ log() { grep -c "$1" log; }
-  $ chip_on ZV32F457_256K --verbose --log log --fault silence@21
+  $ chip_on ZV32F457_256K --verbose --log log --fault silence@20
   $ line_of make job.toml 2>&1 | sed 's/[0-9a-f]\{64\}/HASH/'
   zv32-line: the plan HASH is not approved
   $ line_of station job.toml 2>/dev/null
