@@ -25,6 +25,7 @@ public:
     // Starts it; it reads this JSON from standard input. Throws nothing that a hook is the reason of: that is its end.
     // The call has to live longer.
     Hook(const HookCall &call, const Json &said);
+    Hook(HookCall &&, const Json &) = delete;
     // It, and what it has started, is killed where it still runs.
     ~Hook();
     Hook(const Hook &) = delete;
