@@ -2,7 +2,7 @@
 # Installs what is missing, builds, and runs all tests.
 #
 # usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage|--mutations SEED COUNT]
-#   --all     also builds with clang++, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
+#   --all     also reads all with clang++ for its warnings, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
 #             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
 #   --packages  makes the Debian packages, here and in a bare root, and installs, upgrades and removes them in another;
@@ -99,9 +99,10 @@ if [ -n "$kernel" ]; then
 fi
 run release
 if [ -n "$all" ]; then
-    build clang
-    echo "== clang-tidy"
+    echo "== clang++ and clang-tidy"
+    cmake --preset clang >/dev/null
     tools/tidy.sh
+    tools/clang-warnings.py
     build asan
     run asan
     build tsan --target console_tests
