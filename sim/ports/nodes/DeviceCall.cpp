@@ -49,13 +49,6 @@ ClientMemory ClientMemory::behind(std::size_t offset, std::size_t length) const 
     return told(problem, error) ? ClientMemory(found) : ClientMemory();
 }
 
-bool ClientMemory::reload() const {
-    GError *problem = nullptr;
-    const bool done = m_data != nullptr && umockdev_ioctl_data_reload(m_data, &problem);
-    std::string error;
-    return told(problem, error) && done;
-}
-
 void ClientMemory::point(std::size_t offset, const ClientMemory &target) const {
     umockdev_ioctl_data_set_ptr(m_data, offset, target.m_data);
 }

@@ -42,9 +42,6 @@ public:
     // What the pointer at `offset` points to.
     ClientMemory behind(std::size_t offset, std::size_t length) const;
 
-    // Fetches it again: a client may fill in more between two calls.
-    bool reload() const;
-
     // Lets the pointer at `offset` point to `target`, another piece of the same client's memory, which
     // travels back with this call.
     void point(std::size_t offset, const ClientMemory &target) const;

@@ -51,7 +51,7 @@ std::string HubPort::path() const {
     return "/devices/platform/zv32/usb" + bus + "/" + bus + "-" + std::to_string(m_port);
 }
 
-// What sysfs and udev know of a device.
+// What sysfs and udev know of a device, which has a name and a serial number.
 std::string HubPort::description() const {
     const UsbDescriptors &known = m_device.descriptors();
     const Bytes &device = known.device;
@@ -68,10 +68,8 @@ std::string HubPort::description() const {
             attribute("devpath", std::to_string(m_port)) + attribute("speed", "12") +
             attribute("bConfigurationValue", "1") + attribute("bNumConfigurations", "1") +
             attribute("idVendor", hexNumber(device, 8)) + attribute("idProduct", hexNumber(device, 10));
-    if (device[productString] != 0)
-        text += attribute("product", known.strings[device[productString] - 1U]);
-    if (device[serialString] != 0)
-        text += attribute("serial", known.strings[device[serialString] - 1U]);
+    text += attribute("product", known.strings[device[productString] - 1U]) +
+            attribute("serial", known.strings[device[serialString] - 1U]);
     return text;
 }
 

@@ -103,10 +103,6 @@ void Testbed::withdraw(const std::string &path, const std::vector<std::string> &
         unlink((m_root + node).c_str()); // umockdev leaves the file of a node with contents
 }
 
-int Testbed::terminal(const std::string &node) const {
-    return umockdev_testbed_get_dev_fd(m_testbed, node.c_str());
-}
-
 bool Testbed::somebodyConnected() const {
     const std::lock_guard<std::mutex> lock(m_clientsMutex);
     const auto last = std::remove_if(m_clients.begin(), m_clients.end(), [](_UMockdevIoctlClient *client) {

@@ -52,9 +52,6 @@ public:
     // handled included. Who opens a node later is served.
     void cutOff() { ++m_generation; }
 
-    // The other end of a node that is a terminal; -1 if it is none.
-    int terminal(const std::string &node) const;
-
     // Waits until nobody has a node open, but not for long: a client whose call finds no testbed any more is
     // ended by its preload.
     void awaitClients() const;

@@ -19,7 +19,6 @@ namespace sim {
 
 namespace {
 
-const std::string controller = "/sys/devices/platform/vhci_hcd.0";
 constexpr unsigned freePort = 4;                   // VDEV_ST_NULL
 constexpr unsigned deviceId = 1 << 16 | 2;         // where it was taken from: a bus and a device there. Anything.
 constexpr Nanoseconds longestRelease = 2 * second; // the kernel frees a port some time after its unplugging
@@ -46,8 +45,12 @@ std::string nodeIfThere(const std::string &path) {
 
 } // namespace
 
+std::string Vhci::controller() const {
+    return m_places.sysfs + "/devices/platform/vhci_hcd.0";
+}
+
 bool Vhci::choosePort(std::string &error) {
-    std::ifstream status(controller + "/status");
+    std::ifstream status(controller() + "/status");
     error = "the kernel has no vhci_hcd: modprobe vhci-hcd";
     for (std::string line; m_port < 0 && std::getline(status, line);) {
         int port = 0;
@@ -63,7 +66,7 @@ bool Vhci::choosePort(std::string &error) {
 bool Vhci::hand(int fd, UsbSpeed speed, std::string &error) const {
     const std::string words = std::to_string(m_port) + " " + std::to_string(fd) + " " + std::to_string(deviceId) + " " +
                               std::to_string(static_cast<int>(speed));
-    const int attach = open((controller + "/attach").c_str(), O_WRONLY | O_CLOEXEC);
+    const int attach = open((controller() + "/attach").c_str(), O_WRONLY | O_CLOEXEC);
     const Nanoseconds end = clockNow() + longestRelease;
     bool done = false;
     while (attach >= 0 && !(done = write(attach, words.data(), words.size()) >= 0) && errno == EBUSY &&
@@ -99,7 +102,7 @@ void Vhci::unplug() {
 
 // The hub of 480 Mbit/s has the ports for all devices up to that.
 std::string Vhci::directory() const {
-    for (const std::string &hub : matches(controller + "/usb*")) {
+    for (const std::string &hub : matches(controller() + "/usb*")) {
         if (firstLine(hub + "/speed") == "480") {
             const std::string bus = hub.substr(hub.rfind("usb") + 3);
             return hub + "/" + bus + "-" + std::to_string(m_port + 1);
@@ -112,7 +115,7 @@ std::string Vhci::node(const std::string &pattern) const {
     const std::string device = directory();
     if (!pattern.empty()) {
         const std::vector<std::string> found = matches(device + "/" + pattern);
-        return found.empty() ? "" : nodeIfThere("/dev/" + found[0].substr(found[0].rfind('/') + 1));
+        return found.empty() ? "" : nodeIfThere(m_places.nodes + "/" + found[0].substr(found[0].rfind('/') + 1));
     }
     unsigned bus = 0;
     unsigned number = 0;
@@ -121,8 +124,8 @@ std::string Vhci::node(const std::string &pattern) const {
         std::sscanf(firstLine(device + "/devnum").c_str(), "%u", &number) != 1)
         return "";
     char path[64];
-    std::snprintf(path, sizeof path, "/dev/bus/usb/%03u/%03u", bus, number);
-    return nodeIfThere(path);
+    std::snprintf(path, sizeof path, "/bus/usb/%03u/%03u", bus, number);
+    return nodeIfThere(m_places.nodes + path);
 }
 
 } // namespace sim

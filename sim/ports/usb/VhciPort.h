@@ -10,7 +10,8 @@ namespace sim {
 class VhciPort : public Port {
 public:
     // `node` leads to the node of the driver that takes the device: see Vhci::node().
-    VhciPort(UsbDevice &device, std::string node) : m_device(device), m_node(std::move(node)), m_usbIp(device) {}
+    VhciPort(UsbDevice &device, std::string node, UsbPlaces places = {})
+        : m_device(device), m_node(std::move(node)), m_vhci(std::move(places)), m_usbIp(device) {}
 
     bool plugIn(std::string &error) override { return followPresence(error); }
     void unplug() override { m_vhci.unplug(); }
