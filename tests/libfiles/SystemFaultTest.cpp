@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -25,6 +26,8 @@ struct {
     int after = 0; // calls that work before it
 } fault;
 
+std::string appearing; // somebody makes this file just before ours gets its name
+
 bool befalls(const char *call) {
     if (fault.times == 0 || fault.call != call || fault.after-- > 0)
         return false;
@@ -45,6 +48,8 @@ bool befallsSync() {
     return befalls("fsync");
 }
 bool befallsLink() {
+    if (!appearing.empty())
+        writeFile(std::exchange(appearing, ""), "another");
     return befalls("linkat");
 }
 
@@ -143,6 +148,13 @@ TEST_F(SystemFaults, WhereEveryNameIsTakenNothingIsSaved) {
     fail("linkat", EEXIST, 101);
     EXPECT_EQ(saved("o.bin", {{0, pattern(100)}}), unableToOpenTempFile);
     EXPECT_TRUE(dir.entries().empty());
+}
+
+TEST_F(SystemFaults, AFileThatAppearsMeanwhileIsReplaced) {
+    appearing = dir / "o.bin";
+    EXPECT_EQ(saved("o.bin", {{0, pattern(100)}}), noError);
+    EXPECT_EQ(readBytes(dir / "o.bin"), pattern(100));
+    EXPECT_EQ(dir.entries(), std::vector<std::string>{"o.bin"});
 }
 
 TEST_F(SystemFaults, AnOwnerThatCannotBeKeptTakesTheSetUserBitsWithHim) {

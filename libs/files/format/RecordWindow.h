@@ -46,9 +46,10 @@ public:
         return m_at == m_end || isBlank(*m_at) || *m_at == textEnd;
     }
 
-    // Passes over a Ctrl-Z, which old editors leave at the end of a text; false if none is there.
+    // Where next() has found something: passes over a Ctrl-Z, which old editors leave at the end of a text; false if it
+    // is none.
     bool passTextEnd() {
-        if (m_at == m_end || *m_at != textEnd)
+        if (*m_at != textEnd)
             return false;
         ++m_at;
         return true;

@@ -81,22 +81,18 @@ Status CanFraming::open(Duration timeout) {
 
 // Hears until the opening frame is answered. What comes before it is old.
 Status CanFraming::hearOpened(TimePoint until, std::uint8_t &answer) {
-    CanFrame frame;
-    Status status = Status::ok;
-    while (status == Status::ok) {
-        status = hear(frame, until);
-        if (status != Status::ok)
-            break;
+    for (CanFrame frame;;) {
+        if (const Status status = hear(frame, until); status != Status::ok)
+            return status;
         const bool right = isAnswerTo(wire::sync, frame);
         note(frame, right);
         if (right) {
             answer = frame.size == 1 ? frame.data[0] : std::uint8_t{0};
-            break;
+            return Status::ok;
         }
         if (Clock::now() > until)
             return Status::noAnswer;
     }
-    return status;
 }
 
 Status CanFraming::getInStep() {
