@@ -25,10 +25,7 @@ Status Session::configure(std::uint8_t linkType, const LinkSettings &settings) {
 }
 
 Status Session::open() {
-    if (isOpen()) {
-        if (const Status status = close(); status != Status::ok)
-            return status;
-    }
+    letGo();
     if (!m_kind)
         return Status::cantOpen;
     if (!m_kind->accepts(m_settings))
@@ -48,9 +45,13 @@ Status Session::open() {
 Status Session::close() {
     if (!isOpen())
         return Status::notOpen;
+    letGo();
+    return Status::ok;
+}
+
+void Session::letGo() {
     m_parts.framing.reset();
     m_parts.transport.reset();
-    return Status::ok;
 }
 
 Status Session::setTimeout(std::chrono::milliseconds timeout) {

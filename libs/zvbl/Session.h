@@ -117,6 +117,7 @@ private:
     enum class Tries { once = 1, thrice = 3 };
     static bool isWorthAnotherTry(Status status);
 
+    void letGo();
     Status exchange(const Command &command, Bytes &reply, Tries tries);
     Status askId(Bytes &id);
     Status askUserData(const Command &read, Bytes &data);

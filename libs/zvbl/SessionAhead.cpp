@@ -25,7 +25,7 @@ void Session::noteCompared(const Sectors &sectors) {
 // Whether the checksum of a sector that follows what was compared is known, and fits. Each is used once: who
 // compares a sector again wants it looked at again.
 bool Session::fitAhead(const Sectors &sector, const std::uint8_t *data) {
-    if (!m_ahead.goesOn || m_ahead.next != sector.address || !m_crc.trusted)
+    if (!m_ahead.goesOn || m_ahead.next != sector.address)
         return false;
     if (m_ahead.crcs.empty() || Clock::now() - m_ahead.heard > timing().believed)
         askAhead();

@@ -31,6 +31,7 @@ TEST_F(BufferTest, TwoIdentifiersThatDifferAreSettledByAThird) {
     EXPECT_EQ(idAfter({wrong}, {right, right}, 0), "02 42");
     EXPECT_EQ(idAfter({right}, {wrong, right}, 0), "02 42");
     EXPECT_EQ(idAfter({right}, {wrong, other}, 5), "00 00");
+    EXPECT_EQ(idAfter({right}, {wrong, {"02 FD", "79 00 42 79"}}, 5), "00 00");
 }
 
 // A PID, or a PID and a series. The caller's buffer holds no more.

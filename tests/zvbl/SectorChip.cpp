@@ -66,7 +66,7 @@ void SectorChip::serve() {
 
 void SectorChip::serveOne(std::uint8_t opcode) {
     if (opcode == 0x00)
-        answer(hex(hidesCommand() ? "79 01 21 11 79" : "79 02 21 11 AC 79"));
+        serveList();
     else if (opcode == 0x11)
         serveRead();
     else if (opcode == 0x44)
@@ -77,14 +77,27 @@ void SectorChip::serveOne(std::uint8_t opcode) {
         answer({nack});
 }
 
-bool SectorChip::hidesCommand() {
+void SectorChip::serveList() {
     const int list = ++lists;
-    return m_crc == Crc::notListed || (m_crc == Crc::hiddenOnce && list == 1);
+    if (m_crc == Crc::listedOnce && list > 1) {
+        answer({nack});
+        return;
+    }
+    const bool hides = m_crc == Crc::notListed || m_crc == Crc::listedOnce || (m_crc == Crc::hiddenOnce && list == 1);
+    zvbl::Bytes commands = hex(hides ? "79 01 21 11 79" : "79 02 21 11 AC 79");
+    if (m_crc == Crc::listsDiffer)
+        commands = {ack, 2, 0x21, 0x11, static_cast<std::uint8_t>(0xF0 + list), ack};
+    answer(commands);
 }
 
 std::size_t SectorChip::toldSize() const {
-    const bool other = m_crc == Crc::oddSize || (m_crc == Crc::sizeLost && sizeQuestions < 3);
-    return other ? 2000 : sectorSize;
+    switch (m_crc) {
+    case Crc::oddSize: return 2000;
+    case Crc::tinySize: return 1;
+    case Crc::hugeSize: return 128 * 1024;
+    case Crc::sizeLost: return sizeQuestions < 3 ? 2000 : sectorSize;
+    default: return sectorSize;
+    }
 }
 
 void SectorChip::serveRead() {
@@ -102,6 +115,7 @@ void SectorChip::serveRead() {
     if (damageAll || damagedReads.count(read) > 0)
         reply[2] ^= static_cast<std::uint8_t>(read % 255 + 1);
     answer(reply);
+    m_dead = m_dead || read == lastRead;
 }
 
 void SectorChip::serveCrc() {
@@ -122,10 +136,10 @@ void SectorChip::serveCrc() {
         return;
     }
     ++questions;
-    m_dead = m_crc == Crc::deadly;
+    m_dead = m_dead || m_crc == Crc::deadly;
     if (m_crc == Crc::refusedCount)
         answer({nack});
-    else if (m_crc != Crc::dropped && !m_dead)
+    else if (m_crc != Crc::dropped && (m_crc != Crc::droppedLater || questions == 1))
         answer(checked({checksum(number(address, 4) - base, sectors * sectorSize)}));
 }
 

@@ -22,6 +22,11 @@ public:
         sizeNotTold,
         sizeLost,     // the first two answers tell another size
         oddSize,      // a size that no sector has
+        tinySize,     // another, which is too small
+        hugeSize,     // and one that is too large
+        listsDiffer,  // no two lists are the same, and none has the command
+        listedOnce,   // the second list is refused, and the first has not the command
+        droppedLater, // no answer to the number of sectors, but to the first
         notOfEach,    // it knows no question for several checksums
         fewOfEach,    // it refuses that question for more than two sectors
         silentOfEach, // no answer to that question
@@ -44,17 +49,18 @@ public:
     std::atomic<int> questionsOfEach{0}; // for one of each sector
     std::atomic<int> sizeQuestions{0};
     std::atomic<int> lists{0};
+    std::atomic<int> lastRead{0}; // after so many READs it is dead, if not 0
 
 private:
     void serve();
     void serveOne(std::uint8_t opcode);
+    void serveList();
     void serveRead();
     void serveCrc();
     void serveCrcOfEach(std::size_t from, std::size_t sectors);
     void serveErase();
     zvbl::Bytes take(std::size_t count);
     void answer(const zvbl::Bytes &bytes);
-    bool hidesCommand();
     std::size_t toldSize() const;
     std::uint32_t checksum(std::size_t from, std::size_t count) const;
 

@@ -41,7 +41,7 @@ protected:
     // A chip with that memory, which has told its commands.
     std::unique_ptr<SectorChip> chipWith(Crc crc) {
         auto chip = std::make_unique<SectorChip>(pty, memory, crc);
-        for (const Crc silent : {Crc::dropped, Crc::deadly, Crc::silentOfEach, Crc::deadlyOfEach})
+        for (const Crc silent : {Crc::dropped, Crc::droppedLater, Crc::deadly, Crc::silentOfEach, Crc::deadlyOfEach})
             if (crc == silent) // an answer that never comes is waited for
                 EXPECT_EQ(SetTimeOut(link, shortPatienceMs), 0);
         BYTE version = 0;
