@@ -30,12 +30,25 @@ bool fails(const std::string &call) {
     return true;
 }
 
+ssize_t take(std::deque<Message> &messages, void *bytes, size_t room) {
+    errno = messages.empty() ? EAGAIN : EINTR;
+    if (messages.empty())
+        return -1;
+    const Message message = messages.front();
+    messages.pop_front();
+    if (message.empty())
+        return -1;
+    std::memcpy(bytes, message.data(), std::min(room, message.size()));
+    return static_cast<ssize_t>(std::min(room, message.size()));
+}
+
 } // namespace
 
 #pragma GCC visibility push(default)
 extern "C" {
 
 int __real_stat(const char *path, struct stat *info);
+ssize_t __real_read(int fd, void *bytes, size_t room);
 ssize_t __real_write(int fd, const void *bytes, size_t count);
 
 int __wrap_socket(int, int, int) {
@@ -55,17 +68,18 @@ ssize_t __wrap_send(int, const void *, size_t count, int) {
 }
 
 ssize_t __wrap_recv(int, void *bytes, size_t room, int) {
-    if (fails("recv"))
+    return fails("recv") ? -1 : take(kernel->received, bytes, room);
+}
+
+ssize_t __wrap_read(int fd, void *bytes, size_t room) {
+    if (kernel == nullptr)
+        return __real_read(fd, bytes, room);
+    if (fails("read"))
         return -1;
-    errno = kernel->received.empty() ? EAGAIN : EINTR;
-    if (kernel->received.empty())
-        return -1;
-    const Message message = kernel->received.front();
-    kernel->received.pop_front();
-    if (message.empty())
-        return -1;
-    std::memcpy(bytes, message.data(), std::min(room, message.size()));
-    return static_cast<ssize_t>(std::min(room, message.size()));
+    if (!kernel->babbles || !kernel->said.empty())
+        return take(kernel->said, bytes, room);
+    std::memset(bytes, 0x55, room);
+    return static_cast<ssize_t>(room);
 }
 
 unsigned __wrap_if_nametoindex(const char *) {
@@ -91,9 +105,14 @@ int __wrap_ioctl(int, unsigned long request, ...) {
 }
 
 ssize_t __wrap_write(int fd, const void *bytes, size_t count) {
-    if (kernel == nullptr || count != sizeof(can_frame))
-        return __real_write(fd, bytes, count);
-    return fails("write") ? -1 : static_cast<ssize_t>(count);
+    if (fails("write"))
+        return -1;
+    if (kernel != nullptr && !kernel->answers.empty()) {
+        kernel->said.push_back(kernel->answers.front());
+        kernel->answers.pop_front();
+    }
+    const bool isFrame = kernel != nullptr && count == sizeof(can_frame);
+    return isFrame ? static_cast<ssize_t>(count) : __real_write(fd, bytes, count);
 }
 
 int __wrap_ppoll(pollfd *, nfds_t, const timespec *, const sigset_t *) {

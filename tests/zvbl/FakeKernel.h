@@ -23,6 +23,9 @@ struct Failure {
 struct Kernel {
     std::map<std::string, Failure> failing;
     std::deque<Message> received; // an empty one ends with EINTR
+    std::deque<Message> answers;  // what can be read after each write
+    std::deque<Message> said;     // and was not read yet
+    bool babbles = false;         // then there is always something to read
     unsigned newNode = 0;         // the node has another inode since
     unsigned newDevice = 0;       // or lies on another device
 };

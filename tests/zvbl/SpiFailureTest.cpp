@@ -277,4 +277,29 @@ TEST_F(SpiFailureTest, ABusHasNoControlLines) {
     EXPECT_EQ(play(reset, [&] { return resetChip(); }), 0);
 }
 
+TEST_F(SpiFailureTest, AListThatNeverComesIs5) {
+    const Exchanges list = {{"5A 00 FF", "5A 79"}};
+    hurry();
+    BYTE version = 0;
+    Commands commands;
+    EXPECT_EQ(play(list + opening + list + opening + list, [&] { return ZVBL_GET(link, &version, &commands); }), 5);
+}
+
+// Of what one call of the driver may carry.
+TEST_F(SpiFailureTest, ADriverWithASmallBufferIsCalledMoreOften) {
+    const auto callsWith = [&](const char *size) {
+        const std::filesystem::path file =
+            std::getenv("UMOCKDEV_DIR") + std::string("/sys/module/spidev/parameters/bufsiz");
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file) << size;
+        EXPECT_EQ(Interface_Open(link), 0);
+        EXPECT_EQ(play(reset, [&] { return resetChip(); }), 0);
+        return fake.count();
+    };
+    const int usual = callsWith("4096\n");
+    EXPECT_EQ(callsWith("0\n"), usual);
+    EXPECT_EQ(callsWith("no number\n"), usual);
+    EXPECT_GT(callsWith("128\n"), usual);
+}
+
 } // namespace
