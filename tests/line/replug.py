@@ -5,7 +5,8 @@ the nest where it was, and that what the line told of a nest was true of the chi
 usage: replug.py BIN-DIR MAP-DIR [--nests N] [--rounds N] [--seed N]
 
 A round plugs a new chip in at each nest. In some, the chips are taken out while they are made and go on at another nest; in
-some, those that are made come to another nest, and none may be made again.
+some, those that are made come to another nest, and none may be made again; in some, another chip is there before anybody
+could see that the first one has gone.
 """
 import argparse
 import os
@@ -151,10 +152,13 @@ class Replug:
         for nest, chip in zip(nests, chips):
             chip.wait_until_out()
             self.line.until(nest, "empty")
-            for number in self.line.passed[nest]:
-                if chip.made_at:
-                    self.wrong.append(f"{nest} told PASS {number} of a chip that was made at {chip.made_at}")
-                chip.made_at, chip.told = nest, number
+            self.note(nest, chip)
+
+    def note(self, nest, chip):
+        for number in self.line.passed[nest]:
+            if chip.made_at:
+                self.wrong.append(f"{nest} told PASS {number} of a chip that was made at {chip.made_at}")
+            chip.made_at, chip.told = nest, number
 
     def plug_in(self, chips):
         at = list(zip(self.nests, chips))
@@ -168,9 +172,27 @@ class Replug:
             self.line.until(nest, "REFUSED" if chip.made_at else "PASS")
             self.again += 1 if chip.made_at else 0
 
-    def round(self, kind):
+    def new_chips(self):
         chips = [Chip(self.place, self.programs, self.chips + i) for i in range(len(self.nests))]
         self.chips += len(chips)
+        return chips
+
+    def exchange(self, chips):
+        """A new chip takes the place of each, and no moment is between them: the link to its port replaces that to the other."""
+        others = self.new_chips()
+        for nest, chip in zip(self.nests, chips):
+            self.note(nest, chip)
+            del self.line.told[nest]
+        self.plug_in(others)
+        self.see(others)
+        for chip in chips:
+            chip.unplug()
+            chip.wait_until_out()
+            self.hold(chip)
+        return others
+
+    def round(self, kind):
+        chips = self.new_chips()
         self.plug_in(chips)
         if kind == 1:  # they leave while they are made, and go on at another nest
             self.line.read(self.random.uniform(0, 0.2))
@@ -181,7 +203,9 @@ class Replug:
             self.see(chips)
         if kind == 2:
             self.take_out(self.nests, chips)
-        if kind > 0:
+        if kind == 3:
+            chips = self.exchange(chips)
+        elif kind > 0:
             chips = chips[1:] + chips[:1]
             self.plug_in(chips)
             self.see(chips)
@@ -191,7 +215,7 @@ class Replug:
 
     def rounds(self, count):
         for number in range(count):
-            self.round(number % 3)
+            self.round(number % 4)
 
     def hold(self, chip):
         found = chip.memory()
