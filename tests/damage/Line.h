@@ -84,5 +84,6 @@ std::unique_ptr<Line> makeCanLine(const sim::ChipFacts &facts);
 std::unique_ptr<Line> makeI2cLine(const sim::ChipFacts &facts);
 std::unique_ptr<Line> makeSpiLine(const sim::ChipFacts &facts);
 std::unique_ptr<Line> makeDfuLine(const sim::ChipFacts &facts);
+std::unique_ptr<Line> makeSlcanLine(const sim::ChipFacts &facts);
 
 } // namespace damage

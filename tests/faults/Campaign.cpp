@@ -6,7 +6,6 @@
 #include <exception>
 #include <filesystem>
 #include <map>
-#include <numeric>
 #include <random>
 #include <sstream>
 
@@ -71,7 +70,8 @@ Table tableOf(const std::vector<std::string> &lines) {
 
 std::string aboutOf(const Wish &wish) {
     const auto made = std::filesystem::last_write_time("/proc/self/exe").time_since_epoch().count();
-    return "cells done by the program of " + std::to_string(made) + ", seed " + std::to_string(wish.seed);
+    return "cells done by the program of " + std::to_string(made) + ", seed " + std::to_string(wish.seed) +
+           ", one case of " + std::to_string(wish.every);
 }
 
 // What is not about all cells and cases goes to a file of its own.
@@ -84,9 +84,10 @@ std::string doneFileOf(const Wish &wish) {
 }
 
 std::vector<std::size_t> chosen(const Wish &wish, const std::string &cell, std::size_t cases) {
-    std::vector<std::size_t> all(cases);
-    std::iota(all.begin(), all.end(), std::size_t{0});
-    if (!wish.count || *wish.count >= cases || !wish.oneCase.empty())
+    std::vector<std::size_t> all;
+    for (std::size_t number = 0; number < cases; number += wish.oneCase.empty() ? wish.every : 1)
+        all.push_back(number);
+    if (!wish.count || *wish.count >= all.size() || !wish.oneCase.empty())
         return all;
     std::seed_seq sequence(cell.begin(), cell.end());
     std::mt19937 random(sequence);
@@ -113,9 +114,9 @@ void runCase(const char *program, const Cell &cell, const Case &one, Row &row) {
 Table runCell(const Wish &wish, const char *program, const Cell &cell) {
     Table table;
     try {
-        const std::vector<Case> cases = cell.cases();
-        for (const std::size_t number : chosen(wish, cell.name, cases.size())) {
-            const Case &one = cases[number];
+        const Cases cases = cell.cases();
+        for (const std::size_t number : chosen(wish, cell.name, cases.count)) {
+            const Case one = cases.at(number);
             if (wish.oneCase.empty() || one.name == wish.oneCase)
                 runCase(program, cell, one, table[one.line.empty() ? cell.name : one.line]);
         }
@@ -213,6 +214,8 @@ Wish readWords(int count, char **words) {
             wish.seed = number;
         else if (word == "--count" && number > 0)
             wish.count = number;
+        else if (word == "--every" && number > 0)
+            wish.every = number;
         else if (word == "--jobs" && number > 0)
             wish.jobs = number;
         else if (word == "--cell")
@@ -230,7 +233,8 @@ Wish readWords(int count, char **words) {
 int runCampaign(const Wish &wish, const char *program, const std::vector<Cell> &cells) {
     if (wish.trouble) {
         std::fprintf(stderr,
-                     "%s?\nusage: %s [--count N] [--seed N] [--jobs N] [--done FILE] [--cell NAME] [--case NAME]\n",
+                     "%s?\nusage: %s [--count N] [--every N] [--seed N] [--jobs N] [--done FILE] [--cell NAME] "
+                     "[--case NAME]\n",
                      wish.trouble, program);
         return 2;
     }
@@ -247,7 +251,8 @@ int runCampaign(const Wish &wish, const char *program, const std::vector<Cell> &
     }
     const bool orderly = runAll(wish, program, open, done);
     const Row sum = printTable(wanted, done.read());
-    std::printf("\nSeed %u; %.0f s of processor time%s.\n", wish.seed, secondsOfChildren(),
+    const std::string share = wish.every == 1 ? "" : ", one case of " + std::to_string(wish.every);
+    std::printf("\nSeed %u%s; %.0f s of processor time%s.\n", wish.seed, share.c_str(), secondsOfChildren(),
                 before.empty() ? "" : ", without the cells that were done before");
     if (orderly || !isWhole(wish))
         std::filesystem::remove(done.path()); // the whole is done: the next one begins anew

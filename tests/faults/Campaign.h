@@ -11,6 +11,7 @@ namespace faults {
 struct Wish {
     unsigned seed = 1;
     std::optional<unsigned> count; // so many cases of each cell, at random; none: all
+    unsigned every = 1;            // of the cases of each cell only each so many-th
     std::string cell;              // part of its name; none: all
     std::string oneCase;           // this case of each cell, and no other
     std::string done;  // a file of the cells that are done; kept while the whole runs, of all cells and cases
@@ -37,10 +38,16 @@ struct Case {
     std::string line{};
 };
 
+// The cases of a cell. Each is made when its turn has come: what a process holds costs time whenever it forks.
+struct Cases {
+    std::size_t count;
+    std::function<Case(std::size_t number)> at;
+};
+
 // One cell, which is done as a whole.
 struct Cell {
     std::string name;
-    std::function<std::vector<Case>()> cases;
+    std::function<Cases()> cases;
 };
 
 Wish readWords(int count, char **words);

@@ -49,6 +49,13 @@ const std::vector<CommandLine> commandLines = {
     {a, usart, "-enspim --ft 1 --fs 1 -e --sec 32768-32769"}, {a, usart, "-enspim --ft 1 --fs 1 -d --fn ./a.bin --addr 08400000 --v"},
     {cOtp, usart, "-otp --fn ./otp.zvtp"}, {dOtp, can, "-otp --fn ./otp.zvtp"}, {f, usart, "-otp --fn ./otp.zvtp"},
 };
+
+const std::vector<CommandLine> adapterLines = {
+    {a, slcan, ""}, {f, slcan, "-e --all"}, {b, slcan, "-e --sec 1-2"}, {d, slcan, "-d --fn ./a.bin --v"},
+    {c, slcan, "-u --sec 0-0 --fn ./back.bin"}, {a, slcan, "-usd --get --fn ./back.bin"}, {f, slcan, "-usd --set --fn ./usd.bin"},
+    {c, slcan, "-p --eepp 0-3"}, {a, slcan, "-p --depp", "-p --eepp 0-3"}, {d, slcan, "-p --efap"}, {e, slcan, "-p --dfap", protection},
+    {a, slcan, "-r"}, {d, slcan, "-enspim --ft 1 --fs 1"}, {dOtp, slcan, "-otp --fn ./otp.zvtp"},
+};
 // clang-format on
 
 namespace {

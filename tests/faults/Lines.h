@@ -21,6 +21,9 @@ std::string nameOf(const CommandLine &line);
 // Every option word on a chip of each layout of the option bytes.
 extern const std::vector<CommandLine> commandLines;
 
+// Every kind of session behind an adapter of CAN, which only a line tells from a CAN bus.
+extern const std::vector<CommandLine> adapterLines;
+
 // The files that the lines read, and those that they write, which are there before with other content.
 std::map<std::string, std::string> filesFor(const std::string &chip);
 

@@ -27,7 +27,7 @@ namespace faults {
 const Link links[linkCount] = {
     {"USART", "-com --pn tty", damage::makeUsartLine}, {"USB DFU", "-dfu", damage::makeDfuLine},
     {"I2C", "-i2c --pn i2c", damage::makeI2cLine},     {"CAN", "-can --pn can0", damage::makeCanLine},
-    {"SPI", "-spi --pn spi", damage::makeSpiLine},
+    {"SPI", "-spi --pn spi", damage::makeSpiLine},     {"CAN adapter", "-can --pn ./adapter", damage::makeSlcanLine},
 };
 
 struct Machine::Shared {
@@ -112,10 +112,13 @@ void cutPower() {
 }
 
 Machine::Machine() {
-    char pattern[] = "/tmp/faults-XXXXXX";
-    if (mkdtemp(pattern) == nullptr)
+    char inMemory[] = "/dev/shm/faults-XXXXXX"; // where no disk is waited for
+    char onDisk[] = "/tmp/faults-XXXXXX";
+    const char *made = mkdtemp(inMemory);
+    made = made != nullptr ? made : mkdtemp(onDisk);
+    if (made == nullptr)
         throw std::runtime_error("no directory");
-    m_directory = pattern;
+    m_directory = made;
     void *memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     m_output = memfd_create("output", MFD_CLOEXEC);
     if (memory == MAP_FAILED || m_output < 0)

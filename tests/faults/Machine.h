@@ -18,7 +18,7 @@ struct Link {
     std::unique_ptr<damage::Line> (*make)(const sim::ChipFacts &facts);
 };
 
-enum LinkNumber { usart, dfu, i2c, can, spi, linkCount };
+enum LinkNumber { usart, dfu, i2c, can, spi, slcan, linkCount };
 extern const Link links[linkCount];
 
 // What goes wrong in a run.

@@ -85,7 +85,7 @@ void addCase(std::vector<Case> &cases, const std::shared_ptr<Rig> &rig, const Bo
                      }});
 }
 
-std::vector<Case> casesOf(const CommandLine &line) {
+Cases casesOf(const CommandLine &line) {
     const auto rig = std::make_shared<Rig>();
     rig->good = runWell(rig->machine, line);
     std::vector<Case> cases;
@@ -107,7 +107,7 @@ std::vector<Case> casesOf(const CommandLine &line) {
         else
             std::for_each(std::begin(linkStatuses), std::end(linkStatuses), answer);
     }
-    return cases;
+    return {cases.size(), [cases](std::size_t number) { return cases[number]; }};
 }
 
 std::vector<Cell> cells() {

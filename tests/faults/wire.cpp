@@ -13,7 +13,7 @@ namespace {
 
 // What goes over a link one by one. A CAN bus repeats a damaged frame, and USB a damaged packet, by itself.
 enum Unit : unsigned { byte = 1, frame = 2, transfer = 4, any = byte | frame | transfer };
-constexpr Unit unitOf[linkCount] = {byte, transfer, byte, frame, byte};
+constexpr Unit unitOf[linkCount] = {byte, transfer, byte, frame, byte, byte};
 
 struct Harm {
     damage::Kind kind;
@@ -114,82 +114,99 @@ void runCase(Machine &machine, const Good &good, const Fate &fate, Looks looks, 
         checkSecondRun(machine, good, ending, row, complaints);
 }
 
-// All cases of one command line.
-class Cases {
-public:
-    Cases(std::shared_ptr<Rig> rig, unsigned seed) : m_rig(std::move(rig)), m_seed(seed) {}
-
-    std::vector<Case> all() {
-        for (const Harm &harm : harms)
-            if ((harm.befalls & unitOf[good().line.link]) != 0)
-                addHarm(harm);
-        for (const Steps &row : steps)
-            addCuts(row);
-        addRefusals();
-        return std::move(m_cases);
-    }
-
-private:
-    const Good &good() const { return m_rig->good; }
-
-    void add(const std::string &what, const std::string &where, const Fate &fate, Looks looks = Looks::yes) {
-        m_cases.push_back({what + where,
-                           [rig = m_rig, fate, looks](Row &row, Complaints &complaints) {
-                               runCase(rig->machine, rig->good, fate, looks, row, complaints);
-                           },
-                           std::string(links[good().line.link].name) + ", " + what});
-    }
-
-    void addHarm(const Harm &harm) {
-        const Looks looks = harm.changesBytes && isUnverified(good()) ? Looks::no : Looks::yes;
-        for (const Side &side : sides)
-            for (std::size_t at = 0; at < countOf(good(), side.units); ++at) {
-                Fate fate;
-                fate.kind = harm.kind;
-                fate.*side.places = {at};
-                fate.seed = m_seed + static_cast<std::uint32_t>(at);
-                add(harm.name, std::string(" ") + side.name + " " + std::to_string(at), fate, looks);
-            }
-    }
-
-    void addCuts(const Steps &row) {
-        const std::size_t count = countOf(good(), row.units);
-        for (std::size_t at = row.cells == sim::CellKind::erasing ? 1 : 0; count > 0 && at <= count; ++at) {
-            Fate fate;
-            fate.ofChip.emplace();
-            fate.ofChip->kind = sim::FaultKind::powerCut;
-            fate.ofChip->cells = row.cells;
-            fate.ofChip->at = at;
-            add("power cut", std::string(" ") + row.name + " " + std::to_string(at), fate);
-        }
-    }
-
-    void addRefusals() {
-        for (std::size_t at = 1; at <= countOf(good(), Units::commands); ++at)
-            for (unsigned answer = 0; answer < mostAnswers; ++answer) {
-                Fate fate;
-                fate.ofChip.emplace();
-                fate.ofChip->at = at;
-                fate.ofChip->value = answer;
-                add("refused", " " + std::to_string(at) + " answer " + std::to_string(answer), fate);
-            }
-    }
-
-    std::shared_ptr<Rig> m_rig;
-    unsigned m_seed;
-    std::vector<Case> m_cases;
+// Cases that differ in their number alone.
+struct Series {
+    const char *what;
+    std::size_t count;
+    std::function<Fate(std::size_t number)> fate;
+    std::function<std::string(std::size_t number)> where; // behind `what`, it names the case
+    Looks looks = Looks::yes;
 };
 
-std::vector<Case> casesOf(const CommandLine &line, unsigned seed) {
+Series harmedAt(const Good &good, const Harm &harm, const Side &side, unsigned seed) {
+    const auto fate = [&harm, &side, seed](std::size_t at) {
+        Fate made;
+        made.kind = harm.kind;
+        made.*side.places = {at};
+        made.seed = seed + static_cast<std::uint32_t>(at);
+        return made;
+    };
+    const auto where = [&side](std::size_t at) { return std::string(" ") + side.name + " " + std::to_string(at); };
+    const Looks looks = harm.changesBytes && isUnverified(good) ? Looks::no : Looks::yes;
+    return {harm.name, countOf(good, side.units), fate, where, looks};
+}
+
+Series cutAt(const Good &good, const Steps &row) {
+    const std::size_t first = row.cells == sim::CellKind::erasing ? 1 : 0;
+    const auto fate = [&row, first](std::size_t number) {
+        Fate made;
+        made.ofChip.emplace();
+        made.ofChip->kind = sim::FaultKind::powerCut;
+        made.ofChip->cells = row.cells;
+        made.ofChip->at = first + number;
+        return made;
+    };
+    const auto where = [&row, first](std::size_t number) {
+        return std::string(" ") + row.name + " " + std::to_string(first + number);
+    };
+    const std::size_t count = countOf(good, row.units);
+    return {"power cut", count == 0 ? 0 : count + 1 - first, fate, where};
+}
+
+Series refused(const Good &good) {
+    const auto fate = [](std::size_t number) {
+        Fate made;
+        made.ofChip.emplace();
+        made.ofChip->at = number / mostAnswers + 1;
+        made.ofChip->value = static_cast<unsigned>(number % mostAnswers);
+        return made;
+    };
+    const auto where = [](std::size_t number) {
+        return " " + std::to_string(number / mostAnswers + 1) + " answer " + std::to_string(number % mostAnswers);
+    };
+    return {"refused", countOf(good, Units::commands) * mostAnswers, fate, where};
+}
+
+std::vector<Series> allOf(const Good &good, unsigned seed) {
+    std::vector<Series> all;
+    for (const Harm &harm : harms)
+        for (const Side &side : sides)
+            if ((harm.befalls & unitOf[good.line.link]) != 0)
+                all.push_back(harmedAt(good, harm, side, seed));
+    for (const Steps &row : steps)
+        all.push_back(cutAt(good, row));
+    all.push_back(refused(good));
+    return all;
+}
+
+Case caseOf(const std::shared_ptr<Rig> &rig, const Series &series, std::size_t number) {
+    const auto run = [rig, fate = series.fate(number), looks = series.looks](Row &row, Complaints &complaints) {
+        runCase(rig->machine, rig->good, fate, looks, row, complaints);
+    };
+    return {series.what + series.where(number), run, std::string(links[rig->good.line.link].name) + ", " + series.what};
+}
+
+// All cases of one command line.
+Cases casesOf(const CommandLine &line, unsigned seed) {
     const auto rig = std::make_shared<Rig>();
     rig->good = runWell(rig->machine, line);
-    return Cases(rig, seed).all();
+    const std::vector<Series> all = allOf(rig->good, seed);
+    std::size_t count = 0;
+    for (const Series &series : all)
+        count += series.count;
+    return {count, [rig, all](std::size_t number) {
+                auto series = all.begin();
+                for (; number >= series->count; ++series)
+                    number -= series->count;
+                return caseOf(rig, *series, number);
+            }};
 }
 
 std::vector<Cell> cells(unsigned seed) {
     std::vector<Cell> all;
-    for (const CommandLine &line : commandLines)
-        all.push_back({nameOf(line), [line, seed] { return casesOf(line, seed); }});
+    for (const auto *lines : {&commandLines, &adapterLines})
+        for (const CommandLine &line : *lines)
+            all.push_back({nameOf(line), [line, seed] { return casesOf(line, seed); }});
     return all;
 }
 
