@@ -121,8 +121,9 @@ void useLink(BYTE kind, Peer &peer, Input input) {
         start(link, room);
         for (const std::uint8_t call : chosen) {
             const std::int64_t before = ttyTime();
-            calls[call % std::size(calls)](link, room);
+            const BYTE status = calls[call % std::size(calls)](link, room);
             require(ttyTime() - before < longestCall, "a call comes to its end");
+            require(!ttyCameTwice() || status != 0, "nothing is done whose last answer came twice");
             room.check();
         }
     }

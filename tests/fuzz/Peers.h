@@ -1,5 +1,6 @@
 #pragma once
 
+#include "libs/zvbl/wire/Wire.h"
 #include "tests/fuzz/Tty.h"
 #include "tests/sim/CanRig.h"
 #include "tests/sim/Rig.h"
@@ -17,6 +18,11 @@ public:
         for (const sim::TimedByte &timed : m_rig.received())
             bytes.push_back(timed.byte);
         return bytes;
+    }
+
+    // What answers the opening byte is heard until the line is quiet.
+    bool mayComeTwice(const std::vector<std::uint8_t> &sent) override {
+        return sent == std::vector<std::uint8_t>{wire::sync};
     }
 
 private:

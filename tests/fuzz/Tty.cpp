@@ -33,6 +33,7 @@ struct Tty {
     std::deque<Arrival> arrivals;
     termios2 line{};
     bool gone = false;
+    bool twice = false; // the answer to what was written last
     std::int64_t now = 0;
     fuzz::TtyFault fault;
     bool failed = false;
@@ -63,10 +64,12 @@ void send(std::vector<std::uint8_t> bytes, std::int64_t after) {
 
 void damage(std::vector<std::uint8_t> answer) {
     Input &input = *tty.damage;
+    tty.twice = false;
     switch (input.byte()) {
     case 1: break; // lost
     case 2: send(input.bytes(input.byte()), look); break;
     case 3:
+        tty.twice = !answer.empty();
         send(answer, look);
         send(answer, look);
         break;
@@ -120,6 +123,10 @@ void failOnce(const TtyFault &fault) {
 
 bool ttyHasFailed() {
     return tty.failed;
+}
+
+bool ttyCameTwice() {
+    return std::exchange(tty.twice, false);
 }
 
 std::int64_t ttyTime() {
@@ -206,7 +213,9 @@ ssize_t __wrap_write(int fd, const void *buffer, size_t count) {
         return -1;
     }
     const auto *const bytes = static_cast<const std::uint8_t *>(buffer);
-    damage(tty.peer->answer({bytes, bytes + count}));
+    const std::vector<std::uint8_t> sent(bytes, bytes + count);
+    damage(tty.peer->answer(sent));
+    tty.twice = tty.twice && !tty.peer->mayComeTwice(sent);
     return static_cast<ssize_t>(count);
 }
 

@@ -14,11 +14,17 @@ class Peer {
 public:
     virtual ~Peer() = default;
     virtual std::vector<std::uint8_t> answer(const std::vector<std::uint8_t> &sent) = 0;
+
+    // Whether it may come twice what it answers to these, and nobody has to mind.
+    virtual bool mayComeTwice(const std::vector<std::uint8_t> &) { return true; }
 };
 
 // From here on the peer answers, and the input says what becomes of its answers on their way: nothing, as long as the
 // input is at its end.
 void plugIn(Peer &peer, Input &damage);
+
+// Whether the last answer since it was asked before came twice, at once, and may not.
+bool ttyCameTwice();
 
 // So much has passed on that clock, in nanoseconds.
 std::int64_t ttyTime();
