@@ -30,6 +30,9 @@ public:
     sim::Faults &faults() { return m_faults; } // for the power: all else goes wrong in the lanes
     bool isGone() const { return toChip.isGone() || toHost.isGone(); }
 
+    // Whether harm befell what no check guards, so that one command became another.
+    virtual bool becameAnother() const { return false; }
+
 private:
     sim::Faults m_faults;
     std::ostringstream m_said;

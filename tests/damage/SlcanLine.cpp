@@ -16,6 +16,7 @@ public:
             m_fromHost = std::max(now() + unit.late, m_fromHost) + characterTime();
             hearFrames(m_fromHost);
             const auto character = static_cast<char>(bytes[unit.index] ^ unit.mask);
+            m_becameAnother = m_becameAnother || (unit.mask != 0 && isInIdentifier(bytes, unit.index));
             say(m_adapter.receive({&character, 1}, m_fromHost), m_fromHost);
         }
     }
@@ -31,7 +32,12 @@ public:
         return arrivals.await(deadline);
     }
 
+    bool becameAnother() const override { return m_becameAnother; }
+
 private:
+    // A frame is written as one line: t, three digits of its identifier, and the rest.
+    static bool isInIdentifier(const zvbl::Bytes &line, std::size_t at) { return line[0] == 't' && at >= 1 && at <= 3; }
+
     sim::Nanoseconds characterTime() const { return sim::Pacer::serialBits * sim::second / baud; }
 
     // What the bus has brought to the adapter by then.
@@ -55,6 +61,7 @@ private:
     sim::SlcanAdapter m_adapter{m_bus, log()};
     sim::Nanoseconds m_fromHost = 0; // when the last character is through
     sim::Nanoseconds m_toHost = 0;
+    bool m_becameAnother = false;
 };
 
 } // namespace

@@ -33,7 +33,7 @@ constexpr Column columns[] = {
     {&Row::reported, "reported", false},
     {&Row::again, "second run well", false},
     {&Row::toldWhy, "second run tells why not", false},
-    {&Row::unseen, "changed unseen, without --v", true},
+    {&Row::unseen, "changed unseen", true},
     {&Row::findings, "findings", false},
 };
 

@@ -26,7 +26,7 @@ struct Row {
     unsigned reported = 0; // ended with the status of the action that failed
     unsigned again = 0;    // of these: the second run did what was asked
     unsigned toldWhy = 0;  // of these: the second run told what stands in the way
-    unsigned unseen = 0;   // ended with 0 and wrong cells, where nobody was asked to look at them
+    unsigned unseen = 0;   // ended with 0 and wrong cells, where nobody looks at them
     unsigned findings = 0; // broke a promise
 };
 

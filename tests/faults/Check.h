@@ -23,6 +23,7 @@ using Complaints = std::vector<std::string>;
 
 // What holds of every run, whatever went wrong in it: it ends by itself, files are old or new, cells that the line has
 // nothing to do with are as they were, no chip is locked for ever, and 0 is the truth, unless nobody looks.
+// Where one command became another, the chip did what nobody asked for, and cells may be any.
 enum class Looks : std::uint8_t { yes, no };
 void checkState(const Good &good, const Ending &ending, Complaints &complaints, Looks looks = Looks::yes);
 

@@ -32,6 +32,7 @@ const Link links[linkCount] = {
 
 struct Machine::Shared {
     bool orderly;
+    bool becameAnother;
     Counts counts;
     sim::Nanoseconds time;
     CallList list;
@@ -200,6 +201,7 @@ void Machine::beConsole(const std::string &words, const Memory &memory, const Fa
     const int status = consoleMain(static_cast<int>(list.size()), pointers.data());
     std::fflush(stdout);
     m_shared->counts = countsOf(*line);
+    m_shared->becameAnother = line->becameAnother();
     m_shared->time = damage::now() - begin;
     std::uint8_t *at = m_shared->memory;
     bool *changed = m_shared->changed;
@@ -235,6 +237,7 @@ Ending Machine::run(const std::string &chip, LinkNumber link, const std::string 
     if (!m_shared->orderly)
         return ending;
     ending.counts = m_shared->counts;
+    ending.becameAnother = m_shared->becameAnother;
     ending.time = m_shared->time;
     ending.memory = memory;
     const std::uint8_t *at = m_shared->memory;

@@ -44,7 +44,8 @@ struct Ending {
     std::map<std::string, std::string> files; // of the directory
     std::vector<Call> calls;
     Counts counts{};
-    sim::Nanoseconds time = 0; // that the run took, of its own
+    sim::Nanoseconds time = 0;  // that the run took, of its own
+    bool becameAnother = false; // a command, on the way to the chip, where no check guards it
 };
 
 // The real console with both libraries, and a simulated chip at the end of the line. Each run is a process of its own,

@@ -105,7 +105,8 @@ void runCase(Machine &machine, const Good &good, const Fate &fate, Looks looks, 
     const Ending ending = machine.run(line.chip, line.link, good.words, good.start, good.files, fate);
     checkState(good, ending, complaints, looks);
     if (ending.status == 0) {
-        ++(hasDone(good, ending) || looks == Looks::yes ? row.well : row.unseen);
+        const bool isLookedAt = looks == Looks::yes && !ending.becameAnother;
+        ++(hasDone(good, ending) || isLookedAt ? row.well : row.unseen);
         return;
     }
     ++row.reported;
