@@ -38,7 +38,6 @@ Status Session::open() {
     m_hasEraseExt = true;
     m_id.reset();
     m_crc = {};
-    forgetCells();
     return Status::ok;
 }
 
@@ -52,6 +51,7 @@ Status Session::close() {
 void Session::letGo() {
     m_parts.framing.reset();
     m_parts.transport.reset();
+    forgetCells();
 }
 
 Status Session::setTimeout(std::chrono::milliseconds timeout) {
@@ -59,7 +59,9 @@ Status Session::setTimeout(std::chrono::milliseconds timeout) {
     return Status::ok;
 }
 
+// It may be the chip's reset.
 Status Session::setLine(ControlLine line, bool high) {
+    forgetCells();
     return isOpen() ? m_parts.transport->setLine(line, high) : Status::notOpen;
 }
 

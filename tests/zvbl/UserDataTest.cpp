@@ -70,6 +70,14 @@ TEST_F(UserDataTest, AStartMakesThemUnknown) {
     EXPECT_EQ(last, changedData);
 }
 
+TEST_F(UserDataTest, AControlLineMakesThemUnknown) {
+    // A pseudo terminal has none, but it is what resets a chip.
+    EXPECT_EQ(readAround(
+                  {}, [&] { ZVBL_SetRts(link, 1); }, changed),
+              0);
+    EXPECT_EQ(last, changedData);
+}
+
 TEST_F(UserDataTest, OpeningAnewMakesThemUnknown) {
     EXPECT_EQ(readAround(
                   {}, [&] { EXPECT_EQ(Interface_Open(link), 0); }, changed),
