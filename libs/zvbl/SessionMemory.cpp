@@ -41,7 +41,9 @@ Command readCommand(std::uint32_t address, std::size_t length) {
 
 Command writeCommand(const Block &block) {
     Command write{wire::opWrite};
-    write.groups = {addressGroup(block.address), {block.data, Check::sum, true}};
+    write.groups.reserve(2);
+    write.groups.push_back(addressGroup(block.address));
+    write.groups.push_back({block.data, Check::sum, true});
     write.packet = true;
     return write;
 }

@@ -52,12 +52,17 @@ Status UsartFraming::transfer(const Command &command, Bytes &reply, Duration tim
 Status UsartFraming::carry(const Command &command, Bytes &reply) {
     // What follows a packet's answers shows in its last group or reply; other commands can wait and see.
     const double pause = command.packet ? 0 : silentCharacters;
-    Status status = ask(encodeOpcode(command.opcode), Status::refusedCommand);
-    for (const Group &group : command.groups) {
+    const auto encoded = [&](std::size_t group) {
+        return group < command.groups.size() ? encodeGroup(command.groups[group], command.reply) : Bytes();
+    };
+    // A group is made while the answer to what goes before it is under way: nothing waits for it then.
+    Bytes next;
+    Status status = ask(encodeOpcode(command.opcode), Status::refusedCommand, [&] { next = encoded(0); });
+    for (std::size_t group = 0; group < command.groups.size() && status == Status::ok; ++group) {
+        status = expectSilence(pause);
+        const Bytes bytes = std::exchange(next, {});
         if (status == Status::ok)
-            status = expectSilence(pause);
-        if (status == Status::ok)
-            status = isHeldUp() ? Status::noAnswer : ask(encodeGroup(group, command.reply), Status::refused);
+            status = isHeldUp() ? Status::noAnswer : ask(bytes, Status::refused, [&] { next = encoded(group + 1); });
     }
     if (status == Status::ok)
         status = takeReply(command.reply, reply);
@@ -67,11 +72,13 @@ Status UsartFraming::carry(const Command &command, Bytes &reply) {
     return expectSilence(silentCharacters) == Status::noAnswer ? Status::noAnswer : Status::ok;
 }
 
-// Sends one group and takes its answer.
-Status UsartFraming::ask(const Bytes &bytes, Status ifRefused) {
+// Sends one group, does something meanwhile, and takes its answer.
+template <class Meanwhile>
+Status UsartFraming::ask(const Bytes &bytes, Status ifRefused, Meanwhile meanwhile) {
     const TimePoint from = std::max<TimePoint>(Clock::now(), m_lastSent);
     if (const Status status = send(bytes); status != Status::ok)
         return status;
+    meanwhile();
     if (const Status status = takeAnswer(ifRefused); status != Status::ok)
         return status;
     if (!isTooEarly(bytes.size(), from)) {

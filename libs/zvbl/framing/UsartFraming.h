@@ -22,7 +22,8 @@ private:
     enum class Step { kept, doubtful, lost };
 
     Status carry(const Command &command, Bytes &reply);
-    Status ask(const Bytes &bytes, Status ifRefused);
+    template <class Meanwhile>
+    Status ask(const Bytes &bytes, Status ifRefused, Meanwhile meanwhile);
     Status takeAnswer(Status ifRefused);
     Status takeReply(const Reply &expected, Bytes &reply);
     Status expectSilence(double characters);
