@@ -150,9 +150,12 @@ bool Chip::goResets(std::uint32_t address) const {
 
 Bytes Chip::readFlash(std::size_t offset, std::size_t length) const {
     Bytes bytes = m_flash.read(offset, length);
-    for (std::size_t i = 0; i < length; ++i)
-        if (m_slib.hides(static_cast<unsigned>((offset + i) / m_facts.sectorSize)))
-            bytes[i] = blank;
+    for (std::size_t i = 0, part = 0; i < length; i += part) {
+        const std::size_t at = offset + i;
+        part = std::min(m_facts.sectorSize - at % m_facts.sectorSize, length - i);
+        if (m_slib.hides(static_cast<unsigned>(at / m_facts.sectorSize)))
+            std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(i), part, blank);
+    }
     return bytes;
 }
 
