@@ -35,6 +35,9 @@ public:
     // Baud 0: at once, but never before their forerunners.
     Nanoseconds through(Nanoseconds ready, unsigned baud, Nanoseconds late = 0, unsigned bits = serialBits);
 
+    // The line is free so much sooner.
+    void gain(Nanoseconds time) { m_free -= time; }
+
     static constexpr unsigned serialBits = 11; // of a byte: start, eight data bits, parity, stop
 
 private:
@@ -58,6 +61,8 @@ public:
 
     // The same for what no fault befalls.
     Nanoseconds carryUnharmed(Nanoseconds ready, unsigned baud, unsigned bits);
+
+    void gain(Nanoseconds time) { m_pacer.gain(time); }
 
     void replug() { m_pacer = Pacer{}; }
 

@@ -31,6 +31,13 @@ void UsartLine::deliver(const TimedByte &timed, unsigned baud) {
     }
 }
 
+void UsartLine::hasten(std::size_t count, Nanoseconds time) {
+    const std::size_t first = m_toHost.size() - count;
+    for (std::size_t i = 1; i < count; ++i)
+        m_toHost[first + i].at -= time * static_cast<Nanoseconds>(i) / static_cast<Nanoseconds>(count - 1);
+    m_tx.gain(time);
+}
+
 void UsartLine::replug() {
     m_hangup.reset();
     m_toHost.clear();

@@ -21,6 +21,10 @@ public:
     std::deque<TimedByte> &toHost() { return m_toHost; }
     const std::deque<TimedByte> &toHost() const { return m_toHost; }
 
+    // The last so many of them, two at least, are due sooner: each a little more than the one before it, the last one
+    // by that time.
+    void hasten(std::size_t count, Nanoseconds time);
+
     const std::optional<Hangup> &hangup() const { return m_hangup; }
     void replug();
 

@@ -20,16 +20,23 @@ Nanoseconds wakeFor(const std::deque<Timed> &queue, std::size_t bufferSize) {
 }
 
 // What a port that sleeps until its bytes are due is late by, and gives back: the next bytes of the host count as
-// sent so much earlier, so that a whole job takes the time that it takes on a wire.
+// sent so much earlier, and a long answer comes so much sooner, so that a whole job takes the time that it takes on
+// a wire.
 class Lateness {
 public:
     static constexpr Nanoseconds mostAtOnce = 250 * microsecond;
-    static constexpr int shareOfFrame = 4; // never more than a quarter of what the host's bytes take themselves
+    static constexpr int shareOfFrame = 4; // never more than a quarter of what the bytes take themselves
+    static constexpr Nanoseconds mostUnseen = 50 * microsecond;
 
-    void add(Nanoseconds late) { m_owed += std::max<Nanoseconds>(late, 0); }
+    // Bytes for the host were late by that. Those that it answers with are picked up by a port that has to wake as
+    // well. When they were sent it cannot see: that is taken for as late again, up to a limit.
+    void add(Nanoseconds late) {
+        const Nanoseconds seen = std::max<Nanoseconds>(late, 0);
+        m_owed += seen + std::min(seen, mostUnseen);
+    }
 
-    // What can be given back now. `frame` is the time that the host's bytes take on the line, `room` the time
-    // since the chip's last byte was due: nobody answers before the question is out.
+    // What can be given back now. `frame` is the time that the bytes take on the line, `room` the time since the
+    // chip's last byte was due: nobody answers before the question is out.
     Nanoseconds offer(Nanoseconds frame, Nanoseconds room) const {
         return std::clamp<Nanoseconds>(std::min({mostAtOnce, frame / shareOfFrame, room}), 0, m_owed);
     }

@@ -22,13 +22,21 @@ TEST(Lateness, nothingIsOwedToBeginWith) {
 TEST(Lateness, isGivenBackOnce) {
     Lateness lateness;
     lateness.add(60 * microsecond);
-    EXPECT_EQ(giveBack(lateness, ages, ages), 60 * microsecond);
+    EXPECT_EQ(giveBack(lateness, ages, ages), 110 * microsecond);
     EXPECT_EQ(giveBack(lateness, ages, ages), 0);
+}
+
+TEST(Lateness, whatNobodySeesIsTakenForAsLateAgainUpToALimit) {
+    Lateness lateness;
+    lateness.add(30 * microsecond);
+    EXPECT_EQ(giveBack(lateness, ages, ages), 60 * microsecond);
+    lateness.add(100 * microsecond);
+    EXPECT_EQ(giveBack(lateness, ages, ages), 150 * microsecond);
 }
 
 TEST(Lateness, neverMoreThanAQuarterOfTheFrameAndTheRestStays) {
     Lateness lateness;
-    lateness.add(60 * microsecond);
+    lateness.add(30 * microsecond);
     EXPECT_EQ(giveBack(lateness, 190 * microsecond, ages), 47500);
     EXPECT_EQ(giveBack(lateness, 190 * microsecond, ages), 12500);
 }

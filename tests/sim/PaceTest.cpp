@@ -36,6 +36,25 @@ TEST(Pace, bytesOfAnAnswerFollowEachOtherWithoutDrift) {
     EXPECT_NEAR(static_cast<double>(bytes.back().at), static_cast<double>(rig.now + byteTimes(2 + 257)), 2.0);
 }
 
+TEST(Pace, anAnswerThatIsHastenedComesSoonerByteByByte) {
+    Rig rig("ZV32F403A_1024K");
+    rig.send({0x7F, 0x00, 0xFF}, baud);
+    const std::vector<TimedByte> asItIs{rig.line.toHost().begin(), rig.line.toHost().end()};
+    const std::size_t answer = asItIs.size() - 1;
+    rig.line.hasten(answer, 210 * microsecond);
+    const std::vector<TimedByte> hastened = rig.received();
+    EXPECT_EQ(hastened[0].at, asItIs[0].at);
+    EXPECT_EQ(hastened[1].at, asItIs[1].at);
+    const auto last = static_cast<Nanoseconds>(answer - 1);
+    EXPECT_EQ(asItIs[3].at - hastened[3].at, 210 * microsecond * 2 / last);
+    EXPECT_EQ(asItIs.back().at - hastened.back().at, 210 * microsecond);
+    // The line is free from then on.
+    rig.now = hastened.back().at - byteTimes(1);
+    rig.send({0x00}, baud);
+    rig.send({0xFF}, baud);
+    EXPECT_EQ(rig.received().front().at, rig.now + byteTimes(3));
+}
+
 TEST(Pace, aPacketSentAtOnceArrivesByteByByte) {
     Rig rig("ZV32F403A_1024K");
     rig.send({0x7F}, baud);

@@ -37,15 +37,22 @@ bool TerminalLine::takeFromHost() {
     if (length == 0)
         return false;
     const unsigned baud = m_pace ? m_pty.baud() : 0;
-    const Nanoseconds sent = now - (baud != 0 ? giveBack(length, baud, now) : 0);
+    const Nanoseconds sent = now - giveBack(length, baud, now - m_lastDue);
+    const std::size_t before = m_line.toHost().size();
     for (std::size_t i = 0; i < length; ++i)
         m_line.fromHost(bytes[i], sent, baud);
+    // The short groups that ask for a long answer have no room for all that is owed.
+    const std::size_t answered = m_line.toHost().size() - before;
+    if (answered > bufferSize)
+        m_line.hasten(answered, giveBack(answered, baud, Lateness::mostAtOnce));
     return true;
 }
 
-Nanoseconds TerminalLine::giveBack(std::size_t length, unsigned baud, Nanoseconds now) {
+Nanoseconds TerminalLine::giveBack(std::size_t length, unsigned baud, Nanoseconds room) {
+    if (baud == 0)
+        return 0;
     const Nanoseconds frame = static_cast<Nanoseconds>(length * Pacer::serialBits) * second / baud;
-    const Nanoseconds time = m_lateness.offer(frame, now - m_lastDue);
+    const Nanoseconds time = m_lateness.offer(frame, room);
     m_lateness.given(time);
     return time;
 }

@@ -30,7 +30,7 @@ public:
 private:
     bool takeFromHost();
     bool giveToHost();
-    Nanoseconds giveBack(std::size_t length, unsigned baud, Nanoseconds now);
+    Nanoseconds giveBack(std::size_t length, unsigned baud, Nanoseconds room);
 
     Pty &m_pty;
     bool m_pace;
