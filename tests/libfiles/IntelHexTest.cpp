@@ -98,6 +98,7 @@ const Bad badFiles[] = {
     {"more data than the length", ":010000005500AA\n" + endRecord, badFormat},
     {"two records on one line", ":0100000055AA:00000001FF\n", badFormat},
     {"no mark", "0100000055AA\n" + endRecord, badFormat},
+    {"another mark", "S0100000055AA\n" + endRecord, badFormat},
     {"text before the records", "hello\n" + endRecord, badFormat},
     {"type 06", ihex(6, 0, {}) + "\n" + endRecord, badFormat},
     {"type FF", ihex(0xFF, 0, {}) + "\n" + endRecord, badFormat},

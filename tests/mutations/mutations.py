@@ -1,10 +1,14 @@
 #!/usr/bin/python3
 """Makes small mistakes in the sources, chosen by a seed, and looks whether the tests notice. Works on a copy of the tree in
 build/mutations, which is built once with all of them, each behind a switch; what cannot stand behind one is built by itself.
-What came out stands in a file there, a line for each, and a second run goes on where the first one ended.
+What came out stands in a file there, a line for each, and at the end in the list of the seed beside this program; a second
+run goes on where the first one ended.
 
-usage: mutations.py [--seed SEED] [--count COUNT] [--folder FOLDER]... [--when COMMAND] [--keep [--again NAMES]]
+usage: mutations.py [--seed SEED] [--count COUNT] [--folder FOLDER]... [--when COMMAND] [--workers COUNT] [--anew]
+                    [--keep [--again NAMES]]
   --when   waits before each mistake until this command succeeds
+  --workers  so many tests at a time
+  --anew   judges what the list of the seed knows already too, beginning with the test that noticed it
   --keep   takes the mistakes as they are, whatever has changed since, and only the tests from the tree
   --again  judges once more what survived, by those tests of its folder whose names begin so
 """
@@ -23,6 +27,7 @@ import time
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import compiling
 import copied
+import listed
 import programs
 import rules
 import suite
@@ -46,8 +51,9 @@ NEAR = "(app|console|fuzz|libfiles|link|model|operations|sim|zvbl)[.]"
 FAR = "(e2e[.](?!books|hooks|line|make|rehearse|station|README)|look[.]|preload[.]|ring[.])"
 ROUNDS = ((NEAR, 1.0), (NEAR, 1e9), (FAR, 1e9), ("", 1e9))
 
-Mutant = collections.namedtuple("Mutant", "folder name line begin end before after kind text")
+WIDTHS = (16, 9, 7, 9, 7, 8, 11, 6, 12)
 
+Mutant = collections.namedtuple("Mutant", "folder name line begin end before after kind text")
 
 
 def folder_of(name):
@@ -74,7 +80,7 @@ def settled(name, chosen):
 def settle_all(chosen):
     """How each mistake is built; writes the sources with switches into the copy, and what was found out to a file beside it."""
     sources = collections.defaultdict(list)
-    for number, mutant in enumerate(chosen, 1):
+    for number, mutant in chosen:
         sources[mutant.name].append((number, mutant))
     file = HOME / "settled.json"
     known, how = json.loads(file.read_text()) if file.exists() else {}, {}
@@ -93,13 +99,14 @@ def settle_all(chosen):
 
 
 class Judge:
-    def __init__(self, results, when):
+    def __init__(self, results, when, known):
+        """`known`: by mistake the test that noticed it before."""
         self.results, self.when = results, when
         self.tests, self.programs = suite.known(BUILD), programs.Programs(BUILD)
         self.programs.find()
         self.noticed = collections.defaultdict(list)
-        for mutant, row in told_before(results).items():
-            self.remember(mutant, row["test"])
+        for mutant, test in known.items():
+            self.remember(mutant, test)
 
     def remember(self, mutant, name):
         self.noticed[mutant.name].append(name)
@@ -225,23 +232,39 @@ def is_explained(mutant, reasons):
     return any(all(one in ("*", other) for one, other in zip(reason, told)) for reason in reasons)
 
 
+def rows_of(asked, results):
+    """By mistake what was told last, here or, where it was noticed, in the list."""
+    rows = [] if asked.anew or asked.folder else listed.still_there(asked.seed, mutants(NEAREST))
+    noticed = {mutant: {"verdict": row.verdict, "test": row.test} for _, mutant, row in rows if row.verdict == "noticed"}
+    return {**noticed, **told_before(results)}
+
+
 def verdict_of(mutant, rows, reasons):
     verdict = rows[mutant]["verdict"] if mutant in rows else "survived"
     return "explained" if verdict == "survived" and is_explained(mutant, reasons) else verdict
 
 
-def table(rows):
-    """`rows`: (mistake, what came of it: "noticed", "survived" or "explained"). Whether one survived."""
-    print(f"{'folder':<16}{'mistakes':>9}{'noticed':>9}{'explained':>11}{'left':>6}{'noticed, %':>12}")
+def table(verdicts):
+    """`verdicts`: by mistake ("noticed", "survived" or "explained", the test that noticed it). Whether one survived."""
+    rings = ["parts", "console", "whole", "sweeps"]
+    print("".join(f"{word:>{width}}" for word, width in zip(["folder", "mistakes", *rings, "explained", "left", "noticed, %"], WIDTHS)))
     for folder in [*NEAREST, ""]:
-        told = [verdict for mutant, verdict in rows if mutant.folder.startswith(folder)]
+        told = [one for mutant, one in verdicts.items() if mutant.folder.startswith(folder)]
         if told:
-            noticed, reasoned, left = (told.count(one) for one in ("noticed", "explained", "survived"))
-            print(f"{folder or 'all':<16}{len(told):>9}{noticed:>9}{reasoned:>11}{left:>6}{100 * noticed / len(told):>12.1f}")
-    survived = [mutant for mutant, verdict in rows if verdict == "survived"]
+            counts = [sum(verdict == "noticed" and ring_of(test) == ring for verdict, test in told) for ring in rings]
+            reasoned, left = (sum(verdict == one for verdict, _ in told) for one in ("explained", "survived"))
+            percent = f"{100 * sum(counts) / max(1, len(told) - reasoned):.1f}"
+            print("".join(f"{word:>{width}}" for word, width in zip([folder or "all", len(told), *counts, reasoned, left, percent], WIDTHS)))
+    survived = [mutant for mutant, (verdict, _) in verdicts.items() if verdict == "survived"]
     for mutant in survived:
         print(f"survived: {mutant.name}:{mutant.line}: {mutant.before!r} -> {mutant.after!r} in: {mutant.text}")
     return bool(survived)
+
+
+def ring_of(test):
+    """Who noticed: tests of single parts, of the console beside doubles, of whole programs and jobs, or sweeps."""
+    start = test.split(".")[0]
+    return {"console": "console", "damage": "sweeps", "faults": "sweeps", "host": "sweeps"}.get(start, "parts" if re.match(NEAR, test) else "whole")
 
 
 def asked_for():
@@ -250,6 +273,8 @@ def asked_for():
     words.add_argument("--count", type=int, default=500)
     words.add_argument("--folder", action="append")
     words.add_argument("--when", default="")
+    words.add_argument("--workers", type=int, default=2)
+    words.add_argument("--anew", action="store_true")
     words.add_argument("--keep", action="store_true")
     words.add_argument("--again", default="")
     return words.parse_args()
@@ -274,25 +299,37 @@ def judge_all(judge, mistakes, rows):
                 rows[mutant] = judge.judge(number, mutant, how, passing, turn)
 
 
-def main():
-    asked = asked_for()
-    copied.bring(asked.keep)
+def choice(asked):
+    """(number, mistake): those of the list of this seed that can still be made; where there is none some by chance, and more
+    than are asked for: some of them the compiler does not take."""
+    if listed.rows(asked.seed) and not asked.folder:
+        return [(number, mutant) for number, mutant, _ in listed.still_there(asked.seed, mutants(NEAREST))]
     chosen = sorted(mutants(asked.folder or NEAREST))
     random.Random(asked.seed).shuffle(chosen)
-    # Some of them the compiler does not take.
-    chosen = chosen[: asked.count + asked.count // 8 + 5]
+    return list(enumerate(chosen[: asked.count + asked.count // 8 + 5], 1))
+
+
+def main():
+    asked = asked_for()
+    suite.WORKERS = asked.workers
+    copied.bring(asked.keep)
+    chosen = choice(asked)
     how, mistaken = settle_all(chosen)
     copied.bring_rest(mistaken)
     copied.build()
     results = HOME / f"results-{asked.seed}.jsonl"
-    told = [(number, mutant, how[number]) for number, mutant in enumerate(chosen, 1) if how[number] != "refused"][: asked.count]
-    rows, reasons = told_before(results), explained()
+    told = [(number, mutant, how[number]) for number, mutant in chosen if how[number] != "refused"][: asked.count]
+    rows, reasons = rows_of(asked, results), explained()
     mistakes = [one for one in sorted(told, key=lambda one: one[2] == "single") if not is_explained(one[1], reasons)]
-    judge = Judge(results, asked.when)
+    known = {mutant: row.test for _, mutant, row in listed.still_there(asked.seed, mutants(NEAREST)) if row.test}
+    judge = Judge(results, asked.when, {**known, **{mutant: row["test"] for mutant, row in rows.items() if row["test"]}})
     if asked.again:
         judge_again(judge, asked.again, mistakes, rows)
     judge_all(judge, mistakes, rows)
-    return 1 if table([(mutant, verdict_of(mutant, rows, reasons)) for _, mutant, _ in told]) else 0
+    verdicts = {mutant: (verdict_of(mutant, rows, reasons), rows.get(mutant, {}).get("test", "")) for _, mutant, _ in told}
+    if not asked.folder:
+        listed.write(asked.seed, {key: verdicts[mutant] for key, mutant in listed.keyed(mutants(NEAREST)).items() if mutant in verdicts})
+    return 1 if table(verdicts) else 0
 
 
 if __name__ == "__main__":

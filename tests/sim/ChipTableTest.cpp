@@ -111,6 +111,7 @@ TEST(ChipTable, uniqueIdIsTwelveBytesAndNotBlank) {
     ASSERT_TRUE(other.chip.read(0x1FFFF7E8, 12, second).done());
     EXPECT_NE(first, second);
     EXPECT_NE(first, Bytes(12, 0xFF));
+    EXPECT_EQ(first, Bytes({0x59, 0xA1, 0xBE, 0xD7, 0xA3, 0x3C, 0x9C, 0x89, 0xDB, 0xBF, 0x1B, 0xF2}));
     EXPECT_FALSE(one.chip.read(0x1FFFF7E8, 13, first).done());
 }
 

@@ -37,6 +37,7 @@ Script operator+(Script one, const Script &other) {
 const Script bringUp = {line("\r\r\rC\r", "\a\a\a\r"), line("S5\r", "\r"), line("O\r", "\r")};
 const Script opening = bringUp + Script{line("V\r", "V1013\r")};
 const Script closing = {line("C\r", "\r")};
+const std::string full = "t03180000000000000000\r"; // of a WRITE
 const Turn inStep = line("t07F0\r", "z\rt17F11F\r");
 
 class CanAdapterTest : public ::testing::Test {
@@ -148,12 +149,15 @@ TEST_F(CanAdapterTest, AfterSilenceTheTraceSaysWhatTheAdapterKnows) {
     EXPECT_EQ(play({line("t0D40\r", "z\r"), line("F\r", "FA4\r")}, [&] { return reset(); }), 5);
     EXPECT_TRUE(traced("# no answer in time\n# adapter: F FA4\n# the adapter says: error warning\n"
                        "# the adapter says: error passive\n# the adapter says: bus error\n"));
+    EXPECT_EQ(play({inStep, line("t0D40\r", "z\r"), line("F\r", "F5B\r")}, [&] { return reset(); }), 5);
+    EXPECT_TRUE(
+        traced("F5B\n# the adapter says: its receive queue is full\n# the adapter says: its transmit queue is full\n"
+               "# the adapter says: it lost frames\n# the adapter says: arbitration lost\n"));
 }
 
 // Not more frames at a time than the smallest line buffer holds.
 TEST_F(CanAdapterTest, ThreeFramesWaitForTheirAcknowledge) {
     BYTE data[32] = {};
-    const std::string full = "t03180000000000000000\r";
     EXPECT_EQ(play({line("t0310\r", "z\rt131179\r"), line("t03152000000020\r", "z\rt131179\r"),
                     line("t03181F00000000000000\r" + full + full, "z\r"), line(full, "z\r"),
                     line("t03120"
@@ -164,11 +168,23 @@ TEST_F(CanAdapterTest, ThreeFramesWaitForTheirAcknowledge) {
               0);
 }
 
+TEST_F(CanAdapterTest, AFrameOfAnotherNodeIsNoAcknowledge) {
+    BYTE data[32] = {};
+    std::thread adapter([&] {
+        ScriptedChip first(pty, {line("t0310\r", "z\rt131179\r"), line("t03152000000020\r", "z\rt131179\r"),
+                                 line("t03181F00000000000000\r" + full + full, "t1230\r")});
+        EXPECT_EQ(first.finish(), "");
+        ScriptedChip rest(pty, {line("", "z\r"), line(full, "z\rz\r"), line("t0312001F\r", "z\rz\rt131179\r")});
+        EXPECT_EQ(rest.finish(), "");
+    });
+    EXPECT_EQ(ZVBL_DNLOAD(link, 0x20000000, data, 32, 0), 0);
+    adapter.join();
+}
+
 // A full queue: the frame that nothing has followed is sent again in its place.
 TEST_F(CanAdapterTest, ARefusedFrameIsSentAgain) {
-    EXPECT_EQ(
-        play({line("t0D40\r", "\a"), line("t0D40\r", "\a"), line("t0D40\r", "z\rt1D4179\r")}, [&] { return reset(); }),
-        0);
+    const Turn refused = line("t0D40\r", "\a");
+    EXPECT_EQ(play({refused, refused, line("t0D40\r", "z\rt1D4179\r")}, [&] { return reset(); }), 0);
 }
 
 TEST_F(CanAdapterTest, AFrameThatIsRefusedForEverIs5InTime) {
@@ -316,13 +332,12 @@ TEST_F(CanAdapterTest, BabbleEndsNoCallLate) {
     hurry();
     for (const char *babble : {"U", "\r", "t1550\r", "tU\r"}) {
         SCOPED_TRACE(babble);
-        zvbl::Bytes bytes;
+        std::string text;
         for (int i = 0; i < 100; ++i)
-            for (const char *letter = babble; *letter; ++letter)
-                bytes.push_back(static_cast<std::uint8_t>(*letter));
+            text += babble;
         const auto from = steady_clock::now();
         {
-            const Babbler babbler(pty, bytes, Babbler::Begin::whenSpokenTo, bytesOf("z\rt144179\r"));
+            const Babbler babbler(pty, bytesOf(text), Babbler::Begin::whenSpokenTo, bytesOf("z\rt144179\r"));
             EXPECT_EQ(ZVBL_ERASE(link, 0xFFFE, nullptr, 0), 5);
             EXPECT_EQ(Interface_Close(link), 0);
         }

@@ -97,6 +97,11 @@ TEST_F(ReadRunTest, ADifferenceIsLookedAtAlone) {
     EXPECT_EQ(verify({0x11, 0x22, 0x33}, all({readOf(0, "79 11"), readOf(1, "79 23"), readOf(1, "79 23")})), 19);
 }
 
+TEST_F(ReadRunTest, ASinglePacketIsReadOnceMoreAndNoMore) {
+    EXPECT_EQ(verify({0x11}, all({readOf(0, "79 10"), readOf(0, "79 11")})), 0);
+    EXPECT_EQ(verify({0x11}, all({readOf(0, "79 10"), readOf(0, "79 10")})), 19);
+}
+
 TEST_F(ReadRunTest, ADifferenceThatWasTheLineMakesTheRunBeReadAgain) {
     const Script again = all({readOf(0, "79 10"), readOf(0, "79 10")});
     EXPECT_EQ(verify({0x11, 0x22}, all({readOf(0, "79 11"), readOf(1, "79 23"), readOf(1, "79 22"), again})), 19);
