@@ -21,7 +21,7 @@ namespace {
 
 struct {
     std::string call;
-    int error = 0; // 0: nothing is read or written, and it is no error
+    int error = 0; // 0: nothing is read, or half of it written, and it is no error
 } failing;
 
 bool fails(const char *call) {
@@ -54,7 +54,9 @@ ssize_t __wrap_read(int fd, void *bytes, size_t count) {
     return fails("read") ? (failing.error ? -1 : 0) : __real_read(fd, bytes, count);
 }
 ssize_t __wrap_write(int fd, const void *bytes, size_t count) {
-    return fails("write") ? (failing.error ? -1 : 0) : __real_write(fd, bytes, count);
+    if (!fails("write"))
+        return __real_write(fd, bytes, count);
+    return failing.error ? -1 : __real_write(fd, bytes, count / 2);
 }
 int __wrap_fstat(int fd, struct stat *info) {
     return fails("fstat") ? -1 : __real_fstat(fd, info);
@@ -131,6 +133,7 @@ TEST_F(StateCalls, Reading) {
 TEST_F(StateCalls, Writing) {
     EXPECT_TRUE(saves("write", EINTR)) << error;
     EXPECT_TRUE(saves("write", 0)) << error;
+    EXPECT_EQ(content(), old);
     for (const char *call : {"mkostemp", "write", "fchmod", "fsync", "close", "rename"}) {
         EXPECT_FALSE(saves(call, ENOSPC)) << call;
         EXPECT_EQ(error, "cannot write \"" + path + "\": No space left on device") << call;

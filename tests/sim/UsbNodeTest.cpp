@@ -162,6 +162,11 @@ TEST_F(UsbNodeTest, ATransferComesBackWithItsData) {
     ASSERT_EQ(reap(file, toInterface), 0);
     EXPECT_EQ(toInterface.urb.actual_length, 2);
 
+    ControlRequest largest("21 01 00 00 00 00 00 10 00*4096");
+    ASSERT_EQ(submit(file, largest), 0);
+    EXPECT_EQ(device.taken.size(), 4096U);
+    ASSERT_EQ(reap(file, largest), 0);
+
     device.next = UsbAnswer::stall(0);
     ASSERT_EQ(submit(file, descriptor), 0);
     ASSERT_EQ(reap(file, descriptor), 0);
