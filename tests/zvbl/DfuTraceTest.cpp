@@ -110,6 +110,16 @@ TEST_F(DfuTraceTest, OfDataOnlyTheLengthCanBeTold) {
     EXPECT_EQ(lines(), "");
 }
 
+TEST_F(DfuTraceTest, WhatIsPassedOverIsTold) {
+    scene.add(at("1-1", 2, "0123"));
+    scene.add(at("1-2", 3, "9999"));
+    setenv("ZVBL_DFU", "1-2", 1);
+    EXPECT_EQ(list(), 1);
+    unsetenv("ZVBL_DFU");
+    EXPECT_EQ(lines(), "dfu # passed over: usb 1-1 serial 0123 ZV32 Bootloader\n"
+                       "dfu # device 0: usb 1-2 serial 9999 ZV32 Bootloader\n");
+}
+
 TEST_F(DfuTraceTest, NoDeviceAndNoPermissionAreToldApart) {
     const UsbDevice &forbidden = scene.add(at("1-1", 2, "0123"));
     {

@@ -1,8 +1,12 @@
 // USB DFU with a libusb whose calls fail, and devices that describe themselves oddly or answer what hardly any does.
 
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <new>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "libs/zvbl/framing/DfuFraming.h"
 #include "libs/zvbl/framing/DfuNames.h"
@@ -53,6 +57,20 @@ TEST_F(UsbLibraryTest, WithoutUsbThereIsNothing) {
     }
     EXPECT_TRUE(rows.empty());
     EXPECT_EQ(usb.held, 0);
+}
+
+TEST_F(UsbLibraryTest, TheTraceSaysWhyThereIsNone) {
+    char name[] = "/tmp/zvbl-no-usb-XXXXXX";
+    close(mkstemp(name));
+    setenv("ZVBL_TRACE", name, 1);
+    usb.init = LIBUSB_ERROR_NOT_SUPPORTED;
+    std::vector<UsbRow> rows;
+    EXPECT_EQ(listUsbDevices(rows), Status::cantOpen);
+    unsetenv("ZVBL_TRACE");
+    std::ifstream file(name);
+    const std::string lines{std::istreambuf_iterator<char>(file), {}};
+    unlink(name);
+    EXPECT_NE(lines.find("# no USB: " + usbErrorText(LIBUSB_ERROR_NOT_SUPPORTED) + "\n"), std::string::npos) << lines;
 }
 
 TEST_F(UsbLibraryTest, ADeviceThatLeavesInThisMomentIsNotListed) {
