@@ -314,8 +314,9 @@ def main():
     suite.WORKERS = asked.workers
     copied.bring(asked.keep)
     chosen = choice(asked)
-    how, mistaken = settle_all(chosen)
-    copied.bring_rest(mistaken)
+    # The compiler is asked about sources with the headers of the copy.
+    copied.bring_rest({mutant.name for _, mutant in chosen})
+    how, _ = settle_all(chosen)
     copied.build()
     results = HOME / f"results-{asked.seed}.jsonl"
     told = [(number, mutant, how[number]) for number, mutant in chosen if how[number] != "refused"][: asked.count]

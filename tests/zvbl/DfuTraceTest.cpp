@@ -82,30 +82,30 @@ TEST_F(DfuTraceTest, SetupPacketsStatesAndStatusValues) {
 }
 
 TEST_F(DfuTraceTest, APollTimeHasThreeBytes) {
-    UsbDevice &device = scene.add(at("1-1", 4));
-    ASSERT_EQ(list(), 1);
-    ASSERT_EQ(Interface_Open(link), 0);
+    UsbDevice &only = scene.add(at("1-1", 4));
     zvbl::Timing timing;
     timing.longestPoll = std::chrono::milliseconds(1);
     zvbl::setTiming(timing);
-    device.play(inStep + UsbScript{{"21 01 00 00 00 00 01 00 73", ""},
-                                   {getStatus, "00 03 02 01 04 00"},
-                                   {getStatus, isDownloadIdle, 1}});
+    ASSERT_EQ(list(), 1);
+    ASSERT_EQ(Interface_Open(link), 0);
+    only.play(inStep + UsbScript{{"21 01 00 00 00 00 01 00 73", ""},
+                                 {getStatus, "00 03 02 01 04 00"},
+                                 {getStatus, isDownloadIdle, 1}});
     EXPECT_EQ(ZVBL_ERASEPROGRAM_PERM_UNPROTECT(link), 0);
-    EXPECT_EQ(device.finish(), "");
+    EXPECT_EQ(only.finish(), "");
     zvbl::setTiming({});
     EXPECT_NE(lines().find("# dfuDNBUSY, ask again in 66051 ms\n"), std::string::npos) << lines();
 }
 
 TEST_F(DfuTraceTest, OfDataOnlyTheLengthCanBeTold) {
     setenv("ZVBL_TRACE_DATA", "no", 1);
-    UsbDevice &device = scene.add(at("1-1", 4));
+    UsbDevice &only = scene.add(at("1-1", 4));
     ASSERT_EQ(list(), 1);
     ASSERT_EQ(Interface_Open(link), 0);
-    device.play(inStep + done("21 01 00 00 00 00 05 00 21 00 10 00 20") + done("21 01 02 00 00 00 03 00 AA BB CC"));
+    only.play(inStep + done("21 01 00 00 00 00 05 00 21 00 10 00 20") + done("21 01 02 00 00 00 03 00 AA BB CC"));
     BYTE data[] = {0xAA, 0xBB, 0xCC};
     EXPECT_EQ(ZVBL_DNLOAD(link, 0x20001000, data, 3, 0), 0);
-    EXPECT_EQ(device.finish(), "");
+    EXPECT_EQ(only.finish(), "");
     unsetenv("ZVBL_TRACE_DATA");
     EXPECT_EQ(lines(), "");
 }

@@ -34,6 +34,15 @@ TEST_F(SectorsAheadTest, TheNextOnesAreAskedForInOneQuestion) {
               0);
 }
 
+TEST_F(SectorsAheadTest, SeveralOfOneCallAreFollowedToo) {
+    const auto chip = chipWith(Crc::ours);
+    EXPECT_EQ(verify(0, 2 * sector), 0);
+    EXPECT_EQ(verifySector(2), 0);
+    EXPECT_EQ(verifySector(3), 0);
+    EXPECT_EQ(chip->questions, 1);
+    EXPECT_EQ(chip->questionsOfEach, 1);
+}
+
 TEST_F(SectorsAheadTest, ADifferenceComesFromBytesThatAreRead) {
     const auto chip = chipWith(Crc::ours);
     data[2 * sector + 700] ^= 1;

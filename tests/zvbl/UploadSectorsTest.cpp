@@ -30,6 +30,13 @@ TEST_P(NoCrcUploadTest, AnUploadIsTakenAsItIsRead) {
     EXPECT_TRUE(traced("# nothing vouches for what is read"));
 }
 
+TEST_F(UploadSectorsTest, WhatBeginsAndEndsWithinASectorIsThreePieces) {
+    const auto chip = chipWith(Crc::ours);
+    EXPECT_EQ(upload(sector / 2, 2 * sector), 0);
+    EXPECT_TRUE(isRight(sector / 2, 2 * sector));
+    EXPECT_EQ(chip->questions, 1);
+}
+
 TEST_F(UploadSectorsTest, AnUploadIsReadTwiceWhereTheChecksumDoesNotCome) {
     const auto chip = chipWith(Crc::dropped);
     chip->damagedReads = {3};
