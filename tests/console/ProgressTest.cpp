@@ -167,6 +167,7 @@ TEST_F(Progress, JobsThatEndAtOnce) {
         ASSERT_EQ(succeeded, code == 0);
         ASSERT_EQ(text, std::string("Enable Bank3\nRunning...\n") +
                             (code == 0 ? "Operation finished successfully!\n" : "\nUnknown error!\n"));
+        ASSERT_FALSE(control.m_ObOperation->CurrentRun().isUnderWay());
         ASSERT_EQ(control.m_ObOperation->m_lpFunc, nullptr);
         ASSERT_EQ(g_shareParameter.c_obCCom, &fake.link);
     }

@@ -2,6 +2,9 @@
 
 #include "sim/ports/nodes/I2cNode.h"
 
+#include <fstream>
+#include <iterator>
+
 #include <gtest/gtest.h>
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
@@ -29,6 +32,13 @@ protected:
     NodeRig board{makeI2cNode, "i2c-1"};
     OpenFile i2c{"/dev/i2c-1"};
 };
+
+TEST_F(I2cNodeTest, TheSystemKnowsItByItsNumber) {
+    std::ifstream file("/sys/class/i2c-dev/i2c-1/uevent");
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_NE(text.find("MAJOR=89\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("MINOR=1\n"), std::string::npos) << text;
+}
 
 TEST_F(I2cNodeTest, ItsSettings) {
     const struct {
