@@ -293,6 +293,7 @@ class CanUtils(CanTest):
                     if dump.says_something(0.05):
                         break
                 self.assertEqual(self.frames(dump, 1), ["17F [1] 1F"])
+            self.assertRegex(chip.end()[1], r"the interface has gone away\n(.*\n)*.*the interface is back\n")
 
     def test_a_full_queue_holds_the_chip_up_and_nothing_is_lost(self):
         with self.bus() as bus, self.chip("--can", "can0"), self.candump() as dump:
