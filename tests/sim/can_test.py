@@ -22,6 +22,11 @@ SHIM = os.path.join(DOUBLES, "libcan_shim.so")
 HAVE_UTILS = all(map(shutil.which, ("candump", "cansend", "slcanpty")))
 
 
+def content(path):
+    with open(path, encoding="ascii") as file:
+        return file.read()
+
+
 class Process:
     """A program that runs until it is ended; its standard output is read line by line."""
 
@@ -294,6 +299,22 @@ class CanUtils(CanTest):
                         break
                 self.assertEqual(self.frames(dump, 1), ["17F [1] 1F"])
             self.assertRegex(chip.end()[1], r"the interface has gone away\n(.*\n)*.*the interface is back\n")
+
+    def test_what_it_says_while_the_interface_is_down_is_lost(self):
+        log, lost = self.path("log"), "frame 102 is lost: the interface is not up"
+        with self.bus() as bus, self.chip("--can", "can0", "--verbose", "--log", log):
+            with self.candump() as dump:
+                self.talk(dump, "07F#", "17F [1] 79")
+            self.tell(bus, "busy -1")
+            self.tell(bus, "frame 002#")
+            wait_for(lambda: "GET_ID" in content(log))
+            self.tell(bus, "down")
+            wait_for(lambda: content(log).count(lost) >= 3)
+            self.tell(bus, "busy 0")
+            self.tell(bus, "up")
+            with self.candump() as dump:
+                self.talk(dump, "07F#", "17F [1] 1F")
+            self.assertEqual(content(log).count(lost), 3)
 
     def test_a_full_queue_holds_the_chip_up_and_nothing_is_lost(self):
         with self.bus() as bus, self.chip("--can", "can0"), self.candump() as dump:
