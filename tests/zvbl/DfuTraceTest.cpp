@@ -107,7 +107,16 @@ TEST_F(DfuTraceTest, OfDataOnlyTheLengthCanBeTold) {
     EXPECT_EQ(ZVBL_DNLOAD(link, 0x20001000, data, 3, 0), 0);
     EXPECT_EQ(only.finish(), "");
     unsetenv("ZVBL_TRACE_DATA");
-    EXPECT_EQ(lines(), "");
+    const std::string status = "dfu0 > 8 bytes\ndfu0 < 6 bytes\n";
+    const std::string taken = status + "dfu0 # dfuDNBUSY, ask again in 1 ms\n" + status + "dfu0 # dfuDNLOAD-IDLE\n";
+    EXPECT_EQ(lines(), "dfu # device 0: usb 1-1 ZV32 Bootloader\n"
+                       "dfu0 # open usb 1-1 ZV32 Bootloader, wTransferSize 4096\n"
+                       "dfu0 # getting in step\n"
+                       "dfu0 > A1 05 00 00 00 00 01 00\n"
+                       "dfu0 < 1 bytes\n"
+                       "dfu0 # dfuIDLE\n"
+                       "dfu0 > 13 bytes\n" +
+                           taken + "dfu0 > 11 bytes\n" + taken);
 }
 
 TEST_F(DfuTraceTest, WhatIsPassedOverIsTold) {
