@@ -6,6 +6,8 @@
 #include <filesystem>
 
 #include <gtest/gtest.h>
+#include <linux/usbdevice_fs.h>
+#include <poll.h>
 
 #include "sim/ports/nodes/DfuNode.h"
 #include "sim/ports/nodes/I2cNode.h"
@@ -33,6 +35,19 @@ TEST(HubTest, NumbersGoRoundAndLeaveOutWhatIsTaken) {
         hub.give(number);
     }
     EXPECT_EQ(hub.take(), 3U);
+}
+
+TEST(HubTest, EachCallWakesThePort) {
+    NodeRig board(makeDfuNode, "");
+    const OpenFile file("/dev/bus/usb/001/002");
+    unsigned value = 0;
+    for (int turn = 0; turn < 2; ++turn) { // the first one ends a rest too
+        pollfd wake{board.port->fds().front(), POLLIN, 0};
+        EXPECT_EQ(poll(&wake, 1, 0), 0);
+        EXPECT_EQ(file.call(USBDEVFS_GET_CAPABILITIES, &value), 0);
+        EXPECT_EQ(poll(&wake, 1, 0), 1);
+        EXPECT_TRUE(board.work());
+    }
 }
 
 TEST(HubTest, ADeviceComesBackUnderTheNextNumber) {

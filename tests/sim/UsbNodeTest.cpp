@@ -122,6 +122,7 @@ TEST_F(UsbNodeTest, RequestsOfTheSystem) {
     EXPECT_EQ(file.call(USBDEVFS_SETINTERFACE, &setting), 0);
     EXPECT_EQ(device.last.request, 11);
     EXPECT_EQ(file.call(USBDEVFS_CLEAR_HALT, &value), 0);
+    EXPECT_EQ(device.last.request, 1);
     EXPECT_EQ(device.last.index, 1);
     device.next = UsbAnswer::stall(0);
     EXPECT_EQ(file.call(USBDEVFS_CLEAR_HALT, &value), EPIPE);

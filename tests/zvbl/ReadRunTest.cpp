@@ -93,13 +93,13 @@ TEST_F(ReadRunTest, ARefusalOfItsFirstPacketEndsItAfterThreeTries) {
     EXPECT_EQ(upload(data, all({refused, inStep(refused), inStep(refused)})), 0x13);
 }
 
-TEST_F(ReadRunTest, ADifferenceIsLookedAtAlone) {
-    EXPECT_EQ(verify({0x11, 0x22, 0x33}, all({readOf(0, "79 11"), readOf(1, "79 23"), readOf(1, "79 23")})), 19);
+TEST_F(ReadRunTest, ARefusalOfTheFirstPacketOfAVerifyToo) {
+    const Script refused{{"11 EE", "1F"}};
+    EXPECT_EQ(verify({0x11, 0x22}, all({refused, inStep(refused), inStep(refused)})), 0x14);
 }
 
-TEST_F(ReadRunTest, ASinglePacketIsReadOnceMoreAndNoMore) {
-    EXPECT_EQ(verify({0x11}, all({readOf(0, "79 10"), readOf(0, "79 11")})), 0);
-    EXPECT_EQ(verify({0x11}, all({readOf(0, "79 10"), readOf(0, "79 10")})), 19);
+TEST_F(ReadRunTest, ADifferenceIsLookedAtAlone) {
+    EXPECT_EQ(verify({0x11, 0x22, 0x33}, all({readOf(0, "79 11"), readOf(1, "79 23"), readOf(1, "79 23")})), 19);
 }
 
 TEST_F(ReadRunTest, ADifferenceThatWasTheLineMakesTheRunBeReadAgain) {
