@@ -30,8 +30,8 @@ constexpr int noProgram = 127;
 class Child {
 public:
     // Starts the program at a path, as start() does. Its standard input is empty, its output goes nowhere, and so does
-    // what would be an error on a terminal; the descriptor becomes number `as` there.
-    Child(const std::string &path, const std::vector<std::string> &words, int descriptor, int as);
+    // what would be an error on a terminal, but for what is given.
+    Child(const std::string &path, const std::vector<std::string> &words, const std::vector<Start::Given> &also);
     ~Child();
     Child(const Child &) = delete;
     Child &operator=(const Child &) = delete;

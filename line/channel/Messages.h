@@ -8,7 +8,8 @@
 //   worker   {"event":"step","step":NAME}              a step begins
 //   worker   {"event":"percent","percent":NUMBER}      it goes on
 //   worker   {"event":"identified","chip":NAME,"pid":TEXT,"bootloader":TEXT,"uid":HEX}
-//   program  {"do":"go","image":[{"at":ADDRESS,"bytes":HEX}...]}
+//   program  {"do":"go","image":[{"at":ADDRESS,"length":NUMBER}...]}   runs of bytes, one after the other in the file
+//                                                      that is open as imageDescriptor
 //   worker   {"event":"irreversible","what":[NAME...]} the next command can't be undone: "otp", "otp locks",
 //                                                      "access high"; told once, of all that is to come
 //   program  {"do":"burn"}
@@ -33,4 +34,6 @@
 // access, and not at all after "burn". Bytes of options are those that the chip has in all, as they were last read;
 // null where they were not. Which attempt it is for a unit, "tries", is the program's: it starts a process for each.
 
-constexpr int channelDescriptor = 3; // of the worker
+// Of the worker.
+constexpr int channelDescriptor = 3;
+constexpr int imageDescriptor = 4;

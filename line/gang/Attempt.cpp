@@ -4,12 +4,14 @@
 #include <cstring>
 #include <stdexcept>
 
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include "line/channel/Messages.h"
 #include "line/channel/Told.h"
-#include "programs/Descriptor.h"
+#include "line/plan/Order.h"
+#include "programs/Status.h"
 
 namespace {
 
@@ -32,15 +34,16 @@ int limitOf(const std::string &step) {
 
 } // namespace
 
-Attempt::Attempt(const Json &order) {
+Attempt::Attempt(const Json &order) : m_image(memfd_create("unit", MFD_CLOEXEC)) {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         throw std::runtime_error(std::string("no channel to be had: ") + std::strerror(errno));
     m_channel = std::make_unique<Channel>(ends[0]);
     const Descriptor theirs(ends[1]);
     try {
-        m_worker = std::make_unique<Child>(besideUs("../libexec/zv32-unit"), std::vector<std::string>(),
-                                           theirs.number(), channelDescriptor);
+        const std::vector<Start::Given> given = {{theirs.number(), channelDescriptor},
+                                                 {m_image.number(), imageDescriptor}};
+        m_worker = std::make_unique<Child>(besideUs("../libexec/zv32-unit"), std::vector<std::string>(), given);
     } catch (const std::runtime_error &) {
         // Without a process this is the end of the channel.
     }
@@ -134,8 +137,16 @@ void Attempt::takeEnd(const Json &message) {
     waitAtMost(closingTakes);
 }
 
-void Attempt::go(const Json &order) {
-    m_channel->post(order);
+void Attempt::go(const Runs &image) {
+    const std::string bytes = bytesOf(image);
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t now = write(m_image.number(), bytes.data() + written, bytes.size() - written);
+        if (now < 0 && errno != EINTR)
+            throw Refusal(notMade, std::string("no memory for the image: ") + std::strerror(errno));
+        written += now > 0 ? static_cast<std::size_t>(now) : 0;
+    }
+    m_image.reset();
+    m_channel->post(goOrder(image));
     waitAtMost(limitOf(m_step));
 }
 

@@ -9,6 +9,8 @@
 
 #include "line/channel/Channel.h"
 #include "line/channel/Child.h"
+#include "line/plan/UnitImage.h"
+#include "programs/Descriptor.h"
 
 // How an attempt at a unit ended.
 // NOLINTNEXTLINE(bugprone-exception-escape): the move of Json says that it throws nothing, and calls what could
@@ -51,8 +53,9 @@ public:
     int percent() const { return m_percent; } // -1 where the step tells none
     const Outcome &outcome() const { return m_outcome; }
 
-    // "go", of line/channel/Messages.h.
-    void go(const Json &order);
+    // "go", of line/channel/Messages.h, with an image in whole words. Throws Refusal, with notMade, where there is no
+    // memory for it.
+    void go(const Runs &image);
     void burn();
     // At the next place where that does no harm.
     void stop();
@@ -65,6 +68,7 @@ private:
 
     std::unique_ptr<Channel> m_channel;
     std::unique_ptr<Child> m_worker;
+    Descriptor m_image; // a file without a name; the worker has it too
     Clock::time_point m_deadline;
     std::string m_step = "connect";
     int m_percent = -1;

@@ -149,9 +149,9 @@ void Maker::allow(const Json &supply) {
 
 void Maker::sendImage() {
     try {
-        const Runs image = unitImageOf(m_shift.job, m_shift.image, m_facts);
+        const Runs image = wholeWords(unitImageOf(m_shift.job, m_shift.image, m_facts));
         setImage(m_record, image);
-        m_attempt->go(goOrder(image));
+        m_attempt->go(image);
     } catch (const Refusal &refusal) { // the unit's data have no room
         decline("fail", "not-allowed", refusal.what());
     }

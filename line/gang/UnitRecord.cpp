@@ -31,7 +31,7 @@ Json newRecord(const Shift &shift, const Nest &nest) {
             {"series", nullptr},
             {"number", nullptr},
             {"plan", shift.plan.hash},
-            {"image", sha256Of(shift.job.imageBytes)},
+            {"image", shift.plan.imageHash},
             {"unit_image", nullptr},
             {"verify", nameOf(shift.job.verify)},
             {"verified", false},
@@ -53,10 +53,7 @@ void setIdentified(Json &record, const Json &identified) {
 }
 
 void setImage(Json &record, const Runs &image) {
-    std::string bytes;
-    for (const Run &run : wholeWords(image))
-        bytes += run.bytes;
-    record["unit_image"] = sha256Of(bytes);
+    record["unit_image"] = sha256Of(bytesOf(image));
 }
 
 void setOutcome(Json &record, const Outcome &outcome, int tries) {

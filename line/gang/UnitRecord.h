@@ -13,7 +13,7 @@ Json newRecord(const Shift &shift, const Nest &nest);
 // The chip has told who it is.
 void setIdentified(Json &record, const Json &identified);
 
-// The image that it gets, by its bytes as they are written, from the lowest address up.
+// The image that it gets, in whole words: by its bytes as they are written, from the lowest address up.
 void setImage(Json &record, const Runs &image);
 
 // How it ended, after so many tries.

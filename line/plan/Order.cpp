@@ -37,7 +37,7 @@ Json makeOrder(const Job &job, const Plan &plan, const Json &link) {
 
 Json goOrder(const Runs &image) {
     Json runs = Json::array();
-    for (const Run &run : wholeWords(image))
-        runs.push_back({{"at", run.address}, {"bytes", hexOf(run.bytes.data(), run.bytes.size())}});
+    for (const Run &run : image)
+        runs.push_back({{"at", run.address}, {"length", run.bytes.size()}});
     return {{"do", "go"}, {"image", std::move(runs)}};
 }

@@ -10,5 +10,5 @@
 // "make", at a link as Messages.h tells of it.
 Json makeOrder(const Job &job, const Plan &plan, const Json &link);
 
-// "go", with the image of the unit.
+// "go", for the image of a unit, in whole words.
 Json goOrder(const Runs &image);

@@ -26,14 +26,14 @@ std::string quoted(const std::string &text) {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-std::string imageText(const Job &job, const Runs &image) {
+std::string imageText(const std::string &hash, const Runs &image) {
     std::size_t bytes = 0;
     std::string ranges;
     for (const Run &run : image) {
         bytes += run.bytes.size();
         ranges += (ranges.empty() ? " " : ", ") + rangeText(run.address, run.end());
     }
-    return "sha256 " + sha256Of(job.imageBytes) + ' ' + std::to_string(bytes) + " bytes" + ranges;
+    return "sha256 " + hash + ' ' + std::to_string(bytes) + " bytes" + ranges;
 }
 
 std::string unitText(const UnitDatum &unit) {
@@ -69,6 +69,7 @@ std::vector<int> sectorsOf(const Job &job, const Chip &chip, const Runs &image) 
 Plan planOf(const Job &job, const Chip &chip, const Runs &image) {
     refuseMisfits(job, chip);
     Plan plan;
+    plan.imageHash = sha256Of(job.imageBytes);
     plan.sectors = sectorsOf(job, chip, image);
     const std::string forEver = irreversibleText(job);
     plan.irreversible = !forEver.empty();
@@ -79,7 +80,7 @@ Plan planOf(const Job &job, const Chip &chip, const Runs &image) {
     text +=
         line("chip", job.chip + (job.eraseProtected ? ", a protected one is erased" : ", a protected one is refused"));
     text += line("again", job.makeAgain ? "make" : "refuse");
-    text += line("image", imageText(job, image));
+    text += line("image", imageText(plan.imageHash, image));
     for (const UnitDatum &unit : job.units)
         text += line("unit", unitText(unit));
     text += line("erase", "sectors " + sectorsText(plan.sectors));

@@ -11,6 +11,7 @@
 struct Plan {
     std::string text;
     std::string hash;         // SHA-256 of the text, in lower-case hexadecimal digits
+    std::string imageHash;    // that of the image file
     std::vector<int> sectors; // that are erased, rising
     bool irreversible;        // something in it can't be undone
 };

@@ -93,3 +93,10 @@ Runs wholeWords(const Runs &runs) {
     }
     return whole;
 }
+
+std::string bytesOf(const Runs &runs) {
+    std::string bytes;
+    for (const Run &run : runs)
+        bytes += run.bytes;
+    return bytes;
+}

@@ -30,7 +30,7 @@ Outcome attemptAlone(const Json &order, const MakeImage &makeImage, const TellSt
         case Attempt::Event::step: tell(attempt.step()); break;
         case Attempt::Event::percent: break;
         case Attempt::Event::identified:
-            attempt.go(goOrder(makeImage(bytesOfHex(attempt.outcome().identified.at("uid").get<std::string>()))));
+            attempt.go(wholeWords(makeImage(bytesOfHex(attempt.outcome().identified.at("uid").get<std::string>()))));
             break;
         case Attempt::Event::irreversible: attempt.burn(); break; // a simulated chip can be thrown away
         case Attempt::Event::end: return attempt.outcome();

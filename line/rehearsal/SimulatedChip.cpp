@@ -39,7 +39,7 @@ SimulatedChip::SimulatedChip(const std::string &chip, const std::string &keep)
     if (pipe2(ends, O_CLOEXEC) != 0)
         throw Refusal(noUnit, "no pipe to be had");
     const std::string program = besideUs("zv32-sim");
-    m_chip = std::make_unique<Child>(program, words, ends[1], STDOUT_FILENO);
+    m_chip = std::make_unique<Child>(program, words, std::vector<Start::Given>{{ends[1], STDOUT_FILENO}});
     close(ends[1]);
     const bool ready = comes(ends[0]);
     close(ends[0]);

@@ -4,41 +4,44 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 
-#include <QByteArray>
+#include <unistd.h>
 
 #include "device/Device.h"
 
 namespace {
 
-void append(CProgramFile &file, unsigned int address, const QByteArray &bytes) {
-    auto *copy = static_cast<BYTE *>(std::malloc(static_cast<std::size_t>(bytes.size())));
+// The next bytes of an open file.
+void append(CProgramFile &file, unsigned int address, unsigned int length, int bytes) {
+    auto *copy = static_cast<BYTE *>(std::malloc(length));
     if (copy == nullptr)
         throw std::bad_alloc();
-    std::memcpy(copy, bytes.constData(), static_cast<std::size_t>(bytes.size()));
     IMAGEELEMENT element{};
     element.dwAddress = address;
-    element.dwDataLength = static_cast<DWORD>(bytes.size());
+    element.dwDataLength = length;
     element.Data = copy;
     file.m_lsElement.append(element);
-    file.m_UiFileSize += static_cast<unsigned int>(bytes.size());
+    if (pread(bytes, copy, length, file.m_UiFileSize) != static_cast<ssize_t>(length))
+        throw std::runtime_error("the image is not there");
+    file.m_UiFileSize += length;
 }
 
 } // namespace
 
-std::unique_ptr<CProgramFile> imageInMemory(const Json &runs, const CDevice &device) {
+std::unique_ptr<CProgramFile> imageInMemory(const Json &runs, int bytes, const CDevice &device) {
     auto file = std::make_unique<CProgramFile>();
     file->m_StrPath = "/unit"; // without a name a job does nothing
     FILES_CreateImage(&file->m_pImage, 1);
     for (const Json &run : runs) {
         auto address = run.at("at").get<unsigned int>();
-        QByteArray rest = QByteArray::fromHex(QByteArray::fromStdString(run.at("bytes").get<std::string>()));
-        while (!rest.isEmpty()) {
-            const int length =
-                std::min(rest.size(), static_cast<int>(device.m_ISectorSize - address % device.m_ISectorSize));
-            append(*file, address, rest.left(length));
-            rest.remove(0, length);
-            address += static_cast<unsigned int>(length);
+        auto rest = run.at("length").get<unsigned int>();
+        while (rest > 0) {
+            const auto sector = static_cast<unsigned int>(device.m_ISectorSize);
+            const unsigned int length = std::min(rest, sector - address % sector);
+            append(*file, address, length, bytes);
+            rest -= length;
+            address += length;
         }
     }
     return file;

@@ -5,6 +5,7 @@
 #include "device/Families.h"
 #include "foundation/Result.h"
 #include "foundation/ShareParameter.h"
+#include "line/channel/Messages.h"
 #include "line/unit/Connection.h"
 #include "line/unit/Failure.h"
 #include "line/unit/MemoryImage.h"
@@ -170,7 +171,7 @@ void Unit::openSectors() {
 void Unit::write(CDownload &job, const Json &image) {
     job.SetSubOperation(true);
     m_dialogue.follow(job);
-    CProgramFile *file = imageInMemory(image, *m_control->m_ObDevice).release();
+    CProgramFile *file = imageInMemory(image, imageDescriptor, *m_control->m_ObDevice).release();
     job.SetDownLoadFile({file});
     job.m_obVerify->SetVerifyFile(file); // which frees it
     require(job.Download(0, file), "write");

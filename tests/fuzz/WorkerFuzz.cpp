@@ -41,7 +41,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
         const Attempt::Event event = attempt.next();
         if (event == Attempt::Event::identified) {
             checkIdentified(attempt.outcome().identified);
-            attempt.go({{"do", "go"}, {"image", Json::array()}});
+            attempt.go({});
         }
         if (event == Attempt::Event::end)
             break;

@@ -71,7 +71,7 @@ TEST(ChildTest, EndsWithItsParent) {
     const pid_t parent = fork();
     if (parent == 0) {
         char begun;
-        new Child("/bin/sh", {"-c", "echo; exec sleep 1000"}, ends[1], STDOUT_FILENO);
+        new Child("/bin/sh", {"-c", "echo; exec sleep 1000"}, {{ends[1], STDOUT_FILENO}});
         _exit(read(ends[0], &begun, 1) == 1 ? 0 : 1); // without the end of any block
     }
     close(ends[1]);

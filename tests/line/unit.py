@@ -31,9 +31,10 @@ class Unit:
 
     def __init__(self, program):
         ours, theirs = socket.socketpair()
-        # The process finds its end at descriptor 3.
-        self.process = subprocess.Popen(["/bin/sh", "-c", f'exec "$@" 3<&{theirs.fileno()}', "sh", *program],
-                                        pass_fds=[theirs.fileno()], stdin=subprocess.DEVNULL)
+        self.image = os.memfd_create("unit")
+        # The process finds its end at descriptor 3, and the image at 4.
+        self.process = subprocess.Popen(["/bin/sh", "-c", f'exec "$@" 3<&{theirs.fileno()} 4<&{self.image}', "sh", *program],
+                                        pass_fds=[theirs.fileno(), self.image], stdin=subprocess.DEVNULL)
         theirs.close()
         self.stream = ours.makefile("rw", encoding="utf-8")
         self.step = None
@@ -57,12 +58,13 @@ class Unit:
         return message or None
 
 
-def image_of(words):
+def lay(image, words):
+    """Writes files one after the other, and tells where in the chip they are."""
     runs = []
     for word in words:
         name, _, address = word.rpartition("@")
         with open(name, "rb") as file:
-            runs.append({"at": int(address, 16), "bytes": file.read().hex()})
+            runs.append({"at": int(address, 16), "length": os.write(image, file.read())})
     return runs
 
 
@@ -73,7 +75,7 @@ def answer(unit, message, given):
     if event == "step" and message["step"] == given.stop:
         unit.say({"do": "stop"})
     elif event == "identified":
-        unit.say({"do": "go", "image": image_of(given.image)})
+        unit.say({"do": "go", "image": lay(unit.image, given.image)})
     elif event == "irreversible":
         print("irreversible:", ", ".join(message["what"]), flush=True)
         unit.say({"do": "stop" if given.refuse else "burn"})
