@@ -1,7 +1,6 @@
 #include "line/register/Database.h"
 
 #include <filesystem>
-#include <memory>
 #include <sqlite3.h>
 
 #include "programs/Status.h"
@@ -9,8 +8,6 @@
 namespace {
 
 constexpr int patience = 30000; // ms, for others that write
-
-using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
 
 int bind(sqlite3_stmt *statement, int place, const SqlValue &value) {
     if (const auto *number = std::get_if<std::int64_t>(&value))
@@ -78,6 +75,7 @@ Database::Database(const std::string &path, Purpose purpose) : m_path(path) {
 }
 
 Database::~Database() {
+    m_statements.clear();
     sqlite3_close(m_database);
 }
 
@@ -92,10 +90,8 @@ void Database::run(const char *statements) {
 
 void Database::each(const char *statement, const std::vector<SqlValue> &values,
                     const std::function<void(const SqlRow &)> &take) {
-    sqlite3_stmt *made = nullptr;
-    if (sqlite3_prepare_v2(m_database, statement, -1, &made, nullptr) != SQLITE_OK)
-        fail();
-    const Statement prepared(made, sqlite3_finalize);
+    Statement ready = statementOf(statement);
+    sqlite3_stmt *const made = ready.get();
     for (std::size_t i = 0; i < values.size(); ++i) {
         const int place = sqlite3_bind_parameter_index(made, ('$' + std::to_string(i + 1)).c_str());
         if (bind(made, place, values[i]) != SQLITE_OK)
@@ -106,6 +102,20 @@ void Database::each(const char *statement, const std::vector<SqlValue> &values,
         take(SqlRow(made));
     if (status != SQLITE_DONE)
         fail();
+    sqlite3_reset(made);
+    sqlite3_clear_bindings(made);
+    m_statements.insert_or_assign(statement, std::move(ready));
+}
+
+// One that is used is not among those that are ready, so that it may be used within itself, and one that has failed is
+// not used again.
+Database::Statement Database::statementOf(const char *text) {
+    if (const auto known = m_statements.find(text); known != m_statements.end())
+        return std::move(m_statements.extract(known).mapped());
+    sqlite3_stmt *made = nullptr;
+    if (sqlite3_prepare_v3(m_database, text, -1, SQLITE_PREPARE_PERSISTENT, &made, nullptr) != SQLITE_OK)
+        fail();
+    return {made, sqlite3_finalize};
 }
 
 void Database::tell(const char *statement, const std::vector<SqlValue> &values) {
@@ -119,10 +129,10 @@ std::int64_t Database::number(const char *statement, const std::vector<SqlValue>
 }
 
 void Database::together(const std::function<void()> &work) {
-    run("BEGIN IMMEDIATE");
+    tell("BEGIN IMMEDIATE", {});
     try {
         work();
-        run("COMMIT");
+        tell("COMMIT", {});
     } catch (...) {
         // Where the disk is full it is rolled back already.
         sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -54,8 +56,12 @@ public:
     void together(const std::function<void()> &work);
 
 private:
+    using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
+
     [[noreturn]] void fail() const;
+    Statement statementOf(const char *text);
 
     const std::string m_path;
     sqlite3 *m_database = nullptr;
+    std::map<std::string, Statement, std::less<>> m_statements; // that are ready, by their text
 };
