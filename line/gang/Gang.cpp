@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto percentsWait = 100ms; // before they are shown
+constexpr auto percentsWait = 50ms; // for those of the other nests
 
 } // namespace
 
@@ -83,7 +83,7 @@ bool Gang::isOver() const {
 }
 
 Gang::Clock::time_point Gang::next() const {
-    Clock::time_point next = m_view.next();
+    Clock::time_point next = std::min(m_view.next(), m_percentsDue);
     if (!m_registerFailure)
         next = std::min(next, m_deliveries.wakeUp());
     if (m_ports)
@@ -266,16 +266,22 @@ void Gang::count(Seat &seat, NestState &nest, const Json &record) {
     nest.why = std::to_string(seat.failuresInARow) + " failures in a row";
 }
 
-// A percent alone can wait.
+// MEANT: what is the same is not shown again, so that a line that waits costs nothing. A percent alone can wait.
 void Gang::show() {
-    std::vector<std::pair<Phase, std::string>> now;
-    for (const NestState &nest : m_state.nests)
-        now.emplace_back(nest.phase, nest.step);
-    now.emplace_back(Phase::empty, m_state.notice + std::to_string(m_state.undelivered));
-    if (now == m_shown && Clock::now() < m_shownAt + percentsWait)
+    Shown now;
+    for (const NestState &nest : m_state.nests) {
+        now.steps.emplace_back(nest.phase, nest.step);
+        now.percents.push_back(nest.percent);
+    }
+    now.steps.emplace_back(Phase::empty, m_state.notice + std::to_string(m_state.undelivered));
+    const bool isSame = now.steps == m_shown.steps;
+    if (isSame && now.percents == m_shown.percents)
+        return;
+    m_percentsDue = std::min(m_percentsDue, Clock::now() + percentsWait);
+    if (isSame && Clock::now() < m_percentsDue)
         return;
     m_shown = std::move(now);
-    m_shownAt = Clock::now();
+    m_percentsDue = Clock::time_point::max();
     m_view.show(m_state);
 }
 

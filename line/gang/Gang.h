@@ -43,6 +43,11 @@ private:
         std::size_t firstAwaited = 0; // of what poll() waits for
         std::size_t endAwaited = 0;
     };
+    // What the operator has seen, of each nest.
+    struct Shown {
+        std::vector<std::pair<Phase, std::string>> steps;
+        std::vector<int> percents;
+    };
 
     bool isOver() const;
     void wait();
@@ -75,8 +80,8 @@ private:
     std::vector<Seat> m_seats;
     std::vector<pollfd> m_awaited;
     std::optional<Refusal> m_registerFailure;
-    std::vector<std::pair<Phase, std::string>> m_shown; // of each nest
-    Clock::time_point m_shownAt;
+    Shown m_shown;
+    Clock::time_point m_percentsDue = Clock::time_point::max(); // others than those that are shown
     Clock::time_point m_began;
     std::chrono::duration<double> m_making{}; // all units that have passed
     int m_signalsTaken = 0;

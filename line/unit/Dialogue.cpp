@@ -6,8 +6,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Nobody reads more of them, and each wakes the line, which has many nests.
-constexpr auto percentsPause = 250ms;
+// Nobody reads more of them, and each wakes the line, which has many nests. Those of all nests come at the same time,
+// so that it draws its screen once for all of them.
+constexpr auto percentsPause = 500ms;
 
 // A listener is a plain function.
 Dialogue *listening = nullptr;
@@ -24,7 +25,6 @@ void Dialogue::step(const char *name, const std::function<void()> &work) {
     listen();
     refuseStopped();
     m_percent = -1;
-    m_percentsDue = {};
     tell({{"event", "step"}, {"step", name}});
     const auto begin = Clock::now();
     work();
@@ -49,10 +49,10 @@ void Dialogue::follow(COperation &job) {
 }
 
 void Dialogue::showPercent(int now) {
-    if (now != m_percent && Clock::now() >= m_percentsDue) {
+    if (const auto time = Clock::now(); now != m_percent && time >= m_percentsDue) {
         tell({{"event", "percent"}, {"percent", now}});
         m_percent = now;
-        m_percentsDue = Clock::now() + percentsPause;
+        m_percentsDue = time - time.time_since_epoch() % percentsPause + percentsPause;
     }
     listen();
     if (!m_isStopped)

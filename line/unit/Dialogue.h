@@ -49,8 +49,8 @@ private:
     Channel &m_channel;
     Json m_times = Json::object();
     COperation *m_job = nullptr;
-    int m_percent = -1; // that was told
-    Clock::time_point m_percentsDue;
+    int m_percent = -1;              // that was told
+    Clock::time_point m_percentsDue; // of all steps
     bool m_mayStop = true;
     bool m_isStopped = false;
 };

@@ -5,7 +5,7 @@ usage: unit.py LINK PORT CHIP [KEY=VALUE...] [--image FILE@ADDRESS] [--stop STEP
 
 LINK is the name of a link, KEY=VALUE a member of the order in JSON: 'access="on"' 'sectors=[0,1]'.
 --stop says "stop" when that step begins, --refuse says no to what can't be undone. PROGRAM is zv32-unit, with what
-stands in front of it. Whatever is made, percents of a step have to come four times a second at most, by its own clock.
+stands in front of it. Whatever is made, there is one percent in each half of a second at most.
 """
 import argparse
 import collections
@@ -23,7 +23,7 @@ LINKS = {
     "can": lambda port: {"kind": "can", "port": port},
     "slcan": lambda port: {"kind": "can", "port": port, "rate": 1000000},
 }
-PAUSE = 250  # ms between two percents
+PAUSE = 500  # ms, in each of which there is one percent at most
 
 
 class Unit:
@@ -53,7 +53,7 @@ class Unit:
         elif message.get("event") == "percent":
             self.percents[self.step] += 1
         for step, time in message.get("ms", {}).items():
-            if self.percents[step] > time // PAUSE + 1:
+            if self.percents[step] > time // PAUSE + 2:
                 sys.exit(f"{step}: {self.percents[step]} percents in {time} ms")
         return message or None
 
