@@ -70,15 +70,18 @@ void CsvRows::take(std::string_view way, std::string_view value, bool isText) {
         field = fieldOf(value);
 }
 
-const std::string &CsvRows::of(std::string_view record) {
+void CsvRows::clear() {
     for (std::string &value : m_values)
         value.clear();
+}
+
+const std::string &CsvRows::of(std::string_view record) {
+    clear();
     const auto take = [this](std::string_view way, std::string_view value, bool isText) {
         this->take(way, value, isText);
     };
     if (!m_walk.run(record, take))
-        for (std::string &value : m_values)
-            value.clear();
+        clear();
     m_row.clear();
     for (const std::string &value : m_values) {
         m_row += value;

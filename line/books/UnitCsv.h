@@ -21,6 +21,7 @@ public:
     const std::string &of(std::string_view record);
 
 private:
+    void clear();
     void take(std::string_view way, std::string_view value, bool isText);
 
     RecordWalk m_walk;
