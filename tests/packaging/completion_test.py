@@ -62,6 +62,11 @@ CASES = {
     "zv32-line make --station ./job.toml --nest A1,A": "A1,A1 A1,A2",
     "zv32-line station --start ": "plug key",
     "zv32-line units --result p": "pass",
+    "zv32-line rehearse ./job.toml --supply ": "batch= mac=",
+    "zv32-line rehearse ./job.toml --supply m": "mac=",
+    "zv32-look options --to": "--toml",
+    "zv32-look options --diff ./j": "./job.toml",
+    "zv32-look doctor --pr o": "odd",
     "zv32-look image --j": "--json",
     "zv32-look image ./fine": "./fine.HEX",
     "zv32-look chip -com --pr E": "EVEN",
@@ -108,7 +113,8 @@ def install(place):
     for name in ("fine.HEX", "notes.txt", "a b.bin", "once.ZVTP", "m.ZVmap", "job.toml", "port", "dir/in.s19"):
         (place / "here" / name).touch()
     nests = "".join(f'[[nest]]\nname = "{name}"\nport = "/dev/{name}"\n' for name in ("A1", "A2", "B1"))
-    (place / "here/job.toml").write_text(f'format = 1\nname = "ZX"\n{nests}[series.ZX]\nfirst = 1\n')
+    supplies = "".join(f'[[unit]]\nvalue = "supply"\nsupply = "{name}"\n' for name in ("batch", "mac"))
+    (place / "here/job.toml").write_text(f'format = 1\nname = "ZX"\n{nests}[series.ZX]\nfirst = 1\n{supplies}')
     return share
 
 
@@ -177,6 +183,18 @@ class Completion(unittest.TestCase):
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(content + "\n")
         self.offers(PORTS, UMOCKDEV_DIR=str(self.place / "machine"), LD_PRELOAD="libumockdev-preload.so.0")
+
+    def test_words_that_take_a_value(self):
+        """Behind each of them, as the program tells of it itself, no other option is offered."""
+        for program in "zv32-line", "zv32-look":
+            verbs = self.run_in_place(self.share / "zv32-isp-console/complete", program, "").split()
+            told = {(verb, option) for verb in verbs if not verb.startswith("-")
+                    for option in re.findall(r"^ +(--?[a-z]+) [A-Z]+", self.run_in_place(program, verb, "--help"), re.M)}
+            self.assertGreater(len(told), 5)
+            for verb, option in told:
+                got = self.run_in_place(self.share / "zv32-isp-console/complete", program, verb, option, "").split()
+                with self.subTest(program=program, verb=verb, option=option):
+                    self.assertEqual([word for word in got if word.startswith("-")], [])
 
     def at_a_terminal(self, command, setup):
         shell = Terminal(command, self.place, self.environment)
