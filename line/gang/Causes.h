@@ -2,12 +2,19 @@
 
 #include <string>
 
+// Whether another try may help.
+enum class Retry {
+    none,
+    atOnce,
+    later // what was lost has to be found anew
+};
+
 // Why a unit was not made: a fixed list, of which records, books and hooks tell the name.
 struct Cause {
     const char *name;
     const char *words; // for the operator: what it is, and what to look at
-    bool isOfLink;     // another try may help
-    bool tellsText;    // the attempt's own text says more than the words
+    Retry retry;
+    bool tellsText; // the attempt's own text says more than the words
 };
 
 // Of a name; for one that is not in the list, words that say so.

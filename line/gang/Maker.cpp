@@ -12,7 +12,9 @@
 
 namespace {
 
-constexpr char asking[] = "ask"; // shown while the hook before runs
+// Shown as steps.
+constexpr char asking[] = "ask"; // while the hook before runs
+constexpr char pausing[] = "retry";
 
 std::map<std::string, std::string> textsOf(const Json &supply) {
     std::map<std::string, std::string> texts;
@@ -56,6 +58,8 @@ void Maker::watch(std::vector<pollfd> &all) const {
 
 Maker::Clock::time_point Maker::deadline() const {
     const auto never = Clock::time_point::max();
+    if (m_lost)
+        return m_mayRetry && !m_verdict ? m_again : Clock::time_point();
     return std::min(m_attempt ? m_attempt->deadline() : never, m_hook ? m_hook->deadline() : never);
 }
 
@@ -65,6 +69,7 @@ Maker::Progress Maker::proceed() {
     } catch (const Refusal &refusal) {
         m_hook.reset();
         m_attempt.reset();
+        m_lost.reset();
         m_shown.phase = Phase::fail;
         m_shown.why = std::string("not recorded: ") + refusal.what();
         throw;
@@ -74,6 +79,8 @@ Maker::Progress Maker::proceed() {
 Maker::Progress Maker::work() {
     if (m_hook && m_hook->proceed())
         answered();
+    if (m_lost)
+        return again();
     while (m_attempt) {
         const Attempt::Event event = m_attempt->next();
         const Progress progress = event == Attempt::Event::nothing ? Progress::nothing : take(event);
@@ -159,7 +166,8 @@ void Maker::sendImage() {
 
 void Maker::decline(const char *result, const std::string &cause, const std::string &text) {
     m_verdict = Verdict{result, cause, text};
-    m_attempt->stop();
+    if (m_attempt)
+        m_attempt->stop();
 }
 
 void Maker::stop() {
@@ -178,11 +186,31 @@ Maker::Progress Maker::ended() {
     const Outcome outcome = m_attempt->outcome();
     m_hook.reset();
     m_attempt.reset();
-    const bool again = causeOf(outcome.cause).isOfLink && !m_verdict && !m_isBurning && m_mayRetry;
-    if (again && m_tries <= m_shift.station.retries) {
-        begin();
-        return Progress::step;
-    }
+    const Retry retry = causeOf(outcome.cause).retry;
+    const bool mayRetry = !m_verdict && !m_isBurning && m_mayRetry && m_tries <= m_shift.station.retries;
+    if (retry == Retry::none || !mayRetry)
+        return over(outcome);
+    m_lost = outcome;
+    m_again = Clock::now() + std::chrono::seconds(retry == Retry::later ? m_shift.station.retryAfter : 0);
+    m_shown.step = pausing;
+    m_shown.percent = -1;
+    return again();
+}
+
+// Begins the next try when it is time, or leaves it at the last one.
+Maker::Progress Maker::again() {
+    const bool mayRetry = m_mayRetry && !m_verdict;
+    if (mayRetry && Clock::now() < m_again)
+        return Progress::nothing;
+    const Outcome lost = *m_lost;
+    m_lost.reset();
+    if (!mayRetry)
+        return over(lost);
+    begin();
+    return Progress::step;
+}
+
+Maker::Progress Maker::over(const Outcome &outcome) {
     setOutcome(m_record, outcome, m_tries);
     if (m_verdict)
         setResult(m_record, m_verdict->result, m_verdict->cause, m_verdict->text);

@@ -21,7 +21,7 @@ public:
 
     // Begins a unit.
     void start();
-    bool isBusy() const { return m_attempt != nullptr; }
+    bool isBusy() const { return m_attempt || m_lost; }
     // The identifier of the chip that is being made, empty while it is not known.
     std::string uid() const;
 
@@ -57,6 +57,8 @@ private:
     void sendImage();
     void decline(const char *result, const std::string &cause, const std::string &text);
     Progress ended();
+    Progress again();
+    Progress over(const Outcome &outcome);
     void keep();
     void show();
     bool isBegun() const { return m_record.at("attempt").is_number(); }
@@ -68,6 +70,8 @@ private:
     UnitFacts m_facts;
     std::unique_ptr<Attempt> m_attempt;
     std::unique_ptr<Hook> m_hook;
+    std::optional<Outcome> m_lost; // of the last try, before the next one
+    Clock::time_point m_again;     // when that begins
     struct Verdict {
         const char *result;
         std::string cause;

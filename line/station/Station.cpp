@@ -15,6 +15,7 @@ constexpr std::size_t longestStation = 1024 * 1024;
 constexpr std::int64_t highestNumber = 0xFFFFFFFF;
 constexpr std::int64_t mostFailures = 1000;
 constexpr std::int64_t mostRetries = 10;
+constexpr std::int64_t longestPause = 60;  // seconds
 constexpr std::int64_t longestHook = 3600; // seconds
 constexpr std::size_t mostNests = 64;      // so many a screen of 80 columns and 24 lines shows
 constexpr std::size_t longestName = 8;     // of a nest
@@ -101,6 +102,7 @@ Station parse(const std::string &path) {
     station.approved = absolutePath(table, "approved", approvedDirectory);
     station.stopAfter = numberOr(table, "stop_after", mostFailures, station.stopAfter);
     station.retries = numberOr(table, "retries", mostRetries, station.retries);
+    station.retryAfter = numberOr(table, "retry_after", longestPause, station.retryAfter);
     if (table.has("link") || table.has("nest"))
         station.link = readLink(table.table("link"));
     readNests(table, station);

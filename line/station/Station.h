@@ -41,6 +41,7 @@ struct Station {
     std::string approved; // directory of the approvals
     int stopAfter = 3;    // failures in a row close a nest; 0 for never
     int retries = 1;      // of an attempt that a failure of the link ended
+    int retryAfter = 2;   // seconds, where the chip had been found
     Link link;
     std::vector<Nest> nests; // in the order of the file
     std::map<std::string, Series> series;

@@ -121,11 +121,14 @@ The one that was taken out is made when it is back, with the number that it had.
   $ make --nest A9 --json | python3 -c "import json, sys; record = json.load(sys.stdin); print(record['result'], record['number'] == $before)"
   pass True
 
-One that loses its link for a moment is tried again, and that is the same attempt.
+One that loses its link for a moment is tried again after a pause, and that is the same attempt.
 
+  $ sed -i 's/^retries = 1/retries = 1\nretry_after = 1/' station.toml
   $ unplug 9; plug 2 --fault hangup@2000:0; wait_ready 2
   $ make --nest A2 --json | python3 -c "import json, sys; record = json.load(sys.stdin); print(record['result'], record['tries'])"
   pass 2
+  $ ask "SELECT (julianday(ended) - julianday(started)) * 86400 >= 1 FROM attempt WHERE nest = 'A2' AND result = 'pass'"
+  1
   $ ask "SELECT result, cause FROM attempt WHERE nest = 'A2' ORDER BY id"
   fail|no-answer
   pass|

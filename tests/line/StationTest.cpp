@@ -49,6 +49,7 @@ const Mistake mistakes[] = {
     {"stop_after = 5", "stop_after = -1", ":6: stop_after: is not within 0 and 1000"},
     {"retries = 2", "retries = 11", ":7: retries: is not within 0 and 10"},
     {"retries = 2", "retry = 2", ":7: retry: no such key"},
+    {"retries = 2", "retry_after = 61", ":7: retry_after: is not within 0 and 60"},
     {"[link]\nkind", "kind", ":1: link: is missing"},
     {"\"usart\"", "\"uart\"", ":9: link.kind: is none of \"can\", \"dfu\", \"i2c\", \"spi\", \"usart\""},
     {"460800", "0", ":10: link.rate: is not within 1 and 100000000"},
@@ -131,6 +132,7 @@ TEST_F(StationTest, NeedsLittle) {
     EXPECT_EQ(read.approved, "/etc/zv32-line/approved");
     EXPECT_EQ(read.stopAfter, 3);
     EXPECT_EQ(read.retries, 1);
+    EXPECT_EQ(read.retryAfter, 2);
     EXPECT_TRUE(read.nests.empty());
     EXPECT_FALSE(read.before || read.after);
 }
