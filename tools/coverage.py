@@ -16,7 +16,7 @@ UNTAKEN = ROOT / "tests/coverage/untaken.txt"
 # Per cent of the branches that the tests have to take, without those of untaken.txt: all, or no fewer than there were.
 GOALS = {
     "app": 100, "operations": 100, "link": 100, "usersystemdata": 100, "files": 100, "device": 100, "foundation": 100,
-    "libs/files": 98.5, "libs/zvbl": 92.5, "sim": 85, "look": None, "line": None, "programs": None,
+    "libs/files": 100, "libs/zvbl": 100, "sim": 95, "look": None, "line": None, "programs": None,
 }
 
 

@@ -160,6 +160,7 @@ TEST(Device, WithoutAMapDirectoryEveryChipIsUnknown) {
     Described device;
     EXPECT_FALSE(device.IsDevicePID("", ""));
     EXPECT_EQ(CDeviceManager().GetDevice("12345678", "01", 64), nullptr);
+    EXPECT_EQ(CDeviceManager().GetDevice("", "01", 64), nullptr);
 }
 
 TEST(Device, AMissingKeyIsEmptyOrZero) {

@@ -156,8 +156,10 @@ TEST_F(DownloadSectorsTest, TheBlockListsOfTheCallerStayAsTheyAre) {
     QList<int> whole;
     for (int i = 0; i < 16; ++i)
         whole.append(i);
-    QList<int> outSectors, outBlocks;
-    download.GetNecessaryBlockIndexAndSectorIndex(whole, outSectors, outBlocks, 0x10000, 4096);
-    EXPECT_TRUE(outSectors.isEmpty());
-    EXPECT_TRUE(outBlocks.isEmpty());
+    for (const QList<int> &asked : {whole, QList<int>{1}}) {
+        QList<int> outSectors, outBlocks;
+        download.GetNecessaryBlockIndexAndSectorIndex(asked, outSectors, outBlocks, 0x10000, 4096);
+        EXPECT_TRUE(outSectors.isEmpty());
+        EXPECT_TRUE(outBlocks.isEmpty());
+    }
 }

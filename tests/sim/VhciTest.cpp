@@ -256,6 +256,10 @@ TEST_F(VhciPortTest, TheNodeIsToldOnce) {
     ++kernel.late;
     EXPECT_TRUE(work(port)); // it is another device now
     EXPECT_EQ(port.takeReady(), root / "dev/bus/usb/005/009");
+    port.losePower(clockNow());
+    ++kernel.late;
+    EXPECT_TRUE(work(port)); // it went and came between two turns
+    EXPECT_EQ(port.takeReady(), root / "dev/bus/usb/005/009");
 }
 
 TEST_F(VhciPortTest, WhoTakesItAwayOrSpeaksNonsenseEndsIt) {

@@ -97,9 +97,49 @@ TEST_F(CanAdapterBusTest, AnAdapterThatLeavesMeanwhileIsGone) {
             EXPECT_EQ(send(in(5000)), Status::ok);
     }
     gone = true;
+    std::thread hand([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(3)); // while the next frame waits for the bus
+        pty.unplug();
+    });
+    Status status = Status::ok;
+    for (int i = 0; i < 3 && status == Status::ok; ++i)
+        status = send(in(5000));
+    hand.join();
+    EXPECT_EQ(status, Status::gone);
+    adapter.reset();
+}
+
+TEST_F(CanAdapterBusTest, OneThatIsGoneExplainsNothing) {
+    gone = true;
     pty.unplug();
-    adapter->explain(); // in vain
+    adapter->explain();
     EXPECT_EQ(send(in(5000)), Status::gone);
+    adapter.reset();
+}
+
+// A frame that others have followed cannot be sent once more in its place.
+TEST_F(CanAdapterBusTest, AFrameThatIsRefusedWithinOthers) {
+    for (int i = 0; i < 3; ++i)
+        play({line(sent, "")}, [&] { EXPECT_EQ(send(in(5000)), Status::ok); });
+    pty.write({'\a'});
+    EXPECT_EQ(send(in(5000)), Status::noAnswer);
+}
+
+TEST_F(CanAdapterBusTest, OneThatIsRefusedWhileTheNextWaitsForTheBus) {
+    {
+        const Acknowledger other(pty);
+        for (int i = 0; i < held + 2; ++i)
+            EXPECT_EQ(send(in(5000)), Status::ok);
+    }
+    gone = true; // what it has said is not looked at
+    EXPECT_EQ(send(in(5000)), Status::ok);
+    EXPECT_EQ(send(in(5000)), Status::ok);
+    std::thread hand([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(3));
+        pty.write({'\a'});
+    });
+    EXPECT_EQ(send(in(5000)), Status::noAnswer);
+    hand.join();
     adapter.reset();
 }
 

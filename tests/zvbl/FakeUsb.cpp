@@ -14,10 +14,12 @@ FakeUsb::FakeUsb() : functional{9, 0x21, 0x03, 0, 0, 0x00, 0x08, 0x1A, 0x01} {
         setting.bInterfaceSubClass = 1;
         setting.bInterfaceProtocol = 2;
     }
-    interface.altsetting = settings;
-    interface.num_altsetting = 1;
+    for (libusb_interface &interface : interfaces) {
+        interface.altsetting = settings;
+        interface.num_altsetting = 1;
+    }
     configuration.bNumInterfaces = 1;
-    configuration.interface = &interface;
+    configuration.interface = interfaces;
 }
 
 namespace {

@@ -37,7 +37,7 @@ struct FakeUsb {
 
     libusb_device_descriptor device{};
     libusb_interface_descriptor settings[2] = {};
-    libusb_interface interface {};
+    libusb_interface interfaces[2] = {};
     libusb_config_descriptor configuration{};
     zvbl::Bytes functional;
 

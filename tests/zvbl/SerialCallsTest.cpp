@@ -27,7 +27,8 @@ protected:
     }
     static Timing shortTiming() {
         Timing timing;
-        timing.frameLimit = timing.quiet = std::chrono::milliseconds(2);
+        timing.quiet = std::chrono::milliseconds(2);
+        timing.frameLimit = std::chrono::milliseconds(20);
         return timing;
     }
     Status reset() {
@@ -60,6 +61,12 @@ TEST_F(SerialCallsTest, ALineThatIsNeverSilentAfterARefusal) {
     fake.babbles = true;
     EXPECT_EQ(reset(), Status::outOfStep);
     EXPECT_EQ(framing.start({}, std::chrono::milliseconds(5)), Status::noAnswer);
+}
+
+// The chip may hold half a command for longer than the caller waits: something is there, then, and nothing was heard.
+TEST_F(SerialCallsTest, AStartThatIsOverBeforeTheChipHasDroppedWhatItHolds) {
+    EXPECT_EQ(reset(), Status::noAnswer);
+    EXPECT_EQ(framing.start({}, std::chrono::microseconds(100)), Status::noAnswer);
 }
 
 TEST_F(SerialCallsTest, APortThatIsGoneAfterARefusal) {

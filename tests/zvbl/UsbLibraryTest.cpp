@@ -86,6 +86,9 @@ TEST_F(UsbLibraryTest, ADeviceThatLeavesInThisMomentIsNotListed) {
 }
 
 TEST_F(UsbLibraryTest, InterfacesThatAreNone) {
+    usb.configuration.bNumInterfaces = 2; // of a device that has two it is the first
+    EXPECT_EQ(targets(), 1U);
+    usb.configuration.bNumInterfaces = 1;
     EXPECT_EQ(targets(), 1U);
     std::uint8_t *const fields[] = {&usb.settings[0].bInterfaceClass, &usb.settings[0].bInterfaceSubClass,
                                     &usb.settings[0].bInterfaceProtocol};
@@ -126,7 +129,7 @@ TEST_F(UsbLibraryTest, AnotherPlaceIsAnotherDevice) {
 TEST_F(UsbLibraryTest, AnInterfaceThatCannotBeHad) {
     for (int *call : {&usb.claim, &usb.alternate}) {
         UsbPort port(trace);
-        usb.interface.num_altsetting = 2;
+        usb.interfaces[0].num_altsetting = 2;
         *call = LIBUSB_ERROR_BUSY;
         EXPECT_EQ(open(port), Status::cantOpen);
         *call = 0;
