@@ -29,10 +29,14 @@ public:
 private:
     void serve(Pty &pty) {
         constexpr int patienceMs = 5;
-        while (!m_stop)
-            for (const std::uint8_t byte : pty.read(patienceMs))
+        for (bool last = false, empty = false; !last || !empty;) {
+            last = m_stop; // what was sent before that is taken
+            const Bytes bytes = pty.read(patienceMs);
+            empty = bytes.empty();
+            for (const std::uint8_t byte : bytes)
                 if (byte == '\r')
                     pty.write({'z', '\r'});
+        }
     }
 
     std::atomic<bool> m_stop{false};
