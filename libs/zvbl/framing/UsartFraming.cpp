@@ -73,8 +73,7 @@ Status UsartFraming::carry(const Command &command, Bytes &reply) {
 }
 
 // Sends one group, does something meanwhile, and takes its answer.
-template <class Meanwhile>
-Status UsartFraming::ask(const Bytes &bytes, Status ifRefused, Meanwhile meanwhile) {
+Status UsartFraming::ask(const Bytes &bytes, Status ifRefused, const std::function<void()> &meanwhile) {
     const TimePoint from = std::max<TimePoint>(Clock::now(), m_lastSent);
     if (const Status status = send(bytes); status != Status::ok)
         return status;

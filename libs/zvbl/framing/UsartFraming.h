@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "libs/zvbl/framing/Framing.h"
 #include "libs/zvbl/transport/SerialPort.h"
 
@@ -22,8 +24,7 @@ private:
     enum class Step { kept, doubtful, lost };
 
     Status carry(const Command &command, Bytes &reply);
-    template <class Meanwhile>
-    Status ask(const Bytes &bytes, Status ifRefused, Meanwhile meanwhile);
+    Status ask(const Bytes &bytes, Status ifRefused, const std::function<void()> &meanwhile);
     Status takeAnswer(Status ifRefused);
     Status takeReply(const Reply &expected, Bytes &reply);
     Status expectSilence(double characters);
