@@ -2,12 +2,11 @@
 
 #include <memory>
 
-#include "device/Device.h"
-#include "device/Families.h"
 #include "foundation/Result.h"
 #include "link/AccessProtection.h"
 #include "link/BootLoader.h"
 #include "look/Chip.h"
+#include "look/OptionDifference.h"
 #include "look/OptionFacts.h"
 #include "look/Status.h"
 #include "look/Unit.h"
@@ -18,48 +17,11 @@ namespace {
 struct Words {
     std::string chip;
     std::string bid;
-    std::string other; // a file to be compared with
+    std::string other; // a file or a job to be compared with
     bool asJob = false;
 
     TellOptions tell() const { return asJob ? tellOptionsAsJob : tellOptions; }
 };
-
-std::vector<BYTE> compactForm(CUserSystemData &data) {
-    BYTE *bytes = nullptr;
-    const quint32 length = data.Get(bytes);
-    const std::unique_ptr<BYTE[]> block(bytes);
-    return {bytes, bytes + length};
-}
-
-std::vector<BYTE> bytesOfFile(const std::string &path, const CBootLoader &control) {
-    CDevice &device = *control.m_ObDevice;
-    const ImageRead image = readImage(path, false);
-    if (const std::string refusal = optionBytesRefusal(image, &device); !refusal.empty())
-        throw Refusal(notAcceptable, path + ": " + refusal);
-    CUserSystemData data(seriesOf(device), control.m_BID, &device, nullptr, 0);
-    std::vector<BYTE> bytes = image.ranges.front().bytes;
-    data.SetElementData(bytes.data(), static_cast<quint32>(bytes.size()));
-    return compactForm(data);
-}
-
-Value hexValue(BYTE byte) {
-    return {byte, addressValue(byte).text.substr(6)};
-}
-
-// somethingWrong where a byte differs.
-int tellDifference(CBootLoader &control, const std::string &path, Section &report) {
-    const std::vector<BYTE> chip = compactForm(*control.m_ObUserSystemData);
-    const std::vector<BYTE> file = bytesOfFile(path, control);
-    std::vector<std::vector<Value>> rows;
-    for (std::size_t i = 0; i < std::min(chip.size(), file.size()); ++i)
-        if (chip[i] != file[i])
-            rows.push_back({Value(i), hexValue(chip[i]), hexValue(file[i])});
-    const bool differs = !rows.empty();
-    report.fact("differs", Value(differs, (differs ? "yes, from " : "no, from ") + path));
-    if (differs)
-        report.table("bytes that differ", {"byte", "chip", "file"}, std::move(rows));
-    return differs ? somethingWrong : lookedWell;
-}
 
 int lookAtChip(std::vector<std::string> link, const Words &words, Section &report) {
     const auto unit = unitAt(std::move(link));
@@ -68,7 +30,7 @@ int lookAtChip(std::vector<std::string> link, const Words &words, Section &repor
         throw Refusal(notAcceptable, isRefusal(result) ? "the chip refuses to tell: it is under access protection"
                                                        : CResult::GetInfoStringName(result));
     words.tell()(*control.m_ObUserSystemData, report);
-    return words.other.empty() ? lookedWell : tellDifference(control, words.other, report);
+    return words.other.empty() ? lookedWell : tellOptionDifference(control, words.other, report);
 }
 
 int lookAtFile(const std::vector<std::string> &files, const Words &words, Section &report) {
@@ -94,7 +56,10 @@ Look declareOptions(CLI::App &words) {
     const auto given = std::make_shared<Words>();
     words.allow_extras(); // the words of a link, or a file
     words.footer("LINK-WORDS are those of the console, -com --pn ttyUSB0; or FILE, as -usd takes and saves it.");
-    words.add_option("--diff", given->other, "compares the chip's with those of a file: status 9 where they differ");
+    words.add_option(
+        "--diff", given->other,
+        "compares the chip's with those of a file, or with what a job leaves, JOB.toml: status 9 where they "
+        "differ");
     words.add_option("--chip", given->chip, "the chip that a file is for, by its map file: ZV32F403A_1024K");
     words.add_flag("--toml", given->asJob, "as the [options] of a job of zv32-line, to be pasted");
     words.add_option("--bid", given->bid, "its BID, hexadecimal: on a ZV32F415 the layout depends on it")

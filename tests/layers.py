@@ -11,9 +11,9 @@ CONSOLE = ["app", "operations", "link", "usersystemdata", "files", "device", "fo
 
 # What a folder may include, as prefixes of the spelled path.
 ALLOWED = {folder: [f"{below}/" for below in CONSOLE[i:]] for i, folder in enumerate(CONSOLE)}
-# The program that only looks stands beside the console, on what does not act.
+# The program that only looks stands beside the console, on what does not act. It reads the files of zv32-line too.
 WORDS = ["FileNames", "LinkCommands", "LinkSettings", "OtpFile", "Requests", "Sectors", "SubOptions", "Words"]
-ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "libs/files/AtomicFile.h", "libs/files/ImageReader.h", "programs/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
+ALLOWED["look"] = [f"app/{name}.h" for name in WORDS] + ["look/", "line/job/", "line/station/", "libs/files/AtomicFile.h", "libs/files/ImageReader.h", "programs/", "link/", "usersystemdata/", "files/", "device/", "foundation/"]
 # What the programs beside the console share, and the one that makes units: without Qt, and without the two libraries,
 # which a site may replace by its own. It reads files by the file library's own sources.
 ALLOWED["programs"] = ["programs/"]

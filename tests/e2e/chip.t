@@ -68,6 +68,35 @@ Its option bytes, and in what they differ from those of a file.
     byte  chip  file
        4    FF    FC
 
+And in what they are not as a job leaves them. More sectors than it protects are no difference.
+
+  $ printf abcd >fw.bin
+  $ job() {
+  >     printf 'format = 1\nname = "a"\nquantity = 1\n[chip]\nname = "ZV32F403A_1024K"\n' >job.toml
+  >     printf '[image]\nfile = "fw.bin"\nverify = "crc"\n' >>job.toml
+  >     printf '%s\n' "$@" >>job.toml
+  > }
+  $ differences() { zv32-look options "${port_words[@]}" --diff job.toml | sed '1,/^differs/{/^differs/!d}'; return ${PIPESTATUS[0]}; }
+  $ job '[options]' 'ssb = 0xF7' 'data = { 0 = 0x12, 1 = 0xFF }' 'protect = "1-3"' '[finish]' 'access = "on"'
+  $ differences
+  differs                             yes, from job.toml
+  not as the job leaves them
+    name     chip  job
+    data0      FF   12
+    ssb        FF   F7
+    protect  none  1-3
+    access   off   on
+  [9]
+  $ line -p --eepp 0-3 >/dev/null
+  $ job '[options]' 'ssb = 0xFF' 'protect = "1-2"'
+  $ differences
+  differs                             no, from job.toml
+  $ job '[options]' 'data = { 9 = 1 }'
+  $ differences
+  zv32-look: job.toml:10: options.data.9: this chip has no such option byte
+  [2]
+  $ line -p --depp >/dev/null
+
 A chip under access protection tells who it is, and no more.
 
   $ line -p --efap1 >/dev/null

@@ -20,6 +20,29 @@ Again, as its bootloader is in its command state now.
     bootloader     answers 1F to 7F
   first  nothing is to be done: no cause was found
 
+By the name of its nest, at the rate of the station.
+
+  $ cat >station.toml <<EOF
+  > format = 1
+  > station = "one"
+  > [link]
+  > kind = "usart"
+  > rate = 57600
+  > [[nest]]
+  > name = "A1"
+  > port = "$PWD/port"
+  > EOF
+  $ doctor A1 --station station.toml | grep -E 'nest|answers'
+  port, nest A1 at 57600
+    bootloader     answers 1F to 7F
+  $ doctor A1 --station station.toml --br 9600 | head -n 1
+  port, nest A1 at 9600
+  $ doctor A2 --station station.toml | head -n 1
+  /dev/A2
+  $ doctor A1 --station nowhere.toml
+  zv32-look: nowhere.toml: No such file or directory
+  [2]
+
 A process that has it; nothing is sent then.
 
   $ sleep 60 <>port & holder=$!
