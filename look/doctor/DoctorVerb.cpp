@@ -1,5 +1,6 @@
 #include "look/doctor/DoctorVerb.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "line/station/Station.h"
@@ -81,21 +82,25 @@ Target targetOfNest(const Nest &nest, const Link &link, const Words &words, cons
 }
 
 // A port that is there is meant before a nest of the same name.
-Target targetOf(const std::string &word, const Words &words, const Machine &machine) {
-    const Port port = portOf(word, machine);
-    if (word.find('/') == std::string::npos && !isThere(port, machine)) {
-        const Station station = readStation(words.station);
+bool mayBeNest(const std::string &word, const Machine &machine) {
+    return word.find('/') == std::string::npos && !isThere(portOf(word, machine), machine);
+}
+
+Target targetOf(const std::string &word, const Words &words, const Station &station, const Machine &machine) {
+    if (mayBeNest(word, machine))
         for (const Nest &nest : station.nests)
             if (nest.name == word)
                 return targetOfNest(nest, station.link, words, machine);
-    }
-    return {port, "", lineOf(words)};
+    return {portOf(word, machine), "", lineOf(words)};
 }
 
 std::vector<Target> targetsOf(const Words &words, const Machine &machine) {
+    Station station;
+    if (std::any_of(words.ports.begin(), words.ports.end(), [&](const auto &word) { return mayBeNest(word, machine); }))
+        station = readStation(words.station);
     std::vector<Target> targets;
     for (const std::string &word : words.ports)
-        targets.push_back(targetOf(word, words, machine));
+        targets.push_back(targetOf(word, words, station, machine));
     if (words.ports.empty())
         for (const Port &port : allPorts(machine))
             targets.push_back({port, "", lineOf(words)});
