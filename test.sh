@@ -2,8 +2,8 @@
 # Installs what is missing, builds, and runs all tests.
 #
 # usage: ./test.sh [--all|--kernel|--packages|--fuzz SECONDS|--campaign|--coverage|--mutations SEED COUNT]
-#   --all     also reads all with clang++ for its warnings, looks for mistakes with clang-tidy, and runs the tests under AddressSanitizer with
-#             UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
+#   --all     also reads all with clang++ for its warnings, looks for mistakes with clang-tidy, and runs the tests under
+#             AddressSanitizer with UndefinedBehaviorSanitizer, and those of the console under ThreadSanitizer
 #   --kernel  runs those on a stock Debian kernel with its own drivers, and no others
 #   --packages  makes the Debian packages, here and in a bare root, and installs, upgrades and removes them in another;
 #               takes root, and runs no other tests
