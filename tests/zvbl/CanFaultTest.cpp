@@ -158,6 +158,33 @@ TEST_F(CanFaultTest, TwiceTheSameFrameIsNoReply) {
     EXPECT_EQ(data[14], 0x0E);
 }
 
+// What follows the doubled frame may be held up for longer than a frame takes.
+TEST_F(CanFaultTest, TwiceTheSameFrameIsNoReplyWhenTheNextIsLate) {
+    setOpeningPause(6000, milliseconds(200));
+    ASSERT_EQ(Interface_Open(link), 0);
+    BYTE data[15] = {};
+    const std::string first = "111 00 01 02 03 04 05 06 07", second = "111 08 09 0A 0B 0C 0D 0E 0F";
+    const CanTurn start = {"011", "111 79"}, address = {"011 20 00 00 00 20", "111 79"};
+    const CanTurn held = {"011 0E F1", "111 79, " + first + "," + first,
+                          [] { std::this_thread::sleep_for(milliseconds(20)); }};
+    const CanScript script = {start,  address, held,    {"", second},
+                              inStep, start,   address, {"011 0E F1", "111 79, " + first + "," + second}};
+    EXPECT_EQ(play(script, [&] { return ZVBL_UPLOAD(link, 0x20000000, data, 15); }), 0);
+    EXPECT_EQ(data[14], 0x0E);
+}
+
+// Data that repeat are no fault.
+TEST_F(CanFaultTest, EqualFramesThatEndAReplyAreData) {
+    hurry();
+    BYTE data[15] = {};
+    const std::string blank = "111 FF FF FF FF FF FF FF FF";
+    EXPECT_EQ(
+        play({{"011", "111 79"}, {"011 20 00 00 00 20", "111 79"}, {"011 0E F1", "111 79, " + blank + "," + blank}},
+             [&] { return ZVBL_UPLOAD(link, 0x20000000, data, 15); }),
+        0);
+    EXPECT_FALSE(traced("# more than the answer"));
+}
+
 // An ACK that came twice must not stand for that of the data, which are not written yet.
 TEST_F(CanFaultTest, ADoubledAckWritesNothing) {
     openOn(slow);

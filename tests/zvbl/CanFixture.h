@@ -39,8 +39,8 @@ protected:
     void hurry(unsigned timeoutMs = 300) { ASSERT_EQ(SetTimeOut(link, timeoutMs), 0); }
 
     // Of links that are opened from now on.
-    static void setOpeningPause(int ms) {
-        zvbl::setTiming({std::chrono::milliseconds(100), std::chrono::milliseconds(5), std::chrono::milliseconds(ms)});
+    static void setOpeningPause(int ms, std::chrono::milliseconds quiet = std::chrono::milliseconds(5)) {
+        zvbl::setTiming({std::chrono::milliseconds(100), quiet, std::chrono::milliseconds(ms)});
     }
 
     // Runs a call while the chip plays its part, and gives the call's status.

@@ -18,7 +18,9 @@ constexpr std::uint32_t flash = 0x08000000;
 class CanSweepTest : public CanFixture, public ::testing::WithParamInterface<const char *> {
 protected:
     void SetUp() override {
-        openOn(500000); // a frame that comes twice comes a frame later
+        openOn(500000);                                       // a frame that comes twice comes a frame later
+        setOpeningPause(6000, std::chrono::milliseconds(20)); // a busy machine may hold up the bus
+        ASSERT_EQ(Interface_Open(link), 0);
         const std::string log = bus->directory() + "/chip";
         const char *words[] = {ZV32_SIM_PROGRAM, "--chip", "ZV32F403A_1024K", "--can",
                                "can0",           "--log",  log.c_str(),       nullptr};

@@ -23,6 +23,14 @@ CanFrame frameOf(std::uint8_t opcode, const std::uint8_t *bytes, std::size_t siz
     return frame;
 }
 
+// Two frames in a row with the same bytes: data that repeat, or one frame that came twice.
+bool hasEqualNeighbours(const Bytes &reply) {
+    for (std::size_t i = frameSize; i + frameSize <= reply.size(); i += frameSize)
+        if (std::equal(&reply[i - frameSize], &reply[i], &reply[i]))
+            return true;
+    return false;
+}
+
 } // namespace
 
 CanFraming::CanFraming(CanBus &bus, const Timing &timing, Trace &trace) : MessageFraming(timing, trace), m_bus(bus) {}
@@ -57,11 +65,11 @@ Status CanFraming::sendOpcode(std::uint8_t opcode) {
 
 Status CanFraming::sendGroup(std::uint8_t opcode, const Bytes &bytes) {
     const bool lastGroup = --m_groupsLeft == 0;
-    Status status = m_doubles == Doubles::nowhere ? expectSilence(opcode) : Status::ok;
+    Status status = m_doubles == Doubles::nowhere ? expectSilence(opcode, doubleTime()) : Status::ok;
     for (std::size_t done = 0; done < bytes.size() && status == Status::ok; done += frameSize) {
         const std::size_t size = std::min(frameSize, bytes.size() - done);
         if (m_doubles == Doubles::inLastGroup && lastGroup && done + size == bytes.size())
-            status = expectSilence(opcode);
+            status = expectSilence(opcode, doubleTime());
         if (status == Status::ok)
             status = send(frameOf(opcode, bytes.data() + done, size), Clock::now() + m_timeout);
     }
@@ -86,13 +94,15 @@ Status CanFraming::takeReply(const Command &command, Bytes &reply) {
         if (const Status status = takePart(command, reply, size); status != Status::ok)
             return status;
     } while (reply.size() < size);
+    const bool equalNeighbours = hasEqualNeighbours(reply);
     if (const Status status = unwrap(command, reply); status != Status::ok)
         return status;
     // In a reply of full frames only, a frame that came twice takes the place of the next one, and the last
-    // frame is left over. The checksum can miss that, as two equal frames add nothing to it, so the frame that
-    // is left over has to show. Where an ACK follows the reply, it stands in the place of the ACK, and shows.
-    const bool pushedOut = size > frameSize && size % frameSize == 0 && command.reply.end != Reply::End::ack;
-    return pushedOut ? expectSilence(command.opcode) : Status::ok;
+    // frame is left over. The checksum can miss that, as two equal frames add nothing to it, so where two
+    // neighbours are equal the frame that is left over has to show. Where an ACK follows the reply, it stands
+    // in the place of the ACK, and shows.
+    const bool pushedOut = equalNeighbours && size % frameSize == 0 && command.reply.end != Reply::End::ack;
+    return pushedOut ? expectSilence(command.opcode, std::max(m_timing.quiet, doubleTime())) : Status::ok;
 }
 
 // Takes one frame of a reply. `size` is 0 until its count tells it.
@@ -181,8 +191,8 @@ Status CanFraming::discardUntilQuiet(TimePoint bound) {
 }
 
 // Makes sure that no frame came twice, as far as that can be told by now.
-Status CanFraming::expectSilence(std::uint8_t opcode) {
-    const TimePoint until = m_lastHeard + doubleTime();
+Status CanFraming::expectSilence(std::uint8_t opcode, Duration howLong) {
+    const TimePoint until = m_lastHeard + howLong;
     const TimePoint bound = std::max<TimePoint>(until, Clock::now() + m_timing.quiet);
     CanFrame frame;
     for (;;) {

@@ -43,7 +43,7 @@ private:
     Status takePart(const Command &command, Bytes &reply, std::size_t &size);
     Status discardUntil(TimePoint deadline);
     Status discardUntilQuiet(TimePoint bound);
-    Status expectSilence(std::uint8_t opcode);
+    Status expectSilence(std::uint8_t opcode, Duration howLong);
     Duration doubleTime() const;
 
     CanBus &m_bus;
