@@ -142,8 +142,11 @@ TEST_F(CanAdapterBusTest, OneThatIsRefusedWhileTheNextWaitsForTheBus) {
         std::this_thread::sleep_for(std::chrono::milliseconds(3));
         pty.write({'\a'});
     });
-    EXPECT_EQ(send(in(5000)), Status::noAnswer);
+    Status status = Status::ok;
+    for (int i = 0; i < 100 && status == Status::ok; ++i) // a machine that is held up lets some through
+        status = send(in(5000));
     hand.join();
+    EXPECT_EQ(status, Status::noAnswer);
     adapter.reset();
 }
 

@@ -65,8 +65,12 @@ TEST_F(SerialCallsTest, ALineThatIsNeverSilentAfterARefusal) {
 
 // The chip may hold half a command for longer than the caller waits: something is there, then, and nothing was heard.
 TEST_F(SerialCallsTest, AStartThatIsOverBeforeTheChipHasDroppedWhatItHolds) {
-    EXPECT_EQ(reset(), Status::noAnswer);
-    EXPECT_EQ(framing.start({}, std::chrono::microseconds(100)), Status::noAnswer);
+    Timing patient;
+    patient.frameLimit = std::chrono::seconds(10);
+    UsartFraming slow{port, patient, trace};
+    Bytes reply;
+    EXPECT_EQ(slow.transfer({wire::opReset}, reply, std::chrono::milliseconds(5)), Status::noAnswer);
+    EXPECT_EQ(slow.start({}, std::chrono::milliseconds(50)), Status::noAnswer);
 }
 
 TEST_F(SerialCallsTest, APortThatIsGoneAfterARefusal) {
