@@ -6,6 +6,7 @@
 #include <cstring>
 #include <iostream>
 
+#include "line/gang/UnitRecord.h"
 #include "line/register/Register.h"
 #include "line/register/Sql.h"
 #include "programs/FileBytes.h"
@@ -50,45 +51,74 @@ std::string uidOf(std::int64_t chip) {
     return uid;
 }
 
-Json recordOf(std::int64_t attempt) {
-    const bool passes = attempt % oneInSoMany != 0;
+// What the records of all attempts have in common, as a line at work makes it.
+class Line {
+public:
+    explicit Line(const std::string &path) : m_units(path) {
+        m_job.verify = Verify::crc;
+        m_job.access = Access::on;
+        m_plan.hash = sha256Of("plan");
+        m_plan.imageHash = sha256Of("image");
+        m_station.name = "line-3/programming";
+    }
+    const std::string &plan() const { return m_plan.hash; }
+    Register &units() { return m_units; }
+
+    // At its beginning.
+    Json record(std::int64_t attempt) {
+        const char *const orders[] = {"PO-88", "PO-89, \"second\"", ""};
+        const Shift shift = {m_job, m_plan, m_image, m_station, orders[attempt % 3], m_units};
+        Json record = newRecord(shift, {'A' + std::to_string(attempt % nests + 1), "usb 1-2.1", {}});
+        record["attempt"] = attempt;
+        record["started"] = timeOf(attempt, 0);
+        return record;
+    }
+
+private:
+    Job m_job{};
+    Plan m_plan{};
+    const Runs m_image;
+    Station m_station;
+    Register m_units;
+};
+
+Outcome outcomeOf(const Fate &fate, std::int64_t attempt, bool isKnown) {
+    Outcome outcome;
+    outcome.cause = fate.cause == nullptr ? "" : fate.cause;
+    outcome.text = fate.text == nullptr ? "" : fate.text;
+    outcome.stopped = std::strcmp(fate.result, "interrupted") == 0;
+    const bool passes = outcome.passed();
+    outcome.code = passes ? 0 : 47;
+    if (!isKnown)
+        return outcome;
+    const Json after = passes ? Json("aa55ff00ed12ff00") : Json();
+    outcome.end = {{"verified", passes}, {"options", {{"before", "aa55ff00ff00ff00"}, {"after", after}}}};
+    if (passes)
+        outcome.end["ms"] = {{"connect", 31}, {"erase", 2410}, {"write", 7900}, {"verify", attempt % 100}};
+    return outcome;
+}
+
+Json recordOf(Line &line, std::int64_t attempt) {
     const Fate fate = fateOf(attempt);
-    // What failed is made again by the next attempt; what gave no answer is not known.
-    const std::int64_t chip = passes ? attempt : attempt + 1;
+    const bool isRefused = std::strcmp(fate.result, "refused") == 0;
     const bool isKnown = fate.cause == nullptr || std::strcmp(fate.cause, "no-answer") != 0;
+    const Outcome outcome = outcomeOf(fate, attempt, isKnown);
+    // What failed is made again by the next attempt; what gave no answer is not known.
+    const std::int64_t chip = outcome.passed() ? attempt : attempt + 1;
     const std::string uid = uidOf(chip);
-    const auto known = [&](const Json &value) { return isKnown ? value : Json(); };
-    const bool numbered = isKnown && std::strcmp(fate.result, "refused") != 0;
-    return {{"v", 1},
-            {"attempt", attempt},
-            {"station", "line-3/programming"},
-            {"nest", 'A' + std::to_string(attempt % nests + 1)},
-            {"port", "usb 1-2.1"},
-            {"order", attempt % 3 == 0   ? "PO-88"
-                      : attempt % 3 == 1 ? "PO-89, \"second\""
-                                         : ""},
-            {"chip", known("ZV32F403A_1024K")},
-            {"pid", known("70050347")},
-            {"bootloader", known("2.1")},
-            {"uid", known(uid)},
-            {"series", numbered ? Json("ZX100") : Json()},
-            {"number", numbered ? Json(100000 + chip) : Json()},
-            {"plan", sha256Of("plan")},
-            {"image", sha256Of("image")},
-            {"unit_image", passes ? Json(sha256Of(uid)) : Json()},
-            {"verify", "crc"},
-            {"verified", passes},
-            {"options", {{"before", known("aa55ff00ff00ff00")}, {"after", passes ? Json("aa55ff00ed12ff00") : Json()}}},
-            {"access", "on"},
-            {"started", timeOf(attempt, 0)},
-            {"ms", passes ? Json{{"connect", 31}, {"erase", 2410}, {"write", 7900}, {"verify", attempt % 100}}
-                          : Json::object()},
-            {"tries", 1},
-            {"result", fate.result},
-            {"cause", fate.cause == nullptr ? Json() : Json(fate.cause)},
-            {"code", passes ? 0 : 47},
-            {"text", fate.text == nullptr ? Json() : Json(fate.text)},
-            {"version", ZV32_VERSION}};
+    Json record = line.record(attempt);
+    if (isKnown)
+        setIdentified(record, {{"chip", "ZV32F403A_1024K"}, {"pid", "70050347"}, {"bootloader", "2.1"}, {"uid", uid}});
+    if (isKnown && !isRefused) {
+        record["series"] = "ZX100";
+        record["number"] = 100000 + chip;
+    }
+    if (outcome.passed())
+        record["unit_image"] = sha256Of(uid);
+    setOutcome(record, outcome, 1);
+    if (isRefused)
+        setResult(record, fate.result, fate.cause, fate.text);
+    return record;
 }
 
 SqlValue valueOf(const Json &value) {
@@ -97,8 +127,8 @@ SqlValue valueOf(const Json &value) {
     return value.is_number() ? SqlValue(value.get<std::int64_t>()) : SqlValue(value.get<std::string>());
 }
 
-void add(Database &units, std::int64_t attempt) {
-    const Json record = recordOf(attempt);
+void add(Database &units, Line &line, std::int64_t attempt) {
+    const Json record = recordOf(line, attempt);
     const auto value = [&](const char *key) { return valueOf(record.at(key)); };
     if (!record.at("number").is_null() && record.at("result") == "pass")
         units.tell(sql::giveNumber, {value("series"), value("number"), value("uid")});
@@ -113,13 +143,16 @@ void add(Database &units, std::int64_t attempt) {
         units.tell(sql::queueDelivery, {attempt});
 }
 
+// Nothing of it has to outlast a loss of power.
 void fill(const std::string &path, std::int64_t count) {
-    Register(path).keepPlan(sha256Of("plan"), "ZX100", count, "plan 1\n");
+    Line line(path);
+    line.units().keepPlan(line.plan(), "ZX100", count, "plan 1\n");
     Database units(path, Database::Purpose::writing);
+    units.run("PRAGMA synchronous = OFF");
     for (std::int64_t first = 1; first <= count; first += attemptsOfAStep)
         units.together([&] {
             for (std::int64_t attempt = first; attempt < first + attemptsOfAStep && attempt <= count; ++attempt)
-                add(units, attempt);
+                add(units, line, attempt);
         });
 }
 
