@@ -12,7 +12,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 // Bits per second, where it matters that a frame comes right after another one, however busy the machine is.
-constexpr unsigned slow = 20000;
+constexpr unsigned slow = 10000;
 
 const CanTurn inStep = {"07F", "17F 1F"};
 
@@ -141,25 +141,9 @@ TEST_F(CanFaultTest, EveryDoubledOrDamagedFrameOfAReplyIsNoticed) {
     }
 }
 
-// Two full frames: the same one twice has the sum of a sound reply.
+// Two full frames: the same one twice has the sum of a sound reply. What follows may be held up for longer than a
+// frame takes.
 TEST_F(CanFaultTest, TwiceTheSameFrameIsNoReply) {
-    openOn(slow);
-    BYTE data[15] = {};
-    const std::string first = "111 00 01 02 03 04 05 06 07", second = "111 08 09 0A 0B 0C 0D 0E 0F";
-    const CanTurn start = {"011", "111 79"}, address = {"011 20 00 00 00 20", "111 79"};
-    const CanScript script = {start,
-                              address,
-                              {"011 0E F1", "111 79, " + first + "," + first + "," + second},
-                              inStep,
-                              start,
-                              address,
-                              {"011 0E F1", "111 79, " + first + "," + second}};
-    EXPECT_EQ(play(script, [&] { return ZVBL_UPLOAD(link, 0x20000000, data, 15); }), 0);
-    EXPECT_EQ(data[14], 0x0E);
-}
-
-// What follows the doubled frame may be held up for longer than a frame takes.
-TEST_F(CanFaultTest, TwiceTheSameFrameIsNoReplyWhenTheNextIsLate) {
     setOpeningPause(6000, milliseconds(200));
     ASSERT_EQ(Interface_Open(link), 0);
     BYTE data[15] = {};
