@@ -9,6 +9,7 @@
 #include "look/Status.h"
 #include "look/Verbs.h"
 #include "programs/Border.h"
+#include "programs/Json.h"
 
 namespace {
 
@@ -28,8 +29,7 @@ void print(const std::string &verb, int status, const Section &report, bool asJs
     }
     Json whole = {{"verb", verb}, {"status", status}};
     whole.update(report.json());
-    // A name of a file may hold bytes that are no UTF-8.
-    std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    std::cout << printed(whole, 2) << '\n';
 }
 
 int run(const Verb &verb, const Look &look, std::vector<std::string> line, bool asJson) {

@@ -34,7 +34,8 @@ int bordered(const char *program, int argc, char **argv, const std::function<int
     try {
         const int status = work(std::vector<std::string>(argv + 1, argv + argc));
         std::cout.flush();
-        return std::cout ? status : complain(program, notAcceptable, "the report can't be written");
+        const int unwritten = status == allDone ? notAcceptable : status;
+        return std::cout ? status : complain(program, unwritten, "the report can't be written");
     } catch (const Refusal &refusal) {
         return complain(program, refusal.status, refusal.what());
     } catch (const std::exception &failure) {

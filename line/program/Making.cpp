@@ -9,6 +9,7 @@
 #include "line/hooks/HookFile.h"
 #include "line/plan/UnitBytes.h"
 #include "line/program/Reading.h"
+#include "programs/Json.h"
 #include "programs/Status.h"
 
 namespace {
@@ -64,7 +65,7 @@ int work(const Wish &wish, const Asked &asked, Gang::Start start) {
     Shift shift{reading.job, reading.plan, reading.image, reading.station, wish.order, units};
     const auto tell = [&](const Json &record) {
         if (asked.json)
-            std::cout << record.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
+            std::cout << printed(record) << std::endl;
     };
     const std::unique_ptr<View> view =
         asked.json ? std::make_unique<SilentView>() : makeView(start == Gang::Start::key);

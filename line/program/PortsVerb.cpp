@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "line/ports/Plugged.h"
+#include "programs/Json.h"
 #include "programs/Status.h"
 
 namespace {
@@ -16,7 +17,7 @@ void printJson(const std::vector<PluggedPort> &ports, int status) {
                         {"stays", port.stays},
                         {"nest", port.nest.empty() ? Json() : Json(port.nest)}});
     const Json whole = {{"verb", "ports"}, {"status", status}, {"ports", std::move(rows)}};
-    std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    std::cout << printed(whole, 2) << '\n';
 }
 
 int ports(const Asked &asked) {

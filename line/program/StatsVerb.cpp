@@ -95,9 +95,7 @@ int stats(const Wanted &wanted, const Asked &asked) {
     books.ends(wanted, [&](const UnitEnd &end) { stats.add(end); });
     const std::int64_t undelivered = books.undelivered();
     if (asked.json)
-        std::cout << harmlessJson(
-                         jsonOf(wanted, stats, undelivered).dump(2, ' ', false, Json::error_handler_t::replace))
-                  << '\n';
+        std::cout << printed(jsonOf(wanted, stats, undelivered), 2) << '\n';
     else
         print(stats, undelivered);
     return allDone;

@@ -7,6 +7,7 @@
 #include "line/plan/UnitBytes.h"
 #include "line/program/Reading.h"
 #include "line/rehearsal/Rehearsal.h"
+#include "programs/Json.h"
 #include "programs/Status.h"
 #include "programs/Text.h"
 
@@ -30,7 +31,7 @@ void print(const char *verb, const Reading &reading, bool asJson) {
                         {"hash", reading.plan.hash},
                         {"approval", approval},
                         {"plan", reading.plan.text}};
-    std::cout << whole.dump(2) << '\n';
+    std::cout << printed(whole, 2) << '\n';
 }
 
 Json recordOf(const Rehearsal &rehearsal, const Outcome &outcome, int status) {
@@ -111,7 +112,7 @@ int rehearse(const RehearsalWords &words, const Asked &asked) {
     const Outcome outcome = rehearsal.run(tell);
     const int status = outcome.passed() ? allDone : notMade;
     if (asked.json)
-        std::cout << recordOf(rehearsal, outcome, status).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+        std::cout << printed(recordOf(rehearsal, outcome, status), 2) << '\n';
     else
         print(rehearsal, outcome);
     return status;

@@ -1,7 +1,9 @@
 #include "line/register/Register.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 
 #include <fcntl.h>
@@ -59,7 +61,7 @@ public:
     explicit OneAtATime(const std::string &path)
         : m_directory(open(directoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         if (m_directory < 0 || flock(m_directory, LOCK_EX) != 0)
-            throw Refusal(registerUnusable, path + ": its directory can't be locked");
+            throw Refusal(registerUnusable, path + ": its directory can't be locked: " + std::strerror(errno));
         makeRegisterFile(path);
     }
     ~OneAtATime() { ::close(m_directory); }

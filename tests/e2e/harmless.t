@@ -33,6 +33,10 @@ In files: as a value, as a key, as a name of a file, and where TOML does not all
   $ say zv32-line check "none$evil.toml"
   status 2, harmful lines: 0
   zv32-line: none?[2J?2J.toml: No such file or directory
+  $ cp fw.bin "fw$evil.bin"
+  $ say zv32-look image "fw$evil.bin" --json
+  status 0, harmful lines: 0
+  }
   $ station | sed 's/"A1"/"A\\u009b2J"/' >station.toml
   $ job a >job.toml
   $ say zv32-line check job.toml --station station.toml
@@ -45,13 +49,18 @@ By the operator, and by a hook: why a unit may not be made, what it complains of
   $ chmod go-w .
   $ hook() { printf '#!/bin/sh\n%s\n' "$1" >hook; chmod 755 hook; }
   $ chip_on ZV32F421_16K
-  $ hook 'echo "{\"ok\":false,\"why\":\"\\\\u001b[2J\\\\u009b2J\"}"'
+  $ hook 'echo "{\"ok\":false,\"why\":\"\\\\u001b[2J\\\\u009b2J\\\\u007f\"}"'
   $ say zv32-line make job.toml --station station.toml --order "$evil"
   status 1, harmful lines: 0
   zv32-line: --order: holds control characters
   $ say zv32-line make job.toml --station station.toml
   status 4, harmful lines: 0
-  A1 REFUSED not allowed: ?[2J?2J
+  A1 REFUSED not allowed: ?[2J?2J?
+  $ say zv32-line make job.toml --station station.toml --json
+  status 4, harmful lines: 0
+  * (glob)
+  $ grep -o '"text":"[^"]*"' told
+  "text":"\u001b[2J\u009b2J\u007f"
   $ hook 'printf "\\033[2J\\302\\2332J" >&2; exit 1'
   $ say zv32-line make job.toml --station station.toml
   status 4, harmful lines: 0
@@ -70,6 +79,9 @@ By the name of a chip, which its map file tells.
   $ ZV32_MAP_DIR=$PWD/maps say zv32-line rehearse job.toml
   status 4, harmful lines: 0
   FAIL wrong-chip: it is a ?[2J\xc3\x82?2J_16K (esc)
+  $ ZV32_MAP_DIR=$PWD/maps say zv32-line rehearse job.toml --json
+  status 4, harmful lines: 0
+  }
   $ hook 'echo "{\"ok\":true}"'
   $ ZV32_MAP_DIR=$PWD/maps say zv32-line make other.toml --station station.toml
   status 4, harmful lines: 0

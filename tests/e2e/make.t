@@ -158,7 +158,7 @@ A register that can't be used.
 
   $ sed "s,$PWD/units.db,$PWD/none/units.db," station.toml >other.toml
   $ zv32-line make job.toml --station other.toml --nest A1
-  zv32-line: */none/units.db: its directory can't be locked (glob)
+  zv32-line: */none/units.db: its directory can't be locked: No such file or directory (glob)
   [6]
 
 A register that can't grow: nothing is begun.

@@ -37,6 +37,9 @@ A chip that is protected is refused, or erased where the job says so.
   identify
   FAIL protected: The device is access protection!
   [4]
+  $ zv32-line rehearse job.toml --keep chip.state >/dev/full
+  zv32-line: the report can't be written
+  [4]
   $ sed 's/^\[image\]/protected = "erase"\n[image]/' job.toml >erase.toml
   $ zv32-line rehearse erase.toml --keep chip.state | tail -n 1
   PASS number 1 uid 59a1bed7a33c9c89dbbf1bf2

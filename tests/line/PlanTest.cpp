@@ -18,6 +18,11 @@ protected:
         write("job.toml", text);
         return planFrom(path("job.toml"));
     }
+    // A job with these tables.
+    std::string onChipWithOtp(const std::string &tables) const {
+        std::string text = with("ZV32F403A_1024K", "ZV32F457_1024K");
+        return text.insert(text.find("[finish]"), tables);
+    }
 };
 
 // One change for each value of a job.
@@ -28,9 +33,14 @@ const char *const changes[][2] = {
     {"[image]", "protected = \"erase\"\n[image]"},
     {"[image]", "again = \"make\"\n[image]"},
     {"crc", "read"},
+    {"crc", "both"},
     {"0x080FF800", "0x080FF804"},
     {"series = \"ZX100\"\nas = \"u32le\"", "series = \"ZX100\"\nas = \"u32be\""},
     {"value = \"number\"\nseries = \"ZX100\"", "value = \"time\""},
+    {"value = \"number\"\nseries = \"ZX100\"\nas = \"u32le\"", "value = \"uid\"\nas = \"hex\""},
+    {"value = \"number\"\nseries = \"ZX100\"\nas = \"u32le\"", "value = \"order\"\nas = \"ascii\"\nsize = 8"},
+    {"value = \"number\"\nseries = \"ZX100\"\nas = \"u32le\"", "value = \"text\"\ntext = \"0A\"\nas = \"hex\""},
+    {"value = \"number\"\nseries = \"ZX100\"\nas = \"u32le\"", "value = \"text\"\ntext = \"0B\"\nas = \"hex\""},
     {"ZX-{number:06}", "ZX-{number:07}"},
     {"size = 16", "size = 17"},
     {"value = \"number\"\nseries = \"ZX100\"", "value = \"supply\"\nsupply = \"mac\""},
@@ -44,6 +54,15 @@ const char *const changes[][2] = {
     {"\"on\"", "\"high\""},
     {"\"on\"", "\"leave\""},
     {"\"on\"\nrun = false", "\"leave\"\nrun = true"},
+};
+
+// The same of OTP memory, which the chip of the job lacks.
+const char *const otpTables[] = {
+    "[[otp]]\nblock = 3\nlock = true\n",
+    "[[otp]]\nblock = 3\nhex = \"00112233\"\n",
+    "[[otp]]\nblock = 3\nhex = \"00112233\"\nlock = true\n",
+    "[[otp]]\nblock = 3\nhex = \"00112234\"\nlock = true\n",
+    "[[otp]]\nblock = 4\nhex = \"00112233\"\nlock = true\n",
 };
 
 } // namespace
@@ -71,10 +90,7 @@ irreversible nothing
 
 // Of a chip that has OTP memory.
 TEST_F(PlanTest, TellsWhatIsForEver) {
-    const auto told = [this](const std::string &tables) {
-        std::string text = with("ZV32F403A_1024K", "ZV32F457_1024K");
-        return plan(text.insert(text.find("[finish]"), tables)).text;
-    };
+    const auto told = [this](const std::string &tables) { return plan(onChipWithOtp(tables)).text; };
     const auto tells = [](const std::string &text, const std::string &lines) { return text.find(lines) != text.npos; };
     EXPECT_TRUE(tells(told("[[otp]]\nblock = 127\nhex = \"00fFa512\"\n"), "\notp          block 127 00ffa512\n"));
     EXPECT_TRUE(tells(told("[[otp]]\nblock = 127\nhex = \"00fFa512\"\n"), "\nirreversible otp\n"));
@@ -96,6 +112,8 @@ TEST_F(PlanTest, EveryValueAndEveryByteOfTheImageChangesTheHash) {
     std::set<std::string> hashes = {plan(job).hash};
     for (const auto &change : changes)
         EXPECT_TRUE(hashes.insert(plan(with(change[0], change[1])).hash).second) << change[1];
+    for (const char *tables : otpTables)
+        EXPECT_TRUE(hashes.insert(plan(onChipWithOtp(tables)).hash).second) << tables;
     write("fw.hex", ":020000040800F2\n:0400000001020305F1\n:00000001FF\n");
     EXPECT_TRUE(hashes.insert(plan(job).hash).second);
     write("fw.hex", ":020000040800F2\n:0400000001020305f1\n:00000001FF\n");
