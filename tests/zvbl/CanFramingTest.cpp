@@ -77,7 +77,7 @@ protected:
     }
 
     static constexpr unsigned fast = 500000;
-    static constexpr auto moment = std::chrono::milliseconds(5);
+    static constexpr auto moment = std::chrono::milliseconds(50);
     const Heard opened = byteFrom(wire::sync, wire::ack);
     const Timing timing = shortTiming();
     Trace trace{"can0", "CAN"};

@@ -11,9 +11,8 @@
 // A libusb that the test plays: the linker catches its calls (CMakeLists.txt). It has one device, with one interface of
 // one alternate setting.
 
-// A control transfer that is expected: the request, and what comes back: bytes from the device, as many as were sent to
-// it
-// ("ok"), or an error.
+// A control transfer that is expected: the request, and what comes back. That is bytes from the device, or as many as
+// were sent to it, or an error.
 struct UsbTransfer {
     int request;
     int error = 0;
