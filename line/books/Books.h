@@ -37,25 +37,34 @@ struct UnitEnd {
     std::string_view cause;
     std::string_view started;
     std::string_view ended;
-    std::string_view uid;
 };
 
-// A register that is only read, by whoever may read its files; lines that work on it go on meanwhile. Whatever goes
-// wrong is a Refusal with registerUnusable.
+// The same at a chip that was identified; until the next one.
+struct ChipEnd {
+    std::string_view uid;
+    std::string_view result;
+    std::int64_t attempt;
+};
+
+// A register that is only read, by whoever may read its files; lines that work on it go on meanwhile, and nothing of
+// what they do is seen after the first answer. Whatever goes wrong is a Refusal with registerUnusable.
 class Books {
 public:
-    explicit Books(const std::string &path) : m_database(path, Database::Purpose::reading) {}
+    explicit Books(const std::string &path);
 
     // Each attempt, the oldest first.
     void units(const Wanted &wanted, const std::function<void(const UnitLine &)> &take);
     // The record of each, as it was written, until the next one.
     void records(const Wanted &wanted, const std::function<void(std::string_view)> &take);
     void ends(const Wanted &wanted, const std::function<void(const UnitEnd &)> &take);
+    // Those that were begun and have ended, all of one chip after the other, in no order otherwise.
+    void endsByChip(const Wanted &wanted, const std::function<void(const ChipEnd &)> &take);
     // Of all stations.
     std::int64_t undelivered();
 
 private:
-    void each(const char *what, const Wanted &wanted, const std::function<void(const SqlRow &)> &take);
+    void each(const char *what, const Wanted &wanted, const char *order,
+              const std::function<void(const SqlRow &)> &take);
 
     Database m_database;
 };

@@ -5,8 +5,6 @@
 namespace {
 
 constexpr std::size_t passed = 0;
-constexpr std::size_t refused = 2;
-constexpr std::size_t open = 4;
 
 std::size_t placeOf(std::string_view result) {
     const auto found = std::find(Stats::results.begin(), Stats::results.end(), result);
@@ -68,25 +66,23 @@ void Stats::add(const UnitEnd &end) {
         else
             ++cause->second;
     }
-    if (end.uid.empty() || result == refused || result == open)
-        return;
-    AtChip at = {{}, result == passed};
-    end.uid.copy(at.uid.data(), at.uid.size());
-    m_atChips.push_back(at);
 }
 
-Stats::Chips Stats::chips() const {
-    std::vector<AtChip> all = m_atChips;
-    std::stable_sort(all.begin(), all.end(), [](const AtChip &a, const AtChip &b) { return a.uid < b.uid; });
-    Chips chips;
-    for (auto at = all.begin(); at != all.end();) {
-        ++chips.made;
-        chips.first += at->passed ? 1 : 0;
-        bool hasPassed = false;
-        const auto first = at;
-        for (; at != all.end() && at->uid == first->uid; ++at)
-            hasPassed = hasPassed || at->passed;
-        chips.passed += hasPassed ? 1 : 0;
+void Stats::add(const ChipEnd &end) {
+    const bool passes = end.result == results[passed];
+    if (end.uid != m_atChip.uid) {
+        m_atChip.uid = end.uid;
+        m_atChip.first = end.attempt;
+        m_atChip.firstPassed = passes;
+        m_atChip.passed = false;
+        ++m_chips.made;
+        m_chips.first += passes ? 1 : 0;
     }
-    return chips;
+    if (end.attempt < m_atChip.first) {
+        m_chips.first += (passes ? 1 : 0) - (m_atChip.firstPassed ? 1 : 0);
+        m_atChip.first = end.attempt;
+        m_atChip.firstPassed = passes;
+    }
+    m_chips.passed += passes && !m_atChip.passed ? 1 : 0;
+    m_atChip.passed = m_atChip.passed || passes;
 }

@@ -5,7 +5,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "line/books/Books.h"
 
@@ -33,14 +32,15 @@ public:
     };
     using Nests = std::map<std::string, Counts, ByNumber>;
 
-    // In the order in which they were begun.
     void add(const UnitEnd &end);
+    // All of one chip after the other.
+    void add(const ChipEnd &end);
 
     const Counts &all() const { return m_all; }
     const Nests &nests() const { return m_nests; }
     using Causes = std::map<std::string, std::int64_t, std::less<>>;
     const Causes &causes() const { return m_causes; }
-    Chips chips() const;
+    const Chips &chips() const { return m_chips; }
 
 private:
     static void count(Counts &counts, std::size_t result, std::int64_t milliseconds);
@@ -48,12 +48,14 @@ private:
     Counts m_all;
     Nests m_nests;
     Causes m_causes;
-    // There may be a million: each in its place, without memory of its own.
+    Chips m_chips;
     struct AtChip {
-        std::array<char, 24> uid; // its digits
-        bool passed;
+        std::string uid;
+        std::int64_t first = 0; // attempt so far
+        bool firstPassed = false;
+        bool passed = false;
     };
-    std::vector<AtChip> m_atChips;
+    AtChip m_atChip; // the last one
 };
 
 // Milliseconds since 1970 of a time as records tell it, "2026-11-21T18:04:20.113Z". 0 for what is none.

@@ -38,7 +38,7 @@ Json jsonOf(const Wanted &wanted, const Stats &stats, std::int64_t undelivered) 
                   {"since", wanted.since ? Json(*wanted.since) : Json()},
                   {"order", wanted.order ? Json(*wanted.order) : Json()}};
     add(whole, stats.all());
-    const Stats::Chips chips = stats.chips();
+    const Stats::Chips &chips = stats.chips();
     whole["chips"] = {{"made", chips.made}, {"passed", chips.passed}, {"first", chips.first}};
     whole["undelivered"] = undelivered;
     whole["causes"] = Json(stats.causes());
@@ -75,7 +75,7 @@ void print(const Stats &stats, std::int64_t undelivered) {
     for (const auto &nest : stats.nests())
         std::cout << harmless(rowOf(nest.first, nest.second)) << '\n';
     std::cout << rowOf("all", stats.all()) << '\n';
-    const Stats::Chips chips = stats.chips();
+    const Stats::Chips &chips = stats.chips();
     std::cout << "\nchips          " << chips.made << "\npassed         " << chips.passed << "\nat first       "
               << chips.first;
     if (chips.made > 0)
@@ -93,6 +93,7 @@ int stats(const Wanted &wanted, const Asked &asked) {
     Books books(readStation(asked.station).registerPath);
     Stats stats;
     books.ends(wanted, [&](const UnitEnd &end) { stats.add(end); });
+    books.endsByChip(wanted, [&](const ChipEnd &end) { stats.add(end); });
     const std::int64_t undelivered = books.undelivered();
     if (asked.json)
         std::cout << printed(jsonOf(wanted, stats, undelivered), 2) << '\n';

@@ -135,18 +135,26 @@ constexpr char notDelivered[] = "UPDATE delivery SET tries = tries + 1, why = $2
 
 // Of the books: each a beginning, to which the conditions below are added with AND, and an order.
 constexpr char someUnits[] =
-    "SELECT a.id, a.started, a.nest, a.order_name, a.result, a.series, a.n, a.uid, a.cause FROM attempt a";
-constexpr char someRecords[] = "SELECT r.text FROM attempt a JOIN record r ON r.attempt = a.id";
-constexpr char someEnds[] = "SELECT a.nest, a.result, a.cause, a.started, a.ended, a.uid FROM attempt a";
+    "SELECT a.id, a.started, a.nest, a.order_name, a.result, a.series, a.n, a.uid, a.cause FROM attempt a WHERE true";
+constexpr char someRecords[] = "SELECT r.text FROM attempt a JOIN record r ON r.attempt = a.id WHERE true";
+constexpr char someEnds[] = "SELECT a.nest, a.result, a.cause, a.started, a.ended FROM attempt a WHERE true";
+constexpr char someOfChips[] = "SELECT a.uid, a.result, a.id FROM attempt a "
+                               "WHERE a.uid IS NOT NULL AND a.result NOT IN ('refused', 'open')";
 constexpr char inOrder[] = " ORDER BY a.id";
-constexpr char isOfChip[] = "a.uid = ";
-constexpr char hasNumber[] = "a.n = ";
-constexpr char isOfOrder[] = "a.order_name = ";
-constexpr char isOfResult[] = "a.result = ";
-constexpr char startedSince[] = "a.started >= ";
-// Attempts are begun one after the other, so that this leaves out most that are older without sorting the rest.
-constexpr char isNotBefore[] = "a.id >= ";
+// An index has them in this order, with all that is asked of an attempt except its order.
+constexpr char byChip[] = " ORDER BY a.uid";
+// Those of an order are sorted: to look up each attempt in the order of that index takes longer.
+constexpr char byChipOfSome[] = " ORDER BY a.uid || ''";
+// A "?" is the place of a value.
+constexpr char isOfChip[] = "a.uid = ?";
+constexpr char hasNumber[] = "a.n = ?";
+constexpr char isOfOrder[] = "a.order_name = ?";
+constexpr char isOfResult[] = "a.result = ?";
+// Attempts are begun one after the other, so that their numbers tell of most which ones are older, and only the few in
+// between are looked up. Registers of several stations may have some.
+constexpr char startedSince[] = "a.id >= ? AND (a.id > ? OR a.started >= ?)";
 constexpr char firstSince[] = "SELECT min(id) FROM attempt WHERE started >= $1";
+constexpr char lastBefore[] = "SELECT max(id) FROM attempt WHERE started < $1";
 constexpr char allUndelivered[] = "SELECT count(*) FROM delivery WHERE delivered IS NULL";
 
 } // namespace sql
