@@ -95,6 +95,11 @@ Outcome outcomeOf(const Fate &fate, std::int64_t attempt, bool isKnown) {
     outcome.end = {{"verified", passes}, {"options", {{"before", "aa55ff00ff00ff00"}, {"after", after}}}};
     if (passes)
         outcome.end["ms"] = {{"connect", 31}, {"erase", 2410}, {"write", 7900}, {"verify", attempt % 100}};
+    if (passes && attempt % 100 == 7) { // a job that does all there is
+        int ms = 11;
+        for (const char *step : {"identify", "options", "protect", "otp", "access", "run"})
+            outcome.end["ms"][step] = ms++;
+    }
     return outcome;
 }
 
