@@ -53,9 +53,8 @@ Rows fromFile(const CBootLoader &control, const std::string &path) {
 void addBytes(CUserSystemData &chip, const OptionBytes &wanted, Rows &rows) {
     const auto names = namedOptionBytes(chip.m_MCUSerials, chip.m_nUserSystemDataLen);
     for (const auto &option : wanted.bytes) {
-        const auto found =
-            std::find_if(names.begin(), names.end(), [&](const auto &one) { return one.name == option.first; });
-        if (found == names.end())
+        const NamedOptionByte *found = named(names, option.first);
+        if (found == nullptr)
             option.second.place.refuse("this chip has no such option byte");
         const BYTE held = optionByte(chip, found->item, found->index);
         if (held != option.second.value)

@@ -27,3 +27,9 @@ std::vector<NamedOptionByte> namedOptionBytes(int family, int compactLength) {
     }
     return names;
 }
+
+const NamedOptionByte *named(const std::vector<NamedOptionByte> &names, const std::string &name) {
+    const auto found =
+        std::find_if(names.begin(), names.end(), [&](const NamedOptionByte &one) { return one.name == name; });
+    return found == names.end() ? nullptr : &*found;
+}

@@ -19,3 +19,6 @@ const char *nameOf(OptionItem item);
 
 // All of a family, a MCUSERIALS value, that a compact form of so many bytes has, by rising byte number.
 std::vector<NamedOptionByte> namedOptionBytes(int family, int compactLength);
+
+// The one of this name; null where there is none.
+const NamedOptionByte *named(const std::vector<NamedOptionByte> &names, const std::string &name);

@@ -1,15 +1,16 @@
 #include "line/plan/Misfits.h"
 
-#include <algorithm>
+#include <string>
 
 #include "device/Families.h"
+#include "usersystemdata/OptionNames.h"
 
 namespace {
 
 void refuseOptions(const Job &job, const Chip &chip) {
     const auto names = chip.optionBytes();
     for (const auto &option : job.options.bytes)
-        if (std::none_of(names.begin(), names.end(), [&](const auto &one) { return one.name == option.first; }))
+        if (named(names, option.first) == nullptr)
             option.second.place.refuse("no option byte of this chip is called " + option.first);
     if (!job.options.protect.empty() && job.options.protect.back() >= static_cast<int>(chip.sectors().size()))
         job.options.protectPlace.refuse("the last sector of this chip is " + std::to_string(chip.sectors().size() - 1));

@@ -27,12 +27,11 @@ bool protectsSectors(const std::vector<BYTE> &chip, const CBootLoader &control) 
     });
 }
 
-std::vector<BYTE> optionsIn(std::vector<BYTE> chip, const Json &named, const CBootLoader &control) {
+std::vector<BYTE> optionsIn(std::vector<BYTE> chip, const Json &wanted, const CBootLoader &control) {
     const auto names = namesOf(chip, control);
-    for (const auto &option : named.items()) {
-        const auto found =
-            std::find_if(names.begin(), names.end(), [&](const auto &one) { return one.name == option.key(); });
-        if (found == names.end())
+    for (const auto &option : wanted.items()) {
+        const NamedOptionByte *found = named(names, option.key());
+        if (found == nullptr)
             throw Failure(failed, "this chip has no option byte " + option.key());
         chip[static_cast<std::size_t>(found->byte)] = option.value().get<BYTE>();
     }

@@ -9,7 +9,7 @@ class CBootLoader;
 
 // Option bytes by their names, {"ssb":255,"data0":18}, laid into the compact form of a chip. Throws Failure for a byte
 // that this chip has not.
-std::vector<BYTE> optionsIn(std::vector<BYTE> chip, const Json &named, const CBootLoader &control);
+std::vector<BYTE> optionsIn(std::vector<BYTE> chip, const Json &wanted, const CBootLoader &control);
 
 // Whether a compact form has a bit that protects sectors.
 bool protectsSectors(const std::vector<BYTE> &chip, const CBootLoader &control);

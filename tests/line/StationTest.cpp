@@ -125,6 +125,12 @@ TEST_F(StationTest, ReadsEveryKey) {
               R"({"kind":"usart","port":"/dev/serial/by-path/one","rate":460800,"parity":"none","auto":5})");
 }
 
+TEST_F(StationTest, ItsPauseIsOfItsOwnOrNone) {
+    const std::string little = "format = 1\nstation = \"x\"\nretry_after = ";
+    EXPECT_EQ(read(little + "60\n").retryAfter, 60);
+    EXPECT_EQ(read(little + "0\n").retryAfter, 0);
+}
+
 TEST_F(StationTest, NeedsLittle) {
     const Station read = this->read("format = 1\nstation = \"x\"\n");
     EXPECT_EQ(read.registerPath, "/var/lib/zv32-line/units.db");

@@ -44,4 +44,12 @@ TEST(OptionNames, EachByteHasTheNumberThatItHasInItsItem) {
     }
 }
 
+TEST(OptionNames, OneIsFoundByItsWholeName) {
+    const std::vector<NamedOptionByte> names = namedOptionBytes(ZV32F422, 10);
+    EXPECT_EQ(named(names, "ssb1")->byte, 2);
+    EXPECT_EQ(named(names, "data2")->byte, 9);
+    EXPECT_EQ(named(names, "data"), nullptr);
+    EXPECT_EQ(named(names, "data3"), nullptr);
+}
+
 } // namespace

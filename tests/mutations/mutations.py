@@ -232,9 +232,9 @@ def is_explained(mutant, reasons):
     return any(all(one in ("*", other) for one, other in zip(reason, told)) for reason in reasons)
 
 
-def rows_of(asked, results):
-    """By mistake what was told last, here or, where it was noticed, in the list."""
-    rows = [] if asked.anew or asked.folder else listed.still_there(asked.seed, mutants(NEAREST))
+def rows_of(asked, results, there):
+    """By mistake what was told last, here or, where it was noticed, in the list; `there`: what of it can still be made."""
+    rows = [] if asked.anew or asked.folder else there
     noticed = {mutant: {"verdict": row.verdict, "test": row.test} for _, mutant, row in rows if row.verdict == "noticed"}
     return {**noticed, **told_before(results)}
 
@@ -299,12 +299,12 @@ def judge_all(judge, mistakes, rows):
                 rows[mutant] = judge.judge(number, mutant, how, passing, turn)
 
 
-def choice(asked):
+def choice(asked, everywhere, there):
     """(number, mistake): those of the list of this seed that can still be made; where there is none some by chance, and more
     than are asked for: some of them the compiler does not take."""
     if listed.rows(asked.seed) and not asked.folder:
-        return [(number, mutant) for number, mutant, _ in listed.still_there(asked.seed, mutants(NEAREST))]
-    chosen = sorted(mutants(asked.folder or NEAREST))
+        return [(number, mutant) for number, mutant, _ in there]
+    chosen = [mutant for mutant in everywhere if mutant.folder in (asked.folder or NEAREST)]
     random.Random(asked.seed).shuffle(chosen)
     return list(enumerate(chosen[: asked.count + asked.count // 8 + 5], 1))
 
@@ -313,23 +313,25 @@ def main():
     asked = asked_for()
     suite.WORKERS = asked.workers
     copied.bring(asked.keep)
-    chosen = choice(asked)
+    everywhere = sorted(mutants(NEAREST))
+    there = listed.still_there(asked.seed, everywhere)
+    chosen = choice(asked, everywhere, there)
     # The compiler is asked about sources with the headers of the copy.
     copied.bring_rest({mutant.name for _, mutant in chosen})
     how, _ = settle_all(chosen)
     copied.build()
     results = HOME / f"results-{asked.seed}.jsonl"
     told = [(number, mutant, how[number]) for number, mutant in chosen if how[number] != "refused"][: asked.count]
-    rows, reasons = rows_of(asked, results), explained()
+    rows, reasons = rows_of(asked, results, there), explained()
     mistakes = [one for one in sorted(told, key=lambda one: one[2] == "single") if not is_explained(one[1], reasons)]
-    known = {mutant: row.test for _, mutant, row in listed.still_there(asked.seed, mutants(NEAREST)) if row.test}
+    known = {mutant: row.test for _, mutant, row in there if row.test}
     judge = Judge(results, asked.when, {**known, **{mutant: row["test"] for mutant, row in rows.items() if row["test"]}})
     if asked.again:
         judge_again(judge, asked.again, mistakes, rows)
     judge_all(judge, mistakes, rows)
     verdicts = {mutant: (verdict_of(mutant, rows, reasons), rows.get(mutant, {}).get("test", "")) for _, mutant, _ in told}
     if not asked.folder:
-        listed.write(asked.seed, {key: verdicts[mutant] for key, mutant in listed.keyed(mutants(NEAREST)).items() if mutant in verdicts})
+        listed.write(asked.seed, {key: verdicts[mutant] for key, mutant in listed.keyed(everywhere).items() if mutant in verdicts})
     return 1 if table(verdicts) else 0
 
 
