@@ -1,15 +1,17 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 // What is said between the program and the process that makes one unit, each a line of JSON:
 //
 //   program  {"do":"make","chip":NAME,"link":LINK,"eraseProtected":BOOL,"sectors":[NUMBER...],
 //             "verify":"crc"|"read"|"both","options":{NAME:NUMBER...},"protect":[SECTOR...],
 //             "otp":[{"block":NUMBER,"bytes":HEX,"lock":BOOL}...],"access":"leave"|"on"|"high","run":BOOL}
 //   worker   {"event":"step","step":NAME}              a step begins
-//   worker   {"event":"percent","percent":NUMBER}      it goes on
 //   worker   {"event":"identified","chip":NAME,"pid":TEXT,"bootloader":TEXT,"uid":HEX}
 //   program  {"do":"go","image":[{"at":ADDRESS,"length":NUMBER}...]}   runs of bytes, one after the other in the file
-//                                                      that is open as imageDescriptor
+//                                                      that is open as sharedDescriptor, from imagePlace on
 //   worker   {"event":"irreversible","what":[NAME...]} the next command can't be undone: "otp", "otp locks",
 //                                                      "access high"; told once, of all that is to come
 //   program  {"do":"burn"}
@@ -34,6 +36,15 @@
 // access, and not at all after "burn". Bytes of options are those that the chip has in all, as they were last read;
 // null where they were not. Which attempt it is for a unit, "tries", is the program's: it starts a process for each.
 
+// What wakes nobody stands at the beginning of the shared file, and is looked at when there is time: Progress, without
+// which a step counts as silent.
+
 // Of the worker.
 constexpr int channelDescriptor = 3;
-constexpr int imageDescriptor = 4;
+constexpr int sharedDescriptor = 4;
+
+struct Progress {
+    std::uint8_t steps;   // that have begun, as far as 8 bits count them
+    std::uint8_t percent; // of the last one, 0 to 100
+};
+constexpr std::size_t imagePlace = 16;

@@ -29,10 +29,6 @@ bool isUid(const Json &value) {
     return isHex(value) && value.get_ref<const std::string &>().size() == uidDigits;
 }
 
-bool isPercent(const Json &value) {
-    return value.is_number_integer() && value >= 0 && value <= 100;
-}
-
 bool isCode(const Json &value) {
     return value.is_number_integer() && value >= 0 && value <= INT32_MAX;
 }
@@ -74,7 +70,6 @@ struct Member {
 
 constexpr Member members[] = {
     {"step", "step", isStep},
-    {"percent", "percent", isPercent},
     {"identified", "chip", isText},
     {"identified", "pid", isText},
     {"identified", "bootloader", isText},

@@ -8,7 +8,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "line/channel/Messages.h"
 #include "line/channel/Told.h"
 #include "line/plan/Order.h"
 #include "programs/Status.h"
@@ -32,9 +31,19 @@ int limitOf(const std::string &step) {
     return limits[0].milliseconds;
 }
 
+void writeAt(int file, const std::string &bytes, std::size_t place) {
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t now =
+            pwrite(file, bytes.data() + written, bytes.size() - written, static_cast<off_t>(place + written));
+        if (now < 0 && errno != EINTR)
+            throw Refusal(notMade, std::string("no memory for the image: ") + std::strerror(errno));
+        written += now > 0 ? static_cast<std::size_t>(now) : 0;
+    }
+}
+
 } // namespace
 
-Attempt::Attempt(const Json &order) : m_image(memfd_create("unit", MFD_CLOEXEC)) {
+Attempt::Attempt(const Json &order) : m_shared(memfd_create("unit", MFD_CLOEXEC)) {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         throw std::runtime_error(std::string("no channel to be had: ") + std::strerror(errno));
@@ -42,7 +51,7 @@ Attempt::Attempt(const Json &order) : m_image(memfd_create("unit", MFD_CLOEXEC))
     const Descriptor theirs(ends[1]);
     try {
         const std::vector<Start::Given> given = {{theirs.number(), channelDescriptor},
-                                                 {m_image.number(), imageDescriptor}};
+                                                 {m_shared.number(), sharedDescriptor}};
         m_worker = std::make_unique<Child>(besideUs("../libexec/zv32-unit"), std::vector<std::string>(), given);
     } catch (const std::runtime_error &) {
         // Without a process this is the end of the channel.
@@ -67,6 +76,7 @@ void Attempt::watch(std::vector<pollfd> &all) const {
 Attempt::Event Attempt::end(const char *cause, const std::string &text) {
     m_worker.reset();
     m_channel.reset();
+    m_shared.reset();
     m_deadline = Clock::time_point::max();
     if (!m_isOver) {
         m_outcome.cause = cause;
@@ -88,6 +98,8 @@ Attempt::Event Attempt::next() {
         if (got == Channel::Got::end)
             return end("worker-crash", "the process that makes the unit has ended");
         if (Clock::now() >= m_deadline)
+            look();
+        if (Clock::now() >= m_deadline)
             return end("timeout", "nothing was heard of it for too long");
         return Event::nothing;
     } catch (const std::exception &failure) { // what it says is nothing that it can say
@@ -101,13 +113,10 @@ Attempt::Event Attempt::take(const Json &message) {
     const std::string event = message.at("event");
     if (event == "step") {
         m_step = message.at("step");
+        ++m_steps;
         m_percent = -1;
         waitAtMost(limitOf(m_step));
         return Event::step;
-    }
-    if (event == "percent") {
-        m_percent = message.at("percent");
-        return Event::percent;
     }
     if (event == "identified") {
         m_outcome.identified = message;
@@ -119,6 +128,18 @@ Attempt::Event Attempt::take(const Json &message) {
     if (event == "end")
         takeEnd(message);
     return Event::nothing;
+}
+
+void Attempt::look() {
+    Progress now{};
+    if (m_isOver || pread(m_shared.number(), &now, sizeof now, 0) != static_cast<ssize_t>(sizeof now))
+        return;
+    // Of a step that has not been told of yet there is nothing to show.
+    m_percent = now.steps == m_steps && now.percent <= 100 ? now.percent : -1;
+    const bool moved = now.steps != m_progress.steps || now.percent != m_progress.percent;
+    m_progress = now;
+    if (moved && m_deadline != Clock::time_point::max())
+        waitAtMost(limitOf(m_step));
 }
 
 // What comes after it is the end of the process: then the port is free.
@@ -138,14 +159,11 @@ void Attempt::takeEnd(const Json &message) {
 }
 
 void Attempt::go(const Runs &image) {
-    const std::string bytes = bytesOf(image);
-    for (std::size_t written = 0; written < bytes.size();) {
-        const ssize_t now = write(m_image.number(), bytes.data() + written, bytes.size() - written);
-        if (now < 0 && errno != EINTR)
-            throw Refusal(notMade, std::string("no memory for the image: ") + std::strerror(errno));
-        written += now > 0 ? static_cast<std::size_t>(now) : 0;
+    std::size_t place = imagePlace;
+    for (const Run &run : image) {
+        writeAt(m_shared.number(), run.bytes, place);
+        place += run.bytes.size();
     }
-    m_image.reset();
     m_channel->post(goOrder(image));
     waitAtMost(limitOf(m_step));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 
 #include "line/channel/Channel.h"
 #include "line/channel/Child.h"
+#include "line/channel/Messages.h"
 #include "line/plan/UnitImage.h"
 #include "programs/Descriptor.h"
 
@@ -32,7 +34,6 @@ public:
     enum class Event {
         nothing,      // more, for now
         step,         // begins
-        percent,      // of the step
         identified,   // goes on after go()
         irreversible, // what comes next can't be undone; goes on after burn()
         end           // the port is free again
@@ -50,7 +51,9 @@ public:
     // What has happened, one thing at a time. After "end" there is no more to it.
     Event next();
     const std::string &step() const { return m_step; }
-    int percent() const { return m_percent; } // -1 where the step tells none
+    // Looks how far the step is, of which nobody is woken: to be called now and then, or it counts as silent.
+    void look();
+    int percent() const { return m_percent; } // as at the last look; -1 where the step tells none
     const Outcome &outcome() const { return m_outcome; }
 
     // "go", of line/channel/Messages.h, with an image in whole words. Throws Refusal, with notMade, where there is no
@@ -68,9 +71,11 @@ private:
 
     std::unique_ptr<Channel> m_channel;
     std::unique_ptr<Child> m_worker;
-    Descriptor m_image; // a file without a name; the worker has it too
+    Descriptor m_shared; // a file without a name; the worker has it too
     Clock::time_point m_deadline;
     std::string m_step = "connect";
+    std::uint8_t m_steps = 0; // as Progress counts them
+    Progress m_progress = {};
     int m_percent = -1;
     Outcome m_outcome;
     bool m_isOver = false; // its last message is here

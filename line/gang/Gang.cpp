@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto percentsWait = 50ms; // for those of the other nests
+constexpr auto percentsPause = 500ms; // nobody reads more of them
 
 } // namespace
 
@@ -73,17 +73,19 @@ int Gang::run() {
     return status();
 }
 
+bool Gang::isBusy() const {
+    return std::any_of(m_seats.begin(), m_seats.end(), [](const Seat &seat) { return seat.maker.isBusy(); });
+}
+
 bool Gang::isOver() const {
-    const bool works =
-        std::any_of(m_seats.begin(), m_seats.end(), [](const Seat &seat) { return seat.maker.isBusy(); });
     const bool goesOn = m_start != Start::once && m_signalsTaken == 0 && !m_registerFailure;
     // What nobody has tried to deliver is tried, unless the operator will not wait for it.
     const bool delivers = m_deliveries.isBusy() && m_signalsTaken < 2 && !m_registerFailure;
-    return !works && !goesOn && !delivers;
+    return !isBusy() && !goesOn && !delivers;
 }
 
 Gang::Clock::time_point Gang::next() const {
-    Clock::time_point next = std::min(m_view.next(), m_percentsDue);
+    Clock::time_point next = isBusy() ? std::min(m_viewDue, m_percentsDue) : m_viewDue;
     if (!m_registerFailure)
         next = std::min(next, m_deliveries.wakeUp());
     if (m_ports)
@@ -95,40 +97,64 @@ Gang::Clock::time_point Gang::next() const {
 
 void Gang::wait() {
     m_awaited.clear();
-    m_awaited.push_back({m_signals.descriptor(), POLLIN, 0});
-    if (m_ports)
-        m_awaited.push_back({m_ports->descriptor(), POLLIN, 0}); // a negative one is passed over
-    for (const int descriptor : m_view.descriptors())
-        m_awaited.push_back({descriptor, POLLIN, 0});
-    for (Seat &seat : m_seats) {
-        seat.firstAwaited = m_awaited.size();
-        seat.maker.watch(m_awaited);
-        seat.endAwaited = m_awaited.size();
-    }
+    const auto part = [&](const auto &add) {
+        const std::size_t first = m_awaited.size();
+        add();
+        return Span{first, m_awaited.size()};
+    };
+    m_ofSignals = part([&] { m_awaited.push_back({m_signals.descriptor(), POLLIN, 0}); });
+    m_ofPorts = part([&] {
+        if (m_ports)
+            m_awaited.push_back({m_ports->descriptor(), POLLIN, 0}); // a negative one is passed over
+    });
+    m_ofView = part([&] {
+        for (const int descriptor : m_view.descriptors())
+            m_awaited.push_back({descriptor, POLLIN, 0});
+    });
+    for (Seat &seat : m_seats)
+        seat.awaited = part([&] { seat.maker.watch(m_awaited); });
     m_deliveries.watch(m_awaited);
+    m_viewDue = m_view.next();
     const auto left = next() - Clock::now();
     const auto most = std::clamp<Clock::duration>(left, 0s, 1h);
     poll(m_awaited.data(), m_awaited.size(),
          static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(most).count()));
 }
 
+bool Gang::isReady(const Span &span) const {
+    const auto first = m_awaited.begin() + static_cast<std::ptrdiff_t>(span.first);
+    const auto end = m_awaited.begin() + static_cast<std::ptrdiff_t>(span.end);
+    return std::any_of(first, end, [](const pollfd &one) { return one.revents != 0; });
+}
+
+// A call of the system for what is not ready is what a line that is woken for one nest would take most of its time for.
 void Gang::work() {
-    takeSignals();
-    look();
+    if (isReady(m_ofSignals))
+        takeSignals();
+    if (m_ports && (isReady(m_ofPorts) || Clock::now() >= m_ports->next()))
+        look();
     for (std::size_t i = 0; i < m_seats.size(); ++i)
         proceed(i);
+    lookAtPercents();
     guard([this] { deliver(); });
-    for (const std::size_t nest : m_view.work())
-        if (nest < m_seats.size() && m_start != Start::once)
-            press(nest);
+    if (isReady(m_ofView) || Clock::now() >= m_viewDue)
+        for (const std::size_t nest : m_view.work())
+            if (nest < m_seats.size() && m_start != Start::once)
+                press(nest);
+}
+
+// Of all nests together: nobody is woken for them.
+void Gang::lookAtPercents() {
+    if (Clock::now() < m_percentsDue)
+        return;
+    for (Seat &seat : m_seats)
+        seat.maker.look();
+    m_percentsDue = Clock::now() + percentsPause;
 }
 
 // After the first one what is being made is finished; after the second one it is left where that does no harm.
 void Gang::takeSignals() {
-    const int taken = m_signals.take();
-    if (taken == 0)
-        return;
-    m_signalsTaken += taken;
+    m_signalsTaken += m_signals.take();
     m_isInterrupted |= m_start == Start::once || m_signalsTaken > 1;
     for (Seat &seat : m_seats)
         if (m_signalsTaken > 1)
@@ -140,8 +166,6 @@ void Gang::takeSignals() {
 }
 
 void Gang::look() {
-    if (!m_ports)
-        return;
     for (const PortWatch::Change &change : m_ports->look())
         take(change);
 }
@@ -193,10 +217,7 @@ void Gang::begin(std::size_t nest) {
 
 void Gang::proceed(std::size_t nest) {
     Seat &seat = m_seats[nest];
-    const auto first = m_awaited.begin() + static_cast<std::ptrdiff_t>(std::min(seat.firstAwaited, m_awaited.size()));
-    const auto end = m_awaited.begin() + static_cast<std::ptrdiff_t>(std::min(seat.endAwaited, m_awaited.size()));
-    const bool isReady = std::any_of(first, end, [](const pollfd &one) { return one.revents != 0; });
-    if (!seat.maker.isBusy() || (!isReady && Clock::now() < seat.maker.deadline()))
+    if (!seat.maker.isBusy() || (!isReady(seat.awaited) && Clock::now() < seat.maker.deadline()))
         return;
     guard([&] {
         Maker::Progress progress;
@@ -266,23 +287,21 @@ void Gang::count(Seat &seat, NestState &nest, const Json &record) {
     nest.why = std::to_string(seat.failuresInARow) + " failures in a row";
 }
 
-// MEANT: what is the same is not shown again, so that a line that waits costs nothing. A percent alone can wait.
+// MEANT: what is the same is not shown again, so that a line that waits costs nothing.
 void Gang::show() {
-    Shown now;
-    for (const NestState &nest : m_state.nests) {
-        now.steps.emplace_back(nest.phase, nest.step);
-        now.percents.push_back(nest.percent);
+    bool isSame = m_shown.nests.size() == m_state.nests.size() && m_shown.notice == m_state.notice &&
+                  m_shown.undelivered == m_state.undelivered;
+    m_shown.nests.resize(m_state.nests.size());
+    m_shown.notice = m_state.notice;
+    m_shown.undelivered = m_state.undelivered;
+    for (std::size_t i = 0; i < m_state.nests.size(); ++i) {
+        const NestState &nest = m_state.nests[i];
+        const auto now = std::tie(nest.phase, nest.step, nest.percent);
+        isSame &= m_shown.nests[i] == now;
+        m_shown.nests[i] = now;
     }
-    now.steps.emplace_back(Phase::empty, m_state.notice + std::to_string(m_state.undelivered));
-    const bool isSame = now.steps == m_shown.steps;
-    if (isSame && now.percents == m_shown.percents)
-        return;
-    m_percentsDue = std::min(m_percentsDue, Clock::now() + percentsWait);
-    if (isSame && Clock::now() < m_percentsDue)
-        return;
-    m_shown = std::move(now);
-    m_percentsDue = Clock::time_point::max();
-    m_view.show(m_state);
+    if (!isSame)
+        m_view.show(m_state);
 }
 
 int Gang::status() const {

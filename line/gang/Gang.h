@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "line/gang/Maker.h"
@@ -36,25 +37,33 @@ public:
 
 private:
     using Clock = Maker::Clock;
+    // A part of what poll() waits for.
+    struct Span {
+        std::size_t first = 0;
+        std::size_t end = 0;
+    };
     struct Seat {
         Maker maker;
         Clock::time_point begun = {};
         int failuresInARow = 0;
-        std::size_t firstAwaited = 0; // of what poll() waits for
-        std::size_t endAwaited = 0;
+        Span awaited = {};
     };
-    // What the operator has seen, of each nest.
+    // What the operator has seen.
     struct Shown {
-        std::vector<std::pair<Phase, std::string>> steps;
-        std::vector<int> percents;
+        std::vector<std::tuple<Phase, std::string, int>> nests; // the last one is the percent
+        std::string notice;
+        int undelivered = 0;
     };
 
     bool isOver() const;
+    bool isBusy() const;
     void wait();
+    bool isReady(const Span &span) const;
     Clock::time_point next() const;
     void work();
     void takeSignals();
     void look();
+    void lookAtPercents();
     void take(const PortWatch::Change &change);
     void press(std::size_t nest);
     void open(std::size_t nest);
@@ -80,8 +89,12 @@ private:
     std::vector<Seat> m_seats;
     std::vector<pollfd> m_awaited;
     std::optional<Refusal> m_registerFailure;
+    Span m_ofSignals;
+    Span m_ofPorts;
+    Span m_ofView;
+    Clock::time_point m_viewDue;
     Shown m_shown;
-    Clock::time_point m_percentsDue = Clock::time_point::max(); // others than those that are shown
+    Clock::time_point m_percentsDue;
     Clock::time_point m_began;
     std::chrono::duration<double> m_making{}; // all units that have passed
     int m_signalsTaken = 0;

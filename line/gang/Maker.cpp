@@ -49,6 +49,13 @@ std::string Maker::uid() const {
     return isBusy() && m_record.at("uid").is_string() ? m_record.at("uid").get<std::string>() : "";
 }
 
+void Maker::look() {
+    if (!m_attempt)
+        return;
+    m_attempt->look();
+    m_shown.percent = m_attempt->percent();
+}
+
 void Maker::watch(std::vector<pollfd> &all) const {
     if (m_attempt)
         m_attempt->watch(all);

@@ -25,6 +25,9 @@ public:
     // The identifier of the chip that is being made, empty while it is not known.
     std::string uid() const;
 
+    // Looks how far it is, to be shown.
+    void look();
+
     void watch(std::vector<pollfd> &all) const;
     Clock::time_point deadline() const;
 

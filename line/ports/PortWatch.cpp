@@ -1,5 +1,6 @@
 #include "line/ports/PortWatch.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -44,6 +45,12 @@ PortWatch::PortWatch(const std::vector<Nest> &nests, LinkKind kind, Machine mach
     : m_kind(kind), m_machine(std::move(machine)), m_directories(entriesOf(nests, kind)) {
     for (const Nest &nest : nests)
         m_ports.push_back({nest.port});
+}
+
+// Of ports that are held there is nothing to tell.
+PortWatch::Clock::time_point PortWatch::next() const {
+    const bool allHeld = std::all_of(m_ports.begin(), m_ports.end(), [](const Port &port) { return port.held; });
+    return allHeld ? Clock::time_point::max() : m_next;
 }
 
 std::vector<PortWatch::Change> PortWatch::look(Clock::time_point now) {

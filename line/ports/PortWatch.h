@@ -30,7 +30,7 @@ public:
     // Readable when something may have changed; -1 where the system can't tell.
     int descriptor() const { return m_directories.descriptor(); }
     // When to look at the latest, whatever the descriptor says.
-    Clock::time_point next() const { return m_next; }
+    Clock::time_point next() const;
 
     // What has changed since the last look; at the first one every port that is there is plugged. What has gone and
     // come back is told as both. Costs next to nothing where nothing was heard of and next() is not reached.

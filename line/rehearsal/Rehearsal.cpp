@@ -28,7 +28,6 @@ Outcome attemptAlone(const Json &order, const MakeImage &makeImage, const TellSt
         switch (attempt.next()) {
         case Attempt::Event::nothing: wait(attempt); break;
         case Attempt::Event::step: tell(attempt.step()); break;
-        case Attempt::Event::percent: break;
         case Attempt::Event::identified:
             attempt.go(wholeWords(makeImage(bytesOfHex(attempt.outcome().identified.at("uid").get<std::string>()))));
             break;

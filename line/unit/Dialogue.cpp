@@ -1,14 +1,11 @@
 #include "line/unit/Dialogue.h"
 
+#include <unistd.h>
+
+#include "line/channel/Messages.h"
 #include "operations/COperation.h"
 
-using namespace std::chrono_literals;
-
 namespace {
-
-// Nobody reads more of them, and each wakes the line, which has many nests. Those of all nests come at the same time,
-// so that it draws its screen once for all of them.
-constexpr auto percentsPause = 500ms;
 
 // A listener is a plain function.
 Dialogue *listening = nullptr;
@@ -25,6 +22,7 @@ void Dialogue::step(const char *name, const std::function<void()> &work) {
     listen();
     refuseStopped();
     m_percent = -1;
+    ++m_steps;
     tell({{"event", "step"}, {"step", name}});
     const auto begin = Clock::now();
     work();
@@ -49,10 +47,11 @@ void Dialogue::follow(COperation &job) {
 }
 
 void Dialogue::showPercent(int now) {
-    if (const auto time = Clock::now(); now != m_percent && time >= m_percentsDue) {
-        tell({{"event", "percent"}, {"percent", now}});
+    if (now != m_percent) {
         m_percent = now;
-        m_percentsDue = time - time.time_since_epoch() % percentsPause + percentsPause;
+        const Progress progress = {m_steps, static_cast<std::uint8_t>(now)};
+        const ssize_t ignored = pwrite(sharedDescriptor, &progress, sizeof progress, 0);
+        static_cast<void>(ignored); // without it nothing is lost
     }
     listen();
     if (!m_isStopped)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <stdexcept>
 
@@ -26,7 +27,7 @@ public:
     // Milliseconds of each step.
     const Json &times() const { return m_times; }
 
-    // Tells what a job has done, in percent, and cancels it between two sectors where the other end wants no more.
+    // Puts down what a job has done, in percent, and cancels it between two sectors where the other end wants no more.
     // One job at a time: the one that was named last.
     void follow(COperation &job);
     // Throws Stopped where a job was cancelled.
@@ -49,8 +50,8 @@ private:
     Channel &m_channel;
     Json m_times = Json::object();
     COperation *m_job = nullptr;
-    int m_percent = -1;              // that was told
-    Clock::time_point m_percentsDue; // of all steps
+    std::uint8_t m_steps = 0; // that were told, as Progress counts them
+    int m_percent = -1;       // of the last one, that was put down
     bool m_mayStop = true;
     bool m_isStopped = false;
 };

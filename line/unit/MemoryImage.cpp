@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "device/Device.h"
+#include "line/channel/Messages.h"
 
 namespace {
 
@@ -21,7 +22,8 @@ void append(CProgramFile &file, unsigned int address, unsigned int length, int b
     element.dwDataLength = length;
     element.Data = copy;
     file.m_lsElement.append(element);
-    if (pread(bytes, copy, length, file.m_UiFileSize) != static_cast<ssize_t>(length))
+    const auto place = static_cast<off_t>(imagePlace + file.m_UiFileSize);
+    if (pread(bytes, copy, length, place) != static_cast<ssize_t>(length))
         throw std::runtime_error("the image is not there");
     file.m_UiFileSize += length;
 }

@@ -171,7 +171,7 @@ void Unit::openSectors() {
 void Unit::write(CDownload &job, const Json &image) {
     job.SetSubOperation(true);
     m_dialogue.follow(job);
-    CProgramFile *file = imageInMemory(image, imageDescriptor, *m_control->m_ObDevice).release();
+    CProgramFile *file = imageInMemory(image, sharedDescriptor, *m_control->m_ObDevice).release();
     job.SetDownLoadFile({file});
     job.m_obVerify->SetVerifyFile(file); // which frees it
     require(job.Download(0, file), "write");

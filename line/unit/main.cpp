@@ -23,7 +23,7 @@ int make() {
 } // namespace
 
 int main(int argc, char **argv) {
-    if (fcntl(channelDescriptor, F_SETFD, FD_CLOEXEC) != 0 || fcntl(imageDescriptor, F_SETFD, FD_CLOEXEC) != 0) {
+    if (fcntl(channelDescriptor, F_SETFD, FD_CLOEXEC) != 0 || fcntl(sharedDescriptor, F_SETFD, FD_CLOEXEC) != 0) {
         std::cerr << "zv32-unit: only zv32-line starts it" << std::endl;
         return 1;
     }

@@ -5,10 +5,9 @@ usage: unit.py LINK PORT CHIP [KEY=VALUE...] [--image FILE@ADDRESS] [--stop STEP
 
 LINK is the name of a link, KEY=VALUE a member of the order in JSON: 'access="on"' 'sectors=[0,1]'.
 --stop says "stop" when that step begins, --refuse says no to what can't be undone. PROGRAM is zv32-unit, with what
-stands in front of it. Whatever is made, there is one percent in each half of a second at most.
+stands in front of it. Whatever passed has put down in the shared file that its last step of many commands was whole.
 """
 import argparse
-import collections
 import json
 import os
 import socket
@@ -23,7 +22,7 @@ LINKS = {
     "can": lambda port: {"kind": "can", "port": port},
     "slcan": lambda port: {"kind": "can", "port": port, "rate": 1000000},
 }
-PAUSE = 500  # ms, in each of which there is one percent at most
+IMAGE = 16  # where it begins in the shared file, behind the progress
 
 
 class Unit:
@@ -31,14 +30,13 @@ class Unit:
 
     def __init__(self, program):
         ours, theirs = socket.socketpair()
-        self.image = os.memfd_create("unit")
-        # The process finds its end at descriptor 3, and the image at 4.
-        self.process = subprocess.Popen(["/bin/sh", "-c", f'exec "$@" 3<&{theirs.fileno()} 4<&{self.image}', "sh", *program],
-                                        pass_fds=[theirs.fileno(), self.image], stdin=subprocess.DEVNULL)
+        self.shared = os.memfd_create("unit")
+        # The process finds its end at descriptor 3, and the shared file at 4.
+        self.process = subprocess.Popen(["/bin/sh", "-c", f'exec "$@" 3<&{theirs.fileno()} 4<&{self.shared}', "sh", *program],
+                                        pass_fds=[theirs.fileno(), self.shared], stdin=subprocess.DEVNULL)
         theirs.close()
         self.stream = ours.makefile("rw", encoding="utf-8")
-        self.step = None
-        self.percents = collections.Counter()  # by step
+        self.steps = []
 
     def say(self, message):
         self.stream.write(json.dumps(message) + "\n")
@@ -48,23 +46,25 @@ class Unit:
         line = self.stream.readline()
         message = json.loads(line) if line else {}
         if message.get("event") == "step":
-            self.step = message["step"]
-            self.percents[self.step] = 0
-        elif message.get("event") == "percent":
-            self.percents[self.step] += 1
-        for step, time in message.get("ms", {}).items():
-            if self.percents[step] > time // PAUSE + 2:
-                sys.exit(f"{step}: {self.percents[step]} percents in {time} ms")
+            self.steps.append(message["step"])
+        if message.get("result") == "pass":
+            self.check_progress()
         return message or None
 
+    def check_progress(self):
+        steps, percent = os.pread(self.shared, IMAGE, 0)[:2]
+        if steps < self.steps.index("erase") + 1 or steps > len(self.steps) or percent != 100:
+            sys.exit(f"step {steps} of {self.steps} stands at {percent} %")
 
-def lay(image, words):
+
+def lay(shared, words):
     """Writes files one after the other, and tells where in the chip they are."""
     runs = []
+    os.lseek(shared, IMAGE, os.SEEK_SET)
     for word in words:
         name, _, address = word.rpartition("@")
         with open(name, "rb") as file:
-            runs.append({"at": int(address, 16), "length": os.write(image, file.read())})
+            runs.append({"at": int(address, 16), "length": os.write(shared, file.read())})
     return runs
 
 
@@ -75,7 +75,7 @@ def answer(unit, message, given):
     if event == "step" and message["step"] == given.stop:
         unit.say({"do": "stop"})
     elif event == "identified":
-        unit.say({"do": "go", "image": lay(unit.image, given.image)})
+        unit.say({"do": "go", "image": lay(unit.shared, given.image)})
     elif event == "irreversible":
         print("irreversible:", ", ".join(message["what"]), flush=True)
         unit.say({"do": "stop" if given.refuse else "burn"})
