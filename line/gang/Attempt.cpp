@@ -60,7 +60,8 @@ Attempt::Attempt(const Json &order) : m_shared(memfd_create("unit", MFD_CLOEXEC)
     m_channel->post(order);
 }
 
-Attempt::Attempt(std::unique_ptr<Channel> channel) : m_channel(std::move(channel)) {
+Attempt::Attempt(std::unique_ptr<Channel> channel, Descriptor shared)
+    : m_channel(std::move(channel)), m_shared(std::move(shared)) {
     waitAtMost(limitOf(m_step));
 }
 

@@ -41,8 +41,8 @@ public:
 
     // Begins it with the "make" of line/channel/Messages.h.
     explicit Attempt(const Json &order);
-    // One whose process is at the other end of a channel already, and has its order.
-    explicit Attempt(std::unique_ptr<Channel> channel);
+    // One whose process is at the other end of a channel already, and has its order and the shared file.
+    explicit Attempt(std::unique_ptr<Channel> channel, Descriptor shared = Descriptor());
 
     void watch(std::vector<pollfd> &all) const;
     // When next() has to be called whatever has come: a step may not be silent for ever.

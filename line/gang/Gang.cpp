@@ -1,6 +1,7 @@
 #include "line/gang/Gang.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "line/gang/Causes.h"
 #include "programs/Status.h"
@@ -97,47 +98,33 @@ Gang::Clock::time_point Gang::next() const {
 
 void Gang::wait() {
     m_awaited.clear();
-    const auto part = [&](const auto &add) {
-        const std::size_t first = m_awaited.size();
-        add();
-        return Span{first, m_awaited.size()};
-    };
-    m_ofSignals = part([&] { m_awaited.push_back({m_signals.descriptor(), POLLIN, 0}); });
-    m_ofPorts = part([&] {
-        if (m_ports)
-            m_awaited.push_back({m_ports->descriptor(), POLLIN, 0}); // a negative one is passed over
-    });
-    m_ofView = part([&] {
+    m_ofSignals = m_awaited.add(m_signals.descriptor());
+    m_ofPorts = m_ports ? m_awaited.add(m_ports->descriptor()) : Awaited::Part();
+    m_ofView = m_awaited.add([this](std::vector<pollfd> &all) {
         for (const int descriptor : m_view.descriptors())
-            m_awaited.push_back({descriptor, POLLIN, 0});
+            all.push_back({descriptor, POLLIN, 0});
     });
     for (Seat &seat : m_seats)
-        seat.awaited = part([&] { seat.maker.watch(m_awaited); });
-    m_deliveries.watch(m_awaited);
+        seat.awaited = m_awaited.add([&](std::vector<pollfd> &all) { seat.maker.watch(all); });
+    m_awaited.add([this](std::vector<pollfd> &all) { m_deliveries.watch(all); });
     m_viewDue = m_view.next();
-    const auto left = next() - Clock::now();
-    const auto most = std::clamp<Clock::duration>(left, 0s, 1h);
-    poll(m_awaited.data(), m_awaited.size(),
-         static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(most).count()));
-}
-
-bool Gang::isReady(const Span &span) const {
-    const auto first = m_awaited.begin() + static_cast<std::ptrdiff_t>(span.first);
-    const auto end = m_awaited.begin() + static_cast<std::ptrdiff_t>(span.end);
-    return std::any_of(first, end, [](const pollfd &one) { return one.revents != 0; });
+    m_awaited.wait(next() - Clock::now());
 }
 
 // A call of the system for what is not ready is what a line that is woken for one nest would take most of its time for.
 void Gang::work() {
-    if (isReady(m_ofSignals))
+    if (m_awaited.isReady(m_ofSignals))
         takeSignals();
-    if (m_ports && (isReady(m_ofPorts) || Clock::now() >= m_ports->next()))
+    if (m_ports && (m_awaited.isReady(m_ofPorts) || Clock::now() >= m_ports->next()))
         look();
     for (std::size_t i = 0; i < m_seats.size(); ++i)
-        proceed(i);
+        if (m_awaited.isReady(m_seats[i].awaited) || Clock::now() >= m_seats[i].maker.deadline())
+            proceed(i);
+    while (write()) {
+    }
     lookAtPercents();
     guard([this] { deliver(); });
-    if (isReady(m_ofView) || Clock::now() >= m_viewDue)
+    if (m_awaited.isReady(m_ofView) || Clock::now() >= m_viewDue)
         for (const std::size_t nest : m_view.work())
             if (nest < m_seats.size() && m_start != Start::once)
                 press(nest);
@@ -216,16 +203,55 @@ void Gang::begin(std::size_t nest) {
 }
 
 void Gang::proceed(std::size_t nest) {
-    Seat &seat = m_seats[nest];
-    if (!seat.maker.isBusy() || (!isReady(seat.awaited) && Clock::now() < seat.maker.deadline()))
-        return;
-    guard([&] {
-        Maker::Progress progress;
-        while ((progress = seat.maker.proceed()) == Maker::Progress::step)
-            show(); // each of them
-        if (progress == Maker::Progress::over)
-            over(nest);
-    });
+    Maker &maker = m_seats[nest].maker;
+    while (maker.isBusy() && maker.proceed())
+        show(); // each of them
+}
+
+// What nests have for the register at the same time is one commit. Where that fails each of them has its own: what is
+// wrong with one is nothing of the others. False where there was nothing.
+bool Gang::write() {
+    const auto entryOf = [this](std::size_t nest) { return m_seats[nest].maker.entry(); };
+    std::vector<std::size_t> nests;
+    for (std::size_t i = 0; i < m_seats.size(); ++i)
+        if (entryOf(i) != Maker::Entry::none)
+            nests.push_back(i);
+    std::stable_sort(nests.begin(), nests.end(), [&](auto one, auto other) { return entryOf(one) < entryOf(other); });
+    const bool areWritten = nests.size() > 1 && writeTogether(nests);
+    for (const std::size_t nest : nests)
+        guard([&] {
+            Maker &maker = m_seats[nest].maker;
+            if (!areWritten)
+                writeAlone(maker);
+            if (maker.written())
+                over(nest);
+            else
+                proceed(nest);
+        });
+    if (std::exchange(m_hasPassed, false))
+        guard([&] { m_state.made = m_shift.units.made(m_shift.plan.hash, m_shift.order); });
+    return !nests.empty();
+}
+
+bool Gang::writeTogether(const std::vector<std::size_t> &nests) {
+    try {
+        m_shift.units.together([&] {
+            for (const std::size_t nest : nests)
+                m_seats[nest].maker.write();
+        });
+        return true;
+    } catch (const Refusal &) {
+        return false;
+    }
+}
+
+void Gang::writeAlone(Maker &maker) {
+    try {
+        m_shift.units.together([&] { maker.write(); });
+    } catch (const Refusal &refusal) {
+        maker.notWritten(refusal);
+        throw;
+    }
 }
 
 // Without its register the line finishes what it can, and begins nothing more.
@@ -265,7 +291,7 @@ void Gang::count(Seat &seat, NestState &nest, const Json &record) {
     const std::string result = record.at("result");
     if (result == "pass") {
         ++m_state.passed;
-        m_state.made = m_shift.units.made(m_shift.plan.hash, m_shift.order);
+        m_hasPassed = true;
         m_making += Clock::now() - seat.begun;
         m_state.secondsPerUnit = m_making.count() / m_state.passed;
         m_state.unitsPerHour = m_state.passed * 3600 / std::chrono::duration<double>(Clock::now() - m_began).count();

@@ -7,6 +7,7 @@
 #include <tuple>
 #include <vector>
 
+#include "line/gang/Awaited.h"
 #include "line/gang/Maker.h"
 #include "line/gang/Shift.h"
 #include "line/gang/Signals.h"
@@ -37,16 +38,11 @@ public:
 
 private:
     using Clock = Maker::Clock;
-    // A part of what poll() waits for.
-    struct Span {
-        std::size_t first = 0;
-        std::size_t end = 0;
-    };
     struct Seat {
         Maker maker;
         Clock::time_point begun = {};
         int failuresInARow = 0;
-        Span awaited = {};
+        Awaited::Part awaited = {};
     };
     // What the operator has seen.
     struct Shown {
@@ -58,7 +54,6 @@ private:
     bool isOver() const;
     bool isBusy() const;
     void wait();
-    bool isReady(const Span &span) const;
     Clock::time_point next() const;
     void work();
     void takeSignals();
@@ -69,6 +64,9 @@ private:
     void open(std::size_t nest);
     void begin(std::size_t nest);
     void proceed(std::size_t nest);
+    bool write();
+    bool writeTogether(const std::vector<std::size_t> &nests);
+    void writeAlone(Maker &maker);
     void guard(const std::function<void()> &work);
     void deliver();
     void over(std::size_t nest);
@@ -87,11 +85,11 @@ private:
     DeliveryQueue m_deliveries;
     State m_state;
     std::vector<Seat> m_seats;
-    std::vector<pollfd> m_awaited;
+    Awaited m_awaited;
     std::optional<Refusal> m_registerFailure;
-    Span m_ofSignals;
-    Span m_ofPorts;
-    Span m_ofView;
+    Awaited::Part m_ofSignals;
+    Awaited::Part m_ofPorts;
+    Awaited::Part m_ofView;
     Clock::time_point m_viewDue;
     Shown m_shown;
     Clock::time_point m_percentsDue;
@@ -99,6 +97,7 @@ private:
     std::chrono::duration<double> m_making{}; // all units that have passed
     int m_signalsTaken = 0;
     int m_withoutPort = 0;
+    bool m_hasPassed = false; // another one, which the order does not show yet
     bool m_isUsedUp = false;
     bool m_isInterrupted = false;
 };

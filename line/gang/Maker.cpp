@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 #include "line/gang/Causes.h"
 #include "line/gang/UnitRecord.h"
 #include "line/hooks/Permission.h"
 #include "line/plan/Order.h"
-#include "programs/Status.h"
 #include "programs/Text.h"
 
 namespace {
@@ -70,48 +70,64 @@ Maker::Clock::time_point Maker::deadline() const {
     return std::min(m_attempt ? m_attempt->deadline() : never, m_hook ? m_hook->deadline() : never);
 }
 
-Maker::Progress Maker::proceed() {
-    try {
-        return work();
-    } catch (const Refusal &refusal) {
-        m_hook.reset();
-        m_attempt.reset();
-        m_lost.reset();
-        m_shown.phase = Phase::fail;
-        m_shown.why = std::string("not recorded: ") + refusal.what();
-        throw;
-    }
-}
-
-Maker::Progress Maker::work() {
+bool Maker::proceed() {
     if (m_hook && m_hook->proceed())
         answered();
     if (m_lost)
         return again();
-    while (m_attempt) {
+    while (m_attempt && m_entry == Entry::none) {
         const Attempt::Event event = m_attempt->next();
-        const Progress progress = event == Attempt::Event::nothing ? Progress::nothing : take(event);
-        if (event == Attempt::Event::nothing || progress != Progress::nothing)
-            return progress;
+        if (event == Attempt::Event::nothing)
+            return false;
+        if (take(event))
+            return true;
     }
-    return Progress::nothing;
+    return false;
 }
 
-Maker::Progress Maker::take(Attempt::Event event) {
+bool Maker::take(Attempt::Event event) {
     m_shown.percent = m_attempt->percent();
-    if (event == Attempt::Event::identified)
-        identified();
-    if (event == Attempt::Event::irreversible) {
+    switch (event) {
+    case Attempt::Event::step: m_shown.step = m_attempt->step(); return true;
+    case Attempt::Event::identified: identified(); return false;
+    case Attempt::Event::irreversible: m_entry = Entry::burning; return false;
+    case Attempt::Event::end: return ended();
+    default: return false;
+    }
+}
+
+void Maker::write() {
+    if (m_entry == Entry::beginning)
+        m_beginning = m_shift.units.begin(m_record, m_shift.terms(), m_shift.delivers());
+    else if (m_entry == Entry::burning)
         m_shift.units.burning(m_record.at("attempt"));
+    else
+        keep();
+}
+
+bool Maker::written() {
+    const Entry entry = std::exchange(m_entry, Entry::none);
+    if (entry == Entry::beginning)
+        begun();
+    if (entry == Entry::burning) {
         m_isBurning = true;
         m_attempt->burn();
     }
-    if (event == Attempt::Event::end)
-        return ended();
-    if (event != Attempt::Event::step)
-        return Progress::nothing;
-    m_shown.step = m_attempt->step();
-    return Progress::step;
+    if (entry != Entry::end)
+        return false;
+    if (m_kept.is_object())
+        m_record = std::move(m_kept);
+    show();
+    return true;
+}
+
+void Maker::notWritten(const Refusal &refusal) {
+    m_entry = Entry::none;
+    m_hook.reset();
+    m_attempt.reset();
+    m_lost.reset();
+    m_shown.phase = Phase::fail;
+    m_shown.why = std::string("not recorded: ") + refusal.what();
 }
 
 void Maker::identified() {
@@ -140,7 +156,12 @@ void Maker::answered() {
 }
 
 void Maker::allow(const Json &supply) {
-    const Beginning beginning = m_shift.units.begin(m_record, m_shift.terms(), m_shift.delivers());
+    m_supply = supply;
+    m_entry = Entry::beginning;
+}
+
+void Maker::begun() {
+    const Beginning beginning = std::exchange(m_beginning, {});
     for (const Orphan &orphan : beginning.orphans)
         m_shift.orphan(orphan);
     m_isUsedUp = beginning.isUsedUp;
@@ -157,7 +178,7 @@ void Maker::allow(const Json &supply) {
     m_facts.uid = bytesOfHex(m_record.at("uid"));
     m_facts.time = std::time(nullptr);
     m_facts.order = m_shift.order;
-    m_facts.supply = textsOf(supply);
+    m_facts.supply = textsOf(m_supply);
     sendImage();
 }
 
@@ -189,14 +210,16 @@ void Maker::giveUpSameId() {
         decline("fail", "same-id", "another nest has met a chip with this identifier");
 }
 
-Maker::Progress Maker::ended() {
+bool Maker::ended() {
     const Outcome outcome = m_attempt->outcome();
     m_hook.reset();
     m_attempt.reset();
     const Retry retry = causeOf(outcome.cause).retry;
     const bool mayRetry = !m_verdict && !m_isBurning && m_mayRetry && m_tries <= m_shift.station.retries;
-    if (retry == Retry::none || !mayRetry)
-        return over(outcome);
+    if (retry == Retry::none || !mayRetry) {
+        over(outcome);
+        return false;
+    }
     m_lost = outcome;
     m_again = Clock::now() + std::chrono::seconds(retry == Retry::later ? m_shift.station.retryAfter : 0);
     m_shown.step = pausing;
@@ -205,32 +228,32 @@ Maker::Progress Maker::ended() {
 }
 
 // Begins the next try when it is time, or leaves it at the last one.
-Maker::Progress Maker::again() {
+bool Maker::again() {
     const bool mayRetry = m_mayRetry && !m_verdict;
     if (mayRetry && Clock::now() < m_again)
-        return Progress::nothing;
+        return false;
     const Outcome lost = *m_lost;
     m_lost.reset();
-    if (!mayRetry)
-        return over(lost);
-    begin();
-    return Progress::step;
+    if (mayRetry)
+        begin();
+    else
+        over(lost);
+    return mayRetry;
 }
 
-Maker::Progress Maker::over(const Outcome &outcome) {
+void Maker::over(const Outcome &outcome) {
     setOutcome(m_record, outcome, m_tries);
     if (m_verdict)
         setResult(m_record, m_verdict->result, m_verdict->cause, m_verdict->text);
-    keep();
-    return Progress::over;
+    m_kept = Json();
+    m_entry = Entry::end;
 }
 
 void Maker::keep() {
     if (isBegun())
-        m_record = m_shift.units.close(m_record, m_shift.delivers());
+        m_kept = m_shift.units.close(m_record, m_shift.delivers());
     else if (m_record.at("result") != "interrupted") // of which nothing has come
-        m_record = m_shift.units.note(m_record, m_shift.delivers());
-    show();
+        m_kept = m_shift.units.note(m_record, m_shift.delivers());
 }
 
 void Maker::show() {

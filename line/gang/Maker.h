@@ -9,6 +9,7 @@
 #include "line/gang/Shift.h"
 #include "line/hooks/Hook.h"
 #include "line/view/State.h"
+#include "programs/Status.h"
 
 // Makes units at one nest, one after the other. Whoever waits in poll() drives it; nothing here waits, but for the
 // disk. What the operator sees of a unit follows what the register knows: PASS is shown after it is on disk.
@@ -21,7 +22,7 @@ public:
 
     // Begins a unit.
     void start();
-    bool isBusy() const { return m_attempt || m_lost; }
+    bool isBusy() const { return m_attempt || m_lost || m_entry != Entry::none; }
     // The identifier of the chip that is being made, empty while it is not known.
     std::string uid() const;
 
@@ -31,14 +32,19 @@ public:
     void watch(std::vector<pollfd> &all) const;
     Clock::time_point deadline() const;
 
-    enum class Progress {
-        nothing, // more, for now
-        step,    // another one has begun; there may be more to do
-        over     // the unit is over and, where it began, in the register
-    };
-    // Does what can be done now. Refusal of the register goes through, and then the unit is over too, and nothing of
-    // how it ended is known.
-    Progress proceed();
+    // Does what can be done now without the register. True where another step has begun: there may be more to do.
+    bool proceed();
+
+    // What it has for the register, which has to be written before anything else is done. What has ended makes room for
+    // what begins, and what begins may tell that something must not burn.
+    enum class Entry { end, beginning, burning, none };
+    Entry entry() const { return m_entry; }
+    // Writes it. Refusal of the register goes through.
+    void write();
+    // After that is on disk. True where the unit is over; else there may be more to do.
+    bool written();
+    // In its place where it could not be written: the unit is over, and nothing of how it ended is known.
+    void notWritten(const Refusal &refusal);
     // Of the unit that is over.
     const Json &record() const { return m_record; }
     bool isUsedUp() const { return m_isUsedUp; } // it was refused because there are no more numbers or units
@@ -52,16 +58,16 @@ public:
 
 private:
     void begin();
-    Progress work();
-    Progress take(Attempt::Event event);
+    bool take(Attempt::Event event);
     void identified();
     void answered();
     void allow(const Json &supply);
+    void begun();
     void sendImage();
     void decline(const char *result, const std::string &cause, const std::string &text);
-    Progress ended();
-    Progress again();
-    Progress over(const Outcome &outcome);
+    bool ended();
+    bool again();
+    void over(const Outcome &outcome);
     void keep();
     void show();
     bool isBegun() const { return m_record.at("attempt").is_number(); }
@@ -73,6 +79,10 @@ private:
     UnitFacts m_facts;
     std::unique_ptr<Attempt> m_attempt;
     std::unique_ptr<Hook> m_hook;
+    Entry m_entry = Entry::none;
+    Json m_supply;                 // of the hook, for what begins
+    Beginning m_beginning;         // as it was written
+    Json m_kept;                   // the same of the end; null where nothing was
     std::optional<Outcome> m_lost; // of the last try, before the next one
     Clock::time_point m_again;     // when that begins
     struct Verdict {

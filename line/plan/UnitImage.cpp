@@ -40,6 +40,10 @@ void lay(Runs &runs, Run run) {
     const auto touches = [&](const Run &other) { return other.address <= run.end() && run.address <= other.end(); };
     const auto first = std::find_if(runs.begin(), runs.end(), touches);
     const auto last = std::find_if_not(first, runs.end(), touches);
+    if (first != last && first->address <= run.address && run.end() <= first->end()) {
+        first->bytes.replace(run.address - first->address, run.bytes.size(), run.bytes);
+        return;
+    }
     if (first != last) {
         const std::uint32_t address = std::min(first->address, run.address);
         const std::uint64_t end = std::max((last - 1)->end(), run.end());
@@ -80,15 +84,18 @@ Runs unitImageOf(const Job &job, const Runs &image, const UnitFacts &facts) {
     return runs;
 }
 
-Runs wholeWords(const Runs &runs) {
+Runs wholeWords(Runs runs) {
     Runs whole;
-    for (const Run &run : runs) {
+    for (Run &run : runs) {
         const std::uint32_t first = run.address - run.address % wordSize;
         if (whole.empty() || whole.back().end() < first)
             whole.push_back({first, {}});
         Run &last = whole.back();
         last.bytes.resize(run.address - last.address, blank); // or takes the filling of the one before away
-        last.bytes += run.bytes;
+        if (last.bytes.empty())
+            last.bytes = std::move(run.bytes); // an image is large
+        else
+            last.bytes += run.bytes;
         last.bytes.resize((last.bytes.size() + wordSize - 1) / wordSize * wordSize, blank);
     }
     return whole;

@@ -28,7 +28,7 @@ Runs imageOf(const Job &job, const Chip &chip);
 Runs unitImageOf(const Job &job, const Runs &image, const UnitFacts &facts);
 
 // The same in whole words of 4 bytes, as chips are written; what a word lacks is FF.
-Runs wholeWords(const Runs &runs);
+Runs wholeWords(Runs runs);
 
 // All bytes of them, one after the other.
 std::string bytesOf(const Runs &runs);

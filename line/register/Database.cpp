@@ -129,6 +129,8 @@ std::int64_t Database::number(const char *statement, const std::vector<SqlValue>
 }
 
 void Database::together(const std::function<void()> &work) {
+    if (sqlite3_get_autocommit(m_database) == 0)
+        return work();
     tell("BEGIN IMMEDIATE", {});
     try {
         work();

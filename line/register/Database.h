@@ -52,7 +52,8 @@ public:
     // The first number of an answer, and another where there is no row or NULL in it.
     std::int64_t number(const char *statement, const std::vector<SqlValue> &values, std::int64_t missing = 0);
 
-    // Does all of the work or, where it throws, nothing of it. Nobody else writes in between.
+    // Does all of the work or, where it throws, nothing of it. Nobody else writes in between. Within another one it is
+    // a part of that.
     void together(const std::function<void()> &work);
 
 private:

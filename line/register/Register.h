@@ -45,6 +45,10 @@ public:
     // Makes one where there is none, for its group to read and write.
     explicit Register(const std::string &path);
 
+    // Makes one commit of what is written by the functions below meanwhile: all of it is on disk when this returns, and
+    // nothing of it where the work throws.
+    void together(const std::function<void()> &work) { m_database.together(work); }
+
     // Keeps the text of a plan; records name its hash.
     void keepPlan(const std::string &hash, const std::string &name, std::int64_t quantity, const std::string &text);
 

@@ -244,6 +244,17 @@ TEST_F(PortWatchTest, LooksNoSoonerThanItSaysWhereNothingIsHeardOf) {
     EXPECT_EQ(watch.look(m_now + 250ms).size(), 1U);
 }
 
+TEST_F(PortWatchTest, OfPortsThatAreAllHeldThereIsNothingToLookFor) {
+    PortWatch watch({nest(path("A1")), nest(path("A2"))}, LinkKind::usart);
+    look(watch);
+    watch.hold(0);
+    EXPECT_LT(watch.next(), Clock::time_point::max());
+    watch.hold(1);
+    EXPECT_EQ(watch.next(), Clock::time_point::max());
+    watch.release(0);
+    EXPECT_EQ(watch.next(), Clock::time_point());
+}
+
 TEST_F(PortWatchTest, AnInterfaceIsThereByItsName) {
     PortWatch watch({nest("lo"), nest("nothing0")}, LinkKind::can);
     EXPECT_EQ(look(watch), (Events{{0, plugged}}));

@@ -250,6 +250,28 @@ TEST_F(RegisterTest, IsAFileOfThisMachine) {
         }
 }
 
+TEST_F(RegisterTest, WhatIsWrittenTogetherIsWrittenWholeOrNotAtAll) {
+    Register units = open();
+    Beginning one;
+    units.together([&] {
+        one = units.begin(record("u1"), terms, true);
+        EXPECT_EQ(units.begin(record("u1"), terms, true).cause, "same-id");
+        EXPECT_EQ(units.begin(record("u2"), terms, true).record.at("number"), 101);
+    });
+    EXPECT_EQ(one.record.at("number"), 100);
+    const auto fail = [&] {
+        units.close(closed(one.record, "pass"), true);
+        units.begin(record("u3"), terms, true);
+        units.close(closed(one.record, "pass"), true); // it is closed
+    };
+    EXPECT_THROW(units.together(fail), Refusal);
+    EXPECT_EQ(units.made("5be1", "PO-88"), 0);
+    EXPECT_EQ(units.howManyUndelivered("one"), 0);
+    EXPECT_EQ(units.begin(record("u4"), terms, true).record.at("number"), 102);
+    units.close(closed(one.record, "pass"), true);
+    EXPECT_EQ(open().made("5be1", "PO-88"), 1);
+}
+
 TEST_F(RegisterTest, AFullDiskBeginsNothing) {
     inAnother([this] {
         Register units = open();
