@@ -55,9 +55,17 @@ NestState nestOf(int nest, int time) {
     return state;
 }
 
+// Of characters that take two columns, and longer than any screen.
+std::string longTitle() {
+    std::string title;
+    for (int i = 0; i < 20; ++i)
+        title += "ZX100 基板コントローラ ";
+    return title;
+}
+
 State stateOf(int nests, int time) {
     State state;
-    state.title = "ZX100 controller 2.4.1";
+    state.title = nests == 1 ? longTitle() : "ZX100 controller 2.4.1";
     state.plan = "5be1c09a11112222333344445555666677778888999900001111222233334444";
     state.order = "PO-\033[31m88";
     state.made = 312 + time;
