@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <grp.h>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -234,6 +235,35 @@ TEST_F(RegisterTest, BelongsToItsGroup) {
         ASSERT_EQ(stat((path() + beside).c_str(), &info), 0);
         EXPECT_EQ(info.st_mode & 0777, 0660u) << beside;
     }
+}
+
+// With a mask that would keep its files from the group.
+TEST_F(RegisterTest, WhoIsOfItsGroupMakesUnitsAndNobodyElse) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can be several users";
+    constexpr gid_t group = 64999;
+    const std::string shared = dir + "/shared";
+    ASSERT_TRUE(chmod(dir.c_str(), 0755) == 0 && mkdir(shared.c_str(), 0700) == 0 &&
+                chown(shared.c_str(), 0, group) == 0 && chmod(shared.c_str(), 02770) == 0);
+    const auto make = [&](uid_t user, gid_t further, bool may) {
+        inAnother([&] {
+            umask(077);
+            if (setgroups(1, &further) != 0 || setgid(user) != 0 || setuid(user) != 0)
+                _exit(2);
+            try {
+                Register units(shared + "/units.db");
+                units.keepPlan("5be1", "ZX100", 1000, "plan 1\n");
+                units.close(closed(units.begin(record(std::to_string(user)), terms, false).record, "pass"), false);
+                _exit(may ? 0 : 3);
+            } catch (const Refusal &) {
+                _exit(may ? 4 : 0);
+            }
+        });
+    };
+    make(64001, group, true);
+    make(64002, group, true);
+    make(64003, 64003, false);
+    EXPECT_EQ(Database(shared + "/units.db", Database::Purpose::reading).number("SELECT count(*) FROM attempt", {}), 2);
 }
 
 TEST_F(RegisterTest, IsAFileOfThisMachine) {
