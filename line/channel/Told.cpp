@@ -96,7 +96,8 @@ void check(const Json &message, const Member &member) {
 } // namespace
 
 void checkTold(const Json &message) {
-    const Json event = message.value("event", Json());
+    const auto told = message.find("event");
+    const std::string event = told != message.end() && told->is_string() ? told->get<std::string>() : "";
     bool isKnown = false;
     for (const Member &member : members)
         if (event == member.event) {

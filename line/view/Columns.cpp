@@ -1,5 +1,6 @@
 #include "line/view/Columns.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <locale.h>
 
@@ -43,9 +44,16 @@ bool isAscii(char c) {
     return static_cast<unsigned char>(c) < 0x80;
 }
 
+// As nearly all texts are: each byte is a character of one column.
+bool isPlain(const std::string &text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 } // namespace
 
 std::string shown(const std::string &text, const Glyphs &glyphs) {
+    if (isPlain(text))
+        return text;
     const ReadsUtf8 reads;
     const std::string plain = harmless(text);
     std::string all;
@@ -59,6 +67,8 @@ std::string shown(const std::string &text, const Glyphs &glyphs) {
 }
 
 std::size_t columnsOf(const std::string &shown) {
+    if (isPlain(shown))
+        return shown.size();
     const ReadsUtf8 reads;
     std::size_t columns = 0;
     for (std::size_t at = 0; at < shown.size();) {
