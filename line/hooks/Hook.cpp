@@ -29,7 +29,8 @@ const std::vector<std::string> environment = {"PATH=/usr/local/sbin:/usr/local/b
 // A file without a name: whoever does not read it holds nobody up.
 Descriptor fileOf(const std::string &text) {
     Descriptor file(memfd_create("said", MFD_CLOEXEC));
-    const bool written = write(file.number(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    const bool written =
+        file.isOpen() && write(file.number(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
     if (!written || lseek(file.number(), 0, SEEK_SET) != 0)
         fail("no room for what it is told");
     return file;

@@ -31,9 +31,10 @@ public:
     Hook(const Hook &) = delete;
     Hook &operator=(const Hook &) = delete;
 
-    // Adds what is to be waited for, until the deadline. There is nothing to wait for at the end.
+    // Adds what is to be waited for, until the deadline. At the end there is nothing to wait for, and the deadline has
+    // passed: one that could not be started is at its end from the beginning.
     void watch(std::vector<pollfd> &all) const;
-    Clock::time_point deadline() const { return m_deadline; }
+    Clock::time_point deadline() const { return m_process > 0 ? m_deadline : Clock::time_point(); }
 
     // Does what can be done now. True at the end, and from then on.
     bool proceed();

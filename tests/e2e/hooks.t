@@ -76,4 +76,23 @@ One that others may write to ends the line before it begins.
   zv32-line: station.toml:11: hook.before.run: SITE: others may write to it
   $ zv32-line units --station station.toml --json | wc -l
   10
+
+One that has gone meanwhile has failed at once, however long it might take.
+
+  $ chmod 755 "$site"; sed -i 's/^seconds = 1$/seconds = 1000/' station.toml
+  $ hook may-i "rm $site/deliver; echo '{\"ok\":true}'"; make
+  11 pass None 
+  $ zv32-line stats --station station.toml --json | grep undelivered
+    "undelivered": 1,
+  $ hook may-i "rm $site/may-i; echo '{\"ok\":true}'"; hook deliver "cat >>$site/told"
+  $ mkfifo keys; exec 8<>keys
+  $ zv32-line station job.toml --station station.toml --start key <keys >events & line_pid=$!
+  $ until_told() { until grep -q "$1" events; do sleep 0.01; done; }
+  $ until_told ready; printf 1 >&8; until_told PASS; printf 1 >&8; until_told REFUSED
+  $ kill -TERM $line_pid; wait $line_pid
+  [4]
+  $ grep REFUSED events | sed "s,$site,SITE,g"
+  A1 REFUSED not allowed: SITE/may-i: station.toml:11: hook.before.run: SITE/may-i: No such file or directory
+  $ attempts told
+  1 2 3 4 5 6 7 8 9 10 11 12 13 
   $ kill $chip

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -95,6 +96,29 @@ TEST_F(HookTest, FailuresSayWhy) {
     const HookCall broken = call("");
     std::ofstream(broken.run.front()) << "#!/nowhere/sh\n";
     EXPECT_EQ(ended(broken).failure, dir + "/hook: can't be run");
+}
+
+TEST_F(HookTest, OneThatCannotBeStartedHasEndedAndItsTimeIsOver) {
+    const HookCall gone = call("true", 3600);
+    std::filesystem::remove(gone.run.front());
+    Hook hook(gone, Json::object());
+    EXPECT_LE(hook.deadline(), Hook::Clock::now());
+    EXPECT_TRUE(hook.proceed());
+    EXPECT_EQ(hook.end().failure, gone.run.front() + ": station.toml:12: hook.before.run: " + gone.run.front() +
+                                      ": No such file or directory");
+}
+
+TEST_F(HookTest, SoHasOneWithoutRoomForAnotherDescriptor) {
+    const HookCall good = call("true", 3600);
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none = {0, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    Hook hook(good, Json::object());
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_LE(hook.deadline(), Hook::Clock::now());
+    EXPECT_TRUE(hook.proceed());
+    EXPECT_EQ(hook.end().failure, good.run.front() + ": no room for what it is told: Too many open files");
 }
 
 TEST_F(HookTest, OneThatHangsIsKilledWithAllThatItStarted) {
