@@ -109,7 +109,7 @@ bool Maker::written() {
     const Entry entry = std::exchange(m_entry, Entry::none);
     if (entry == Entry::beginning)
         begun();
-    if (entry == Entry::burning) {
+    if (entry == Entry::burning && !m_verdict) { // it may have been stopped by what was written with it
         m_isBurning = true;
         m_attempt->burn();
     }
