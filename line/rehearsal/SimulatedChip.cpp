@@ -30,9 +30,10 @@ bool comes(int descriptor) {
 
 } // namespace
 
-SimulatedChip::SimulatedChip(const std::string &chip, const std::string &keep)
+SimulatedChip::SimulatedChip(const std::string &chip, const std::string &keep, int unit)
     : m_directory(newDirectory()), m_port(m_directory + "/port") {
-    std::vector<std::string> words = {"--chip", chip, "--usart", m_port, "--log", "/dev/null"};
+    std::vector<std::string> words = {"--chip",  chip,   "--unit", std::to_string(unit),
+                                      "--usart", m_port, "--log",  "/dev/null"};
     if (!keep.empty())
         words.insert(words.end(), {"--state", keep});
     int ends[2];
