@@ -112,13 +112,15 @@ TEST_F(HookTest, SoHasOneWithoutRoomForAnotherDescriptor) {
     const HookCall good = call("true", 3600);
     rlimit before{};
     getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none = {0, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
+    const int next = dup(STDIN_FILENO);
+    close(next);
+    const rlimit three = {static_cast<rlim_t>(next) + 3, before.rlim_max}; // what it is told, and one pipe of two
+    setrlimit(RLIMIT_NOFILE, &three);
     Hook hook(good, Json::object());
     setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_LE(hook.deadline(), Hook::Clock::now());
     EXPECT_TRUE(hook.proceed());
-    EXPECT_EQ(hook.end().failure, good.run.front() + ": no room for what it is told: Too many open files");
+    EXPECT_EQ(hook.end().failure, good.run.front() + ": no pipe to be had: Too many open files");
 }
 
 TEST_F(HookTest, OneThatHangsIsKilledWithAllThatItStarted) {
