@@ -94,15 +94,16 @@ Status CanFraming::takeReply(const Command &command, Bytes &reply) {
         if (const Status status = takePart(command, reply, size); status != Status::ok)
             return status;
     } while (reply.size() < size);
-    const bool equalNeighbours = hasEqualNeighbours(reply);
-    if (const Status status = unwrap(command, reply); status != Status::ok)
-        return status;
     // In a reply of full frames only, a frame that came twice takes the place of the next one, and the last
     // frame is left over. The checksum can miss that, as two equal frames add nothing to it, so where two
     // neighbours are equal the frame that is left over has to show. Where an ACK follows the reply, it stands
     // in the place of the ACK, and shows.
-    const bool pushedOut = equalNeighbours && size % frameSize == 0 && command.reply.end != Reply::End::ack;
-    return pushedOut ? expectSilence(command.opcode, std::max(m_timing.quiet, doubleTime())) : Status::ok;
+    const bool mayBePushedOut =
+        size % frameSize == 0 && command.reply.end != Reply::End::ack && hasEqualNeighbours(reply);
+    const Status status = unwrap(command, reply);
+    return status == Status::ok && mayBePushedOut
+               ? expectSilence(command.opcode, std::max(m_timing.quiet, doubleTime()))
+               : status;
 }
 
 // Takes one frame of a reply. `size` is 0 until its count tells it.
