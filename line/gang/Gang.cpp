@@ -247,7 +247,7 @@ bool Gang::writeTogether(const std::vector<std::size_t> &nests) {
 
 void Gang::writeAlone(Maker &maker) {
     try {
-        m_shift.units.together([&] { maker.write(); });
+        maker.write();
     } catch (const Refusal &refusal) {
         maker.notWritten(refusal);
         throw;
