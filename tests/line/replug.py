@@ -21,6 +21,7 @@ import tempfile
 import time
 
 CHIP = "ZV32L021_16K"
+STEPS = ("connect", "identify", "erase", "write", "verify", "PASS")
 MARKER = b"unit follows it:"
 PATIENCE = 60  # seconds, for a machine that does much else
 JOB = f"""format = 1
@@ -105,7 +106,7 @@ class Line:
 
     def until(self, nest, beginning):
         end = time.monotonic() + PATIENCE
-        while not self.told.get(nest, "empty").startswith(beginning):
+        while nest not in self.told or not self.told[nest].startswith(beginning):
             if time.monotonic() > end:
                 raise SystemExit(f"replug: {nest} never told {beginning}\n" + "\n".join(self.lines[-40:]))
             self.read(1)
@@ -143,6 +144,7 @@ class Replug:
 
     def plug(self, nest, chip):
         self.line.passed[nest] = []
+        self.line.told.pop(nest, None)  # what is told from here on is told of this chip
         chip.plug(self.place / "nests" / nest)
 
     def take_out(self, nests, chips):
@@ -182,7 +184,6 @@ class Replug:
         others = self.new_chips()
         for nest, chip in zip(self.nests, chips):
             self.note(nest, chip)
-            del self.line.told[nest]
         self.plug_in(others)
         self.see(others)
         for chip in chips:
@@ -195,8 +196,9 @@ class Replug:
         chips = self.new_chips()
         self.plug_in(chips)
         if kind == 1:  # they leave while they are made, and go on at another nest
-            self.line.read(self.random.uniform(0, 0.2))
-            time.sleep(self.random.uniform(0, 0.1))
+            for nest, chip in zip(self.nests, chips):
+                self.line.until(nest, STEPS[self.random.randrange(len(STEPS)):])
+                chip.unplug()
             self.take_out(self.nests, chips)
             self.taken_out += sum(chip.made_at is None for chip in chips)
         else:
