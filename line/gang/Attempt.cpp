@@ -45,8 +45,10 @@ void writeAt(int file, const std::string &bytes, std::size_t place) {
 
 Attempt::Attempt(const Json &order) : m_shared(memfd_create("unit", MFD_CLOEXEC)) {
     int ends[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
-        throw std::runtime_error(std::string("no channel to be had: ") + std::strerror(errno));
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        m_obstacle = std::string("no channel to be had: ") + std::strerror(errno);
+        return; // over at once
+    }
     m_channel = std::make_unique<Channel>(ends[0]);
     const Descriptor theirs(ends[1]);
     try {
@@ -89,7 +91,7 @@ Attempt::Event Attempt::end(const char *cause, const std::string &text) {
 
 Attempt::Event Attempt::next() {
     if (!m_channel)
-        return Event::nothing;
+        return m_isOver ? Event::nothing : end("worker-crash", m_obstacle);
     try {
         m_channel->sendMore();
         Json message;
@@ -174,6 +176,8 @@ void Attempt::burn() {
 }
 
 void Attempt::stop() {
+    if (!m_channel)
+        return;
     m_channel->post({{"do", "stop"}});
     if (m_deadline == Clock::time_point::max())
         waitAtMost(limitOf(m_step));

@@ -39,7 +39,8 @@ public:
         end           // the port is free again
     };
 
-    // Begins it with the "make" of line/channel/Messages.h.
+    // Begins it with the "make" of line/channel/Messages.h. Where the machine gives no channel or process for it, it
+    // has failed at once.
     explicit Attempt(const Json &order);
     // One whose process is at the other end of a channel already, and has its order and the shared file.
     explicit Attempt(std::unique_ptr<Channel> channel, Descriptor shared = Descriptor());
@@ -70,6 +71,7 @@ private:
     void waitAtMost(int milliseconds);
 
     std::unique_ptr<Channel> m_channel;
+    std::string m_obstacle; // why it has none from the beginning
     std::unique_ptr<Child> m_worker;
     Descriptor m_shared; // a file without a name; the worker has it too
     Clock::time_point m_deadline;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -78,4 +79,23 @@ TEST_F(AttemptTest, TheImageStandsBehindTheProgress) {
     char bytes[imagePlace + 9];
     ASSERT_EQ(pread(shared, bytes, sizeof bytes, 0), static_cast<ssize_t>(imagePlace + 8));
     EXPECT_EQ(std::string(bytes + imagePlace, 8), "abcdefgh");
+}
+
+// What a machine without descriptors costs is the unit, not the line.
+TEST(AttemptWithoutChannel, HasFailedAtOnce) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const int next = dup(STDIN_FILENO);
+    close(next);
+    const rlimit two = {static_cast<rlim_t>(next) + 2, before.rlim_max}; // the shared file, and one end of the channel
+    setrlimit(RLIMIT_NOFILE, &two);
+    Attempt attempt(Json::object());
+    setrlimit(RLIMIT_NOFILE, &before);
+    attempt.stop();
+    EXPECT_LE(attempt.deadline(), Attempt::Clock::now());
+    EXPECT_EQ(attempt.next(), Attempt::Event::end);
+    EXPECT_EQ(attempt.outcome().cause, "worker-crash");
+    EXPECT_EQ(attempt.outcome().text, "connect: no channel to be had: Too many open files");
+    EXPECT_EQ(attempt.deadline(), Attempt::Clock::time_point::max());
+    EXPECT_EQ(attempt.next(), Attempt::Event::nothing);
 }
