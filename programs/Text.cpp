@@ -1,46 +1,80 @@
 #include "programs/Text.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace {
 
-constexpr unsigned char leadOfSecondControls = 0xC2; // then 80 to 9F
+// Characters of two bytes of UTF-8 and more that are not harmless, from the first to the last of a row.
+struct Controls {
+    std::string_view first;
+    std::string_view last;
+};
+constexpr Controls longControls[] = {
+    {"\xC2\x80", "\xC2\x9F"},
+    // Those that turn the direction of a text round.
+    {"\xD8\x9C", "\xD8\x9C"},
+    {"\xE2\x80\x8E", "\xE2\x80\x8F"},
+    {"\xE2\x80\xAA", "\xE2\x80\xAE"},
+    {"\xE2\x81\xA6", "\xE2\x81\xA9"},
+};
 
-bool isControl(unsigned char c) {
-    return c < ' ' || c == 0x7F;
+bool isPlain(char c) {
+    return c >= ' ' && c < '\x7F';
 }
 
-bool isSecondControl(const std::string &text, std::size_t at) {
-    return static_cast<unsigned char>(text[at]) == leadOfSecondControls && at + 1 < text.size() &&
-           static_cast<unsigned char>(text[at + 1]) < 0xA0;
+// What is not harmless at the beginning of a text; empty where all is well there.
+std::string_view controlOf(std::string_view text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    if (first < ' ' || first == 0x7F)
+        return text.substr(0, 1);
+    for (const Controls &controls : longControls) {
+        const std::string_view piece = text.substr(0, controls.first.size());
+        if (piece >= controls.first && piece <= controls.last)
+            return piece;
+    }
+    return {};
+}
+
+template <class Replace>
+std::string replaced(const std::string &text, Replace replace) {
+    std::string all;
+    for (std::string_view rest = text; !rest.empty();) {
+        const auto plain = static_cast<std::size_t>(std::find_if_not(rest.begin(), rest.end(), isPlain) - rest.begin());
+        all += rest.substr(0, plain);
+        rest.remove_prefix(plain);
+        const std::string_view control = rest.empty() ? rest : controlOf(rest);
+        all += control.empty() ? std::string(rest.substr(0, 1)) : replace(control);
+        rest.remove_prefix(std::min(rest.size(), std::max<std::size_t>(control.size(), 1)));
+    }
+    return all;
+}
+
+// As JSON writes a character of up to three bytes of UTF-8 in ASCII.
+std::string jsonEscape(std::string_view character) {
+    constexpr unsigned ofFirst[] = {0x7F, 0x1F, 0x0F};
+    unsigned code = static_cast<unsigned char>(character.front()) & ofFirst[character.size() - 1];
+    for (const char next : character.substr(1))
+        code = code << 6 | (static_cast<unsigned char>(next) & 0x3FU);
+    const char bytes[] = {static_cast<char>(code >> 8), static_cast<char>(code)};
+    return "\\u" + hexOf(bytes, sizeof bytes);
 }
 
 } // namespace
 
 std::string harmless(const std::string &text) {
-    std::string shown;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        const bool ofTwo = isSecondControl(text, i);
-        shown += isControl(c) || ofTwo ? '?' : text[i];
-        i += ofTwo ? 1 : 0;
-    }
-    return shown;
+    return replaced(text, [](std::string_view) { return std::string("?"); });
 }
 
 bool isHarmless(const std::string &text) {
     return harmless(text) == text;
 }
 
+// The line ends between the values of JSON stand; there are none in them.
 std::string harmlessJson(const std::string &json) {
-    if (json.find('\x7F') == json.npos && json.find('\xC2') == json.npos) // quicker than together
-        return json;
-    std::string shown;
-    for (std::size_t i = 0; i < json.size(); ++i) {
-        const bool isOfTwo = isSecondControl(json, i);
-        const bool isOne = json[i] == '\x7F';
-        i += isOfTwo ? 1 : 0;
-        shown += isOfTwo || isOne ? "\\u00" + hexOf(&json[i], 1) : std::string(1, json[i]);
-    }
-    return shown;
+    return replaced(json, [](std::string_view control) {
+        return static_cast<unsigned char>(control.front()) < ' ' ? std::string(control) : jsonEscape(control);
+    });
 }
 
 std::string hexOf(const void *bytes, std::size_t length) {

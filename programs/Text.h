@@ -2,8 +2,9 @@
 
 #include <string>
 
-// The text with "?" in the place of each control character, those of two bytes in UTF-8 too: what comes from a file or
-// a chip could tell a terminal something.
+// The text with "?" in the place of each control character, also of those that are longer in UTF-8 and of those that
+// turn the direction of a text round: what comes from a file or a chip could tell a terminal something, or a reader
+// what is not so.
 std::string harmless(const std::string &text);
 
 // Whether there is one in it.

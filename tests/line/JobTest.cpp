@@ -21,6 +21,7 @@ const Mistake mistakes[] = {
     {"name = \"ZX100\"", "name = \"\"", ":2: name: is empty, or holds control characters"},
     {"name = \"ZX100\"", "name = \"a\\u001b[2J\"", ":2: name: is empty, or holds control characters"},
     {"name = \"ZX100\"", "name = \"a\\u009b2J\"", ":2: name: is empty, or holds control characters"},
+    {"name = \"ZX100\"", "name = \"a\\u202e2\"", ":2: name: is empty, or holds control characters"},
     {"quantity = 1000", "quantity = \"1000\"", ":3: quantity: must be a whole number, and is a text"},
     {"quantity = 1000", "quantity = 0", ":3: quantity: is not within 1 and 1000000000"},
     {"quantity = 1000", "number = 3", ":1: quantity: is missing"},
