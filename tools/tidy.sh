@@ -17,4 +17,4 @@ if [ "${1:-}" = --list ]; then
 fi
 
 # How many warnings of system headers were passed over is of no interest.
-printf '%s\0' "${files[@]}" | xargs -0 -P "$(nproc)" -n 1 clang-tidy -p build/clang --quiet 2> >(grep -v 'warnings generated\|^$' >&2)
+printf '%s\0' "${files[@]}" | xargs -0 -P "$(nproc)" -n 1 clang-tidy -p build/clang --quiet 2> >(grep -v 'warnings\? generated\|^$' >&2)
