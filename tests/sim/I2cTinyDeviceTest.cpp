@@ -30,6 +30,7 @@ const char acknowledged[] = "01";
 const char notAcknowledged[] = "02";
 
 TEST_F(I2cTinyDeviceTest, theDriverFindsItsWay) {
+    EXPECT_EQ(showBytes(device.descriptors().device), "12 01 10 01 FF 00 00 08 03 04 31 C6 05 02 00 01 02 01");
     EXPECT_EQ(control("C1 00 34 12 00 00 02 00"), "34 12");       // echo
     EXPECT_EQ(control("C1 01 00 00 00 00 04 00"), "09 00 FF 0E"); // functions
     EXPECT_EQ(control("41 02 0A 00 00 00 00 00"), "done");        // delay
