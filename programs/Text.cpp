@@ -1,6 +1,7 @@
 #include "programs/Text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -43,9 +44,11 @@ std::string replaced(const std::string &text, Replace replace) {
         const auto plain = static_cast<std::size_t>(std::find_if_not(rest.begin(), rest.end(), isPlain) - rest.begin());
         all += rest.substr(0, plain);
         rest.remove_prefix(plain);
-        const std::string_view control = rest.empty() ? rest : controlOf(rest);
-        all += control.empty() ? std::string(rest.substr(0, 1)) : replace(control);
-        rest.remove_prefix(std::min(rest.size(), std::max<std::size_t>(control.size(), 1)));
+        if (rest.empty())
+            break;
+        const std::string_view control = controlOf(rest);
+        all += control.empty() ? std::string(1, rest.front()) : replace(control);
+        rest.remove_prefix(std::max<std::size_t>(control.size(), 1));
     }
     return all;
 }
@@ -72,6 +75,11 @@ bool isHarmless(const std::string &text) {
 
 // The line ends between the values of JSON stand; there are none in them.
 std::string harmlessJson(const std::string &json) {
+    const auto has = [&](char byte) { return json.find(byte) != json.npos; };
+    const bool mayHold = has('\x7F') || std::any_of(std::begin(longControls), std::end(longControls),
+                                                    [&](const Controls &row) { return has(row.first.front()); });
+    if (!mayHold) // each record of an export: quicker than byte by byte
+        return json;
     return replaced(json, [](std::string_view control) {
         return static_cast<unsigned char>(control.front()) < ' ' ? std::string(control) : jsonEscape(control);
     });
