@@ -1,10 +1,13 @@
 #include "line/gang/Attempt.h"
 
+#include <optional>
+
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include "tests/line/FewDescriptors.h"
 
 namespace {
 
@@ -83,14 +86,9 @@ TEST_F(AttemptTest, TheImageStandsBehindTheProgress) {
 
 // What a machine without descriptors costs is the unit, not the line.
 TEST(AttemptWithoutChannel, HasFailedAtOnce) {
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const int next = dup(STDIN_FILENO);
-    close(next);
-    const rlimit two = {static_cast<rlim_t>(next) + 2, before.rlim_max}; // the shared file, and one end of the channel
-    setrlimit(RLIMIT_NOFILE, &two);
+    std::optional<FewDescriptors> few(2); // the shared file, and one end of the channel
     Attempt attempt(Json::object());
-    setrlimit(RLIMIT_NOFILE, &before);
+    few.reset();
     attempt.stop();
     EXPECT_LE(attempt.deadline(), Attempt::Clock::now());
     EXPECT_EQ(attempt.next(), Attempt::Event::end);

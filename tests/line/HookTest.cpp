@@ -4,14 +4,15 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "line/hooks/HookFile.h"
 #include "line/hooks/Permission.h"
 #include "programs/Status.h"
+#include "tests/line/FewDescriptors.h"
 #include "tests/line/SiteFiles.h"
 
 namespace {
@@ -110,14 +111,9 @@ TEST_F(HookTest, OneThatCannotBeStartedHasEndedAndItsTimeIsOver) {
 
 TEST_F(HookTest, SoHasOneWithoutRoomForAnotherDescriptor) {
     const HookCall good = call("true", 3600);
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const int next = dup(STDIN_FILENO);
-    close(next);
-    const rlimit three = {static_cast<rlim_t>(next) + 3, before.rlim_max}; // what it is told, and one pipe of two
-    setrlimit(RLIMIT_NOFILE, &three);
+    std::optional<FewDescriptors> few(3); // what it is told, and one pipe of two
     Hook hook(good, Json::object());
-    setrlimit(RLIMIT_NOFILE, &before);
+    few.reset();
     EXPECT_LE(hook.deadline(), Hook::Clock::now());
     EXPECT_TRUE(hook.proceed());
     EXPECT_EQ(hook.end().failure, good.run.front() + ": no pipe to be had: Too many open files");

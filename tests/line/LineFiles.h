@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdlib.h>
 #include <string>
 
@@ -22,6 +23,12 @@ protected:
 
     std::string path(const std::string &name) const { return dir + '/' + name; }
     void write(const std::string &name, const std::string &text) const { std::ofstream(path(name)) << text; }
+    // Whether these bytes stand in a file, one after the other.
+    bool holds(const std::string &name, const std::string &bytes) const {
+        std::stringstream content;
+        content << std::ifstream(path(name)).rdbuf();
+        return content.str().find(bytes) != std::string::npos;
+    }
 
     // The job with another text in the place of one that stands in it once.
     std::string with(const std::string &old, const std::string &other) const {

@@ -1,7 +1,6 @@
 #include "line/gang/Maker.h"
 
 #include <memory>
-#include <sstream>
 
 #include <poll.h>
 
@@ -67,10 +66,8 @@ protected:
     }
     bool chipIsBurnt() {
         chip.reset();
-        std::stringstream memory;
-        memory << std::ifstream(path("chip")).rdbuf();
-        EXPECT_NE(memory.str().find("abcd"), std::string::npos);
-        return memory.str().find(burnt) != std::string::npos;
+        EXPECT_TRUE(holds("chip", "abcd"));
+        return holds("chip", burnt);
     }
     std::int64_t burning() const {
         const char *const of = "SELECT burning FROM attempt WHERE nest = 'A1'";

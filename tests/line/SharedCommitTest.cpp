@@ -1,7 +1,6 @@
 #include <csignal>
 #include <functional>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -145,9 +144,7 @@ protected:
     }
     // Whether a chip has the image with a number in it.
     bool isWhole(const std::string &nest, char number) const {
-        std::stringstream memory;
-        memory << std::ifstream(path(nest)).rdbuf();
-        return memory.str().find(std::string("abcd") + number + std::string(3, '\0')) != std::string::npos;
+        return holds(nest, std::string("abcd") + number + std::string(3, '\0'));
     }
 
     std::vector<std::unique_ptr<SimulatedChip>> chips;
