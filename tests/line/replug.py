@@ -106,7 +106,7 @@ class Line:
 
     def until(self, nest, beginning):
         end = time.monotonic() + PATIENCE
-        while nest not in self.told or not self.told[nest].startswith(beginning):
+        while not self.told.get(nest, "").startswith(beginning):
             if time.monotonic() > end:
                 raise SystemExit(f"replug: {nest} never told {beginning}\n" + "\n".join(self.lines[-40:]))
             self.read(1)
